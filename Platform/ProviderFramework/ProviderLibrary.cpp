@@ -1,0 +1,59 @@
+#include "Platform/ProviderFramework/ProviderLibrary.h"
+
+#include <dlfcn.h>
+#include <string_view>
+
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace {
+
+constexpr std::string_view kPrefix = "lib";
+constexpr std::string_view kSuffix = ".so";
+
+using Factory = urma::pf::Provider* (*)();
+
+[[noreturn]] void fail(const TSKString& message) {
+    throw TeskBaseException("ProviderLibrary::load", message, CIM_ERR_FAILED);
+}
+
+TSKString fileNameOf(const TSKString& file) {
+    return file.right(file.length() - static_cast<unsigned long>(file.reverseFind('/') + 1));
+}
+
+TSKString factoryNameOf(const TSKString& fileName) {
+    const std::string_view name = fileName;
+    return TSKString("getTesk") +
+           TSKString(name.substr(kPrefix.size(), name.size() - kPrefix.size() - kSuffix.size()));
+}
+
+}  // namespace
+
+urma::pf::Provider& ProviderLibrary::load(const TSKString& file) {
+    const TSKString fileName = fileNameOf(file);
+    if (!isLibraryName(fileName))
+        fail("The name of the file is not libNAME.so");
+
+    // The path must hold a slash, or the system would look for the name in its own folders.
+    const TSKString path = file.find('/') < 0 ? "./" + file : file;
+    void* library = dlopen(path.data(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr)
+        fail(dlerror());
+
+    const TSKString factoryName = factoryNameOf(fileName);
+    const auto factory = reinterpret_cast<Factory>(dlsym(library, factoryName.data()));
+    if (factory == nullptr) {
+        dlclose(library);
+        fail("The library does not export the function " + factoryName);
+    }
+    urma::pf::Provider* provider = factory();
+    if (provider == nullptr)
+        fail("The function " + factoryName + " returned no provider");
+    return *provider;
+}
+
+bool ProviderLibrary::isLibraryName(const TSKString& fileName) {
+    const std::string_view name = fileName;
+    return name.size() > kPrefix.size() + kSuffix.size() && name.starts_with(kPrefix) &&
+           name.ends_with(kSuffix);
+}

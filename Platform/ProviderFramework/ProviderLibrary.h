@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Platform/ProviderFramework/Provider.h"
+#include "Platform/Util/Export.h"
+#include "Platform/Util/TSKString.h"
+
+/// Loads provider libraries.
+///
+/// Thread safety: may be used by several threads at once.
+class TESK_PLATFORM_EXPORT ProviderLibrary {
+  public:
+    /// Loads the library libNAME.so at the path `file` and returns the provider that its factory
+    /// getTeskNAME hands out. The provider belongs to the library, which stays loaded until the
+    /// process ends, since nobody knows what threads and callbacks it has started.
+    ///
+    /// Errors: TeskBaseException with CIM_ERR_FAILED and the reason, when the file cannot be
+    /// loaded, has no factory, or the factory returns null. Whatever the factory throws.
+    [[nodiscard]] static urma::pf::Provider& load(const TSKString& file);
+
+    /// Whether a file of that name, without its folder, is taken for a provider library:
+    /// libNAME.so.
+    [[nodiscard]] static bool isLibraryName(const TSKString& fileName);
+};

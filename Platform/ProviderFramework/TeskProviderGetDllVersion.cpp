@@ -1,0 +1,6 @@
+#include "Platform/ProviderFramework/TeskProviderGetDllVersion.h"
+
+bool TeskProviderGetDllVersion(TSKString& version) {
+    version = TESK_VERSION;
+    return true;
+}

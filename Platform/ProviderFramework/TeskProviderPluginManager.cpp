@@ -1,0 +1,203 @@
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <ranges>
+#include <string>
+#include <system_error>
+
+#include "Platform/ProviderFramework/ProviderLibrary.h"
+#include "Platform/Util/TSKLog.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace {
+
+using Failures = TeskProviderPluginManager::Failures;
+
+TSKInstalled<TeskProviderPluginManager> installedManager;
+
+void log(TeskTraceLog::Severity severity, const TSKString& message) {
+    TSKLog::log("TeskProviderPluginManager", message, severity, TeskTraceLog::VerbosityNormal, 0,
+                TSKLog::CIMOMLOG);
+}
+
+void report(Failures& failures, const TSKString& file, const TSKString& reason) {
+    log(TeskTraceLog::SeverityError, file + ": " + reason);
+    failures.push_back({.file = file, .reason = reason});
+}
+
+// Runs one step of a provider's life. Returns why it failed, nothing when it did not: a provider
+// may throw anything.
+template <typename Step>
+std::optional<TSKString> failureOf(const char* name, const Step& step) {
+    try {
+        step();
+        return std::nullopt;
+    } catch (const TeskBaseException& exception) {
+        return TSKString(name) + " failed: " + exception.getMessage();
+    } catch (const std::exception& exception) {
+        return TSKString(name) + " failed: " + exception.what();
+    } catch (...) {
+        return TSKString(name) + " failed with an exception of unknown type";
+    }
+}
+
+// The paths of the libraries in a folder, sorted. Throws std::filesystem::filesystem_error.
+std::vector<std::string> librariesIn(const TSKString& folder) {
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.data())) {
+        if (ProviderLibrary::isLibraryName(entry.path().filename().c_str()))
+            files.push_back(entry.path().string());
+    }
+    std::ranges::sort(files);
+    return files;
+}
+
+}  // namespace
+
+TeskProviderPluginManager::~TeskProviderPluginManager() = default;
+
+TSKSmrPtr<TeskProviderPluginManager> TeskProviderPluginManager::getTeskProviderPluginManager() {
+    return installedManager.get();
+}
+
+TSKSmrPtr<TeskProviderPluginManager> TeskProviderPluginManager::setTeskProviderPluginManager(
+    TSKSmrPtr<TeskProviderPluginManager> manager) {
+    return installedManager.install(std::move(manager));
+}
+
+TSKValSlist<TSKString> TeskProviderPluginManager::getNamespaceList() const {
+    const TSKSmrPtr<ITeskNamespaceList> namespaces = namespaces_.get();
+    return namespaces ? namespaces->getNamespaceList() : TSKValSlist<TSKString>();
+}
+
+TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::getRepository() const {
+    return repository_.get();
+}
+
+bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const TSKString& uri) {
+    const auto refuse = [&](const char* reason) {
+        log(TeskTraceLog::SeverityWarning,
+            "The URI " + uri + " is refused to the provider " + providerName + ": " + reason);
+        return false;
+    };
+    const std::lock_guard lock(mutex_);
+    if (findEntry(providerName) == nullptr)
+        return refuse("there is no such provider");
+    switch (routes_.add(providerName, uri)) {
+        case URIRoutingTable::Outcome::kMalformed:
+            return refuse("it does not begin with a slash");
+        case URIRoutingTable::Outcome::kTaken:
+            return refuse("another provider has registered it");
+        case URIRoutingTable::Outcome::kAdded:
+            break;
+    }
+    return true;
+}
+
+TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
+    TSKSmrPtr<ITeskNamespaceList> namespaces) {
+    return namespaces_.install(std::move(namespaces));
+}
+
+TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
+    TSKSmrPtr<ITeskRepository> repository) {
+    return repository_.install(std::move(repository));
+}
+
+Failures TeskProviderPluginManager::loadProviders(const TSKString& folder) {
+    Failures failures;
+    std::vector<std::string> files;
+    if (const auto failure = failureOf("Reading the folder", [&] { files = librariesIn(folder); }))
+        report(failures, folder, *failure);
+    for (const std::string& file : files) {
+        const TSKString path = file.c_str();
+        if (const auto failure =
+                failureOf("Loading", [&] { addEntry(ProviderLibrary::load(path), path); }))
+            report(failures, path, *failure);
+    }
+    return failures;
+}
+
+Failures TeskProviderPluginManager::addProvider(urma::pf::Provider& provider,
+                                                const TSKString& origin) {
+    Failures failures;
+    if (const auto failure = failureOf("Adding", [&] { addEntry(provider, origin); }))
+        report(failures, origin, *failure);
+    return failures;
+}
+
+Failures TeskProviderPluginManager::startup() {
+    Failures failures;
+    for (const Entry& entry : std::vector(entries_)) {
+        if (const auto failure = failureOf("Start-up", [&] { entry.provider->startup(); })) {
+            removeEntry(entry);
+            report(failures, entry.file, *failure);
+        }
+    }
+    return failures;
+}
+
+Failures TeskProviderPluginManager::postStartup() {
+    Failures failures;
+    const auto callAll = [&](const char* name, void (urma::pf::Provider::*step)()) {
+        for (const Entry& entry : std::vector(entries_)) {
+            const auto failure = failureOf(name, [&] { (entry.provider->*step)(); });
+            if (!failure)
+                continue;
+            removeEntry(entry);
+            report(failures, entry.file, *failure);
+            if (const auto another = failureOf("Shut-down", [&] { entry.provider->shutdown(); }))
+                report(failures, entry.file, *another);
+        }
+    };
+    callAll("Post-start-up", &urma::pf::Provider::postStartup);
+    callAll("Completion of post-start-up", &urma::pf::Provider::postStartupIsComplete);
+    return failures;
+}
+
+Failures TeskProviderPluginManager::shutdown() {
+    Failures failures;
+    const std::vector<Entry> entries = entries_;
+    for (const Entry& entry : std::views::reverse(entries)) {
+        removeEntry(entry);
+        if (const auto failure = failureOf("Shut-down", [&] { entry.provider->shutdown(); }))
+            report(failures, entry.file, *failure);
+    }
+    return failures;
+}
+
+urma::pf::Provider* TeskProviderPluginManager::findProvider(const TSKString& path) const {
+    const std::shared_lock lock(mutex_);
+    const TSKString* name = routes_.find(path);
+    if (name == nullptr)
+        return nullptr;
+    const Entry* entry = findEntry(*name);
+    return entry == nullptr ? nullptr : entry->provider;
+}
+
+const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntry(
+    const TSKString& providerName) const {
+    const auto entry = std::ranges::find(entries_, providerName, &Entry::name);
+    return entry == entries_.end() ? nullptr : &*entry;
+}
+
+void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSKString& file) {
+    const TSKString name = provider.getProviderName();
+    if (const Entry* other = findEntry(name))
+        throw TeskBaseException(
+            "TeskProviderPluginManager::addEntry",
+            "A provider of the name " + name + " is already there, from " + other->file,
+            CIM_ERR_ALREADY_EXISTS);
+    const std::lock_guard lock(mutex_);
+    entries_.push_back({.provider = &provider, .name = name, .file = file});
+}
+
+void TeskProviderPluginManager::removeEntry(const Entry& entry) {
+    const std::lock_guard lock(mutex_);
+    routes_.removeProvider(entry.name);
+    std::erase_if(entries_, [&](const Entry& other) { return other.provider == entry.provider; });
+}

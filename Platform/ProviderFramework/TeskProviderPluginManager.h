@@ -1,0 +1,100 @@
+#pragma once
+
+#include <shared_mutex>
+#include <vector>
+
+#include "Platform/Cim/ITeskRepository.h"
+#include "Platform/ProviderFramework/ITeskNamespaceList.h"
+#include "Platform/ProviderFramework/Provider.h"
+#include "Platform/ProviderFramework/TeskProviderFailure.h"
+#include "Platform/ProviderFramework/URIRoutingTable.h"
+#include "Platform/Util/Export.h"
+#include "Platform/Util/TSKInstalled.h"
+#include "Platform/Util/TSKSmrPtr.h"
+#include "Platform/Util/TSKString.h"
+#include "Platform/Util/TSKValSlist.h"
+
+/// Loads the provider plug-ins, drives them through their life, and is what they reach the object
+/// manager through: its namespaces, its repository, and the URIs whose requests they get.
+///
+/// A provider that fails is left out: its URIs are removed, it gets no further call, and the others
+/// go on. The failure is logged and returned with the library's file and the reason.
+///
+/// Thread safety: loadProviders, addProvider, startup, postStartup and shutdown are called by one
+/// thread; everything else may be used by several threads at once.
+class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
+  public:
+    using Failures = std::vector<TeskProviderFailure>;
+
+    TeskProviderPluginManager() = default;
+    TeskProviderPluginManager(const TeskProviderPluginManager&) = delete;
+    TeskProviderPluginManager& operator=(const TeskProviderPluginManager&) = delete;
+    virtual ~TeskProviderPluginManager();
+
+    /// The plug-in manager of the process, null where the object manager has installed none.
+    [[nodiscard]] static TSKSmrPtr<TeskProviderPluginManager> getTeskProviderPluginManager();
+
+    // What providers call.
+
+    /// The names of the CIM namespaces that the object manager holds.
+    [[nodiscard]] TSKValSlist<TSKString> getNamespaceList() const;
+
+    /// The object manager's class definitions as they are now, null where there are none. Whoever
+    /// holds the pointer keeps seeing the same definitions, also when the object manager loads
+    /// others.
+    [[nodiscard]] TSKSmrPtr<ITeskRepository> getRepository() const;
+
+    /// Routes the requests whose path begins with `uri` to the named provider; see URIRoutingTable.
+    /// Returns whether it does: not when `uri` does not begin with `/`, when no provider of that
+    /// name is there, or when another provider has registered `uri`. A refusal is logged. Virtual,
+    /// so that an object manager can watch over registrations.
+    virtual bool registerURI(const TSKString& providerName, const TSKString& uri);
+
+    // What the object manager calls.
+
+    /// Makes `manager` the plug-in manager of the process, null for none. Returns the one before.
+    static TSKSmrPtr<TeskProviderPluginManager> setTeskProviderPluginManager(
+        TSKSmrPtr<TeskProviderPluginManager> manager);
+
+    /// Both return what was installed before.
+    TSKSmrPtr<ITeskNamespaceList> setNamespaceList(TSKSmrPtr<ITeskNamespaceList> namespaces);
+    TSKSmrPtr<ITeskRepository> setRepository(TSKSmrPtr<ITeskRepository> repository);
+
+    /// Loads every library lib*.so of the folder, in the order of their names.
+    Failures loadProviders(const TSKString& folder);
+
+    /// Adds a provider that is no library of its own. It must outlive the manager or its
+    /// shutdown(); `origin` stands for its file in messages.
+    Failures addProvider(urma::pf::Provider& provider, const TSKString& origin);
+
+    /// Starts all providers, in the order in which they were added.
+    Failures startup();
+
+    /// Calls postStartup of all providers, then postStartupIsComplete of all. One that fails is
+    /// shut down.
+    Failures postStartup();
+
+    /// Shuts all providers down, the last one first, and forgets them.
+    Failures shutdown();
+
+    /// The provider that a request for `path` belongs to, null when it belongs to none.
+    [[nodiscard]] urma::pf::Provider* findProvider(const TSKString& path) const;
+
+  private:
+    struct Entry {
+        urma::pf::Provider* provider;
+        TSKString name;
+        TSKString file;
+    };
+
+    [[nodiscard]] const Entry* findEntry(const TSKString& providerName) const;
+    void addEntry(urma::pf::Provider& provider, const TSKString& file);
+    void removeEntry(const Entry& entry);
+
+    TSKInstalled<ITeskNamespaceList> namespaces_;
+    TSKInstalled<ITeskRepository> repository_;
+
+    mutable std::shared_mutex mutex_;
+    URIRoutingTable routes_;      // guarded by mutex_
+    std::vector<Entry> entries_;  // changed under mutex_, by the life-cycle thread alone
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <iosfwd>
+#include <vector>
+
+#include "Platform/Soap/SOAPQName.h"
+#include "Platform/Util/Export.h"
+#include "Platform/Util/TSKReferenceCount.h"
+#include "Platform/Util/TSKSmrPtr.h"
+#include "Platform/Util/TSKString.h"
+
+/// An element of an XML tree: a name, attributes and child elements. Children and attributes keep
+/// the order in which they were added.
+///
+/// An element may be the child of several parents, and is then printed below each; it must not
+/// become its own descendant. A tree is printed and destroyed recursively: it may be as deep as the
+/// stack allows, some ten thousand levels on an ordinary thread.
+///
+/// Thread safety: a tree belongs to one thread while it is changed; it may be read and printed by
+/// several at once.
+class TESK_PLATFORM_EXPORT SOAPElement : public TSKReferenceCount {
+  public:
+    /// A detached element without attributes and children.
+    /// Errors: a null `name` throws TSKNullPointerException.
+    [[nodiscard]] static TSKSmrPtr<SOAPElement> makeElement(TSKSmrPtr<SOAPQName> name);
+
+    ~SOAPElement() override;
+
+    /// The element's name, shared, never null.
+    [[nodiscard]] const TSKSmrPtr<SOAPQName>& getQname() const noexcept { return name_; }
+
+    /// Appends an attribute. The value is any text; printing escapes it. Nothing checks for an
+    /// attribute of the same name.
+    /// Errors: a null `name` throws TSKNullPointerException.
+    void addAttribute(TSKSmrPtr<SOAPQName> name, TSKString value);
+
+    /// Appends `child` after the existing children.
+    /// Errors: a null `child` throws TSKNullPointerException.
+    void addChildElement(TSKSmrPtr<SOAPElement> child);
+
+    /// Prints the tree as XML text: two blanks a level, a newline after every tag, `<a/>` for an
+    /// element without children. Writes no XML declaration and no namespace declarations but those
+    /// that were added as attributes. In attribute values `&`, `<`, `>`, `"`, tab, newline and
+    /// carriage return are escaped, everything else is written as it is.
+    ///
+    /// Elements deeper than `depth` levels below this one are left out: 0 prints this element
+    /// alone, the largest unsigned long the whole tree.
+    ///
+    /// Errors: those of the stream, which are the stream's to tell.
+    void printXML(std::ostream& stream, unsigned long depth) const;
+
+  private:
+    class Printer;
+
+    struct Attribute {
+        TSKSmrPtr<SOAPQName> name;
+        TSKString value;
+    };
+
+    explicit SOAPElement(TSKSmrPtr<SOAPQName> name) noexcept : name_(std::move(name)) {}
+
+    TSKSmrPtr<SOAPQName> name_;
+    std::vector<Attribute> attributes_;
+    std::vector<TSKSmrPtr<SOAPElement>> children_;
+};

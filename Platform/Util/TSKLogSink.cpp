@@ -1,0 +1,3 @@
+#include "Platform/Util/TSKLogSink.h"
+
+TSKLogSink::~TSKLogSink() = default;

@@ -1,0 +1,3 @@
+#include "Platform/Util/TSKReferenceCount.h"
+
+TSKReferenceCount::~TSKReferenceCount() = default;

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+
+#include "Platform/Soap/SOAPQName.h"
+
+namespace {
+
+TEST(SOAPQName, HasNoPrefixAtFirst) {
+    const SOAPQName name("sequence");
+    EXPECT_EQ(name.getLocalName(), "sequence");
+    EXPECT_EQ(name.getPrefix(), nullptr);
+}
+
+TEST(SOAPQName, TakesLocalNameAndPrefix) {
+    const SOAPQName name("schema", "xs");
+    EXPECT_EQ(name.getLocalName(), "schema");
+    EXPECT_EQ(*name.getPrefix(), "xs");
+    EXPECT_EQ(SOAPQName("schema", nullptr).getPrefix(), nullptr);
+}
+
+TEST(SOAPQName, SharesThePrefixThatItIsGiven) {
+    const SOAPQName parent("schema", "xs");
+    SOAPQName child("element");
+    child.setPrefix(parent.getPrefix());
+    EXPECT_EQ(child.getPrefix(), parent.getPrefix());
+    EXPECT_EQ(parent.getPrefix().owners(), 2);
+    child.setPrefix(nullptr);
+    EXPECT_EQ(child.getPrefix(), nullptr);
+    EXPECT_EQ(parent.getPrefix().owners(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,274 @@
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <dlfcn.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Platform/ProviderFramework/TeskProviderGetDllVersion.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Providers/WsdlWebProvider/WsdlWebProvider.h"
+#include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/RecordingLogSink.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using urma::pf::Provider;
+
+// What the log holds of a message of the provider's life cycle.
+std::string lifeCycleLine(const std::string& message) {
+    return "WsdlWebProvider|3|2|" + message;
+}
+
+class Namespaces : public ITeskNamespaceList {
+  public:
+    explicit Namespaces(TSKValSlist<TSKString> names) : names_(std::move(names)) {}
+    [[nodiscard]] TSKValSlist<TSKString> getNamespaceList() const override { return names_; }
+
+  private:
+    TSKValSlist<TSKString> names_;
+};
+
+// Notes every registration as "PROVIDER URI" and answers it as it is told.
+class RecordingManager : public TeskProviderPluginManager {
+  public:
+    explicit RecordingManager(bool answer) : answer_(answer) {}
+
+    bool registerURI(const TSKString& providerName, const TSKString& uri) override {
+        registrations.push_back(std::string(providerName.data()) + " " + uri.data());
+        return answer_;
+    }
+
+    Lines registrations;
+
+  private:
+    bool answer_;
+};
+
+class WsdlWebProviderTest : public testing::Test {
+  protected:
+    ~WsdlWebProviderTest() override {
+        TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+    }
+
+    static TSKSmrPtr<RecordingManager> installManager(const TSKValSlist<TSKString>& namespaces,
+                                                      bool answer = true) {
+        auto manager = TSKSmrPtr<RecordingManager>::make(answer);
+        manager->setNamespaceList(TSKSmrPtr<Namespaces>::make(namespaces));
+        TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+        return manager;
+    }
+
+    WsdlWebProvider& provider_ = *WsdlWebProvider::getInstance();
+    LogRecording log_;
+};
+
+TEST_F(WsdlWebProviderTest, TheFactoryLogsItsCallAndGivesTheInstance) {
+    EXPECT_EQ(getTeskWsdlWebProvider(), &provider_);
+    EXPECT_EQ(getTeskWsdlWebProvider(), WsdlWebProvider::getInstance());
+    EXPECT_EQ(log_.lines(), Lines(2, lifeCycleLine("getTeskWsdlWebProvider() Called!")));
+}
+
+TEST_F(WsdlWebProviderTest, StartupAndShutdownOnlyLog) {
+    provider_.startup();
+    provider_.shutdown();
+    EXPECT_EQ(log_.lines(),
+              Lines({lifeCycleLine("Startup called"), lifeCycleLine("Shutdown called")}));
+}
+
+TEST_F(WsdlWebProviderTest, ShutdownKeepsTheInstanceAndItsUris) {
+    const auto manager = installManager({"root/cimv2"});
+    provider_.postStartup();
+    provider_.shutdown();
+    EXPECT_EQ(WsdlWebProvider::getInstance(), &provider_);
+    EXPECT_EQ(manager->registrations, Lines({"WsdlWebProvider /root/cimv2"}));
+}
+
+TEST_F(WsdlWebProviderTest, TransactionsAreLoggedAndNull) {
+    EXPECT_EQ(provider_.startTransaction(TSKSmrPtr<TeskTransactionInfo>::make()), nullptr);
+    provider_.endTransaction(nullptr);
+    EXPECT_EQ(log_.lines(), Lines({lifeCycleLine("startTransaction called"),
+                                   lifeCycleLine("endTransaction called")}));
+}
+
+TEST_F(WsdlWebProviderTest, PostStartupRegistersEachNamespaceInListOrder) {
+    const auto manager = installManager({"root/cimv2", "interop", "root/PG_Internal"});
+    provider_.postStartup();
+    EXPECT_EQ(manager->registrations,
+              Lines({"WsdlWebProvider /root/cimv2", "WsdlWebProvider /interop",
+                     "WsdlWebProvider /root/PG_Internal"}));
+    EXPECT_EQ(log_.lines(), Lines({lifeCycleLine("Post Startup called"),
+                                   lifeCycleLine("dynamically registering URI/root/cimv2"),
+                                   lifeCycleLine("dynamically registering URI/interop"),
+                                   lifeCycleLine("dynamically registering URI/root/PG_Internal")}));
+}
+
+TEST_F(WsdlWebProviderTest, PostStartupRegistersNothingWithoutNamespaces) {
+    const auto manager = installManager({});
+    provider_.postStartup();
+    EXPECT_EQ(manager->registrations, Lines());
+    EXPECT_EQ(log_.lines(), Lines({lifeCycleLine("Post Startup called")}));
+}
+
+TEST_F(WsdlWebProviderTest, PostStartupGoesOnWhenARegistrationIsRefused) {
+    const auto manager = installManager({"a", "b"}, false);
+    provider_.postStartup();
+    EXPECT_EQ(manager->registrations, Lines({"WsdlWebProvider /a", "WsdlWebProvider /b"}));
+}
+
+TEST_F(WsdlWebProviderTest, PostStartupFailsWithoutAPluginManager) {
+    EXPECT_THROW(provider_.postStartup(), TSKNullPointerException);
+}
+
+TEST_F(WsdlWebProviderTest, HasItsName) {
+    EXPECT_EQ(provider_.getProviderName(), "WsdlWebProvider");
+}
+
+TEST_F(WsdlWebProviderTest, HasTheVersionOfThePlatform) {
+    TSKString expected;
+    TeskProviderGetDllVersion(expected);
+    TSKString version = "old";
+    EXPECT_TRUE(provider_.getVersion(version));
+    EXPECT_EQ(version, expected);
+    EXPECT_FALSE(version.isEmpty());
+}
+
+TEST_F(WsdlWebProviderTest, HasNoRepositoryOfItsOwn) {
+    EXPECT_EQ(provider_.getTeskRepository(), nullptr);
+}
+
+TEST_F(WsdlWebProviderTest, HasNoObservers) {
+    EXPECT_EQ(provider_.deregisterObserver({}, {}, ITeskIndication::InstanceCreation, {}, {}),
+              nullptr);
+}
+
+TEST_F(WsdlWebProviderTest, TheRestDoesNothing) {
+    std::ostringstream dump;
+    provider_.debugDump(9, dump);
+    provider_.logAuditInfo({}, {}, {}, "operation");
+    TSKString path = "/var/lib/tesk";
+    provider_.setWorkArea(path);
+    EXPECT_EQ(path, "/var/lib/tesk");
+    EXPECT_EQ(dump.str(), "");
+    EXPECT_EQ(log_.lines(), Lines());
+}
+
+// The position in the virtual table, as the Itanium C++ ABI keeps it in a pointer to a member.
+template <typename Member>
+std::size_t slotOf(Member member) {
+    std::size_t words[2];
+    static_assert(sizeof member == sizeof words);
+    std::memcpy(words, &member, sizeof words);
+    return (words[0] - 1) / sizeof(void*);
+}
+
+TEST_F(WsdlWebProviderTest, SetWorkAreaIsANewOperationAfterAllOfTheBaseClass) {
+    using SetWorkArea = void (WsdlWebProvider::*)(TSKString&);
+    EXPECT_EQ(slotOf<SetWorkArea>(&WsdlWebProvider::setWorkArea),
+              slotOf(&Provider::logAuditInfo) + 1);
+}
+
+// Tests with a library of their own: each copy of the file is loaded as a library of its own, with
+// a provider that is not made yet.
+
+class FreshLibrary {
+  public:
+    FreshLibrary() {
+        const std::filesystem::path copy = folder_.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+        void* library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr)
+            throw std::runtime_error(dlerror());
+        factory_ = reinterpret_cast<Provider* (*)()>(dlsym(library, "getTeskWsdlWebProvider"));
+        if (factory_ == nullptr)
+            throw std::runtime_error(dlerror());
+    }
+
+    Provider* callFactory() const { return factory_(); }
+
+  private:
+    TemporaryFolder folder_;
+    Provider* (*factory_)() = nullptr;
+};
+
+TEST(WsdlWebProviderLibrary, ThreadsRacingForTheFactoryGetOneObject) {
+    constexpr int kThreads = 8;
+    for (int round = 0; round < 20; ++round) {
+        const FreshLibrary library;
+        const LogRecording log(TeskTraceLog::SeverityOff);
+        Provider* providers[kThreads] = {};
+        AllocationProbe::countAllocationsOf(sizeof(WsdlWebProvider));
+        runOnThreads(kThreads, [&](int index) { providers[index] = library.callFactory(); });
+        const std::size_t allocations = AllocationProbe::countedAllocations();
+        AllocationProbe::countAllocationsOf(0);
+        EXPECT_EQ(allocations, 1U);
+        EXPECT_NE(providers[0], nullptr);
+        EXPECT_EQ(std::set<Provider*>(std::begin(providers), std::end(providers)).size(), 1U);
+    }
+}
+
+TEST(WsdlWebProviderLibrary, DeletingTheInstanceForgetsIt) {
+    const FreshLibrary library;
+    const LogRecording log;
+    delete library.callFactory();
+    EXPECT_EQ(library.callFactory(), nullptr);
+}
+
+TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
+    const TemporaryFolder folder;
+    folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    folder.write("libBroken.so", "no library");
+    const LogRecording log;
+    const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
+    manager->setNamespaceList(
+        TSKSmrPtr<Namespaces>::make(TSKValSlist<TSKString>{"root/cimv2", "interop"}));
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+
+    EXPECT_EQ(manager->loadProviders(folder.path().c_str()).size(), 1U);  // the broken one
+    EXPECT_TRUE(manager->startup().empty());
+    EXPECT_TRUE(manager->postStartup().empty());
+    Provider* const provider = manager->findProvider("/root/cimv2/CIM_Foo.wsdl");
+    ASSERT_NE(provider, nullptr);
+    EXPECT_EQ(provider->getProviderName(), "WsdlWebProvider");
+    EXPECT_EQ(manager->findProvider("/CIM_Foo.wsdl"), provider);
+    EXPECT_EQ(manager->findProvider("/root/other/CIM_Foo.wsdl"), nullptr);
+    EXPECT_TRUE(manager->shutdown().empty());
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+
+    Lines lines = log.lines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_TRUE(
+        lines[0].starts_with("TeskProviderPluginManager|1|2|" + (folder / "libBroken.so").string()))
+        << lines[0];
+    lines.erase(lines.begin());
+    EXPECT_EQ(lines, Lines({lifeCycleLine("getTeskWsdlWebProvider() Called!"),
+                            lifeCycleLine("Startup called"), lifeCycleLine("Post Startup called"),
+                            lifeCycleLine("dynamically registering URI/root/cimv2"),
+                            lifeCycleLine("dynamically registering URI/interop"),
+                            lifeCycleLine("Shutdown called")}));
+}
+
+std::string outputOf(const std::string& command) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"),
+                                                               &pclose);
+    std::string output;
+    for (int character = std::fgetc(pipe.get()); character != EOF;
+         character = std::fgetc(pipe.get()))
+        output += static_cast<char>(character);
+    return output;
+}
+
+TEST(WsdlWebProviderLibrary, ExportsItsFactoryAndNothingElse) {
+    EXPECT_EQ(outputOf("nm --dynamic --defined-only --format=just-symbols '" PLUGIN_FILE "'"),
+              "getTeskWsdlWebProvider\n");
+}
+
+}  // namespace

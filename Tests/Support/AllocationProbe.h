@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <new>
+
+/// Watches the allocations that go through operator new, in this program and in every library that
+/// it loads, and makes chosen ones fail.
+namespace AllocationProbe {
+
+/// Makes the `occurrence`th allocation of this thread from now on fail, counted from 1; 0 none.
+void failAt(std::size_t occurrence) noexcept;
+
+/// Whether the chosen allocation has failed.
+[[nodiscard]] bool hasFailed() noexcept;
+
+/// Counts, from now on, the allocations of `size` bytes by all threads.
+void countAllocationsOf(std::size_t size) noexcept;
+[[nodiscard]] std::size_t countedAllocations() noexcept;
+
+/// Runs `operation` with its 1st, 2nd, 3rd … allocation failing until it gets through without a
+/// failure, and `check` after each failure. Returns how many failures there were.
+template <typename Operation, typename Check>
+std::size_t failEachAllocation(const Operation& operation, const Check& check) {
+    for (std::size_t occurrence = 1;; ++occurrence) {
+        failAt(occurrence);
+        try {
+            operation();
+        } catch (const std::bad_alloc&) {
+        }
+        const bool failed = hasFailed();
+        failAt(0);
+        if (!failed)
+            return occurrence - 1;
+        check();
+    }
+}
+
+}  // namespace AllocationProbe
