@@ -65,24 +65,42 @@ std::string_view escapeFor(char character) noexcept {
     }
 }
 
-void writeEscaped(BufferedOutput& output, std::string_view text) {
-    const char* written = text.data();
-    const char* const end = text.data() + text.size();
-    for (const char* next = written; next != end; ++next) {
-        const std::string_view escape = escapeFor(*next);
+unsigned long escapedLength(std::string_view text) noexcept {
+    unsigned long length = text.size();
+    for (const char character : text) {
+        const std::string_view escape = escapeFor(character);
+        if (!escape.empty())
+            length += escape.size() - 1;
+    }
+    return length;
+}
+
+void append(TSKString& target, std::string_view text) {
+    target.append(text.data(), text.size());
+}
+
+void appendEscaped(TSKString& target, std::string_view text) {
+    std::size_t appended = 0;
+    for (std::size_t position = 0; position != text.size(); ++position) {
+        const std::string_view escape = escapeFor(text[position]);
         if (escape.empty())
             continue;
-        output.write({written, next});
-        output.write(escape);
-        written = next + 1;
+        append(target, text.substr(appended, position - appended));
+        append(target, escape);
+        appended = position + 1;
     }
-    output.write({written, end});
+    append(target, text.substr(appended));
+}
+
+std::string_view prefixOf(const SOAPQName& name) noexcept {
+    const TSKSmrPtr<std::string>& prefix = name.getPrefix();
+    return prefix ? std::string_view(*prefix) : std::string_view();
 }
 
 void writeName(BufferedOutput& output, const SOAPQName& name) {
-    const TSKSmrPtr<std::string>& prefix = name.getPrefix();
-    if (prefix && !prefix->empty()) {
-        output.write(*prefix);
+    const std::string_view prefix = prefixOf(name);
+    if (!prefix.empty()) {
+        output.write(prefix);
         output.write(":");
     }
     output.write(name.getLocalName());
@@ -105,8 +123,7 @@ class SOAPElement::Printer {
         output_.writeBlanks(2 * level);
         output_.write("<");
         writeName(output_, *element.name_);
-        for (const Attribute& attribute : element.attributes_)
-            printAttribute(attribute);
+        output_.write(element.attributes_);
         if (element.children_.empty() || level == depth_) {
             output_.write("/>\n");
             return;
@@ -118,14 +135,6 @@ class SOAPElement::Printer {
         output_.write("</");
         writeName(output_, *element.name_);
         output_.write(">\n");
-    }
-
-    void printAttribute(const Attribute& attribute) {
-        output_.write(" ");
-        writeName(output_, *attribute.name);
-        output_.write("=\"");
-        writeEscaped(output_, attribute.value);
-        output_.write("\"");
     }
 
     BufferedOutput output_;
@@ -140,10 +149,28 @@ TSKSmrPtr<SOAPElement> SOAPElement::makeElement(TSKSmrPtr<SOAPQName> name) {
     return TSKSmrPtr<SOAPElement>(new SOAPElement(std::move(name)));
 }
 
-void SOAPElement::addAttribute(TSKSmrPtr<SOAPQName> name, TSKString value) {
-    if (!name)
-        TSKNullPointerException::raise("SOAPElement::addAttribute");
-    attributes_.push_back({.name = std::move(name), .value = std::move(value)});
+void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_view value) {
+    const std::string_view prefix = prefixOf(*name);
+    const TSKString& localName = name->getLocalName();
+    constexpr unsigned long kPunctuation = sizeof " :=\"\"" - 1;
+    constexpr unsigned long kUsualLength = 63;  // two attributes of a schema, mostly
+    attributes_.reserve(std::max(kUsualLength, attributes_.length() + prefix.size() +
+                                                   localName.length() + escapedLength(value) +
+                                                   kPunctuation));
+
+    attributes_ += ' ';
+    if (!prefix.empty()) {
+        append(attributes_, prefix);
+        attributes_ += ':';
+    }
+    attributes_ += localName;
+    attributes_ += "=\"";
+    appendEscaped(attributes_, value);
+    attributes_ += '"';
+}
+
+void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value) {
+    addAttribute(name, value == nullptr ? std::string_view() : std::string_view(value));
 }
 
 void SOAPElement::addChildElement(TSKSmrPtr<SOAPElement> child) {

@@ -19,6 +19,11 @@ class TESK_PLATFORM_EXPORT TSKReferenceCount {
 
     void addOwner() noexcept { owners_.fetch_add(1, std::memory_order_relaxed); }
 
+    /// As addOwner, for an object that no other thread knows yet: spares the locked instruction.
+    void addFirstOwner() noexcept {
+        owners_.store(owners_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    }
+
     /// Deletes this object with its last owner.
     void removeOwner() noexcept {
         // A sole owner needs no locked instruction: nobody is left who could add another.

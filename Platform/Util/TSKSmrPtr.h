@@ -32,7 +32,7 @@ class TSKSmrPtr {
     requires std::is_convertible_v<U*, T*>
     explicit TSKSmrPtr(U* object) : object_(object), count_(countOf(object)) {
         if (count_ != nullptr)
-            count_->addOwner();
+            count_->addFirstOwner();
     }
 
     /// A pointer to a new T made from `arguments`.

@@ -66,49 +66,31 @@ void TSKString::releaseBuffer() noexcept {
     ::operator delete(shared);
 }
 
-unsigned long TSKString::writableCapacity() const noexcept {
-    if (isSmall())
-        return kSmallCapacity;
-    return buffer()->owners.load(std::memory_order_acquire) == 1 ? buffer()->capacity : 0;
+// A text with the same bytes in a buffer of its own.
+TSKString TSKString::copyWithCapacity(unsigned long capacity) const {
+    TSKString copy;
+    copy.text_ = allocate(capacity);
+    std::memcpy(copy.text_, text_, length_);
+    copy.setLength(length_);
+    return copy;
 }
 
 // Afterwards the bytes are this object's alone, with room for `capacity`.
 void TSKString::makeWritable(unsigned long capacity) {
-    if (capacity <= writableCapacity())
-        return;
-    TSKString larger;
-    if (capacity > kSmallCapacity)
-        larger.text_ = allocate(capacity);
-    std::memcpy(larger.text_, text_, length_);
-    larger.setLength(length_);
-    *this = std::move(larger);
+    const unsigned long present = writableCapacity();
+    const unsigned long needed = std::max(capacity, length_);
+    if (needed > present)
+        *this = copyWithCapacity(std::max(needed, 2 * present));
 }
 
-void TSKString::reserve(unsigned long length) {
-    makeWritable(std::max(length, length_));
-}
-
-TSKString& TSKString::append(const char* text, unsigned long length) {
-    if (length == 0)
-        return *this;
+void TSKString::appendGrowing(const char* text, unsigned long length) {
     if (length > static_cast<unsigned long>(PTRDIFF_MAX) - length_)
         throw std::bad_alloc();
-    const unsigned long total = length_ + length;
-    if (total <= writableCapacity()) {
-        std::memcpy(text_ + length_, text, length);
-        setLength(total);
-        return *this;
-    }
-    // `text` may be a part of the old bytes, which therefore live on until they are copied.
-    const TSKString old = *this;
-    makeWritable(std::max(total, 2 * length_));
-    std::memcpy(text_ + length_, text, length);
-    setLength(total);
-    return *this;
-}
-
-TSKString& TSKString::operator+=(const char* text) {
-    return append(text, viewOf(text).size());
+    // `text` may be a part of the old bytes, which therefore live on until it is copied.
+    TSKString larger = copyWithCapacity(std::max(length_ + length, 2 * length_));
+    std::memcpy(larger.text_ + length_, text, length);
+    larger.setLength(length_ + length);
+    *this = std::move(larger);
 }
 
 bool TSKString::equals(const TSKString& other) const noexcept {

@@ -58,7 +58,8 @@ class TESK_PLATFORM_EXPORT TSKString {
     [[nodiscard]] char operator[](unsigned long position) const noexcept { return text_[position]; }
 
     /// Makes room for `length` bytes in all, so that appending up to there allocates nothing.
-    void reserve(unsigned long length);
+    /// Reserving a little more again and again is amortised constant time a byte, as appending is.
+    void reserve(unsigned long length) { makeWritable(length); }
 
     /// Appends; `text` may be a part of this very text.
     TSKString& append(const char* text, unsigned long length);
@@ -149,13 +150,17 @@ class TESK_PLATFORM_EXPORT TSKString {
     [[nodiscard]] Buffer* buffer() const noexcept { return reinterpret_cast<Buffer*>(text_) - 1; }
     [[nodiscard]] unsigned long writableCapacity() const noexcept;
 
+    [[nodiscard]] bool hasRoomFor(unsigned long moreBytes) const noexcept;
+
     static char* allocate(unsigned long capacity);
     void shareWith(const TSKString& other) noexcept;
     void takeFrom(TSKString& other) noexcept;
     void release() noexcept;
     void releaseBuffer() noexcept;
     void setLength(unsigned long length) noexcept;
+    [[nodiscard]] TSKString copyWithCapacity(unsigned long capacity) const;
     void makeWritable(unsigned long capacity);
+    void appendGrowing(const char* text, unsigned long length);
 
     char* text_;
     unsigned long length_ = 0;
@@ -172,7 +177,7 @@ class TESK_PLATFORM_EXPORT TSKString {
 /// Writes the bytes as they are, without regard to the stream's width.
 TESK_PLATFORM_EXPORT std::ostream& operator<<(std::ostream& stream, const TSKString& text);
 
-// Copying, moving and destroying are what documents are made of; they stay inline.
+// Copying, moving, destroying and appending are what documents are made of; they stay inline.
 
 inline void TSKString::shareWith(const TSKString& other) noexcept {
     length_ = other.length_;
@@ -221,4 +226,32 @@ inline TSKString& TSKString::operator=(TSKString&& other) noexcept {
         takeFrom(other);
     }
     return *this;
+}
+
+// How many bytes the object can hold without touching what it shares with others.
+inline unsigned long TSKString::writableCapacity() const noexcept {
+    if (isSmall())
+        return kSmallCapacity;
+    return buffer()->owners.load(std::memory_order_acquire) == 1 ? buffer()->capacity : 0;
+}
+
+inline bool TSKString::hasRoomFor(unsigned long moreBytes) const noexcept {
+    const unsigned long capacity = writableCapacity();
+    return capacity >= length_ && moreBytes <= capacity - length_;
+}
+
+inline TSKString& TSKString::append(const char* text, unsigned long length) {
+    if (length == 0)
+        return *this;
+    if (hasRoomFor(length)) {
+        std::memcpy(text_ + length_, text, length);
+        setLength(length_ + length);
+    } else {
+        appendGrowing(text, length);
+    }
+    return *this;
+}
+
+inline TSKString& TSKString::operator+=(const char* text) {
+    return text == nullptr ? *this : append(text, std::strlen(text));
 }

@@ -23,7 +23,7 @@ Element addChild(const Element& parent, const char* localName) {
     return child;
 }
 
-void addAttribute(const Element& element, const char* name, const TSKString& value) {
+void addAttribute(const Element& element, const char* name, std::string_view value) {
     element->addAttribute(TSKSmrPtr<SOAPQName>::make(name), value);
 }
 
