@@ -1,6 +1,7 @@
 #include "Platform/Soap/SOAPElement.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <ostream>
 #include <string_view>
@@ -44,7 +45,7 @@ class BufferedOutput {
     char buffer_[kCapacity];
 };
 
-std::string_view escapeFor(char character) noexcept {
+constexpr std::string_view escapeFor(char character) noexcept {
     switch (character) {
         case '&':
             return "&amp;";
@@ -65,31 +66,37 @@ std::string_view escapeFor(char character) noexcept {
     }
 }
 
-unsigned long escapedLength(std::string_view text) noexcept {
-    unsigned long length = text.size();
+// By character: how much longer its escape is than itself.
+constexpr std::array<unsigned char, 256> kEscapeGrowth = [] {
+    std::array<unsigned char, 256> growth{};
+    for (const char character : {'&', '<', '>', '"', '\t', '\n', '\r'})
+        growth[static_cast<unsigned char>(character)] =
+            static_cast<unsigned char>(escapeFor(character).size() - 1);
+    return growth;
+}();
+
+unsigned long escapeGrowth(std::string_view text) noexcept {
+    unsigned long growth = 0;
+    for (const char character : text)
+        growth += kEscapeGrowth[static_cast<unsigned char>(character)];
+    return growth;
+}
+
+// These write to a place that is large enough and return the end of what they wrote.
+
+char* put(char* target, std::string_view text) noexcept {
+    return std::copy(text.begin(), text.end(), target);
+}
+
+char* putEscaped(char* target, std::string_view text) noexcept {
     for (const char character : text) {
         const std::string_view escape = escapeFor(character);
-        if (!escape.empty())
-            length += escape.size() - 1;
-    }
-    return length;
-}
-
-void append(TSKString& target, std::string_view text) {
-    target.append(text.data(), text.size());
-}
-
-void appendEscaped(TSKString& target, std::string_view text) {
-    std::size_t appended = 0;
-    for (std::size_t position = 0; position != text.size(); ++position) {
-        const std::string_view escape = escapeFor(text[position]);
         if (escape.empty())
-            continue;
-        append(target, text.substr(appended, position - appended));
-        append(target, escape);
-        appended = position + 1;
+            *target++ = character;
+        else
+            target = put(target, escape);
     }
-    append(target, text.substr(appended));
+    return target;
 }
 
 std::string_view prefixOf(const SOAPQName& name) noexcept {
@@ -151,22 +158,24 @@ TSKSmrPtr<SOAPElement> SOAPElement::makeElement(TSKSmrPtr<SOAPQName> name) {
 
 void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_view value) {
     const std::string_view prefix = prefixOf(*name);
-    const TSKString& localName = name->getLocalName();
-    constexpr unsigned long kPunctuation = sizeof " :=\"\"" - 1;
-    constexpr unsigned long kUsualLength = 63;  // two attributes of a schema, mostly
-    attributes_.reserve(std::max(kUsualLength, attributes_.length() + prefix.size() +
-                                                   localName.length() + escapedLength(value) +
-                                                   kPunctuation));
+    const std::string_view separator = prefix.empty() ? " " : " :";
+    const std::string_view localName = name->getLocalName();
+    const unsigned long growth = escapeGrowth(value);
 
-    attributes_ += ' ';
+    if (attributes_.isEmpty())
+        attributes_.reserve(63);  // two attributes of a schema, mostly
+    char* target = attributes_.extend(separator.size() + prefix.size() + localName.size() +
+                                      value.size() + growth + 3);
+    *target++ = ' ';
     if (!prefix.empty()) {
-        append(attributes_, prefix);
-        attributes_ += ':';
+        target = put(target, prefix);
+        *target++ = ':';
     }
-    attributes_ += localName;
-    attributes_ += "=\"";
-    appendEscaped(attributes_, value);
-    attributes_ += '"';
+    target = put(target, localName);
+    *target++ = '=';
+    *target++ = '"';
+    target = growth == 0 ? put(target, value) : putEscaped(target, value);
+    *target = '"';
 }
 
 void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value) {

@@ -83,13 +83,17 @@ void TSKString::makeWritable(unsigned long capacity) {
         *this = copyWithCapacity(std::max(needed, 2 * present));
 }
 
-void TSKString::appendGrowing(const char* text, unsigned long length) {
+// A text with the same bytes and room for `length` more.
+TSKString TSKString::copyForAppending(unsigned long length) const {
     if (length > static_cast<unsigned long>(PTRDIFF_MAX) - length_)
         throw std::bad_alloc();
+    return copyWithCapacity(std::max(length_ + length, 2 * length_));
+}
+
+void TSKString::appendGrowing(const char* text, unsigned long length) {
     // `text` may be a part of the old bytes, which therefore live on until it is copied.
-    TSKString larger = copyWithCapacity(std::max(length_ + length, 2 * length_));
-    std::memcpy(larger.text_ + length_, text, length);
-    larger.setLength(length_ + length);
+    TSKString larger = copyForAppending(length);
+    std::memcpy(larger.extend(length), text, length);
     *this = std::move(larger);
 }
 

@@ -67,6 +67,10 @@ class TESK_PLATFORM_EXPORT TSKString {
     TSKString& operator+=(const char* text);
     TSKString& operator+=(char character) { return append(&character, 1); }
 
+    /// Appends `length` bytes of no particular value and returns where they stand. The caller
+    /// writes them before anything else is done with the text.
+    [[nodiscard]] char* extend(unsigned long length);
+
     /// The same bytes.
     [[nodiscard]] bool equals(const TSKString& other) const noexcept;
     [[nodiscard]] bool equals(const char* other) const noexcept;
@@ -159,6 +163,7 @@ class TESK_PLATFORM_EXPORT TSKString {
     void releaseBuffer() noexcept;
     void setLength(unsigned long length) noexcept;
     [[nodiscard]] TSKString copyWithCapacity(unsigned long capacity) const;
+    [[nodiscard]] TSKString copyForAppending(unsigned long length) const;
     void makeWritable(unsigned long capacity);
     void appendGrowing(const char* text, unsigned long length);
 
@@ -238,6 +243,14 @@ inline unsigned long TSKString::writableCapacity() const noexcept {
 inline bool TSKString::hasRoomFor(unsigned long moreBytes) const noexcept {
     const unsigned long capacity = writableCapacity();
     return capacity >= length_ && moreBytes <= capacity - length_;
+}
+
+inline char* TSKString::extend(unsigned long length) {
+    if (!hasRoomFor(length))
+        *this = copyForAppending(length);
+    char* const end = text_ + length_;
+    setLength(length_ + length);
+    return end;
 }
 
 inline TSKString& TSKString::append(const char* text, unsigned long length) {
