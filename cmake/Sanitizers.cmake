@@ -3,5 +3,8 @@
 set(TESK_SANITIZE "" CACHE STRING "Sanitizers to build with")
 if(TESK_SANITIZE)
   add_compile_options(-fsanitize=${TESK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  if(TESK_SANITIZE MATCHES "address")
+    add_compile_definitions(TESK_ADDRESS_SANITIZER)
+  endif()
   add_link_options(-fsanitize=${TESK_SANITIZE})
 endif()

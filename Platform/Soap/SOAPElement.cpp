@@ -6,6 +6,8 @@
 #include <ostream>
 #include <string_view>
 
+#include "Platform/Util/TSKObjectPool.h"
+
 namespace {
 
 // Gathers small pieces of text, so that the stream is called once a few kilobytes.
@@ -77,8 +79,11 @@ constexpr std::array<unsigned char, 256> kEscapeGrowth = [] {
 
 unsigned long escapeGrowth(std::string_view text) noexcept {
     unsigned long growth = 0;
-    for (const char character : text)
-        growth += kEscapeGrowth[static_cast<unsigned char>(character)];
+    for (const char character : text) {
+        const unsigned char more = kEscapeGrowth[static_cast<unsigned char>(character)];
+        if (more != 0) [[unlikely]]
+            growth += more;
+    }
     return growth;
 }
 
@@ -131,12 +136,13 @@ class SOAPElement::Printer {
         output_.write("<");
         writeName(output_, *element.name_);
         output_.write(element.attributes_);
-        if (element.children_.empty() || level == depth_) {
+        if (!element.firstChild_ || level == depth_) {
             output_.write("/>\n");
             return;
         }
         output_.write(">\n");
-        for (const TSKSmrPtr<SOAPElement>& child : element.children_)
+        printElement(*element.firstChild_, level + 1);
+        for (const TSKSmrPtr<SOAPElement>& child : element.furtherChildren_)
             printElement(*child, level + 1);
         output_.writeBlanks(2 * level);
         output_.write("</");
@@ -150,6 +156,14 @@ class SOAPElement::Printer {
 
 SOAPElement::~SOAPElement() = default;
 
+void* SOAPElement::operator new(std::size_t /*size*/) {
+    return TSKObjectPool<SOAPElement>::allocate();
+}
+
+void SOAPElement::operator delete(void* memory) noexcept {
+    TSKObjectPool<SOAPElement>::release(memory);
+}
+
 TSKSmrPtr<SOAPElement> SOAPElement::makeElement(TSKSmrPtr<SOAPQName> name) {
     if (!name)
         TSKNullPointerException::raise("SOAPElement::makeElement");
@@ -158,14 +172,14 @@ TSKSmrPtr<SOAPElement> SOAPElement::makeElement(TSKSmrPtr<SOAPQName> name) {
 
 void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_view value) {
     const std::string_view prefix = prefixOf(*name);
-    const std::string_view separator = prefix.empty() ? " " : " :";
+    const std::size_t prefixLength = prefix.empty() ? 0 : prefix.size() + 1;
     const std::string_view localName = name->getLocalName();
     const unsigned long growth = escapeGrowth(value);
 
     if (attributes_.isEmpty())
         attributes_.reserve(63);  // two attributes of a schema, mostly
-    char* target = attributes_.extend(separator.size() + prefix.size() + localName.size() +
-                                      value.size() + growth + 3);
+    char* target = attributes_.extend(prefixLength + localName.size() + value.size() + growth +
+                                      (sizeof " =\"\"" - 1));
     *target++ = ' ';
     if (!prefix.empty()) {
         target = put(target, prefix);
@@ -185,7 +199,10 @@ void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* val
 void SOAPElement::addChildElement(TSKSmrPtr<SOAPElement> child) {
     if (!child)
         TSKNullPointerException::raise("SOAPElement::addChildElement");
-    children_.push_back(std::move(child));
+    if (!firstChild_)
+        firstChild_ = std::move(child);
+    else
+        furtherChildren_.push_back(std::move(child));
 }
 
 void SOAPElement::printXML(std::ostream& stream, unsigned long depth) const {

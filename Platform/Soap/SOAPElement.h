@@ -27,6 +27,9 @@ class TESK_PLATFORM_EXPORT SOAPElement : public TSKReferenceCount {
 
     ~SOAPElement() override;
 
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
     /// The element's name, shared, never null.
     [[nodiscard]] const TSKSmrPtr<SOAPQName>& getQname() const noexcept { return name_; }
 
@@ -61,5 +64,7 @@ class TESK_PLATFORM_EXPORT SOAPElement : public TSKReferenceCount {
     // The attributes as they are printed: one text takes a quarter of the memory that names and
     // values of their own would take, and printing copies it (Benchmarks, ElementTreeBenchmark).
     TSKString attributes_;
-    std::vector<TSKSmrPtr<SOAPElement>> children_;
+    // Most elements of a schema have one child, which then needs no array.
+    TSKSmrPtr<SOAPElement> firstChild_;
+    std::vector<TSKSmrPtr<SOAPElement>> furtherChildren_;
 };

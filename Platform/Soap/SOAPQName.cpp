@@ -1,5 +1,7 @@
 #include "Platform/Soap/SOAPQName.h"
 
+#include "Platform/Util/TSKObjectPool.h"
+
 SOAPQName::SOAPQName(const char* localName) : localName_(localName) {}
 
 SOAPQName::SOAPQName(const char* localName, const char* prefix)
@@ -7,3 +9,11 @@ SOAPQName::SOAPQName(const char* localName, const char* prefix)
       prefix_(prefix == nullptr ? nullptr : TSKSmrPtr<std::string>::make(prefix)) {}
 
 SOAPQName::~SOAPQName() = default;
+
+void* SOAPQName::operator new(std::size_t /*size*/) {
+    return TSKObjectPool<SOAPQName>::allocate();
+}
+
+void SOAPQName::operator delete(void* memory) noexcept {
+    TSKObjectPool<SOAPQName>::release(memory);
+}

@@ -18,6 +18,9 @@ class TESK_PLATFORM_EXPORT SOAPQName : public TSKReferenceCount {
     SOAPQName(const char* localName, const char* prefix);
     ~SOAPQName() override;
 
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
     [[nodiscard]] const TSKString& getLocalName() const noexcept { return localName_; }
 
     /// The prefix, null when there is none. Names may share it.

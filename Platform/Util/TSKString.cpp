@@ -37,16 +37,6 @@ long positionOrAbsent(std::size_t position) noexcept {
 
 }  // namespace
 
-TSKString::TSKString(const char* text) : TSKString(text, viewOf(text).size()) {}
-
-TSKString::TSKString(const char* text, unsigned long length) : TSKString() {
-    if (length > kSmallCapacity)
-        text_ = allocate(length);
-    if (length != 0)
-        std::memcpy(text_, text, length);
-    setLength(length);
-}
-
 char* TSKString::allocate(unsigned long capacity) {
     constexpr unsigned long kOverhead = sizeof(Buffer) + 1;
     if (capacity > static_cast<unsigned long>(PTRDIFF_MAX) - kOverhead)

@@ -30,7 +30,7 @@ class TESK_PLATFORM_EXPORT TSKString {
 
     /// Copies a zero-terminated text.
     // Implicit: the platform's operations take literals for texts.
-    TSKString(const char* text);
+    TSKString(const char* text) : TSKString(text, text == nullptr ? 0 : std::strlen(text)) {}
 
     /// Copies `length` bytes from `text`, which may be null when `length` is 0.
     TSKString(const char* text, unsigned long length);
@@ -183,6 +183,13 @@ class TESK_PLATFORM_EXPORT TSKString {
 TESK_PLATFORM_EXPORT std::ostream& operator<<(std::ostream& stream, const TSKString& text);
 
 // Copying, moving, destroying and appending are what documents are made of; they stay inline.
+
+inline TSKString::TSKString(const char* text, unsigned long length)
+    : text_(length > kSmallCapacity ? allocate(length) : small_) {
+    if (length != 0)
+        std::memcpy(text_, text, length);
+    setLength(length);
+}
 
 inline void TSKString::shareWith(const TSKString& other) noexcept {
     length_ = other.length_;

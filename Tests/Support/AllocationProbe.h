@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <new>
+#include <thread>
 
 /// Watches the allocations that go through operator new, in this program and in every library that
 /// it loads, and makes chosen ones fail.
@@ -18,17 +19,21 @@ void countAllocationsOf(std::size_t size) noexcept;
 [[nodiscard]] std::size_t countedAllocations() noexcept;
 
 /// Runs `operation` with its 1st, 2nd, 3rd … allocation failing until it gets through without a
-/// failure, and `check` after each failure. Returns how many failures there were.
+/// failure, and `check` after each failure. Each time on a thread of its own, which has no memory
+/// kept from the time before. Returns how many failures there were.
 template <typename Operation, typename Check>
 std::size_t failEachAllocation(const Operation& operation, const Check& check) {
     for (std::size_t occurrence = 1;; ++occurrence) {
-        failAt(occurrence);
-        try {
-            operation();
-        } catch (const std::bad_alloc&) {
-        }
-        const bool failed = hasFailed();
-        failAt(0);
+        bool failed = false;
+        std::thread([&] {
+            failAt(occurrence);
+            try {
+                operation();
+            } catch (const std::bad_alloc&) {
+            }
+            failed = hasFailed();
+            failAt(0);
+        }).join();
         if (!failed)
             return occurrence - 1;
         check();

@@ -94,7 +94,8 @@ TEST(SOAPElement, EscapesBetweenOrdinaryText) {
 TEST(SOAPElement, PrintsEmptyAttributes) {
     const Element root = makeElement("a");
     addAttribute(root, "v", "");
-    EXPECT_EQ(printed(root), "<a v=\"\"/>\n");
+    root->addAttribute(TSKSmrPtr<SOAPQName>::make("w"), static_cast<const char*>(nullptr));
+    EXPECT_EQ(printed(root), "<a v=\"\" w=\"\"/>\n");
 }
 
 TEST(SOAPElement, LeavesOutElementsDeeperThanTheGivenDepth) {
@@ -214,6 +215,7 @@ TEST(SOAPElement, LeaksNothingWhenAnAllocationFails) {
 
 TEST(SOAPElement, AFailedAddLeavesTheElementAsItWas) {
     const Element root = makeElement("a");
+    addChild(root, "first");  // which needs no memory of its own
     const Element child = makeElement("b");
     const auto name = TSKSmrPtr<SOAPQName>::make("v");
     AllocationProbe::failAt(1);
@@ -223,7 +225,7 @@ TEST(SOAPElement, AFailedAddLeavesTheElementAsItWas) {
     AllocationProbe::failAt(0);
     EXPECT_EQ(child.owners(), 1);
     EXPECT_EQ(name.owners(), 1);
-    EXPECT_EQ(printed(root), "<a/>\n");
+    EXPECT_EQ(printed(root), "<a>\n  <first/>\n</a>\n");
 }
 
 TEST(SOAPElement, MayBePrintedByManyThreadsAtOnce) {
