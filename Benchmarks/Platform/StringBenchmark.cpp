@@ -12,10 +12,12 @@ void setBytes(benchmark::State& state, std::size_t bytesAnIteration) {
 template <typename Text>
 void copyText(benchmark::State& state) {
     const std::string content(static_cast<std::size_t>(state.range(0)), 'x');
-    const Text text(content.c_str());
+    Text text(content.c_str());
+    benchmark::DoNotOptimize(&text);
     for (auto _ : state) {
+        benchmark::ClobberMemory();
         Text copy = text;
-        benchmark::DoNotOptimize(copy);
+        benchmark::DoNotOptimize(copy.data());
     }
 }
 BENCHMARK(copyText<TSKString>)->Arg(10)->Arg(100)->Arg(100'000);
@@ -28,7 +30,7 @@ void appendCharacters(benchmark::State& state) {
         Text text;
         for (std::size_t index = 0; index < count; ++index)
             text += 'x';
-        benchmark::DoNotOptimize(text);
+        benchmark::DoNotOptimize(text.data());
     }
     setBytes(state, count);
 }
@@ -43,7 +45,7 @@ void appendPieces(benchmark::State& state) {
         Text text;
         for (std::size_t index = 0; index < count; ++index)
             text += piece;
-        benchmark::DoNotOptimize(text);
+        benchmark::DoNotOptimize(text.data());
     }
     setBytes(state, count * std::char_traits<char>::length(piece));
 }

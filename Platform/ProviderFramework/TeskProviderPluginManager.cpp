@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <mutex>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <system_error>
 
@@ -161,8 +160,8 @@ Failures TeskProviderPluginManager::postStartup() {
 
 Failures TeskProviderPluginManager::shutdown() {
     Failures failures;
-    const std::vector<Entry> entries = entries_;
-    for (const Entry& entry : std::views::reverse(entries)) {
+    while (!entries_.empty()) {
+        const Entry entry = entries_.back();
         removeEntry(entry);
         if (const auto failure = failureOf("Shut-down", [&] { entry.provider->shutdown(); }))
             report(failures, entry.file, *failure);

@@ -53,7 +53,8 @@ void TSKStreamLogSink::write(const TSKLogEntry& entry) {
     line += ": ";
     appendPrintable(line, entry.message);
     line += '\n';
-    // One call, so that lines of several threads do not mix: C streams lock themselves.
-    std::fwrite(line.data(), 1, line.length(), stream_);
-    std::fflush(stream_);
+    // One call, so that lines of several threads do not mix: C streams lock themselves. A line that
+    // cannot be written is lost.
+    (void)std::fwrite(line.data(), 1, line.length(), stream_);
+    (void)std::fflush(stream_);
 }

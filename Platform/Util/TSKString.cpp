@@ -116,7 +116,9 @@ bool TSKString::contains(const char* part, int ignoreCase) const noexcept {
         return find(part, 0) >= 0;
     const std::string_view text = *this;
     const std::string_view wanted = viewOf(part);
-    return wanted.empty() || !std::ranges::search(text, wanted, sameFolded).empty();
+    return std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), sameFolded) !=
+               text.end() ||
+           wanted.empty();
 }
 
 long TSKString::find(char character) const noexcept {
@@ -190,7 +192,7 @@ TSKString& TSKString::sprintf(const char* format, ...) {
     TSKString formatted;
     formatted.reserve(length);
     va_start(arguments, format);
-    std::vsnprintf(formatted.text_, length + 1, format, arguments);
+    (void)std::vsnprintf(formatted.text_, length + 1, format, arguments);
     va_end(arguments);
     formatted.setLength(length);
     return *this = std::move(formatted);

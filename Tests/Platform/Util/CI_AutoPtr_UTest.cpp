@@ -33,7 +33,7 @@ TEST(CI_AutoPtr_U, IsMovedAndNeverCopied) {
     const Item* const item = from.get();
     CI_AutoPtr_U<Item> to(std::move(from));
     EXPECT_EQ(to.get(), item);
-    EXPECT_FALSE(from);  // NOLINT(bugprone-use-after-move): this is what is tested
+    EXPECT_FALSE(from);  // this is what is tested
     to = CI_AutoPtr_U<Item>();
     EXPECT_EQ(living, 0);
     static_assert(!std::is_copy_constructible_v<CI_AutoPtr_U<Item>>);

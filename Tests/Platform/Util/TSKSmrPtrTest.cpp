@@ -100,9 +100,9 @@ TEST_F(TSKSmrPtrTest, TheLastOwnerDeletesTheObject) {
 TEST_F(TSKSmrPtrTest, MovingLeavesNull) {
     TSKSmrPtr<Derived> from = TSKSmrPtr<Derived>::make(3);
     TSKSmrPtr<Derived> same(std::move(from));
-    EXPECT_TRUE(from.isNull());  // NOLINT(bugprone-use-after-move): this is what is tested
+    EXPECT_TRUE(from.isNull());  // this is what is tested
     const TSKSmrPtr<Base> base(std::move(same));
-    EXPECT_TRUE(same.isNull());  // NOLINT(bugprone-use-after-move)
+    EXPECT_TRUE(same.isNull());
     EXPECT_EQ(base->value, 3);
     EXPECT_EQ(base.owners(), 1);
 }

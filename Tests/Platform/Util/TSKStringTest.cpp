@@ -63,7 +63,7 @@ TEST(TSKString, KeepsZeroBytes) {
 
 TEST(TSKString, LongCopiesShareTheirBytes) {
     const TSKString text(kLong);
-    const TSKString copy = text;  // NOLINT(performance-unnecessary-copy-initialization)
+    const TSKString copy = text;
     EXPECT_EQ(copy.data(), text.data());
 }
 
@@ -103,7 +103,7 @@ TEST(TSKString, MovingLeavesTheEmptyText) {
         TSKString from(original);
         const TSKString to = std::move(from);
         EXPECT_STREQ(to.data(), original);
-        EXPECT_TRUE(from.isEmpty());  // NOLINT(bugprone-use-after-move): this is what is tested
+        EXPECT_TRUE(from.isEmpty());  // this is what is tested
         from += "new";
         EXPECT_STREQ(from.data(), "new");
 
@@ -111,7 +111,7 @@ TEST(TSKString, MovingLeavesTheEmptyText) {
         from = original;
         assigned = std::move(from);
         EXPECT_STREQ(assigned.data(), original);
-        EXPECT_TRUE(from.isEmpty());  // NOLINT(bugprone-use-after-move)
+        EXPECT_TRUE(from.isEmpty());
     }
 }
 

@@ -51,7 +51,7 @@ TEST(TSKValSlist, CopiesAreIndependent) {
 TEST(TSKValSlist, MovingLeavesAnEmptyListThatCanBeAppendedTo) {
     TSKValSlist<TSKString> from = {"one", "two"};
     TSKValSlist<TSKString> to = std::move(from);
-    EXPECT_TRUE(from.isEmpty());  // NOLINT(bugprone-use-after-move): this is what is tested
+    EXPECT_TRUE(from.isEmpty());  // this is what is tested
     from.append("new");
     to.append("three");
     EXPECT_EQ(valuesOf(from), Values({"new"}));
