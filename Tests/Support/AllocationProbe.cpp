@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <thread>
 
 namespace {
 
@@ -10,13 +11,21 @@ thread_local bool failed = false;
 std::atomic<std::size_t> countedSize = 0;
 std::atomic<std::size_t> counted = 0;
 
+// Threads that race for one allocation meet here.
+void letOthersRun() {
+    for (int turn = 0; turn < 100; ++turn)
+        std::this_thread::yield();
+}
+
 void* allocate(std::size_t size) {
     if (untilFailure != 0 && --untilFailure == 0) {
         failed = true;
         throw std::bad_alloc();
     }
-    if (size == countedSize)
+    if (size == countedSize) {
         ++counted;
+        letOthersRun();
+    }
     if (void* memory = std::malloc(size == 0 ? 1 : size))
         return memory;
     throw std::bad_alloc();

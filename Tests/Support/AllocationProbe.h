@@ -14,7 +14,8 @@ void failAt(std::size_t occurrence) noexcept;
 /// Whether the chosen allocation has failed.
 [[nodiscard]] bool hasFailed() noexcept;
 
-/// Counts, from now on, the allocations of `size` bytes by all threads.
+/// Counts, from now on, the allocations of `size` bytes by all threads. Each gives way to other
+/// threads, so that those that race for one allocation show.
 void countAllocationsOf(std::size_t size) noexcept;
 [[nodiscard]] std::size_t countedAllocations() noexcept;
 
