@@ -156,7 +156,8 @@ class TESK_PLATFORM_EXPORT Provider {
 
     /// Fills `version`; returns whether it is known.
     virtual bool getVersion(TSKString& version);
-    /// The name that the provider registers its URIs under; unique among providers.
+    /// The name that the provider registers its URIs under; unique among providers. Asked for
+    /// when the provider is loaded, before startup; every provider overrides it.
     virtual TSKString getProviderName();
 
     /// Tells the provider of a folder that it may write to.

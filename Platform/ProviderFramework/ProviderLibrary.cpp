@@ -1,7 +1,9 @@
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 
 #include <dlfcn.h>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -36,16 +38,19 @@ urma::pf::Provider& ProviderLibrary::load(const TSKString& file) {
 
     // The path must hold a slash, or the system would look for the name in its own folders.
     const TSKString path = file.find('/') < 0 ? "./" + file : file;
+    // Opening a pipe, for one, would wait for its other end.
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path.data(), ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        fail("It is no regular file");
     void* library = dlopen(path.data(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr)
         fail(dlerror());
 
     const TSKString factoryName = factoryNameOf(fileName);
     const auto factory = reinterpret_cast<Factory>(dlsym(library, factoryName.data()));
-    if (factory == nullptr) {
-        dlclose(library);
+    if (factory == nullptr)
         fail("The library does not export the function " + factoryName);
-    }
     urma::pf::Provider* provider = factory();
     if (provider == nullptr)
         fail("The function " + factoryName + " returned no provider");

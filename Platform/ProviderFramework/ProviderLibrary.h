@@ -10,11 +10,15 @@
 class TESK_PLATFORM_EXPORT ProviderLibrary {
   public:
     /// Loads the library libNAME.so at the path `file` and returns the provider that its factory
-    /// getTeskNAME hands out. The provider belongs to the library, which stays loaded until the
-    /// process ends, since nobody knows what threads and callbacks it has started.
+    /// getTeskNAME hands out. The provider belongs to the library.
     ///
-    /// Errors: TeskBaseException with CIM_ERR_FAILED and the reason, when the file cannot be
-    /// loaded, has no factory, or the factory returns null. Whatever the factory throws.
+    /// A library stays loaded until the process ends, also when it turns out to be of no use, since
+    /// nobody knows what threads and callbacks it has started.
+    ///
+    /// Errors: TeskBaseException with CIM_ERR_FAILED and the reason, when the file is no regular
+    /// file, cannot be loaded, has no factory, or the factory returns null. Whatever the factory
+    /// throws. An exception out of the library's static initialisation cannot be caught: it ends
+    /// the process.
     [[nodiscard]] static urma::pf::Provider& load(const TSKString& file);
 
     /// Whether a file of that name, without its folder, is taken for a provider library:

@@ -35,8 +35,6 @@ std::optional<TSKString> failureOf(const char* name, const Step& step) {
     try {
         step();
         return std::nullopt;
-    } catch (const TeskBaseException& exception) {
-        return TSKString(name) + " failed: " + exception.getMessage();
     } catch (const std::exception& exception) {
         return TSKString(name) + " failed: " + exception.what();
     } catch (...) {
@@ -78,23 +76,12 @@ TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::getRepository() const {
 }
 
 bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const TSKString& uri) {
-    const auto refuse = [&](const char* reason) {
-        log(TeskTraceLog::SeverityWarning,
-            "The URI " + uri + " is refused to the provider " + providerName + ": " + reason);
-        return false;
-    };
-    const std::lock_guard lock(mutex_);
-    if (findEntry(providerName) == nullptr)
-        return refuse("there is no such provider");
-    switch (routes_.add(providerName, uri)) {
-        case URIRoutingTable::Outcome::kMalformed:
-            return refuse("it does not begin with a slash");
-        case URIRoutingTable::Outcome::kTaken:
-            return refuse("another provider has registered it");
-        case URIRoutingTable::Outcome::kAdded:
-            break;
-    }
-    return true;
+    const char* const refusal = addRoute(providerName, uri);
+    if (refusal == nullptr)
+        return true;
+    log(TeskTraceLog::SeverityWarning,
+        "The URI " + uri + " is refused to the provider " + providerName + ": " + refusal);
+    return false;
 }
 
 TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
@@ -182,6 +169,23 @@ const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntry(
     const TSKString& providerName) const {
     const auto entry = std::ranges::find(entries_, providerName, &Entry::name);
     return entry == entries_.end() ? nullptr : &*entry;
+}
+
+// Returns why the route is refused, null when it is not.
+const char* TeskProviderPluginManager::addRoute(const TSKString& providerName,
+                                                const TSKString& uri) {
+    const std::lock_guard lock(mutex_);
+    if (findEntry(providerName) == nullptr)
+        return "there is no such provider";
+    switch (routes_.add(providerName, uri)) {
+        case URIRoutingTable::Outcome::kMalformed:
+            return "it does not begin with a slash";
+        case URIRoutingTable::Outcome::kTaken:
+            return "another provider has registered it";
+        case URIRoutingTable::Outcome::kAdded:
+            break;
+    }
+    return nullptr;
 }
 
 void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSKString& file) {

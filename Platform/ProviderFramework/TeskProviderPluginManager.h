@@ -20,6 +20,8 @@
 /// A provider that fails is left out: its URIs are removed, it gets no further call, and the others
 /// go on. The failure is logged and returned with the library's file and the reason.
 ///
+/// Destroying the manager does not shut the providers down; call shutdown() first.
+///
 /// Thread safety: loadProviders, addProvider, startup, postStartup and shutdown are called by one
 /// thread; everything else may be used by several threads at once.
 class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
@@ -60,7 +62,8 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     TSKSmrPtr<ITeskNamespaceList> setNamespaceList(TSKSmrPtr<ITeskNamespaceList> namespaces);
     TSKSmrPtr<ITeskRepository> setRepository(TSKSmrPtr<ITeskRepository> repository);
 
-    /// Loads every library lib*.so of the folder, in the order of their names.
+    /// Loads every library lib*.so of the folder, in the order of their names, and asks each
+    /// provider for its name. See ProviderLibrary::load.
     Failures loadProviders(const TSKString& folder);
 
     /// Adds a provider that is no library of its own. It must outlive the manager or its
@@ -77,7 +80,8 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     /// Shuts all providers down, the last one first, and forgets them.
     Failures shutdown();
 
-    /// The provider that a request for `path` belongs to, null when it belongs to none.
+    /// The provider that a request for `path` belongs to, null when it belongs to none. May be
+    /// used until shutdown(), before which the caller ends all requests.
     [[nodiscard]] urma::pf::Provider* findProvider(const TSKString& path) const;
 
   private:
@@ -88,6 +92,7 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     };
 
     [[nodiscard]] const Entry* findEntry(const TSKString& providerName) const;
+    [[nodiscard]] const char* addRoute(const TSKString& providerName, const TSKString& uri);
     void addEntry(urma::pf::Provider& provider, const TSKString& file);
     void removeEntry(const Entry& entry);
 

@@ -19,7 +19,7 @@
 ///
 /// Thread safety: a tree belongs to one thread while it is changed; it may be read and printed by
 /// several at once.
-class TESK_PLATFORM_EXPORT SOAPElement : public TSKReferenceCount {
+class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
   public:
     /// A detached element without attributes and children.
     /// Errors: a null `name` throws TSKNullPointerException.

@@ -11,7 +11,7 @@
 /// taken as they are; whether they are valid names is their maker's business.
 ///
 /// Thread safety: belongs to one thread while it is changed; may be read by several at once.
-class TESK_PLATFORM_EXPORT SOAPQName : public TSKReferenceCount {
+class TESK_PLATFORM_EXPORT SOAPQName final : public TSKReferenceCount {
   public:
     /// A name without a prefix.
     explicit SOAPQName(const char* localName);

@@ -39,7 +39,7 @@ void TSKLog::log(const TSKString& component, const TSKString& message,
 }
 
 bool TSKLog::isEnabled(TeskTraceLog::Severity severity) noexcept {
-    return severity <= getLevel();
+    return severity > TeskTraceLog::SeverityOff && severity <= getLevel();
 }
 
 void TSKLog::setLevel(TeskTraceLog::Severity level) noexcept {

@@ -5,6 +5,8 @@
 
 /// Thrown where a null pointer is dereferenced, or an iterator that has no current element is read.
 /// Its code is CIM_ERR_FAILED.
+///
+/// Thread safety: immutable, may be used by several threads at once.
 class TESK_PLATFORM_EXPORT TSKNullPointerException : public TeskBaseException {
   public:
     explicit TSKNullPointerException(const TSKString& where);

@@ -3,23 +3,24 @@
 #include <new>
 #include <utility>
 
+#ifdef TESK_ADDRESS_SANITIZER
+/// Nothing is kept, so that the sanitizer sees every use of released memory.
+inline constexpr unsigned long kMostPooledObjects = 0;
+#else
+/// Enough for the tree of a large class; less than a megabyte of nodes for each thread.
+inline constexpr unsigned long kMostPooledObjects = 4096;
+#endif
+
 /// Memory for a class of small objects that are made and released by the thousand, such as the
 /// nodes of an XML tree. What a thread releases is kept for the next objects that it makes, up to
-/// kMostKept of them, and given back when the thread ends. Serve a class with it by its operator
+/// `mostKept` of them, and given back when the thread ends. Serve a class with it by its operator
 /// new and operator delete; Benchmarks/Platform/ElementTreeBenchmark.cpp shows what that is worth.
 ///
 /// Thread safety: may be used by several threads at once; an object may be released by another
 /// thread than the one that made it.
-template <typename Object>
+template <typename Object, unsigned long mostKept = kMostPooledObjects>
 class TSKObjectPool {
   public:
-#ifdef TESK_ADDRESS_SANITIZER
-    // Nothing is kept, so that the sanitizer sees every use of released memory.
-    static constexpr unsigned long kMostKept = 0;
-#else
-    static constexpr unsigned long kMostKept = 4096;
-#endif
-
     /// Memory for one Object.
     /// Errors: std::bad_alloc.
     [[nodiscard]] static void* allocate() {
@@ -32,7 +33,7 @@ class TSKObjectPool {
     /// Takes memory back that allocate() gave.
     static void release(void* memory) noexcept {
         static thread_local const Closer closer;
-        if (kept_.isClosed || kept_.length == kMostKept) {
+        if (kept_.isClosed || kept_.length == mostKept) {
             ::operator delete(memory);
             return;
         }

@@ -17,6 +17,7 @@ class TSKValSlistIterator {
   public:
     explicit TSKValSlistIterator(const TSKValSlist<T>& list) noexcept
         : next_(list.values_.begin()), end_(list.values_.end()) {}
+    explicit TSKValSlistIterator(TSKValSlist<T>&& list) = delete;  // it would not outlive this
 
     /// Steps to the next value, the first one at the first call. False at the end, and ever after.
     bool operator()() noexcept {

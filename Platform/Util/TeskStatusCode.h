@@ -2,6 +2,8 @@
 
 /// The status codes of CIM operations (DSP0200, "Status codes"), as
 /// TeskBaseException::getErrorCode() gives them.
+///
+/// Thread safety: constants.
 enum TeskStatusCode : int {
     CIM_ERR_FAILED = 1,
     CIM_ERR_ACCESS_DENIED = 2,

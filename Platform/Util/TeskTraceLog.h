@@ -1,6 +1,8 @@
 #pragma once
 
 /// How important a log line is, and to whom it is of use.
+///
+/// Thread safety: holds constants only.
 class TeskTraceLog {
   public:
     /// A lower number is more important. TSKLog drops what lies above its level.

@@ -11,11 +11,13 @@
 /// There is one object in a process; the library makes it at the first call of
 /// getTeskWsdlWebProvider() and keeps it. All of its state is the base class's.
 ///
-/// Thread safety: may be used by several threads at once.
+/// Thread safety: as the base class's.
 class WsdlWebProvider : public urma::pf::Provider {
   public:
-    /// The one provider object; made at the first call, never null until it is deleted.
+    /// The one provider object; made at the first call, null after it was deleted.
+    /// Errors: std::bad_alloc; a later call tries again.
     static WsdlWebProvider* getInstance();
+    using urma::pf::Provider::getInstance;
 
     /// Deletes the one provider object too, when that is another one.
     ~WsdlWebProvider() override;
@@ -34,6 +36,7 @@ class WsdlWebProvider : public urma::pf::Provider {
     void startup() override;
 
     /// Registers "/" and its name for every namespace of the object manager.
+    /// Errors: TSKNullPointerException where no plug-in manager is installed.
     void postStartup() override;
 
     void shutdown() override;
@@ -63,4 +66,5 @@ class WsdlWebProvider : public urma::pf::Provider {
 };
 
 /// The library's factory, called by the plug-in manager. The object stays the library's.
+/// Errors: as WsdlWebProvider::getInstance().
 extern "C" __attribute__((visibility("default"))) WsdlWebProvider* getTeskWsdlWebProvider();

@@ -33,6 +33,19 @@ using GetChosenInstance = TSKSmrPtr<ITeskInstance> (Provider::*)(TSKSmrPtr<ITesk
                                                                  Provider::Transaction);
 using EnumerateInstances = Provider::InstanceList (Provider::*)(const TSKString&, const TSKString&,
                                                                 Provider::Transaction);
+using EnumerateChosenInstances = Provider::InstanceList (Provider::*)(const TSKString&,
+                                                                      const TSKString&,
+                                                                      Provider::NameList,
+                                                                      Provider::Transaction);
+using ChosenReferences = Provider::InstanceList (Provider::*)(TSKSmrPtr<ITeskInstanceName>,
+                                                              const TSKString&, const TSKString&,
+                                                              Provider::NameList,
+                                                              Provider::Transaction);
+using ChosenAssociators = Provider::InstanceList (Provider::*)(TSKSmrPtr<ITeskInstanceName>,
+                                                               const TSKString&, const TSKString&,
+                                                               const TSKString&, const TSKString&,
+                                                               Provider::NameList,
+                                                               Provider::Transaction);
 using References = Provider::InstanceList (Provider::*)(TSKSmrPtr<ITeskInstanceName>,
                                                         const TSKString&, const TSKString&,
                                                         Provider::Transaction);
@@ -61,11 +74,11 @@ TEST(Provider, OperationsKeepTheirPlaces) {
         slotOf<GetInstance>(&Provider::getInstance),
         slotOf<GetChosenInstance>(&Provider::getInstance),
         slotOf<EnumerateInstances>(&Provider::enumerateInstances),
-        slotOf<EnumerateInstances>(&Provider::enumerateInstances) + 1,
+        slotOf<EnumerateChosenInstances>(&Provider::enumerateInstances),
         slotOf<References>(&Provider::references),
-        slotOf<References>(&Provider::references) + 1,
+        slotOf<ChosenReferences>(&Provider::references),
         slotOf<Associators>(&Provider::associators),
-        slotOf<Associators>(&Provider::associators) + 1,
+        slotOf<ChosenAssociators>(&Provider::associators),
         slotOf(&Provider::createInstance),
         slotOf(&Provider::deleteInstance),
         slotOf(&Provider::modifyInstance),

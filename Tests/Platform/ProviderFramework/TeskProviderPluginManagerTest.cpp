@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -147,7 +148,7 @@ TEST_F(TeskProviderPluginManagerTest, AProviderThatFailsToStartIsLeftOut) {
     second_.onStartup = [] { throw TeskBaseException("here", "no licence", CIM_ERR_FAILED); };
     addAll();
     const Lines failures = asLines(manager_.startup());
-    EXPECT_EQ(failures, Lines({"second: Start-up failed: no licence"}));
+    EXPECT_EQ(failures, Lines({"second: Start-up failed: here: no licence (1)"}));
     EXPECT_EQ(log_.lines(), asLogLines(failures));
     manager_.postStartup();
     manager_.shutdown();
@@ -212,8 +213,8 @@ TEST_F(TeskProviderPluginManagerTest, RefusesASecondProviderOfTheSameName) {
     FakeProvider twin("first", calls_);
     EXPECT_EQ(asLines(manager_.addProvider(first_, "liba.so")), Lines());
     const Lines failures = asLines(manager_.addProvider(twin, "libb.so"));
-    EXPECT_EQ(failures, Lines({"libb.so: Adding failed: A provider of the name first is already "
-                               "there, from liba.so"}));
+    EXPECT_EQ(failures, Lines({"libb.so: Adding failed: TeskProviderPluginManager::addEntry: A "
+                               "provider of the name first is already there, from liba.so (11)"}));
     manager_.startup();
     EXPECT_EQ(calls_, Lines({"first startup"}));
 }
@@ -223,7 +224,8 @@ class NamelessProvider : public urma::pf::Provider {};
 TEST_F(TeskProviderPluginManagerTest, RefusesAProviderWithoutAName) {
     NamelessProvider nameless;
     EXPECT_EQ(asLines(manager_.addProvider(nameless, "liba.so")),
-              Lines({"liba.so: Adding failed: The provider does not support this operation"}));
+              Lines({"liba.so: Adding failed: Provider::getProviderName: The provider does not "
+                     "support this operation (7)"}));
 }
 
 TEST_F(TeskProviderPluginManagerTest, RoutesRequestsByRegisteredUri) {
@@ -261,6 +263,28 @@ TEST_F(TeskProviderPluginManagerTest, RefusedRegistrationsAreLogged) {
                      "second: it does not begin with a slash",
                      "TeskProviderPluginManager|2|2|The URI /other is refused to the provider "
                      "nobody: there is no such provider"}));
+}
+
+// Asks the manager while it is told of a refusal.
+class AskingSink : public TSKLogSink {
+  public:
+    explicit AskingSink(const TeskProviderPluginManager& manager) : manager_(manager) {}
+    void write(const TSKLogEntry& /*entry*/) override { found = manager_.findProvider("/root"); }
+
+    urma::pf::Provider* found = nullptr;
+
+  private:
+    const TeskProviderPluginManager& manager_;
+};
+
+TEST_F(TeskProviderPluginManagerTest, RequestsAreRoutedWhileARefusalIsLogged) {
+    addAll();
+    manager_.registerURI("first", "/root");
+    const auto sink = TSKSmrPtr<AskingSink>::make(manager_);
+    const TSKSmrPtr<TSKLogSink> previous = TSKLog::setSink(sink);
+    EXPECT_FALSE(manager_.registerURI("second", "/root"));
+    TSKLog::setSink(previous);
+    EXPECT_EQ(sink->found, &first_);
 }
 
 TEST_F(TeskProviderPluginManagerTest, AFailedProviderLosesItsUris) {
@@ -306,22 +330,24 @@ TEST_F(TeskProviderPluginManagerTest, LoadsTheGoodLibrariesBesideTheBrokenOnes) 
     folder.write("libText.so", "this is no library");
     folder.write("Readme.txt", "this is not even meant to be one");
     std::filesystem::create_directory(folder / "libFolder.so");
+    ASSERT_EQ(mkfifo((folder / "libPipe.so").c_str(), 0600), 0);
     std::filesystem::create_symlink("/nowhere/libGone.so", folder / "libGone.so");
 
     const Lines failures = asLines(manager_.loadProviders((folder / "").c_str()));
     const std::string at = folder.path().string() + "/";
-    ASSERT_EQ(failures.size(), 7U);
-    EXPECT_TRUE(failures[0].starts_with(at + "libFolder.so: Loading failed: ")) << failures[0];
-    EXPECT_TRUE(failures[1].starts_with(at + "libGone.so: Loading failed: ")) << failures[1];
-    EXPECT_TRUE(failures[2].starts_with(at + "libMissingSymbol.so: Loading failed: "))
-        << failures[2];
-    EXPECT_EQ(failures[3], at + "libNoFactory.so: Loading failed: The library does not export the "
-                                "function getTeskNoFactory");
-    EXPECT_EQ(failures[4], at + "libNullFactory.so: Loading failed: The function "
-                                "getTeskNullFactory returned no provider");
-    EXPECT_TRUE(failures[5].starts_with(at + "libText.so: Loading failed: ")) << failures[5];
-    EXPECT_EQ(failures[6], at + "libThrowingFactory.so: Loading failed: There is no hardware to "
-                                "manage");
+    ASSERT_EQ(failures.size(), 8U);
+    const std::string failed = ": Loading failed: ProviderLibrary::load: ";
+    EXPECT_EQ(failures[0], at + "libFolder.so" + failed + "It is no regular file (1)");
+    EXPECT_TRUE(failures[1].starts_with(at + "libGone.so" + failed)) << failures[1];
+    EXPECT_TRUE(failures[2].starts_with(at + "libMissingSymbol.so" + failed)) << failures[2];
+    EXPECT_EQ(failures[3], at + "libNoFactory.so" + failed +
+                               "The library does not export the function getTeskNoFactory (1)");
+    EXPECT_EQ(failures[4], at + "libNullFactory.so" + failed +
+                               "The function getTeskNullFactory returned no provider (1)");
+    EXPECT_EQ(failures[5], at + "libPipe.so" + failed + "It is no regular file (1)");
+    EXPECT_TRUE(failures[6].starts_with(at + "libText.so" + failed)) << failures[6];
+    EXPECT_EQ(failures[7], at + "libThrowingFactory.so: Loading failed: getTeskThrowingFactory: "
+                                "There is no hardware to manage (1)");
     EXPECT_EQ(log_.lines(), asLogLines(failures));
 
     EXPECT_TRUE(manager_.registerURI("GoodProvider", "/good"));

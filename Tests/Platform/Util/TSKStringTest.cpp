@@ -1,6 +1,9 @@
+#include <cctype>
 #include <climits>
 #include <clocale>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <new>
 #include <sstream>
@@ -11,6 +14,7 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 #include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -181,6 +185,28 @@ TEST(TSKString, AppendsUpToTheReservedLengthWithoutAllocating) {
     AllocationProbe::failAt(0);
     EXPECT_FALSE(allocated);
     EXPECT_EQ(text, repeated('x', 100));
+}
+
+TEST(TSKString, ExtendAppendsBytesForTheCallerToWrite) {
+    for (const char* const original : {"", "small", "123456789012345", kLong}) {
+        TSKString text(original);
+        const TSKString copy = text;
+        std::memcpy(text.extend(3), "end", 3);
+        EXPECT_EQ(std::string(text.data()), std::string(original) + "end");
+        (void)text.extend(0);
+        EXPECT_EQ(std::string(text.data()), std::string(original) + "end");
+        EXPECT_STREQ(copy.data(), original);
+    }
+}
+
+TEST(TSKString, AFailedExtendLeavesTheText) {
+    for (const char* const original : {"123456789012345", kLong}) {
+        TSKString text(original);
+        AllocationProbe::failAt(1);
+        EXPECT_THROW((void)text.extend(100), std::bad_alloc);
+        AllocationProbe::failAt(0);
+        EXPECT_STREQ(text.data(), original);
+    }
 }
 
 TEST(TSKString, ReservingLessThanItsLengthKeepsTheText) {
@@ -384,13 +410,22 @@ TEST(TSKString, ToLowerOfALowerTextKeepsSharingIt) {
     EXPECT_EQ(copy.data(), text.data());
 }
 
+// In Turkish capital I does not fold to i, and in an 8-bit locale other bytes are letters too.
 TEST(TSKString, CaseFoldingDoesNotDependOnTheLocale) {
-    // In Turkish, capital I does not fold to i. The locale may be missing; the result may not vary.
-    const char* const previous = std::setlocale(LC_ALL, "tr_TR.UTF-8");
-    EXPECT_EQ(TSKString("TITLE").toLower(), "title");
+    const TemporaryFolder folder;
+    const std::string locale = folder / "tr_TR.ISO-8859-9";
+    ASSERT_EQ(std::system(("localedef -i tr_TR -f ISO-8859-9 " + locale).c_str()), 0);
+    ASSERT_EQ(setenv("LOCPATH", folder.path().c_str(), 1), 0);
+    ASSERT_NE(std::setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
+    ASSERT_NE(std::tolower('I'), 'i');
+    ASSERT_EQ(std::tolower(0xc4), 0xe4);
+    EXPECT_EQ(TSKString("TITLE\xc4").toLower(), "title\xc4");
     EXPECT_TRUE(TSKString("TITLE").equalsIgnoreCase("title"));
-    if (previous != nullptr)
-        std::setlocale(LC_ALL, "C");
+    EXPECT_FALSE(TSKString("\xc4").equalsIgnoreCase("\xe4"));
+    EXPECT_TRUE(TSKString("TITLE").endsWith("itle", 1));
+    EXPECT_TRUE(TSKString("TITLE").contains("itl", 1));
+    std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
 }
 
 TEST(TSKString, TrimRemovesTheGivenBytesFromBothEnds) {

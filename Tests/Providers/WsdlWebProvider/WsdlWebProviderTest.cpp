@@ -1,12 +1,12 @@
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <memory>
+#include <new>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +15,7 @@
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
 #include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/Command.h"
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Threads.h"
@@ -162,6 +163,8 @@ TEST_F(WsdlWebProviderTest, TheRestDoesNothing) {
     EXPECT_EQ(log_.lines(), Lines());
 }
 
+static_assert(sizeof(WsdlWebProvider) == sizeof(Provider), "All state is the base class's");
+
 // The position in the virtual table, as the Itanium C++ ABI keeps it in a pointer to a member.
 template <typename Member>
 std::size_t slotOf(Member member) {
@@ -215,6 +218,25 @@ TEST(WsdlWebProviderLibrary, ThreadsRacingForTheFactoryGetOneObject) {
     }
 }
 
+TEST(WsdlWebProviderLibrary, TheFactoryCanBeCalledAgainAfterItFailed) {
+    const FreshLibrary library;
+    const LogRecording log(TeskTraceLog::SeverityOff);
+    Provider* provider = nullptr;
+    int failures = 0;
+    for (std::size_t occurrence = 1; provider == nullptr; ++occurrence) {
+        AllocationProbe::failAt(occurrence);
+        try {
+            provider = library.callFactory();
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        AllocationProbe::failAt(0);
+    }
+    EXPECT_GE(failures, 1);
+    EXPECT_EQ(provider->getProviderName(), "WsdlWebProvider");
+    EXPECT_EQ(library.callFactory(), provider);
+}
+
 TEST(WsdlWebProviderLibrary, DeletingTheInstanceForgetsIt) {
     const FreshLibrary library;
     const LogRecording log;
@@ -254,16 +276,6 @@ TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
                             lifeCycleLine("dynamically registering URI/root/cimv2"),
                             lifeCycleLine("dynamically registering URI/interop"),
                             lifeCycleLine("Shutdown called")}));
-}
-
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"),
-                                                               &pclose);
-    std::string output;
-    for (int character = std::fgetc(pipe.get()); character != EOF;
-         character = std::fgetc(pipe.get()))
-        output += static_cast<char>(character);
-    return output;
 }
 
 TEST(WsdlWebProviderLibrary, ExportsItsFactoryAndNothingElse) {
