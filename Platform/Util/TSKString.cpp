@@ -116,9 +116,8 @@ bool TSKString::contains(const char* part, int ignoreCase) const noexcept {
         return find(part, 0) >= 0;
     const std::string_view text = *this;
     const std::string_view wanted = viewOf(part);
-    return std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), sameFolded) !=
-               text.end() ||
-           wanted.empty();
+    return wanted.empty() || std::search(text.begin(), text.end(), wanted.begin(), wanted.end(),
+                                         sameFolded) != text.end();
 }
 
 long TSKString::find(char character) const noexcept {

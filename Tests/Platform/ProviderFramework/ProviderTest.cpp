@@ -1,5 +1,4 @@
 #include <cstddef>
-#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -10,20 +9,11 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 #include "Tests/Support/RecordingStreams.h"
+#include "Tests/Support/VirtualTable.h"
 
 namespace {
 
 using urma::pf::Provider;
-
-// The position of a virtual operation in the virtual table, as the Itanium C++ ABI keeps it in a
-// pointer to the member.
-template <typename Member>
-std::size_t slotOf(Member member) {
-    std::size_t words[2];
-    static_assert(sizeof member == sizeof words);
-    std::memcpy(words, &member, sizeof words);
-    return (words[0] - 1) / sizeof(void*);
-}
 
 using SetConstantWorkArea = void (Provider::*)(const TSKString&);
 using GetInstance = TSKSmrPtr<ITeskInstance> (Provider::*)(TSKSmrPtr<ITeskInstanceName>,

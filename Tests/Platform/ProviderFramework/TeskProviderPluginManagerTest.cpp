@@ -10,6 +10,7 @@
 #include "Platform/Util/TSKValSlistIterator.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
+#include "Tests/Support/FixedNamespaces.h"
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Threads.h"
@@ -96,13 +97,6 @@ class Repository : public ITeskRepository {
     }
 };
 
-class Namespaces : public ITeskNamespaceList {
-  public:
-    [[nodiscard]] TSKValSlist<TSKString> getNamespaceList() const override {
-        return {"root/cimv2", "interop"};
-    }
-};
-
 TEST_F(TeskProviderPluginManagerTest, HandsOutWhatIsInstalled) {
     EXPECT_EQ(manager_.getRepository(), nullptr);
     EXPECT_TRUE(manager_.getNamespaceList().isEmpty());
@@ -113,7 +107,9 @@ TEST_F(TeskProviderPluginManagerTest, HandsOutWhatIsInstalled) {
     EXPECT_EQ(manager_.setRepository(nullptr), repository);
     EXPECT_EQ(manager_.getRepository(), nullptr);
 
-    EXPECT_EQ(manager_.setNamespaceList(TSKSmrPtr<Namespaces>::make()), nullptr);
+    EXPECT_EQ(manager_.setNamespaceList(TSKSmrPtr<FixedNamespaces>::make(
+                  TSKValSlist<TSKString>{"root/cimv2", "interop"})),
+              nullptr);
     const TSKValSlist<TSKString> names = manager_.getNamespaceList();
     TSKValSlistIterator<TSKString> next(names);
     ASSERT_TRUE(next());

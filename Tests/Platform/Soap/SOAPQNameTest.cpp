@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
+#include <type_traits>
 
+#include "Platform/Soap/SOAPElement.h"
 #include "Platform/Soap/SOAPQName.h"
 
 namespace {
+
+// Their memory comes from pools of one size.
+static_assert(std::is_final_v<SOAPQName> && std::is_final_v<SOAPElement>);
 
 TEST(SOAPQName, HasNoPrefixAtFirst) {
     const SOAPQName name("sequence");

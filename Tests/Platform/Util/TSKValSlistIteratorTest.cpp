@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <type_traits>
 
 #include "Platform/Util/TSKString.h"
 #include "Platform/Util/TSKValSlistIterator.h"
@@ -16,6 +17,10 @@ TEST(TSKValSlistIterator, HasNoValueBeforeTheFirstStepAndAfterTheEnd) {
     EXPECT_THROW((void)next.key(), TSKNullPointerException);
     EXPECT_FALSE(next());
 }
+
+// It would be read after it is gone.
+static_assert(!std::is_constructible_v<TSKValSlistIterator<TSKString>, TSKValSlist<TSKString>>,
+              "A temporary list cannot be walked");
 
 TEST(TSKValSlistIterator, SeveralWalkOneList) {
     const TSKValSlist<TSKString> list = {"one", "two"};

@@ -1,5 +1,4 @@
 #include <cstddef>
-#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -16,9 +15,11 @@
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
 #include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Command.h"
+#include "Tests/Support/FixedNamespaces.h"
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Threads.h"
+#include "Tests/Support/VirtualTable.h"
 
 namespace {
 
@@ -29,15 +30,6 @@ using urma::pf::Provider;
 std::string lifeCycleLine(const std::string& message) {
     return "WsdlWebProvider|3|2|" + message;
 }
-
-class Namespaces : public ITeskNamespaceList {
-  public:
-    explicit Namespaces(TSKValSlist<TSKString> names) : names_(std::move(names)) {}
-    [[nodiscard]] TSKValSlist<TSKString> getNamespaceList() const override { return names_; }
-
-  private:
-    TSKValSlist<TSKString> names_;
-};
 
 // Notes every registration as "PROVIDER URI" and answers it as it is told.
 class RecordingManager : public TeskProviderPluginManager {
@@ -64,7 +56,7 @@ class WsdlWebProviderTest : public testing::Test {
     static TSKSmrPtr<RecordingManager> installManager(const TSKValSlist<TSKString>& namespaces,
                                                       bool answer = true) {
         auto manager = TSKSmrPtr<RecordingManager>::make(answer);
-        manager->setNamespaceList(TSKSmrPtr<Namespaces>::make(namespaces));
+        manager->setNamespaceList(TSKSmrPtr<FixedNamespaces>::make(namespaces));
         TeskProviderPluginManager::setTeskProviderPluginManager(manager);
         return manager;
     }
@@ -165,15 +157,6 @@ TEST_F(WsdlWebProviderTest, TheRestDoesNothing) {
 
 static_assert(sizeof(WsdlWebProvider) == sizeof(Provider), "All state is the base class's");
 
-// The position in the virtual table, as the Itanium C++ ABI keeps it in a pointer to a member.
-template <typename Member>
-std::size_t slotOf(Member member) {
-    std::size_t words[2];
-    static_assert(sizeof member == sizeof words);
-    std::memcpy(words, &member, sizeof words);
-    return (words[0] - 1) / sizeof(void*);
-}
-
 TEST_F(WsdlWebProviderTest, SetWorkAreaIsANewOperationAfterAllOfTheBaseClass) {
     using SetWorkArea = void (WsdlWebProvider::*)(TSKString&);
     EXPECT_EQ(slotOf<SetWorkArea>(&WsdlWebProvider::setWorkArea),
@@ -254,7 +237,7 @@ TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
     const LogRecording log;
     const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
     manager->setNamespaceList(
-        TSKSmrPtr<Namespaces>::make(TSKValSlist<TSKString>{"root/cimv2", "interop"}));
+        TSKSmrPtr<FixedNamespaces>::make(TSKValSlist<TSKString>{"root/cimv2", "interop"}));
     TeskProviderPluginManager::setTeskProviderPluginManager(manager);
 
     EXPECT_EQ(manager->loadProviders(folder.path().c_str()).size(), 1U);  // the broken one
