@@ -4,6 +4,7 @@
 
 #include "Platform/Http/TSKGenericHTTPIStream.h"
 #include "Platform/Http/TSKGenericHTTPOStream.h"
+#include "Tests/Support/HostCalls.h"
 
 /// A connection whose client sends nothing more.
 class EmptyInput : public TSKGenericHTTPIStream {
@@ -15,10 +16,12 @@ class EmptyInput : public TSKGenericHTTPIStream {
 class RecordedOutput : public TSKGenericHTTPOStream {
   public:
     void write(const char* data, unsigned long length) override {
+        HostCalls::note("TSKGenericHTTPOStream::write");
         text.append(data, length);
         ++writes;
     }
     void getPeerAddressString(TSKString& peerHost, TSKString& peerPort) const override {
+        HostCalls::note("TSKGenericHTTPOStream::getPeerAddressString");
         peerHost = "192.0.2.7";
         peerPort = "50000";
     }

@@ -1,0 +1,77 @@
+#include "Tests/Support/TestHost.h"
+
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/URMAConfigManager.h"
+#include "Tests/Support/HostCalls.h"
+
+namespace {
+
+class Installation : public ITeskInstallation {
+  public:
+    explicit Installation(const std::filesystem::path& folder) : folder_(folder.c_str()) {}
+
+    [[nodiscard]] TSKString getInstallationDirectory() const override {
+        HostCalls::note("ITeskInstallation::getInstallationDirectory");
+        return folder_;
+    }
+
+  private:
+    TSKString folder_;
+};
+
+class Token : public urma::security::ISecurityToken {
+  public:
+    explicit Token(std::atomic<long>& live) : live_(live) { ++live_; }
+    Token(const Token&) = delete;
+    Token& operator=(const Token&) = delete;
+    ~Token() override { --live_; }
+
+    [[nodiscard]] TSKString getUserName() const override { return "alice"; }
+
+  private:
+    std::atomic<long>& live_;
+};
+
+}  // namespace
+
+bool TestAuthenticator::authenticateRequest(TSKHTTPRequest& request,
+                                            TSKGenericHTTPIStream& /*istr*/,
+                                            TSKGenericHTTPOStream& /*ostr*/,
+                                            TSKSmrPtr<urma::security::ISecurityToken>& token) {
+    HostCalls::note("ITeskAuthenticator::authenticateRequest");
+    ++calls;
+    contentLengthSeen = request.getContentLength();
+    if (accepts)
+        token = TSKSmrPtr<Token>::make(liveTokens);
+    return accepts;
+}
+
+TestHost::TestHost() {
+    std::filesystem::create_directory(installation_ / "providers");
+    manager_->setRepository(repository_);
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager_);
+    AuthenticationHelper::setAuthenticator(authenticator_);
+    URMAConfigManager::setInstallation(TSKSmrPtr<Installation>::make(installation_.path()));
+}
+
+TestHost::~TestHost() {
+    removeManager();
+    removeInstallation();
+    AuthenticationHelper::setAuthenticator(nullptr);
+}
+
+void TestHost::writeProvidersFile(const std::string& name, const std::string& content) const {
+    installation_.write("providers/" + name, content);
+}
+
+void TestHost::removeManager() {
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+}
+
+void TestHost::removeRepository() {
+    manager_->setRepository(nullptr);
+}
+
+void TestHost::removeInstallation() {
+    URMAConfigManager::setInstallation(nullptr);
+}

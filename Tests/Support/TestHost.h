@@ -1,0 +1,52 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+
+#include "Platform/ProviderFramework/ITeskAuthenticator.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Tests/Support/ModelRepository.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+/// Lets everybody in, or nobody, and remembers what it was shown.
+class TestAuthenticator : public ITeskAuthenticator {
+  public:
+    bool authenticateRequest(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
+                             TSKGenericHTTPOStream& ostr,
+                             TSKSmrPtr<urma::security::ISecurityToken>& token) override;
+
+    std::atomic<bool> accepts = true;
+    std::atomic<int> calls = 0;
+    std::atomic<unsigned long> contentLengthSeen = 0;
+    /// The tokens handed out that still exist.
+    std::atomic<long> liveTokens = 0;
+};
+
+/// Everything that a provider reaches of an object manager, installed while this lives: a plug-in
+/// manager with a repository, an authenticator, and an installation whose "providers" folder is
+/// empty.
+class TestHost {
+  public:
+    TestHost();
+    TestHost(const TestHost&) = delete;
+    TestHost& operator=(const TestHost&) = delete;
+    ~TestHost();
+
+    [[nodiscard]] TeskProviderPluginManager& manager() { return *manager_; }
+    [[nodiscard]] ModelRepository& repository() { return *repository_; }
+    [[nodiscard]] TestAuthenticator& authenticator() { return *authenticator_; }
+
+    /// Writes a file of the installation's "providers" folder.
+    void writeProvidersFile(const std::string& name, const std::string& content) const;
+
+    void removeManager();
+    void removeRepository();
+    void removeInstallation();
+
+  private:
+    TemporaryFolder installation_;
+    TSKSmrPtr<ModelRepository> repository_ = TSKSmrPtr<ModelRepository>::make();
+    TSKSmrPtr<TeskProviderPluginManager> manager_ = TSKSmrPtr<TeskProviderPluginManager>::make();
+    TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
+};
