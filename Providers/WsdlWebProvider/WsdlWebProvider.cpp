@@ -1,19 +1,132 @@
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
 
+#include <fstream>
+#include <string_view>
 #include <utility>
 
+#include "Platform/Http/TSKHTTPException.h"
+#include "Platform/Http/TSKHTTPResponse.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderGetDllVersion.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TSKValSlistIterator.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Providers/WsdlWebProvider/WsdlUtil.h"
 
 namespace {
 
 constexpr const char* kProviderName = "WsdlWebProvider";
 
+// By number, since the names are each host's own.
+constexpr auto kError = static_cast<TeskTraceLog::Severity>(1);
+constexpr auto kInformation = static_cast<TeskTraceLog::Severity>(3);
+constexpr auto kTrace = static_cast<TeskTraceLog::Severity>(4);
+
+void log(const char* component, const TSKString& message, TeskTraceLog::Severity severity) {
+    TSKLog::log(component, message, severity, static_cast<TeskTraceLog::Verbosity>(2), 0,
+                TSKLog::CIMOMLOG);
+}
+
 void logLifeCycle(const TSKString& message) {
-    TSKLog::log(kProviderName, message, static_cast<TeskTraceLog::Severity>(3),
-                static_cast<TeskTraceLog::Verbosity>(2), 0, TSKLog::CIMOMLOG);
+    log(kProviderName, message, kInformation);
+}
+
+void logRequest(const TSKString& message, TeskTraceLog::Severity severity) {
+    log("WsdlAdapter::processInput", message, severity);
+}
+
+constexpr const char* kWsdlExtension = ".wsdl";
+constexpr const char* kXsdExtension = ".xsd";
+constexpr const char* kStaticDescription = "STSService.wsdl";
+constexpr const char* kDefaultNamespace = "interop";
+
+// How the search for the document of a request ended.
+enum class Outcome { kFound, kNotFound, kNoManager };
+
+Outcome copyStaticDescription(std::stringstream& document) {
+    try {
+        TSKString path = "providers";
+        URMAConfigManager::cvtToAbsolutePath(path);
+        outputFile(path + "/" + kStaticDescription, document);
+        // A file that is missing copies nothing, which is fine; one that breaks off is not.
+        if (document.fail() && !document.view().empty())
+            throw std::ios_base::failure(kStaticDescription);
+        return Outcome::kFound;
+    } catch (...) {
+        logRequest("Exception while reading from providers/STSService.wsdl", kError);
+        return Outcome::kNotFound;
+    }
+}
+
+// The address of the service as the client knows it, with "/" at the end.
+TSKString serviceAddress(const TSKHTTPRequest& request, const TSKGenericHTTPOStream& ostr) {
+    TSKString address = "http://";
+    if (const TSKString* host = request.getHost()) {
+        address += *host;
+    } else {
+        TSKString peerHost;
+        TSKString peerPort;
+        ostr.getPeerAddressString(peerHost, peerPort);
+        address += peerHost;
+    }
+    address += "/";
+    return address;
+}
+
+// The classes that are found; null when none is asked for.
+TSKSmrPtr<WsdlUtil::ClassList> findClasses(const ITeskRepository& repository,
+                                           const TSKString& cimNS,
+                                           const std::vector<TSKString>& classNames) {
+    if (classNames.empty())
+        return {};
+    TSKSmrPtr<WsdlUtil::ClassList> classes(new WsdlUtil::ClassList);
+    for (const TSKString& name : classNames) {
+        try {
+            if (TSKSmrPtr<ITeskClass> found = repository.getClass(cimNS, name))
+                classes->append(std::move(found));
+        } catch (const TeskBaseException& exception) {
+            TSKString code;
+            code.itoa(exception.getErrorCode(), 10);
+            logRequest("Exception while writing response. err=" + code, kError);
+        }
+    }
+    return classes;
+}
+
+bool isSchemaRequest(const TSKString& uri) {
+    return uri.endsWith(kXsdExtension, 0) || uri.contains("/xsd", 0);
+}
+
+Outcome generateDocument(const TSKHTTPRequest& request, const TSKGenericHTTPOStream& ostr,
+                         std::stringstream& document) {
+    const TSKString& uri = request.getUri();
+    TSKString cimNS;
+    std::vector<TSKString> classNames;
+    if (!getUserInput(cimNS, classNames, uri))
+        return Outcome::kNotFound;
+    if (cimNS.isEmpty())
+        cimNS = kDefaultNamespace;
+
+    const auto manager = TeskProviderPluginManager::getTeskProviderPluginManager();
+    const TSKString requestURL = serviceAddress(request, ostr);
+    if (!manager)
+        return Outcome::kNoManager;
+    const TSKSmrPtr<ITeskRepository> repository = manager->getRepository();
+    if (!repository)
+        return Outcome::kNotFound;
+
+    document << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    const auto classes = findClasses(*repository, cimNS, classNames);
+    if (!classes || classes->entries() == 0)
+        return Outcome::kNotFound;
+    // A schema's address has the namespace in it; a WSDL document is told of both.
+    const bool written =
+        isSchemaRequest(uri)
+            ? WsdlUtil::streamXsdDefinitions(document, requestURL + cimNS + "/", classes) != 0
+            : WsdlUtil::streamDefinitions(document, requestURL, cimNS, classes) != 0;
+    return written ? Outcome::kFound : Outcome::kNotFound;
 }
 
 }  // namespace
@@ -60,6 +173,16 @@ TSKSmrPtr<ITeskValue> WsdlWebProvider::deregisterObserver(
     return {};
 }
 
+void WsdlWebProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                                         TSKHTTPRequest& request, bool& /*flag*/,
+                                         TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    TSKSmrPtr<urma::security::ISecurityToken> securityToken;
+    request.setContentLength(0);  // first of all, so that nobody waits for a body
+    if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, securityToken))
+        throw TSKHTTPException("WsdlWebProvider::processHTTPRequest", "Authentication failed", 4);
+    process(request, ostr);
+}
+
 void WsdlWebProvider::startup() {
     logLifeCycle("Startup called");
 }
@@ -99,4 +222,94 @@ void WsdlWebProvider::setWorkArea(TSKString& /*path*/) {}
 
 TSKSmrPtr<ITeskRepository> WsdlWebProvider::getTeskRepository() {
     return {};
+}
+
+void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    static const TSKString STR_OK_CODE = "200";
+    static const TSKString STR_OK = "OK";
+    static const TSKString STR_FILE_NOT_FOUND_CODE = "404";
+    static const TSKString STR_FILE_NOT_FOUND = "File Not Found";
+    static const TSKString STR_INTERNAL_SERVER_ERROR_CODE = "500";
+    static const TSKString STR_INTERNAL_SERVER_ERROR = "Internal Server Error";
+
+    logRequest("Request received", kTrace);
+    std::stringstream ss;
+    ss.exceptions(std::ios_base::badbit);  // so that no document is sent in part
+    const Outcome outcome = request.getUri().endsWith(kStaticDescription, 0)
+                                ? copyStaticDescription(ss)
+                                : generateDocument(request, ostr, ss);
+    TSKString status = STR_FILE_NOT_FOUND_CODE;
+    TSKString reason = STR_FILE_NOT_FOUND;
+    if (outcome == Outcome::kFound) {
+        status = STR_OK_CODE;
+        reason = STR_OK;
+    } else if (outcome == Outcome::kNoManager) {
+        status = STR_INTERNAL_SERVER_ERROR_CODE;
+        reason = STR_INTERNAL_SERVER_ERROR;
+    }
+
+    TSKHTTPResponse response(request.getProtocol(), status, reason);
+    response.setHeaderField("Connection", "close", false);
+    if (status.equals(STR_OK_CODE)) {
+        const std::string_view document = ss.view();
+        response.setContentLength(document.size());
+        response.setContentType("text/xml");
+        response.writeResponseTo(ostr);
+        ostr.write(document.data(), document.size());
+    } else {
+        response.setContentLength(0);
+        response.writeResponseTo(ostr);
+    }
+    logRequest("Request processing completed normally", kTrace);
+}
+
+bool getUserInput(TSKString& cimNS, std::vector<TSKString>& classNames, const TSKString& uri) {
+    TSKString myUri = uri;
+    myUri.toLower();
+    if (!myUri.endsWith(kWsdlExtension, 0) && !myUri.endsWith(kXsdExtension, 0))
+        return false;
+    const long pos = myUri.reverseFind('/');
+    const long iPos = myUri.find('/');
+    if (pos < 0)
+        return false;
+
+    const long start = iPos + 1;
+    const long end = pos == 0 ? 0 : pos - 1;
+    cimNS = myUri.substr(static_cast<unsigned long>(start),
+                         static_cast<unsigned long>(end - start + 1));
+    cimNS.trim(" ");
+
+    // Only the small letters ".xsd" ask for a schema. Where the extension is not found behind the
+    // last "/", the length is negative and the name runs to the end of the path.
+    const bool isXsdRequest = uri.endsWith(kXsdExtension, 0);
+    const long iDotWsdl = myUri.find(isXsdRequest ? kXsdExtension : kWsdlExtension, 0);
+    TSKString tmpClassName = myUri.substr(static_cast<unsigned long>(pos + 1),
+                                          static_cast<unsigned long>(iDotWsdl - pos - 1));
+    tmpClassName.trim(" ");
+    classNames.push_back(tmpClassName);
+    return true;
+}
+
+void outputFile(const TSKString& fullPath, std::stringstream& ostr) {
+    const std::ifstream file(fullPath.data());
+    ostr << file.rdbuf();
+}
+
+bool isWsdlUri(const TSKString& uri) {
+    return uri.contains("/wsdl", 0);
+}
+
+void tokenize(std::vector<TSKString>& values, const TSKString& src, const TSKString& seperator) {
+    const auto appendPiece = [&](TSKString piece) {
+        piece.trim(" ");
+        if (piece.length() > 0)
+            values.push_back(piece);
+    };
+    TSKString rest = src;
+    for (long pos = rest.find(seperator.data(), 0); pos > 0; pos = rest.find(seperator.data(), 0)) {
+        appendPiece(rest.left(static_cast<unsigned long>(pos)));
+        const unsigned long restStart = static_cast<unsigned long>(pos) + seperator.length();
+        rest = rest.substr(restStart, rest.length() - restStart);
+    }
+    appendPiece(rest);
 }

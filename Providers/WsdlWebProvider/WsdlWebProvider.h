@@ -1,8 +1,13 @@
 #pragma once
 
 #include <pthread.h>
+#include <sstream>
+#include <vector>
 
 #include "Platform/Cim/ITeskRepository.h"
+#include "Platform/Http/TSKGenericHTTPIStream.h"
+#include "Platform/Http/TSKGenericHTTPOStream.h"
+#include "Platform/Http/TSKHTTPRequest.h"
 #include "Platform/ProviderFramework/Provider.h"
 
 /// Publishes a WSDL 1.1 document and an XML Schema document for every class that the object manager
@@ -32,6 +37,15 @@ class WsdlWebProvider : public urma::pf::Provider {
                                              ITeskIndication::IndicationType type,
                                              TSKSmrPtr<ITeskSubscriptionFilter> filter,
                                              TSKSmrPtr<ITeskTransaction> transaction) override;
+
+    /// Answers a request of an authenticated caller: see process(). Reads no body, and leaves the
+    /// flag as it is.
+    /// Errors: TSKHTTPException with kAuthenticationFailed for any other caller, to whom nothing is
+    /// written; what process() throws.
+    void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                            TSKHTTPRequest& request, bool& flag,
+                            TSKSmrPtr<ITeskTransaction> transaction) override;
+    using urma::pf::Provider::processHTTPRequest;
 
     void startup() override;
 
@@ -64,6 +78,42 @@ class WsdlWebProvider : public urma::pf::Provider {
     static WsdlWebProvider* singleton_Instance;
     static pthread_once_t once;
 };
+
+/// Writes the whole response to a request: the document that its path names, as
+///
+///     /NAMESPACE/CLASS.wsdl    the WSDL document of a class
+///     /NAMESPACE/CLASS.xsd     its XML Schema document
+///     /CLASS.wsdl, /CLASS.xsd  those of a class of the namespace "interop"
+///     …STSService.wsdl         the file of that name in the installation's "providers" folder
+///
+/// or "404" "File Not Found" without a body where there is no such document, "500" "Internal Server
+/// Error" where there is no plug-in manager. Documents name the host by the request's field "Host",
+/// or by the client's address where there is none. The document is complete before anything is
+/// written.
+///
+/// Errors: what the host's objects throw, but for a TeskBaseException of the class lookup, which is
+/// a document that is not there. Unless the stream threw, nothing has been written then.
+///
+/// Thread safety: may be used by several threads at once, each with a request and a stream of its
+/// own.
+void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr);
+
+/// Reads a request path: sets `cimNS` to what stands between its first and its last "/", and
+/// appends what stands between the last "/" and the extension to `classNames`, both in small
+/// letters. Returns false, and changes nothing, when the path has no "/" or ends, in any case,
+/// neither with ".wsdl" nor with ".xsd".
+[[nodiscard]] bool getUserInput(TSKString& cimNS, std::vector<TSKString>& classNames,
+                                const TSKString& uri);
+
+/// Copies a file to a stream. A file that cannot be opened copies nothing.
+void outputFile(const TSKString& fullPath, std::stringstream& ostr);
+
+/// Whether a path holds "/wsdl".
+[[nodiscard]] bool isWsdlUri(const TSKString& uri);
+
+/// Appends the pieces of `src` between the separators to `values`, without the blanks around them
+/// and without the empty ones. A rest that begins with a separator is not split any further.
+void tokenize(std::vector<TSKString>& values, const TSKString& src, const TSKString& seperator);
 
 /// The library's factory, called by the plug-in manager. The object stays the library's.
 /// Errors: as WsdlWebProvider::getInstance().
