@@ -1,0 +1,348 @@
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Platform/Util/TeskBaseException.h"
+#include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Providers/WsdlWebProvider/WsdlWebProvider.h"
+#include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/RecordingLogSink.h"
+#include "Tests/Support/RecordingStreams.h"
+#include "Tests/Support/TestHost.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr const char* kXmlDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+std::string found(const std::string& body) {
+    return "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
+           std::to_string(body.size()) + "\r\nContent-Type: text/xml\r\n\r\n" + body;
+}
+
+constexpr const char* kNotFound =
+    "HTTP/1.1 404 File Not Found\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
+constexpr const char* kInternalServerError =
+    "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
+
+Lines operator+(Lines first, const Lines& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+// The log of one request: its begin, what happened, its end.
+Lines logOf(const Lines& between = {}) {
+    return Lines{"WsdlAdapter::processInput|4|2|Request received"} + between +
+           Lines{"WsdlAdapter::processInput|4|2|Request processing completed normally"};
+}
+
+ModelClass fooClass() {
+    return ModelClass("CIM_Foo")
+        .qualifier("Description", "Holds foo.")
+        .property(ModelProperty("Name", "string").qualifier("Key"))
+        .method(ModelMethod("Stop", "uint32"));
+}
+
+// A repository whose lookup throws.
+template <typename Exception>
+class ThrowingRepository : public ITeskRepository {
+  public:
+    explicit ThrowingRepository(const Exception& exception) : exception_(exception) {}
+
+    [[nodiscard]] TSKSmrPtr<ITeskClass> getClass(const TSKString& /*nameSpace*/,
+                                                 const TSKString& /*className*/) const override {
+        throw Exception(exception_);
+    }
+
+  private:
+    Exception exception_;
+};
+
+class RequestRouterTest : public testing::Test {
+  protected:
+    RequestRouterTest() {
+        host_.repository().add("root/cimv2", fooClass());
+        host_.repository().add("interop", fooClass());
+    }
+
+    // What is written in answer to a request.
+    static std::string answer(const char* path, const char* hostField = "example.org:5985") {
+        TSKHTTPRequest request("GET", path, "HTTP/1.1");
+        if (hostField != nullptr)
+            request.setHeaderField("Host", hostField, false);
+        RecordedOutput output;
+        process(request, output);
+        return output.text;
+    }
+
+    // The documents as they are made without a request.
+    TSKSmrPtr<WsdlUtil::ClassList> foo() {
+        return TSKSmrPtr<WsdlUtil::ClassList>::make(
+            WsdlUtil::ClassList{host_.repository().getClass("interop", "CIM_Foo")});
+    }
+    std::string wsdl(const char* url, const char* nameSpace) {
+        std::stringstream document;
+        document << kXmlDeclaration;
+        WsdlUtil::streamDefinitions(document, url, nameSpace, foo());
+        return document.str();
+    }
+    std::string schema(const char* baseAddress) {
+        std::stringstream document;
+        document << kXmlDeclaration;
+        WsdlUtil::streamXsdDefinitions(document, baseAddress, foo());
+        return document.str();
+    }
+
+    template <typename Exception>
+    void makeLookupsThrow(const Exception& exception) {
+        host_.manager().setRepository(TSKSmrPtr<ThrowingRepository<Exception>>::make(exception));
+    }
+
+    TestHost host_;
+    LogRecording log_;
+};
+
+TEST_F(RequestRouterTest, AnswersWithTheWsdlDocumentOfAClass) {
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"),
+              found(wsdl("http://example.org:5985/", "root/cimv2")));
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, TheDocumentNamesTheServiceByTheHostField) {
+    EXPECT_NE(answer("/root/cimv2/CIM_Foo.wsdl")
+                  .find("<soap:address location=\"http://example.org:5985/wsman\"/>"),
+              std::string::npos);
+}
+
+TEST_F(RequestRouterTest, AnswersWithTheSchemaOfAClass) {
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"),
+              found(schema("http://example.org:5985/root/cimv2/")));
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, LooksTheClassUpInSmallLetters) {
+    const HostCalls::Recording calls;
+    (void)answer("/Root/CIMv2/CIM_Foo.wsdl");
+    EXPECT_EQ(calls.callsOf("ITeskRepository::getClass"),
+              Lines({"ITeskRepository::getClass root/cimv2:cim_foo"}));
+}
+
+TEST_F(RequestRouterTest, APathWithoutANamespaceMeansInterop) {
+    const std::string expected = found(wsdl("http://example.org:5985/", "interop"));
+    const HostCalls::Recording calls;
+    EXPECT_EQ(answer("/CIM_Foo.wsdl"), expected);
+    EXPECT_EQ(calls.callsOf("ITeskRepository::getClass"),
+              Lines({"ITeskRepository::getClass interop:cim_foo"}));
+}
+
+TEST_F(RequestRouterTest, XsdInCapitalsIsAWsdlRequestForAClassOfThatName) {
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.XSD"), kNotFound);
+    host_.repository().add("root/cimv2", ModelClass("cim_foo.xsd"));
+    const std::string text = answer("/root/cimv2/CIM_Foo.XSD");
+    EXPECT_NE(text.find("<wsdl:definitions\n  name=\"cim_foo.xsd_WSDL\""), std::string::npos);
+}
+
+TEST_F(RequestRouterTest, XsdInThePathAsksForTheSchema) {
+    host_.repository().add("root/xsd", fooClass());
+    EXPECT_EQ(answer("/root/xsd/CIM_Foo.wsdl"), found(schema("http://example.org:5985/root/xsd/")));
+}
+
+TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
+    host_.repository().add("root/xsd", fooClass());
+    EXPECT_EQ(answer("/root/XSD/CIM_Foo.wsdl"),
+              found(wsdl("http://example.org:5985/", "root/xsd")));
+}
+
+TEST_F(RequestRouterTest, WithoutAHostFieldTheDocumentNamesTheClientsAddress) {
+    EXPECT_EQ(answer("/CIM_Foo.wsdl", nullptr), found(wsdl("http://192.0.2.7/", "interop")));
+    EXPECT_EQ(answer("/CIM_Foo.xsd", nullptr), found(schema("http://192.0.2.7/interop/")));
+}
+
+TEST_F(RequestRouterTest, AnswersInTheProtocolOfTheRequest) {
+    TSKHTTPRequest request("GET", "/nothing", "HTTP/1.0");
+    RecordedOutput output;
+    process(request, output);
+    EXPECT_EQ(output.text,
+              "HTTP/1.0 404 File Not Found\r\nConnection: close\r\nContent-Length: 0\r\n\r\n");
+}
+
+TEST_F(RequestRouterTest, ServesTheStaticDescriptionAsItIs) {
+    using std::string_literals::operator""s;
+    const std::string content = "no XML at all: \0\r\n\xff"s;
+    host_.writeProvidersFile("STSService.wsdl", content);
+    EXPECT_EQ(answer("/STSService.wsdl"), found(content));
+    EXPECT_EQ(answer("/any/name/space/STSService.wsdl"), found(content));
+    EXPECT_EQ(answer("/root/cimv2/MySTSService.wsdl"), found(content));
+    EXPECT_EQ(answer("STSService.wsdl"), found(content));
+}
+
+TEST_F(RequestRouterTest, TheStaticDescriptionNeedsNeitherManagerNorRepository) {
+    host_.removeManager();
+    host_.writeProvidersFile("STSService.wsdl", "static");
+    EXPECT_EQ(answer("/interop/STSService.wsdl"), found("static"));
+}
+
+TEST_F(RequestRouterTest, TheStaticDescriptionIsFoundByItsExactNameOnly) {
+    host_.writeProvidersFile("STSService.wsdl", "static");
+    EXPECT_EQ(answer("/interop/stsservice.wsdl"), kNotFound);
+    EXPECT_EQ(answer("/interop/STSService.xsd"), kNotFound);
+}
+
+TEST_F(RequestRouterTest, AMissingStaticDescriptionIsAnEmptyDocument) {
+    EXPECT_EQ(answer("/interop/STSService.wsdl"), found(""));
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, AnExceptionWhileReadingTheStaticDescriptionIsLogged) {
+    host_.removeInstallation();
+    EXPECT_EQ(answer("/interop/STSService.wsdl"), kNotFound);
+    EXPECT_EQ(log_.lines(), logOf({"WsdlAdapter::processInput|1|2|Exception while reading from "
+                                   "providers/STSService.wsdl"}));
+}
+
+TEST_F(RequestRouterTest, AnUnparseablePathIsNotFound) {
+    for (const char* path : {"/", "", "/root/cimv2", "/root/cimv2/CIM_Foo", "CIM_Foo.wsdl",
+                             "/root/cimv2/CIM_Foo.wsdl/", "/root/cimv2/CIM_Foo.html"})
+        EXPECT_EQ(answer(path), kNotFound) << path;
+}
+
+TEST_F(RequestRouterTest, AnUnparseablePathIsNotFoundEvenWithoutAManager) {
+    host_.removeManager();
+    EXPECT_EQ(answer("/root/cimv2"), kNotFound);
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, AMissingManagerIsAnInternalServerError) {
+    host_.removeManager();
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), kInternalServerError);
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, AMissingRepositoryIsNotFound) {
+    host_.removeRepository();
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, AnUnknownClassIsNotFound) {
+    EXPECT_EQ(answer("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
+    EXPECT_EQ(answer("/root/cimv2/.xsd"), kNotFound);
+    EXPECT_EQ(log_.lines(), logOf() + logOf());
+}
+
+TEST_F(RequestRouterTest, AFailedLookupIsNotFoundAndLoggedWithItsCode) {
+    EXPECT_EQ(answer("/root/unknown/CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(log_.lines(),
+              logOf({"WsdlAdapter::processInput|1|2|Exception while writing response. err=3"}));
+}
+
+TEST_F(RequestRouterTest, TheCodeOfAFailedLookupMayBeNegative) {
+    makeLookupsThrow(TeskBaseException("lookup", "failed", -17));
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), kNotFound);
+    EXPECT_EQ(log_.lines(),
+              logOf({"WsdlAdapter::processInput|1|2|Exception while writing response. err=-17"}));
+}
+
+TEST_F(RequestRouterTest, AnyOtherExceptionOfALookupPasses) {
+    makeLookupsThrow(std::runtime_error("lookup"));
+    TSKHTTPRequest request("GET", "/root/cimv2/CIM_Foo.wsdl", "HTTP/1.1");
+    RecordedOutput output;
+    EXPECT_THROW(process(request, output), std::runtime_error);
+    EXPECT_EQ(output.text, "");
+    EXPECT_EQ(log_.lines(), Lines({"WsdlAdapter::processInput|4|2|Request received"}));
+}
+
+TEST_F(RequestRouterTest, AHostFieldWithALineBreakNeverReachesTheHead) {
+    const std::string text = answer("/CIM_Foo.wsdl", "evil\r\nX-Injected: 1");
+    const std::string head = text.substr(0, text.find("\r\n\r\n"));
+    EXPECT_EQ(head.find("X-Injected"), std::string::npos);
+    EXPECT_TRUE(head.starts_with("HTTP/1.1 200 OK\r\nConnection: close\r\n"));
+}
+
+TEST_F(RequestRouterTest, HostilePathsAreAnsweredInOnePiece) {
+    const std::string longName(100'000, 'a');
+    for (const std::string& path :
+         Lines{"/" + longName + ".wsdl", "/" + std::string(100'000, '/') + ".xsd",
+               "/root/cimv2/%00.wsdl", "/root/cimv2/../../../etc/passwd.wsdl",
+               "/\r\nX-Injected: 1/CIM_Foo.wsdl", "/root/cimv2/\xff\xfe.xsd"})
+        EXPECT_EQ(answer(path.c_str()), kNotFound) << path.substr(0, 100);
+}
+
+TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheAnswerUnwritten) {
+    TSKHTTPRequest request("GET", "/root/cimv2/CIM_Foo.wsdl", "HTTP/1.1");
+    std::unique_ptr<RecordedOutput> output;
+    const std::size_t failures = HostCalls::failEach(
+        [&] {
+            output = std::make_unique<RecordedOutput>();
+            process(request, *output);
+        },
+        [&](const std::string& operation) {
+            EXPECT_TRUE(output->text.empty() || operation == "TSKGenericHTTPOStream::write")
+                << operation;
+        });
+    EXPECT_GT(failures, 50U);
+    EXPECT_EQ(output->text, found(wsdl("http://192.0.2.7/", "root/cimv2")));
+}
+
+// A stream swallows exceptions unless it is told not to; a document cut short would follow.
+TEST_F(RequestRouterTest, NoDocumentIsSentInPartWhenMemoryRunsOut) {
+    host_.writeProvidersFile("STSService.wsdl", std::string(5000, 's'));
+    const LogRecording quiet(TeskTraceLog::SeverityOff);
+    for (const char* path :
+         {"/root/cimv2/CIM_Foo.wsdl", "/root/cimv2/CIM_Foo.xsd", "/STSService.wsdl"}) {
+        const std::string whole = answer(path);
+        const std::string head = whole.substr(0, whole.find("\r\n\r\n") + 4);
+        std::string text;
+        const std::size_t failures = AllocationProbe::failEachAllocation(
+            [&] {
+                TSKHTTPRequest request("GET", path, "HTTP/1.1");
+                request.setHeaderField("Host", "example.org:5985", false);
+                RecordedOutput output;
+                text.clear();
+                try {
+                    process(request, output);
+                } catch (const std::bad_alloc&) {
+                }
+                text = std::move(output.text);
+            },
+            [&] {
+                EXPECT_TRUE(text.empty() || text == head || text == whole || text == kNotFound);
+            });
+        EXPECT_GT(failures, 5U) << path;
+        EXPECT_EQ(text, whole);
+    }
+}
+
+TEST_F(RequestRouterTest, ThreadsAreAnsweredAtTheSameTime) {
+    const std::string wsdlAnswer = answer("/root/cimv2/CIM_Foo.wsdl");
+    const std::string schemaAnswer = answer("/root/cimv2/CIM_Foo.xsd");
+    host_.writeProvidersFile("STSService.wsdl", "static");
+    const LogRecording log;
+    constexpr int kThreads = 8;
+    constexpr int kRounds = 50;
+    runOnThreads(kThreads, [&](int index) {
+        for (int round = 0; round < kRounds; ++round) {
+            switch ((index + round) % 4) {
+                case 0:
+                    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), wsdlAnswer);
+                    break;
+                case 1:
+                    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), schemaAnswer);
+                    break;
+                case 2:
+                    EXPECT_EQ(answer("/STSService.wsdl"), found("static"));
+                    break;
+                default:
+                    EXPECT_EQ(answer("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
+            }
+        }
+    });
+    EXPECT_EQ(log.lines().size(), 2U * kThreads * kRounds);
+}
+
+}  // namespace

@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Providers/WsdlWebProvider/NaiveValueMap.h"
+#include "Tests/Providers/WsdlWebProvider/RandomValueMaps.h"
+#include "Tests/Support/ClassModel.h"
+
+namespace {
+
+std::string restrictionOf(const RandomValueMaps::Case& valueMap) {
+    std::vector<ModelElement> elements;
+    for (const std::optional<std::string>& entry : valueMap.entries)
+        elements.emplace_back(entry ? entry->c_str() : nullptr);
+    auto root =
+        SOAPElement::makeElement(TSKSmrPtr<SOAPQName>(new SOAPQName("simpleContent", "xs")));
+    WsdlUtil::addRestrictionValueMapChildElement(root, ModelType(valueMap.typeName),
+                                                 ModelValue(elements), valueMap.addMaxLength,
+                                                 valueMap.maxLength);
+    std::ostringstream text;
+    root->printXML(text, std::numeric_limits<unsigned long>::max());
+    return text.str();
+}
+
+std::string describe(const RandomValueMaps::Case& valueMap) {
+    std::string text = valueMap.typeName + " {";
+    for (const std::optional<std::string>& entry : valueMap.entries)
+        text += entry ? " \"" + *entry + "\"" : " null";
+    return text + " }";
+}
+
+TEST(ValueMapProperty, RandomMapsGiveWhatAPlainEvaluationGives) {
+    constexpr int kCases = 25'000;
+    constexpr unsigned long kSeed = 20'261'121;
+    RandomValueMaps maps(kSeed);
+    for (int number = 0; number < kCases; ++number) {
+        const RandomValueMaps::Case valueMap = maps.next();
+        ASSERT_EQ(restrictionOf(valueMap),
+                  naiveValueMapRestriction(valueMap.typeName, valueMap.entries,
+                                           valueMap.addMaxLength, valueMap.maxLength))
+            << "case " << number << ": " << describe(valueMap);
+    }
+}
+
+}  // namespace
