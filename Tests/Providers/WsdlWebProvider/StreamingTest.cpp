@@ -1,0 +1,661 @@
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Platform/Util/TSKNullPointerException.h"
+#include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Support/ClassModel.h"
+#include "Tests/Support/HostCalls.h"
+
+namespace {
+
+using Class = TSKSmrPtr<ITeskClass>;
+using List = TSKSmrPtr<WsdlUtil::ClassList>;
+
+const Class kNoClass;
+const List kNoList;
+
+const char* const kUrl = "http://host:5985/";
+const char* const kNamespace = "root/tst";
+
+Class oneClass() {
+    return ModelClass("TST_One")
+        .qualifier("Description", "The first.")
+        .property(ModelProperty("Id", "uint32").qualifier("Key"))
+        .method(ModelMethod("Stop", "uint32").qualifier("Description", "Stops it."))
+        .share();
+}
+
+Class twoClass() {
+    return ModelClass("TST_Two").share();
+}
+
+Class threeClass() {
+    return ModelClass("TST_Three")
+        .qualifier("Description", "The third.")
+        .inheritedProperty(ModelProperty("Label", "string"))
+        .inheritedMethod(ModelMethod("Print", "boolean"))
+        .share();
+}
+
+List listOf(std::initializer_list<Class> classes) {
+    return List::make(classes);
+}
+
+// A text that begins on a line of its own in the test.
+std::string block(std::string_view lines) {
+    return std::string(lines.substr(1));
+}
+
+// `lines` with the name wherever {class} stands.
+std::string withClass(std::string_view className, std::string lines) {
+    const std::string_view placeholder = "{class}";
+    for (std::size_t position = lines.find(placeholder); position != std::string::npos;
+         position = lines.find(placeholder, position + className.size()))
+        lines.replace(position, placeholder.size(), className);
+    return lines;
+}
+
+std::size_t count(std::string_view whole, std::string_view part) {
+    std::size_t found = 0;
+    for (std::size_t position = whole.find(part); position != std::string_view::npos;
+         position = whole.find(part, position + part.size()))
+        ++found;
+    return found;
+}
+
+std::string importOf(const std::string& nameSpace, const std::string& location) {
+    return "  <xs:import namespace=\"" + nameSpace + "\" schemaLocation=\"" + location + "\"/>\n";
+}
+
+const std::string kCommonImport = importOf("http://schemas.dmtf.org/wbem/wscim/1/common",
+                                           "http://schemas.dmtf.org/wbem/wscim/1/common.xsd");
+
+const std::string kFiveImports =
+    kCommonImport +
+    importOf("http://schemas.dmtf.org/wbem/wsman/1/wsman.xsd",
+             "http://schemas.dmtf.org/wbem/wsman/1/wsman.xsd") +
+    importOf("http://schemas.xmlsoap.org/ws/2004/09/transfer",
+             "http://schemas.xmlsoap.org/ws/2004/09/transfer/transfer.xsd") +
+    importOf("http://schemas.xmlsoap.org/ws/2004/09/enumeration",
+             "http://schemas.xmlsoap.org/ws/2004/09/enumeration/enumeration.xsd") +
+    importOf("http://schemas.dmtf.org/wbem/wsman/1/cimbinding.xsd",
+             "http://schemas.dmtf.org/wbem/wsman/1/cimbinding.xsd");
+
+// What the schema of a class without properties and methods declares.
+std::string emptyBody(std::string_view className) {
+    return withClass(className, block(R"(
+  <xs:complexType name="{class}_Type">
+    <xs:sequence/>
+    <xs:anyAttribute namespace="##any" processContents="lax"/>
+  </xs:complexType>
+  <xs:element name="{class}" type="class:{class}_Type"/>
+)"));
+}
+
+const std::string kOneBody = block(R"(
+  <xs:element name="Id" type="cim:cimUnsignedInt"/>
+  <xs:complexType name="TST_One_Type">
+    <xs:sequence>
+      <xs:element ref="class:Id"/>
+      <xs:any namespace="##other" processContents="lax" minOccurs="0" maxOccurs="unbounded"/>
+    </xs:sequence>
+    <xs:anyAttribute namespace="##any" processContents="lax"/>
+  </xs:complexType>
+  <xs:element name="TST_One" type="class:TST_One_Type"/>
+  <xs:element name="Stop_INPUT">
+    <xs:complexType>
+      <xs:sequence/>
+    </xs:complexType>
+  </xs:element>
+  <xs:element name="Stop_OUTPUT">
+    <xs:complexType>
+      <xs:sequence>
+        <xs:element name="ReturnValue" type="cim:cimUnsignedInt" nillable="true"/>
+      </xs:sequence>
+    </xs:complexType>
+  </xs:element>
+)");
+
+const std::string kThreeBody = block(R"(
+  <xs:element name="Label" type="cim:cimString" nillable="true"/>
+  <xs:complexType name="TST_Three_Type">
+    <xs:sequence>
+      <xs:element ref="class:Label" minOccurs="0"/>
+      <xs:any namespace="##other" processContents="lax" minOccurs="0" maxOccurs="unbounded"/>
+    </xs:sequence>
+    <xs:anyAttribute namespace="##any" processContents="lax"/>
+  </xs:complexType>
+  <xs:element name="TST_Three" type="class:TST_Three_Type"/>
+  <xs:element name="Print_INPUT">
+    <xs:complexType>
+      <xs:sequence/>
+    </xs:complexType>
+  </xs:element>
+  <xs:element name="Print_OUTPUT">
+    <xs:complexType>
+      <xs:sequence>
+        <xs:element name="ReturnValue" type="cim:cimBoolean" nillable="true"/>
+      </xs:sequence>
+    </xs:complexType>
+  </xs:element>
+)");
+
+// The elements that carry a whole instance, in the order of the intrinsic operations.
+std::string intrinsicElements(std::string_view className) {
+    return withClass(className, block(R"(
+  <xs:element name="Get_OUTPUT" type="class:{class}_Type"/>
+  <xs:element name="Create_INPUT" type="class:{class}_Type"/>
+  <xs:element name="Put_INPUT" type="class:{class}_Type"/>
+)"));
+}
+
+std::string targetNamespaceOf(const std::string& className) {
+    return "targetNamespace=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/" + className +
+           "\"";
+}
+
+// The schema that a WSDL document embeds.
+std::string embeddedSchema(const std::string& className, const std::string& body) {
+    return "<xs:schema " + targetNamespaceOf(className) + ">\n" + kFiveImports + body +
+           intrinsicElements(className) + "</xs:schema>\n";
+}
+
+// The schema that is a document of its own.
+std::string inlineSchema(const std::string& className, const std::string& body) {
+    return "<xs:schema " + targetNamespaceOf(className) +
+           " xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
+           " xmlns:class=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/" +
+           className +
+           "\""
+           " xmlns:cim=\"http://schemas.dmtf.org/wbem/wscim/1/common\">\n" +
+           kCommonImport + body + "</xs:schema>\n";
+}
+
+// The schema of nothing but imports.
+std::string importingSchema(const std::string& imports) {
+    return "<xs:schema>\n" + kCommonImport + imports + "</xs:schema>\n";
+}
+
+std::string schemaOf(const Class& cimClass) {
+    std::stringstream stream;
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, cimClass), 1);
+    return stream.str();
+}
+
+std::string schemasOf(const List& classes, const TSKString& baseAddress = kUrl) {
+    std::stringstream stream;
+    EXPECT_EQ(WsdlUtil::streamXsdDefinitions(stream, baseAddress, classes), 1);
+    return stream.str();
+}
+
+std::string documentsOf(const List& classes) {
+    std::stringstream stream;
+    EXPECT_EQ(WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, classes), 1);
+    return stream.str();
+}
+
+std::string documentOf(const ModelClass& cimClass) {
+    return documentsOf(listOf({cimClass.share()}));
+}
+
+// The same document made by hand; `cimClass` gives its name and its methods.
+std::string expectedDocument(const Class& cimClass, const std::string& schemas,
+                             const char* documentation) {
+    WSDLFile wsdl(cimClass->getName(), kUrl, kNamespace, schemas.c_str());
+    wsdl.setDocumentation(documentation);
+    WsdlUtil::enumerateExtrinsicsMethods(cimClass->getMethods(true), wsdl);
+    return std::string(std::string_view(wsdl.toString(false)));
+}
+
+// What the types of each document hold.
+std::vector<std::string> typesSectionsOf(const std::string& documents) {
+    const std::string start = "  <wsdl:types>\n";
+    const std::string end = "\n  </wsdl:types>\n\n";
+    std::vector<std::string> sections;
+    for (std::size_t begin = documents.find(start); begin != std::string::npos;
+         begin = documents.find(start, begin)) {
+        begin += start.size();
+        sections.push_back(documents.substr(begin, documents.find(end, begin) - begin));
+    }
+    return sections;
+}
+
+std::string documentationOf(const ModelClass& cimClass) {
+    const std::string document = documentOf(cimClass);
+    const std::string start = "<wsdl:documentation>";
+    const std::size_t begin = document.rfind(start) + start.size();
+    return document.substr(begin, document.find("</wsdl:documentation>", begin) - begin);
+}
+
+// Runs `write` with every call into the host failing in turn; nothing may reach its stream then.
+template <typename Write>
+void expectNothingWrittenOnFailure(const Write& write) {
+    std::stringstream undisturbed;
+    std::size_t calls = 0;
+    {
+        const HostCalls::Recording recording;
+        write(undisturbed);
+        calls = recording.calls().size();
+    }
+    std::stringstream stream;
+    stream << "before";
+    const std::size_t failures = HostCalls::failEach([&] { write(stream); },
+                                                     [&](const std::string& operation) {
+                                                         EXPECT_EQ(stream.str(), "before")
+                                                             << operation;
+                                                         EXPECT_TRUE(stream.good()) << operation;
+                                                     });
+    EXPECT_GT(calls, 0U);
+    EXPECT_EQ(failures, calls);
+    EXPECT_EQ(stream.str(), "before" + undisturbed.str());
+}
+
+// The schema of one class.
+
+TEST(StreamXsdDefinition, WritesImportsDeclarationsAndIntrinsicElements) {
+    std::stringstream stream;
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, oneClass()), 1);
+    EXPECT_EQ(stream.str(), embeddedSchema("TST_One", kOneBody));
+}
+
+TEST(StreamXsdDefinition, AClassWithoutPropertiesHasAnEmptySequenceAndNoWildcard) {
+    EXPECT_EQ(schemaOf(twoClass()), embeddedSchema("TST_Two", emptyBody("TST_Two")));
+}
+
+TEST(StreamXsdDefinition, IncludesWhatIsInherited) {
+    EXPECT_EQ(schemaOf(threeClass()), embeddedSchema("TST_Three", kThreeBody));
+}
+
+TEST(StreamXsdDefinition, DeclaresTheTargetNamespaceAlone) {
+    const std::string schema = schemaOf(oneClass());
+    EXPECT_EQ(schema.substr(0, schema.find('\n')),
+              "<xs:schema"
+              " targetNamespace=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/TST_One\">");
+    EXPECT_EQ(count(schema, "xmlns"), 0U);
+}
+
+TEST(StreamXsdDefinition, EndsWithTheElementsThatCarryAWholeInstance) {
+    EXPECT_TRUE(schemaOf(twoClass()).ends_with(R"(
+  <xs:element name="Get_OUTPUT" type="class:TST_Two_Type"/>
+  <xs:element name="Create_INPUT" type="class:TST_Two_Type"/>
+  <xs:element name="Put_INPUT" type="class:TST_Two_Type"/>
+</xs:schema>
+)"));
+}
+
+TEST(StreamXsdDefinition, ANullClassWritesNothingAndReturnsZero) {
+    std::stringstream stream;
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, kNoClass), 0);
+    EXPECT_EQ(stream.str(), "");
+    stream << "before";
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, kNoClass), 0);
+    EXPECT_EQ(stream.str(), "before");
+}
+
+TEST(StreamXsdDefinition, AppendsToWhatTheStreamHolds) {
+    std::stringstream stream;
+    stream << "before";
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, oneClass()), 1);
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, twoClass()), 1);
+    EXPECT_EQ(stream.str(), "before" + embeddedSchema("TST_One", kOneBody) +
+                                embeddedSchema("TST_Two", emptyBody("TST_Two")));
+}
+
+TEST(StreamXsdDefinition, InsertsAVeryLongNameWhole) {
+    const std::string name(100'000, 'x');
+    EXPECT_EQ(schemaOf(ModelClass(name.c_str()).share()), embeddedSchema(name, emptyBody(name)));
+}
+
+TEST(StreamXsdDefinition, InsertsPercentSignsAsTheyAre) {
+    const std::string name = "100%s%n%d";
+    EXPECT_EQ(schemaOf(ModelClass(name.c_str()).share()), embeddedSchema(name, emptyBody(name)));
+}
+
+TEST(StreamXsdDefinition, WritesNothingWhenTheHostFails) {
+    const Class cimClass = oneClass();
+    expectNothingWrittenOnFailure(
+        [&](std::stringstream& stream) { WsdlUtil::streamXsdDefinition(stream, cimClass); });
+}
+
+// The schema document of a list.
+
+TEST(StreamXsdDefinitions, OneClassStandsInlineWithItsNamespaces) {
+    EXPECT_EQ(schemasOf(listOf({oneClass()})), inlineSchema("TST_One", kOneBody));
+}
+
+TEST(StreamXsdDefinitions, OneClassIncludesWhatIsInherited) {
+    EXPECT_EQ(schemasOf(listOf({threeClass()})), inlineSchema("TST_Three", kThreeBody));
+}
+
+TEST(StreamXsdDefinitions, OneClassHasNoIntrinsicElements) {
+    const std::string schema = schemasOf(listOf({oneClass()}));
+    for (const char* const name : {"Get_OUTPUT", "Create_INPUT", "Put_INPUT"})
+        EXPECT_EQ(count(schema, name), 0U) << schema;
+}
+
+TEST(StreamXsdDefinitions, TheBaseAddressMakesNoDifferenceToOneClass) {
+    for (const char* const baseAddress : {"", "/", "http://other/"})
+        EXPECT_EQ(schemasOf(listOf({twoClass()}), baseAddress),
+                  inlineSchema("TST_Two", emptyBody("TST_Two")));
+}
+
+TEST(StreamXsdDefinitions, ANullListAndAnEmptyOneGiveTheCommonImportAlone) {
+    const std::string expected =
+        "<xs:schema>\n"
+        "  <xs:import namespace=\"http://schemas.dmtf.org/wbem/wscim/1/common\""
+        " schemaLocation=\"http://schemas.dmtf.org/wbem/wscim/1/common.xsd\"/>\n"
+        "</xs:schema>\n";
+    EXPECT_EQ(schemasOf(kNoList), expected);
+    EXPECT_EQ(schemasOf(listOf({})), expected);
+}
+
+TEST(StreamXsdDefinitions, TwoClassesAreImported) {
+    EXPECT_EQ(schemasOf(listOf({oneClass(), twoClass()}), "http://host:5985/"),
+              importingSchema(importOf("http://host:5985", "http://host:5985/TST_One.xsd") +
+                              importOf("http://host:5985", "http://host:5985/TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, ThreeClassesAreImportedInTheOrderOfTheList) {
+    EXPECT_EQ(schemasOf(listOf({twoClass(), threeClass(), oneClass()}), "http://host/"),
+              importingSchema(importOf("http://host", "http://host/TST_Two.xsd") +
+                              importOf("http://host", "http://host/TST_Three.xsd") +
+                              importOf("http://host", "http://host/TST_One.xsd")));
+}
+
+TEST(StreamXsdDefinitions, AClassListedTwiceIsImportedTwice) {
+    const Class cimClass = twoClass();
+    const std::string import = importOf("http://host", "http://host/TST_Two.xsd");
+    EXPECT_EQ(schemasOf(listOf({cimClass, cimClass}), "http://host/"),
+              importingSchema(import + import));
+}
+
+TEST(StreamXsdDefinitions, NullClassesAmongSeveralAreSkipped) {
+    EXPECT_EQ(
+        schemasOf(listOf({kNoClass, oneClass(), kNoClass, twoClass(), kNoClass}), "http://host/"),
+        importingSchema(importOf("http://host", "http://host/TST_One.xsd") +
+                        importOf("http://host", "http://host/TST_Two.xsd")));
+}
+
+// It is the length of the list that decides, not the number of classes in it.
+TEST(StreamXsdDefinitions, OneClassBesideANullOneIsImported) {
+    EXPECT_EQ(schemasOf(listOf({kNoClass, oneClass()}), "http://host/"),
+              importingSchema(importOf("http://host", "http://host/TST_One.xsd")));
+    EXPECT_EQ(schemasOf(listOf({oneClass(), kNoClass}), "http://host/"),
+              importingSchema(importOf("http://host", "http://host/TST_One.xsd")));
+}
+
+TEST(StreamXsdDefinitions, NullClassesAloneGiveTheCommonImportAlone) {
+    EXPECT_EQ(schemasOf(listOf({kNoClass})), importingSchema(""));
+    EXPECT_EQ(schemasOf(listOf({kNoClass, kNoClass})), importingSchema(""));
+}
+
+TEST(StreamXsdDefinitions, ABaseAddressWithoutSlashLosesItsLastCharacterAllTheSame) {
+    EXPECT_EQ(schemasOf(listOf({oneClass(), twoClass()}), "http://host"),
+              importingSchema(importOf("http://hos", "http://hos/TST_One.xsd") +
+                              importOf("http://hos", "http://hos/TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, ABaseAddressLosesOneOfTwoSlashes) {
+    EXPECT_EQ(schemasOf(listOf({oneClass(), twoClass()}), "http://host//"),
+              importingSchema(importOf("http://host/", "http://host//TST_One.xsd") +
+                              importOf("http://host/", "http://host//TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, ABaseAddressOfOneCharacterOrNoneLeavesTheNamespaceEmpty) {
+    for (const char* const baseAddress : {"/", "x", ""})
+        EXPECT_EQ(schemasOf(listOf({oneClass(), twoClass()}), baseAddress),
+                  importingSchema(importOf("", "/TST_One.xsd") + importOf("", "/TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, TheBaseAddressIsEscapedOnce) {
+    EXPECT_EQ(
+        schemasOf(listOf({ModelClass("A&B").share(), twoClass()}), "http://\"%s\"/"),
+        importingSchema(importOf("http://&quot;%s&quot;", "http://&quot;%s&quot;/A&amp;B.xsd") +
+                        importOf("http://&quot;%s&quot;", "http://&quot;%s&quot;/TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, VeryLongNamesAreImportedWhole) {
+    const std::string name(100'000, 'x');
+    EXPECT_EQ(schemasOf(listOf({ModelClass(name.c_str()).share(), twoClass()}), "http://host/"),
+              importingSchema(importOf("http://host", "http://host/" + name + ".xsd") +
+                              importOf("http://host", "http://host/TST_Two.xsd")));
+}
+
+TEST(StreamXsdDefinitions, SeveralClassesAreReadForTheirNamesAlone) {
+    const Class one = oneClass();
+    const List classes = listOf({one, threeClass()});
+    std::string nameCall;
+    {
+        const HostCalls::Recording recording;
+        (void)one->getName();
+        nameCall = recording.calls().at(0);
+    }
+    std::stringstream stream;
+    const HostCalls::Recording recording;
+    WsdlUtil::streamXsdDefinitions(stream, kUrl, classes);
+    EXPECT_GE(recording.calls().size(), 2U);
+    for (const std::string& call : recording.calls())
+        EXPECT_EQ(call, nameCall);
+}
+
+TEST(StreamXsdDefinitions, AppendsToWhatTheStreamHolds) {
+    std::stringstream stream;
+    stream << "before";
+    EXPECT_EQ(WsdlUtil::streamXsdDefinitions(stream, kUrl, listOf({oneClass()})), 1);
+    EXPECT_EQ(WsdlUtil::streamXsdDefinitions(stream, kUrl, kNoList), 1);
+    EXPECT_EQ(stream.str(), "before" + inlineSchema("TST_One", kOneBody) + importingSchema(""));
+}
+
+TEST(StreamXsdDefinitions, LeavesTheListAsItIs) {
+    const Class cimClass = oneClass();
+    const List classes = listOf({cimClass, twoClass()});
+    const std::string schema = schemasOf(classes);
+    EXPECT_EQ(classes->entries(), 2U);
+    EXPECT_EQ(classes.owners(), 1);
+    EXPECT_EQ(cimClass.owners(), 2);
+    EXPECT_EQ(schemasOf(classes), schema);
+}
+
+TEST(StreamXsdDefinitions, WritesNothingWhenTheHostFails) {
+    for (const List& classes : {listOf({oneClass()}), listOf({oneClass(), threeClass()})})
+        expectNothingWrittenOnFailure([&](std::stringstream& stream) {
+            WsdlUtil::streamXsdDefinitions(stream, kUrl, classes);
+        });
+}
+
+// The WSDL documents of a list.
+
+TEST(StreamDefinitions, NoClassWritesNothing) {
+    EXPECT_EQ(documentsOf(listOf({})), "");
+}
+
+TEST(StreamDefinitions, OneClassIsOneDocumentWithoutWrapper) {
+    const std::string documents = documentsOf(listOf({oneClass()}));
+    EXPECT_EQ(documents,
+              expectedDocument(oneClass(), embeddedSchema("TST_One", kOneBody), "The first."));
+    EXPECT_TRUE(documents.starts_with("<wsdl:definitions\n  name=\"TST_One_WSDL\"\n")) << documents;
+    EXPECT_TRUE(documents.ends_with("\n</wsdl:definitions>\n")) << documents;
+    EXPECT_EQ(count(documents, "wsdl_definitions"), 0U);
+}
+
+TEST(StreamDefinitions, AClassWithoutMethodsAndDescriptionIsDescribedToo) {
+    EXPECT_EQ(documentsOf(listOf({twoClass()})),
+              expectedDocument(twoClass(), embeddedSchema("TST_Two", emptyBody("TST_Two")), ""));
+}
+
+TEST(StreamDefinitions, IncludesInheritedMethodsAndProperties) {
+    const std::string documents = documentsOf(listOf({threeClass()}));
+    EXPECT_EQ(documents, expectedDocument(threeClass(), embeddedSchema("TST_Three", kThreeBody),
+                                          "The third."));
+    EXPECT_EQ(count(documents, "    <wsdl:operation name=\"Print\">\n      <wsdl:input name="), 1U);
+}
+
+TEST(StreamDefinitions, TwoClassesAreWrappedAndTheSecondRepeatsTheSchemaOfTheFirst) {
+    const std::string one = embeddedSchema("TST_One", kOneBody);
+    const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
+    EXPECT_EQ(documentsOf(listOf({oneClass(), twoClass()})),
+              "<wsdl_definitions>\n" + expectedDocument(oneClass(), one, "The first.") +
+                  expectedDocument(twoClass(), one + two, "") + "</wsdl_definitions>\n");
+}
+
+TEST(StreamDefinitions, ThreeClassesAccumulateTheirSchemas) {
+    const std::string one = embeddedSchema("TST_One", kOneBody);
+    const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
+    const std::string three = embeddedSchema("TST_Three", kThreeBody);
+    EXPECT_EQ(documentsOf(listOf({threeClass(), twoClass(), oneClass()})),
+              "<wsdl_definitions>\n" + expectedDocument(threeClass(), three, "The third.") +
+                  expectedDocument(twoClass(), three + two, "") +
+                  expectedDocument(oneClass(), three + two + one, "The first.") +
+                  "</wsdl_definitions>\n");
+}
+
+TEST(StreamDefinitions, TypesHoldTheSchemasThatStreamXsdDefinitionWrites) {
+    const std::string one = schemaOf(oneClass());
+    const std::string two = schemaOf(twoClass());
+    const std::string three = schemaOf(threeClass());
+    EXPECT_EQ(typesSectionsOf(documentsOf(listOf({oneClass(), twoClass(), threeClass()}))),
+              (std::vector<std::string>{one, one + two, one + two + three}));
+}
+
+TEST(StreamDefinitions, HasOneWrapperADocumentForEachClassAndOneMoreSchemaInEach) {
+    const std::string documents = documentsOf(listOf({oneClass(), twoClass(), threeClass()}));
+    EXPECT_EQ(count(documents, "<wsdl_definitions>\n"), 1U);
+    EXPECT_EQ(count(documents, "</wsdl_definitions>\n"), 1U);
+    EXPECT_EQ(count(documents, "<wsdl:definitions\n"), 3U);
+    EXPECT_EQ(count(documents, "</wsdl:definitions>\n"), 3U);
+    EXPECT_EQ(count(documents, "<xs:schema "), 6U);
+    EXPECT_EQ(count(documents, "</xs:schema>\n"), 6U);
+    EXPECT_EQ(count(documents, "<?xml"), 0U);
+}
+
+TEST(StreamDefinitions, AClassListedTwiceIsDescribedTwice) {
+    const Class cimClass = twoClass();
+    const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
+    EXPECT_EQ(documentsOf(listOf({cimClass, cimClass})),
+              "<wsdl_definitions>\n" + expectedDocument(cimClass, two, "") +
+                  expectedDocument(cimClass, two + two, "") + "</wsdl_definitions>\n");
+}
+
+TEST(StreamDefinitions, EveryDocumentHasTheDescriptionOfItsClass) {
+    const std::string documents = documentsOf(listOf({oneClass(), twoClass(), threeClass()}));
+    EXPECT_EQ(count(documents, "    <wsdl:documentation>The first.</wsdl:documentation>\n"), 1U);
+    EXPECT_EQ(count(documents, "    <wsdl:documentation></wsdl:documentation>\n"), 1U);
+    EXPECT_EQ(count(documents, "    <wsdl:documentation>The third.</wsdl:documentation>\n"), 1U);
+}
+
+TEST(StreamDefinitions, TheAddressIsThatOfTheArgumentAndTheNamespaceIsNotWritten) {
+    const List classes = listOf({oneClass()});
+    std::stringstream stream;
+    WsdlUtil::streamDefinitions(stream, "http://other", "root/other", classes);
+    std::string expected = documentsOf(classes);
+    const std::string address = "\"http://host:5985/wsman\"";
+    expected.replace(expected.find(address), address.size(), "\"http://otherwsman\"");
+    EXPECT_EQ(stream.str(), expected);
+}
+
+TEST(StreamDefinitions, ADescriptionCountsInAnyCase) {
+    for (const char* const name : {"Description", "description", "DESCRIPTION"})
+        EXPECT_EQ(documentationOf(ModelClass("A").qualifier(name, "What it is for.")),
+                  "What it is for.");
+}
+
+TEST(StreamDefinitions, OtherQualifiersAreNoDescription) {
+    for (const char* const name : {"Title", "Descriptions", "Descriptio", ""})
+        EXPECT_EQ(documentationOf(ModelClass("A").qualifier(name, "What it is for.")), "");
+}
+
+TEST(StreamDefinitions, TheLastOfSeveralDescriptionsWins) {
+    EXPECT_EQ(documentationOf(ModelClass("A")
+                                  .qualifier("Description", "First.")
+                                  .qualifier("DESCRIPTION", "Second.")
+                                  .qualifier("Title", "Third.")),
+              "Second.");
+    EXPECT_EQ(documentationOf(
+                  ModelClass("A").qualifier("Description", "First.").qualifier("description", "")),
+              "");
+}
+
+TEST(StreamDefinitions, ADescriptionWithoutValueIsIgnored) {
+    EXPECT_EQ(documentationOf(ModelClass("A").qualifierWithoutValue("Description")), "");
+    EXPECT_EQ(documentationOf(ModelClass("A")
+                                  .qualifier("description", "First.")
+                                  .qualifierWithoutValue("Description")),
+              "First.");
+}
+
+TEST(StreamDefinitions, APropagatedDescriptionIsIgnored) {
+    EXPECT_EQ(documentationOf(ModelClass("A").propagatedQualifier("Description", "Inherited.")),
+              "");
+    EXPECT_EQ(documentationOf(ModelClass("A")
+                                  .qualifier("description", "First.")
+                                  .propagatedQualifier("Description", "Inherited.")),
+              "First.");
+}
+
+TEST(StreamDefinitions, ADescriptionIsInsertedAsItIs) {
+    for (const std::string& description :
+         {std::string("50% <a> & %s %n"), std::string("Two\nlines."), std::string(100'000, 'x')})
+        EXPECT_EQ(documentationOf(ModelClass("A").qualifier("Description", description.c_str())),
+                  description);
+}
+
+TEST(StreamDefinitions, ANullListThrowsAndWritesNothing) {
+    std::stringstream stream;
+    stream << "before";
+    EXPECT_THROW(WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, kNoList),
+                 TSKNullPointerException);
+    EXPECT_EQ(stream.str(), "before");
+}
+
+TEST(StreamDefinitions, ANullClassThrowsAndWritesNothing) {
+    for (const List& classes :
+         {listOf({kNoClass}), listOf({kNoClass, oneClass()}), listOf({oneClass(), kNoClass})}) {
+        std::stringstream stream;
+        stream << "before";
+        EXPECT_THROW(WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, classes),
+                     TSKNullPointerException);
+        EXPECT_EQ(stream.str(), "before");
+    }
+}
+
+TEST(StreamDefinitions, AppendsToWhatTheStreamHolds) {
+    std::stringstream stream;
+    stream << "before";
+    WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, listOf({}));
+    EXPECT_EQ(stream.str(), "before");
+    WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, listOf({oneClass()}));
+    WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, listOf({twoClass()}));
+    EXPECT_EQ(stream.str(),
+              "before" + documentsOf(listOf({oneClass()})) + documentsOf(listOf({twoClass()})));
+}
+
+TEST(StreamDefinitions, WhatTheStreamHoldsIsNoPartOfTheTypes) {
+    std::stringstream stream;
+    WsdlUtil::streamXsdDefinition(stream, oneClass());
+    WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, listOf({twoClass()}));
+    EXPECT_EQ(typesSectionsOf(stream.str()), std::vector<std::string>{schemaOf(twoClass())});
+}
+
+TEST(StreamDefinitions, MakesTheSameDocumentsEveryTime) {
+    const Class cimClass = oneClass();
+    const List classes = listOf({cimClass, twoClass()});
+    const std::string documents = documentsOf(classes);
+    EXPECT_EQ(documentsOf(classes), documents);
+    EXPECT_EQ(classes.owners(), 1);
+    EXPECT_EQ(cimClass.owners(), 2);
+}
+
+TEST(StreamDefinitions, WritesNothingWhenTheHostFails) {
+    for (const List& classes :
+         {listOf({oneClass()}), listOf({oneClass(), twoClass(), threeClass()})})
+        expectNothingWrittenOnFailure([&](std::stringstream& stream) {
+            WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, classes);
+        });
+}
+
+}  // namespace
