@@ -135,7 +135,7 @@ class SOAPElement::Printer {
         output_.writeBlanks(2 * level);
         output_.write("<");
         writeName(output_, *element.name_);
-        output_.write(element.attributes_);
+        output_.write(element.attributes_.view());
         if (!element.firstChild_ || level == depth_) {
             output_.write("/>\n");
             return;
@@ -153,6 +153,19 @@ class SOAPElement::Printer {
     BufferedOutput output_;
     unsigned long depth_;
 };
+
+char* SOAPElement::Text::extend(unsigned long length) {
+    if (length > capacity_ - length_) {
+        const unsigned long capacity = std::max(length_ + length, 2 * capacity_);
+        std::unique_ptr<char[]> larger(new char[capacity]);
+        std::memcpy(larger.get(), begin(), length_);
+        large_ = std::move(larger);
+        capacity_ = capacity;
+    }
+    char* const end = (large_ ? large_.get() : inPlace_) + length_;
+    length_ += length;
+    return end;
+}
 
 SOAPElement::~SOAPElement() = default;
 
@@ -176,8 +189,6 @@ void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_vie
     const std::string_view localName = name->getLocalName();
     const unsigned long growth = escapeGrowth(value);
 
-    if (attributes_.isEmpty())
-        attributes_.reserve(63);  // two attributes of a schema, mostly
     char* target = attributes_.extend(prefixLength + localName.size() + value.size() + growth +
                                       (sizeof " =\"\"" - 1));
     *target++ = ' ';

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -60,10 +61,30 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
 
     explicit SOAPElement(TSKSmrPtr<SOAPQName> name) noexcept : name_(std::move(name)) {}
 
+    // A text that grows at its end. Attributes of a schema mostly fit into the element itself.
+    class Text {
+      public:
+        [[nodiscard]] std::string_view view() const noexcept { return {begin(), length_}; }
+
+        /// Appends `length` bytes of no particular value and returns where they stand.
+        /// Errors: std::bad_alloc; the text is as it was then.
+        [[nodiscard]] char* extend(unsigned long length);
+
+      private:
+        static constexpr unsigned long kInPlace = 72;
+
+        [[nodiscard]] const char* begin() const noexcept { return large_ ? large_.get() : inPlace_; }
+
+        unsigned long length_ = 0;
+        unsigned long capacity_ = kInPlace;
+        std::unique_ptr<char[]> large_;
+        char inPlace_[kInPlace];
+    };
+
     TSKSmrPtr<SOAPQName> name_;
     // The attributes as they are printed: one text takes a quarter of the memory that names and
     // values of their own would take, and printing copies it (Benchmarks, ElementTreeBenchmark).
-    TSKString attributes_;
+    Text attributes_;
     // Most elements of a schema have one child, which then needs no array.
     TSKSmrPtr<SOAPElement> firstChild_;
     std::vector<TSKSmrPtr<SOAPElement>> furtherChildren_;

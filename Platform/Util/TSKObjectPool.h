@@ -32,8 +32,7 @@ class TSKObjectPool {
 
     /// Takes memory back that allocate() gave.
     static void release(void* memory) noexcept {
-        static thread_local const Closer closer;
-        if (kept_.isClosed || kept_.length == mostKept) {
+        if (kept_.length == kept_.most && !open()) {
             ::operator delete(memory);
             return;
         }
@@ -49,17 +48,30 @@ class TSKObjectPool {
     struct Kept {
         Block* first = nullptr;
         unsigned long length = 0;
-        // Set when the thread ends; objects may still be released after that.
-        bool isClosed = false;
+        // None before the thread's first release, which sees to it that the thread gives back what
+        // it keeps, and none after that has happened: objects may still be released then.
+        unsigned long most = 0;
+        bool isNew = true;
     };
 
     struct Closer {
         ~Closer() {
-            kept_.isClosed = true;
+            kept_.most = 0;
+            kept_.length = 0;
             while (kept_.first != nullptr)
                 ::operator delete(std::exchange(kept_.first, kept_.first->next));
         }
     };
+
+    // Whether there is room for one more now.
+    static bool open() noexcept {
+        if (!kept_.isNew)
+            return false;
+        static thread_local const Closer closer;
+        kept_.isNew = false;
+        kept_.most = mostKept;
+        return mostKept > 0;
+    }
 
     // The model spares a function call at each use. It needs room in the static block for thread
     // data, of which the C library holds enough in reserve for libraries that are loaded late.

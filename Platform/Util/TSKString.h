@@ -63,7 +63,7 @@ class TESK_PLATFORM_EXPORT TSKString {
 
     /// Appends; `text` may be a part of this very text.
     TSKString& append(const char* text, unsigned long length);
-    TSKString& operator+=(const TSKString& text) { return append(text.text_, text.length_); }
+    TSKString& operator+=(const TSKString& text);
     TSKString& operator+=(const char* text);
     TSKString& operator+=(char character) { return append(&character, 1); }
 
@@ -270,6 +270,13 @@ inline TSKString& TSKString::append(const char* text, unsigned long length) {
         appendGrowing(text, length);
     }
     return *this;
+}
+
+inline TSKString& TSKString::operator+=(const TSKString& text) {
+    // What needs new memory anyway is shared while it is all there is.
+    if (isEmpty() && !hasRoomFor(text.length_))
+        return *this = text;
+    return append(text.text_, text.length_);
 }
 
 inline TSKString& TSKString::operator+=(const char* text) {

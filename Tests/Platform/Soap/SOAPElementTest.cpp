@@ -98,6 +98,17 @@ TEST(SOAPElement, PrintsEmptyAttributes) {
     EXPECT_EQ(printed(root), "<a v=\"\" w=\"\"/>\n");
 }
 
+TEST(SOAPElement, AttributesOfAnyLengthArePrinted) {
+    const Element element = makeElement("a");
+    std::string expected = "<a";
+    for (std::size_t length = 0; length < 300; length += 7) {
+        const std::string value(length, static_cast<char>('a' + length % 26));
+        addAttribute(element, "v", value.c_str());
+        expected += " v=\"" + value + "\"";
+        EXPECT_EQ(printed(element), expected + "/>\n");
+    }
+}
+
 TEST(SOAPElement, LeavesOutElementsDeeperThanTheGivenDepth) {
     const Element root = makeElement("a");
     addChild(addChild(root, "b"), "c");
@@ -206,8 +217,9 @@ TEST(SOAPElement, LeaksNothingWhenAnAllocationFails) {
     const std::size_t failures = AllocationProbe::failEachAllocation(
         [] {
             const Element root = makeElement("schema", "xs");
-            addAttribute(root, "targetNamespace", "http://example.com/a/long/namespace");
+            addAttribute(root, "targetNamespace", std::string(200, 'n').c_str());
             addAttribute(addChild(root, "a child with a long name"), "name", "a");
+            addChild(root, "another child with a long name");
         },
         [] {});
     EXPECT_GE(failures, 10U);
@@ -218,10 +230,11 @@ TEST(SOAPElement, AFailedAddLeavesTheElementAsItWas) {
     addChild(root, "first");  // which needs no memory of its own
     const Element child = makeElement("b");
     const auto name = TSKSmrPtr<SOAPQName>::make("v");
+    const std::string longValue(200, 'x');  // which has no room in the element
     AllocationProbe::failAt(1);
     EXPECT_THROW(root->addChildElement(child), std::bad_alloc);
     AllocationProbe::failAt(1);
-    EXPECT_THROW(root->addAttribute(name, "x"), std::bad_alloc);
+    EXPECT_THROW(root->addAttribute(name, longValue.c_str()), std::bad_alloc);
     AllocationProbe::failAt(0);
     EXPECT_EQ(child.owners(), 1);
     EXPECT_EQ(name.owners(), 1);

@@ -102,6 +102,25 @@ TEST(TSKString, ChangingACopyLeavesTheOriginal) {
     }
 }
 
+TEST(TSKString, AppendingALongTextToTheEmptyOneSharesIt) {
+    const TSKString text(kLong);
+    TSKString copy;
+    copy += text;
+    EXPECT_EQ(copy.data(), text.data());
+    copy += "!";
+    EXPECT_STREQ(text.data(), kLong);
+    EXPECT_EQ(std::string(copy.data()), std::string(kLong) + "!");
+}
+
+TEST(TSKString, AppendingToTheEmptyTextUsesTheRoomThatWasReserved) {
+    TSKString text;
+    text.reserve(1000);
+    const char* const room = text.data();
+    text += TSKString(kLong);
+    EXPECT_EQ(text.data(), room);
+    EXPECT_STREQ(text.data(), kLong);
+}
+
 TEST(TSKString, MovingLeavesTheEmptyText) {
     for (const char* const original : {"small", kLong}) {
         TSKString from(original);
