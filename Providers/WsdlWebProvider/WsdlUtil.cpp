@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -62,6 +63,12 @@ constexpr const char* URI_WST_XSD = "http://schemas.xmlsoap.org/ws/2004/09/trans
 constexpr const char* URI_WSEN = "http://schemas.xmlsoap.org/ws/2004/09/enumeration";
 constexpr const char* URI_WSEN_XSD =
     "http://schemas.xmlsoap.org/ws/2004/09/enumeration/enumeration.xsd";
+
+// A text to be inserted somewhere: the host's or a literal.
+struct Text : std::string_view {
+    Text(const char* text) : std::string_view(text) {}
+    Text(const TSKString& text) : std::string_view(text.data(), text.length()) {}
+};
 
 // In IntrinsicMethodsInfo: the element of the body is one of the class's own.
 constexpr std::string_view kOwnElement = "*";
@@ -264,24 +271,38 @@ constexpr SoapHeader kSoapHeaders[] = {
     {"SelectorSet", "wsman:SelectorSet"},  // last: not in all requests
 };
 
-// What is inserted into a template.
-struct Insertion : std::string_view {
-    Insertion(const char* text) : std::string_view(text) {}
-    Insertion(const TSKString& text) : std::string_view(text.data(), text.length()) {}
-};
-
-void append(TSKString& text, std::string_view pattern,
-            std::initializer_list<Insertion> insertions) {
+void append(TSKString& text, std::string_view pattern, std::initializer_list<Text> insertions) {
     for (;;) {
         const std::size_t percent = pattern.find('%');
         const std::string_view literal = pattern.substr(0, percent);
         text.append(literal.data(), literal.size());
         if (percent == std::string_view::npos)
             return;
-        const Insertion& insertion = insertions.begin()[pattern[percent + 1] - '1'];
+        const Text& insertion = insertions.begin()[pattern[percent + 1] - '1'];
         text.append(insertion.data(), insertion.size());
         pattern.remove_prefix(percent + 2);
     }
+}
+
+TSKString definitionsTag(const TSKString& className) {
+    const TSKString classNamespace = TAG_CLASS_VALUE + className;
+    const std::pair<const char*, Text> namespaces[] = {
+        {"wsdl", URI_WSDL},
+        {TAG_SOAP, TAG_SOAP12_VALUE},
+        {TAG_CLASS, classNamespace},
+        {TAG_XS, TAG_XS_VALUE},
+        {"wsa", URI_WSA},
+        {"wst", URI_WST},
+        {"wsen", URI_WSEN},
+        {"wsman", URI_WSMAN_XSD},
+        {TAG_CIM, TAG_CIM_VALUE},
+    };
+    TSKString text;
+    append(text, kDefinitionsTag, {className, classNamespace, URI_WSDL});
+    for (const auto& [prefix, uri] : namespaces)
+        append(text, kNamespaceDeclaration, {prefix, uri});
+    text += kDefinitionsTagEnd;
+    return text;
 }
 
 void appendHeaderMessages(TSKString& text) {
@@ -311,9 +332,8 @@ void appendIntrinsicMessages(TSKString& text) {
     });
 }
 
-void appendBindingOperation(TSKString& text, const BindingOperation& operation,
-                            const Insertion& name, const Insertion& action,
-                            bool includeSelectorSet) {
+void appendBindingOperation(TSKString& text, const BindingOperation& operation, const Text& name,
+                            const Text& action, bool includeSelectorSet) {
     append(text, operation.tag, {name, action, TAG_SOAP});
     const SoapHeader* const end = std::end(kSoapHeaders) - (includeSelectorSet ? 0 : 1);
     for (const SoapHeader* header = std::begin(kSoapHeaders); header != end; ++header)
@@ -330,7 +350,9 @@ WSDLFile::WSDLFile(const TSKString& className, const TSKString& address, const T
       urlNS(address + ns + "/"),
       urlName(address + className + ".wsdl"),
       cimNS(ns) {
-    append(eTypes, kTypes, {xsdText});
+    const Text schema(xsdText);
+    eTypes.reserve(Text(kTypes).size() + schema.size());  // most of the document
+    append(eTypes, kTypes, {schema});
     appendIntrinsicMessages(instrinsicsMessages);
     appendHeaderMessages(eMessages);
     append(ePortType, kPortTypeTag, {className});
@@ -400,31 +422,24 @@ TSKString WSDLFile::getService() const {
 }
 
 TSKString WSDLFile::toString(bool withXmlDeclaration) const {
-    const TSKString classNamespace = TAG_CLASS_VALUE + serviceName;
-    const std::pair<const char*, Insertion> namespaces[] = {
-        {"wsdl", URI_WSDL},
-        {TAG_SOAP, TAG_SOAP12_VALUE},
-        {TAG_CLASS, classNamespace},
-        {TAG_XS, TAG_XS_VALUE},
-        {"wsa", URI_WSA},
-        {"wst", URI_WST},
-        {"wsen", URI_WSEN},
-        {"wsman", URI_WSMAN_XSD},
-        {TAG_CIM, TAG_CIM_VALUE},
+    const TSKString sections[] = {
+        withXmlDeclaration ? kXmlDeclaration : "",
+        definitionsTag(serviceName),
+        eTypes,
+        eMessages,
+        instrinsicsMessages,
+        getPortType(),
+        getBinding(),
+        getService(),
+        kDefinitionsEnd,
     };
-
-    TSKString text = withXmlDeclaration ? kXmlDeclaration : "";
-    append(text, kDefinitionsTag, {serviceName, classNamespace, URI_WSDL});
-    for (const auto& [prefix, uri] : namespaces)
-        append(text, kNamespaceDeclaration, {prefix, uri});
-    text += kDefinitionsTagEnd;
-    text += eTypes;
-    text += eMessages;
-    text += instrinsicsMessages;
-    text += getPortType();
-    text += getBinding();
-    text += getService();
-    text += kDefinitionsEnd;
+    unsigned long length = 0;
+    for (const TSKString& section : sections)
+        length += section.length();
+    TSKString text;
+    text.reserve(length);
+    for (const TSKString& section : sections)
+        text += section;
     return text;
 }
 
@@ -437,13 +452,28 @@ using Element = TSKSmrPtr<SOAPElement>;
 constexpr const char* kInputSuffix = "_INPUT";
 constexpr const char* kOutputSuffix = "_OUTPUT";
 
-// Every element below a root is made here: appended to its parent, with its parent's prefix.
-Element addChild(const Element& parent, const char* localName) {
-    TSKSmrPtr<SOAPQName> name(new SOAPQName(localName));
+using Name = TSKSmrPtr<SOAPQName>;
+
+// The name of a child: it has its parent's prefix.
+Name childName(const Element& parent, const char* localName) {
+    Name name(new SOAPQName(localName));
     name->setPrefix(parent->getQname()->getPrefix());
+    return name;
+}
+
+// Every element below a root is made here, and appended to its parent at once.
+Element addChild(const Element& parent, Name name) {
     Element child = SOAPElement::makeElement(std::move(name));
     parent->addChildElement(child);
     return child;
+}
+
+Element addChild(const Element& parent, const char* localName) {
+    return addChild(parent, childName(parent, localName));
+}
+
+void addAttribute(const Element& element, const char* name, const Text& value) {
+    element->addAttribute(TSKSmrPtr<SOAPQName>(new SOAPQName(name)), value);
 }
 
 // What a CIM type is called in XML Schema and in the WS-CIM common schema.
@@ -484,6 +514,14 @@ const char* mapType(const ITeskType& type, const char* TypeMapping::*column) {
     return kUnmappedType;
 }
 
+const char* xsType(const ITeskType& type) {
+    return mapType(type, &TypeMapping::xsType);
+}
+
+const char* wsCimType(const ITeskType& type) {
+    return mapType(type, &TypeMapping::wsCimType);
+}
+
 bool isStringType(const ITeskType& type) {
     return type.getTypeName().find("string", 0) >= 0 || type.getTypeName().find("String", 0) >= 0;
 }
@@ -517,14 +555,28 @@ long wrappingSum(long number, long summand) {
                              static_cast<unsigned long>(summand));
 }
 
-void addFacet(Element& restriction, const char* facet, const TSKString& value) {
-    Element element = addChild(restriction, facet);
-    WsdlUtil::addElementAttribute(element, TAG_VALUE, value);
-}
+// Adds facets of one kind to a restriction. They share their names, since there may be thousands
+// (Benchmarks, DocumentBenchmark).
+class Facets {
+  public:
+    Facets(Element restriction, const char* facet)
+        : restriction_(std::move(restriction)),
+          name_(childName(restriction_, facet)),
+          valueName_(new SOAPQName(TAG_VALUE)) {}
 
-Element addRestriction(Element& parent, const TSKString& base) {
+    void add(const Text& value) const {
+        addChild(restriction_, name_)->addAttribute(valueName_, value);
+    }
+
+  private:
+    Element restriction_;
+    Name name_;
+    Name valueName_;
+};
+
+Element addRestriction(const Element& parent, const Text& base) {
     Element restriction = addChild(parent, TAG_RESTRICTION);
-    WsdlUtil::addElementAttribute(restriction, TAG_BASE, base);
+    addAttribute(restriction, TAG_BASE, base);
     return restriction;
 }
 
@@ -581,12 +633,10 @@ class ValueMapUnion {
   private:
     // Consecutive single values share a member.
     void addSingleValue(const TSKString& entry) {
-        if (!openEnumeration_) {
-            Element member = addChild(topUnion_, TAG_SIMPLE_TYPE);
-            openEnumeration_ = addRestriction(member, WsdlUtil::getWsXsType(type_));
-        }
+        if (!openEnumeration_)
+            openEnumeration_.emplace(addEnumeration(addChild(topUnion_, TAG_SIMPLE_TYPE)));
         const TSKString value = normalised(entry);
-        addFacet(openEnumeration_, TAG_ENUMERATTION, value);
+        openEnumeration_->add(value);
         listedNumbers_.insert(value.atol());
     }
 
@@ -616,17 +666,20 @@ class ValueMapUnion {
         }
         const Element member = addChild(topUnion_, TAG_SIMPLE_TYPE);
         Element gapUnion = addChild(member, TAG_UNION);
-        Element gaps = addChild(gapUnion, TAG_SIMPLE_TYPE);
-        addGaps(gaps, number);
+        addGaps(addChild(gapUnion, TAG_SIMPLE_TYPE), number);
         addInterval(gapUnion, lower, upper);
     }
 
-    void addGaps(Element& member, long end) {
-        Element restriction = addRestriction(member, WsdlUtil::getWsXsType(type_));
+    void addGaps(const Element& member, long end) const {
+        const Facets gaps = addEnumeration(member);
         for (long number = 0; number < end; ++number) {
             if (!listedNumbers_.contains(number))
-                addFacet(restriction, TAG_ENUMERATTION, decimalText(number));
+                gaps.add(decimalText(number));
         }
+    }
+
+    [[nodiscard]] Facets addEnumeration(const Element& member) const {
+        return Facets(addRestriction(member, xsType(type_)), TAG_ENUMERATTION);
     }
 
     void addInterval(Element& parent, const TSKString& lower, const TSKString& upper) {
@@ -650,7 +703,7 @@ class ValueMapUnion {
     Element topUnion_;
     const ITeskType& type_;
     std::vector<TSKString> entries_;
-    Element openEnumeration_;
+    std::optional<Facets> openEnumeration_;
     std::set<long> listedNumbers_;
 };
 
@@ -666,7 +719,7 @@ bool isTrue(const urma::IQualifier* qualifier) {
 void addType(Element& element, const ITeskType& type, const urma::IQualifier* maxLen,
              const urma::IQualifier* valueMap) {
     if (maxLen == nullptr && valueMap == nullptr) {
-        WsdlUtil::addElementAttribute(element, TAG_TYPE, WsdlUtil::getWsCimType(type));
+        addAttribute(element, TAG_TYPE, wsCimType(type));
         return;
     }
     const Element complexType = addChild(element, TAG_COMPLEX_TYPE);
@@ -679,13 +732,13 @@ void addType(Element& element, const ITeskType& type, const urma::IQualifier* ma
 }
 
 void addNillable(Element& element) {
-    WsdlUtil::addElementAttribute(element, "nillable", "true");
+    addAttribute(element, "nillable", "true");
 }
 
 // A global element with an anonymous type; returns its sequence.
 Element addSequenceElement(const Element& parent, const TSKString& name) {
     Element element = addChild(parent, TAG_ELEMENT);
-    WsdlUtil::addElementAttribute(element, TAG_NAME, name);
+    addAttribute(element, TAG_NAME, name);
     return addChild(addChild(element, TAG_COMPLEX_TYPE), TAG_SEQUENCE);
 }
 
@@ -722,6 +775,29 @@ void addClassImports(Element& root, const TSKString& baseAddress,
     }
 }
 
+// The WSDL documents of all classes. The types of each hold the schemas of those before, too.
+TSKString wsdlDocuments(const TSKString& url, const TSKString& ns,
+                        const WsdlUtil::ClassList& classes) {
+    const bool wrapped = classes.entries() > 1;
+    TSKString documents;
+    std::stringstream schemas;
+    schemas.exceptions(std::ios_base::badbit);
+    if (wrapped)
+        documents += "<wsdl_definitions>\n";
+    TSKValSlistIterator<TSKSmrPtr<ITeskClass>> next(classes);
+    while (next()) {
+        const ITeskClass& cimClass = *next.key();
+        WsdlUtil::streamXsdDefinition(schemas, next.key());
+        WSDLFile wsdl(cimClass.getName(), url, ns, schemas.str().c_str());
+        wsdl.setDocumentation(descriptionOf(cimClass));
+        WsdlUtil::enumerateExtrinsicsMethods(cimClass.getMethods(true), wsdl);
+        documents += wsdl.toString(false);
+    }
+    if (wrapped)
+        documents += "</wsdl_definitions>\n";
+    return documents;
+}
+
 void printWhole(const Element& root, std::ostream& stream) {
     root->printXML(stream, std::numeric_limits<unsigned long>::max());
 }
@@ -729,50 +805,50 @@ void printWhole(const Element& root, std::ostream& stream) {
 }  // namespace
 
 TSKString WsdlUtil::getWsXsType(const ITeskType& type) {
-    return mapType(type, &TypeMapping::xsType);
+    return xsType(type);
 }
 
 TSKString WsdlUtil::getWsCimType(const ITeskType& type) {
-    return mapType(type, &TypeMapping::wsCimType);
+    return wsCimType(type);
 }
 
 void WsdlUtil::addElementAttribute(TSKSmrPtr<SOAPElement>& element, const TSKString& name,
                                    const TSKString& value) {
-    element->addAttribute(TSKSmrPtr<SOAPQName>(new SOAPQName(name.data())), value.data());
+    addAttribute(element, name.data(), value);
 }
 
 void WsdlUtil::addElement(TSKSmrPtr<SOAPElement>& parent, const TSKString& name,
                           const TSKString& type) {
     Element element = addChild(parent, TAG_ELEMENT);
-    addElementAttribute(element, TAG_NAME, name);
-    addElementAttribute(element, TAG_TYPE, type);
+    addAttribute(element, TAG_NAME, name);
+    addAttribute(element, TAG_TYPE, type);
 }
 
 void WsdlUtil::addAnyAttributeChildElement(TSKSmrPtr<SOAPElement>& parent) {
     Element wildcard = addChild(parent, "anyAttribute");
-    addElementAttribute(wildcard, TAG_NS, "##any");
-    addElementAttribute(wildcard, "processContents", "lax");
+    addAttribute(wildcard, TAG_NS, "##any");
+    addAttribute(wildcard, "processContents", "lax");
 }
 
 void WsdlUtil::addOpenContentChildElement(TSKSmrPtr<SOAPElement>& parent) {
     Element wildcard = addChild(parent, "any");
-    addElementAttribute(wildcard, TAG_NS, "##other");
-    addElementAttribute(wildcard, "processContents", "lax");
-    addElementAttribute(wildcard, TAG_MIN_OCCURS, "0");
-    addElementAttribute(wildcard, TAG_MAX_OCCURS, "unbounded");
+    addAttribute(wildcard, TAG_NS, "##other");
+    addAttribute(wildcard, "processContents", "lax");
+    addAttribute(wildcard, TAG_MIN_OCCURS, "0");
+    addAttribute(wildcard, TAG_MAX_OCCURS, "unbounded");
 }
 
 void WsdlUtil::addImportEelement(TSKSmrPtr<SOAPElement>& parent, const TSKString& nameSpace,
                                  const TSKString& schemaLocation) {
     Element import = addChild(parent, TAG_IMPORT);
-    addElementAttribute(import, TAG_NS, nameSpace);
-    addElementAttribute(import, TAG_SCHEMA_LOCATION, schemaLocation);
+    addAttribute(import, TAG_NS, nameSpace);
+    addAttribute(import, TAG_SCHEMA_LOCATION, schemaLocation);
 }
 
 void WsdlUtil::addRestrictionMaxLenChildElement(TSKSmrPtr<SOAPElement>& parent,
                                                 const ITeskType& type, const ITeskValue& maxLen) {
-    Element restriction = addRestriction(parent, getWsCimType(type));
-    addFacet(restriction, TAG_MAX_LENGTH, maxLen.toString());
+    Element restriction = addRestriction(parent, wsCimType(type));
+    Facets(restriction, TAG_MAX_LENGTH).add(maxLen.toString());
     addAnyAttributeChildElement(restriction);
 }
 
@@ -780,19 +856,20 @@ void WsdlUtil::addRestrictionEnumerationChildElement(TSKSmrPtr<SOAPElement>& par
                                                      const ITeskType& type,
                                                      const ITeskValue& values, bool addAnyAttribute,
                                                      bool addMaxLength, long maxLength) {
-    Element restriction = addRestriction(parent, getWsCimType(type));
+    Element restriction = addRestriction(parent, wsCimType(type));
     const auto entries = values.getArrayValues();
     if (!entries || entries->entries() == 0)
         return;
     if (addMaxLength)
-        addFacet(restriction, TAG_MAX_LENGTH, decimalText(maxLength));
+        Facets(restriction, TAG_MAX_LENGTH).add(decimalText(maxLength));
+    const Facets enumerations(restriction, TAG_ENUMERATTION);
     const bool asWritten = isStringType(type);
     TSKValSlistIterator<TSKSmrPtr<ITeskValue>> next(*entries);
     while (next()) {
         if (!next.key())
             continue;
         const TSKString text = next.key()->toString();
-        addFacet(restriction, TAG_ENUMERATTION, asWritten ? text : normalised(text));
+        enumerations.add(asWritten ? text : normalised(text));
     }
     if (addAnyAttribute)
         addAnyAttributeChildElement(restriction);
@@ -804,11 +881,11 @@ void WsdlUtil::addSimpleTypeRestrictionChildElement(TSKSmrPtr<SOAPElement>& pare
                                                     const TSKString& maxValue) {
     Element simpleType = addChild(parent, TAG_SIMPLE_TYPE);
     Element restriction =
-        addRestriction(simpleType, isStringType(type) ? getWsCimType(type) : getWsXsType(type));
+        addRestriction(simpleType, isStringType(type) ? wsCimType(type) : xsType(type));
     if (!minValue.isEmpty())
-        addFacet(restriction, TAG_MIN_INCLUSIVE, minValue);
+        Facets(restriction, TAG_MIN_INCLUSIVE).add(minValue);
     if (!maxValue.isEmpty())
-        addFacet(restriction, TAG_MAX_INCLUSIVE, maxValue);
+        Facets(restriction, TAG_MAX_INCLUSIVE).add(maxValue);
 }
 
 void WsdlUtil::addRestrictionValueMapChildElement(TSKSmrPtr<SOAPElement>& parent,
@@ -831,7 +908,7 @@ void WsdlUtil::addRestrictionValueMapChildElement(TSKSmrPtr<SOAPElement>& parent
 void WsdlUtil::addPropertyElement(TSKSmrPtr<SOAPElement>& parent,
                                   const urma::IPropertyDef& property) {
     Element element = addChild(parent, TAG_ELEMENT);
-    addElementAttribute(element, TAG_NAME, property.getName());
+    addAttribute(element, TAG_NAME, property.getName());
     addPropertyTypeElement(element, property);
 }
 
@@ -854,9 +931,9 @@ void WsdlUtil::addElementAttributeMinMaxOccurs(TSKSmrPtr<SOAPElement>& element,
     const bool required = isTrue(property.getQualifier("Required", true));
     const bool array = property.getType().isArray();
     if (array || !(key || required))
-        addElementAttribute(element, TAG_MIN_OCCURS, "0");
+        addAttribute(element, TAG_MIN_OCCURS, "0");
     if (array)
-        addElementAttribute(element, TAG_MAX_OCCURS, "unbounded");
+        addAttribute(element, TAG_MAX_OCCURS, "unbounded");
 }
 
 void WsdlUtil::addMethodsElement(TSKSmrPtr<SOAPElement>& parent,
@@ -880,15 +957,15 @@ void WsdlUtil::addMethodElement(TSKSmrPtr<SOAPElement>& parent, const urma::IMet
             addMethodParamterElement(output, parameter);
     });
     Element returnValue = addChild(output, TAG_ELEMENT);
-    addElementAttribute(returnValue, TAG_NAME, "ReturnValue");
-    addElementAttribute(returnValue, TAG_TYPE, getWsCimType(method.getReturnType()));
+    addAttribute(returnValue, TAG_NAME, "ReturnValue");
+    addAttribute(returnValue, TAG_TYPE, wsCimType(method.getReturnType()));
     addNillable(returnValue);
 }
 
 void WsdlUtil::addMethodParamterElement(TSKSmrPtr<SOAPElement>& sequence,
                                         const urma::IParameterDef& parameter) {
     Element element = addChild(sequence, TAG_ELEMENT);
-    addElementAttribute(element, TAG_NAME, parameter.getName());
+    addAttribute(element, TAG_NAME, parameter.getName());
     addMethodParamterTypeElement(element, parameter);
 }
 
@@ -912,12 +989,12 @@ void WsdlUtil::addClassStructureElement(TSKSmrPtr<SOAPElement>& root,
         return;
     const TSKString name = cimClass->getName();
     Element complexType = addChild(root, TAG_COMPLEX_TYPE);
-    addElementAttribute(complexType, TAG_NAME, name + "_Type");
+    addAttribute(complexType, TAG_NAME, name + "_Type");
     Element sequence = addChild(complexType, TAG_SEQUENCE);
     bool hasProperties = false;
     forEach(cimClass->getProperties(true), [&](const urma::IPropertyDef& property) {
         Element reference = addChild(sequence, TAG_ELEMENT);
-        addElementAttribute(reference, "ref", "class:" + property.getName());
+        addAttribute(reference, "ref", "class:" + property.getName());
         addElementAttributeMinMaxOccurs(reference, property);
         hasProperties = true;
     });
@@ -932,12 +1009,12 @@ void WsdlUtil::addClassDefElement(TSKSmrPtr<SOAPElement>& root,
     if (!cimClass)
         return;
     const TSKString classNamespace = TAG_CLASS_VALUE + cimClass->getName();
-    addElementAttribute(root, TAG_TARGET_NS, classNamespace);
+    addAttribute(root, TAG_TARGET_NS, classNamespace);
     if (declareNamespaces) {
         const TSKString declaration = TSKString(TAG_XMLNS) + ":";
-        addElementAttribute(root, declaration + TAG_XS, TAG_XS_VALUE);
-        addElementAttribute(root, declaration + TAG_CLASS, classNamespace);
-        addElementAttribute(root, declaration + TAG_CIM, TAG_CIM_VALUE);
+        addAttribute(root, (declaration + TAG_XS).data(), TAG_XS_VALUE);
+        addAttribute(root, (declaration + TAG_CLASS).data(), classNamespace);
+        addAttribute(root, (declaration + TAG_CIM).data(), TAG_CIM_VALUE);
     }
     forEach(cimClass->getProperties(true),
             [&](const urma::IPropertyDef& property) { addPropertyElement(root, property); });
@@ -981,23 +1058,7 @@ int WsdlUtil::streamXsdDefinitions(std::stringstream& stream, const TSKString& b
 
 int WsdlUtil::streamDefinitions(std::stringstream& stream, const TSKString& url,
                                 const TSKString& ns, const TSKSmrPtr<ClassList>& classes) {
-    const bool wrapped = classes->entries() > 1;
-    TSKString output;
-    std::stringstream schemas;
-    schemas.exceptions(std::ios_base::badbit);
-    if (wrapped)
-        output += "<wsdl_definitions>\n";
-    TSKValSlistIterator<TSKSmrPtr<ITeskClass>> next(*classes);
-    while (next()) {
-        const ITeskClass& cimClass = *next.key();
-        streamXsdDefinition(schemas, next.key());
-        WSDLFile wsdl(cimClass.getName(), url, ns, schemas.str().c_str());
-        wsdl.setDocumentation(descriptionOf(cimClass));
-        enumerateExtrinsicsMethods(cimClass.getMethods(true), wsdl);
-        output += wsdl.toString(false);
-    }
-    if (wrapped)
-        output += "</wsdl_definitions>\n";
+    const TSKString output = wsdlDocuments(url, ns, *classes);
     stream.write(output.data(), static_cast<std::streamsize>(output.length()));
     return 1;
 }

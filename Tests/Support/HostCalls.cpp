@@ -10,42 +10,36 @@ namespace {
 thread_local std::size_t callsUntilFailure = 0;
 thread_local Recording* activeRecording = nullptr;
 
-void failIfChosen(const char* operation) {
-    if (callsUntilFailure != 0 && --callsUntilFailure == 0)
-        throw Failure(operation);
+void updateWatched() noexcept {
+    watched = callsUntilFailure != 0 || activeRecording != nullptr;
 }
 
 }  // namespace
 
-void note(const char* operation) {
-    if (activeRecording != nullptr)
-        activeRecording->calls_.emplace_back(operation);
-    failIfChosen(operation);
-}
+constinit thread_local bool watched = false;
 
-void note(const char* operation, const std::string& argument) {
+void noteWatched(const char* operation, const std::string& argument) {
     if (activeRecording != nullptr)
-        activeRecording->calls_.push_back(std::string(operation) + " " + argument);
-    failIfChosen(operation);
-}
-
-void note(const char* operation, const char* argument, bool flag) {
-    if (activeRecording != nullptr)
-        activeRecording->calls_.push_back(std::string(operation) + " " + argument +
-                                          (flag ? " true" : " false"));
-    failIfChosen(operation);
+        activeRecording->calls_.push_back(operation + argument);
+    if (callsUntilFailure != 0 && --callsUntilFailure == 0) {
+        updateWatched();
+        throw Failure(operation);
+    }
 }
 
 void failAt(std::size_t occurrence) noexcept {
     callsUntilFailure = occurrence;
+    updateWatched();
 }
 
 Recording::Recording() {
     activeRecording = this;
+    updateWatched();
 }
 
 Recording::~Recording() {
     activeRecording = nullptr;
+    updateWatched();
 }
 
 std::vector<std::string> Recording::callsOf(const std::string& operation) const {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "Platform/Util/TSKString.h"
+
 /// Watches the calls that this thread makes into the test's object manager (class model,
 /// repository, streams), and makes chosen ones fail.
 namespace HostCalls {
@@ -16,11 +18,30 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Every operation of the test's object manager begins with this.
-void note(const char* operation);
+/// Whether this thread's calls are watched, by a Recording or a failure to come.
+extern constinit thread_local bool watched;
+
+void noteWatched(const char* operation, const std::string& argument);
+
+/// Every operation of the test's object manager begins with this. Costs next to nothing while
+/// nobody watches, so that benchmarks can use the same object manager.
+inline void note(const char* operation) {
+    if (watched)
+        noteWatched(operation, "");
+}
 /// The same with what the operation is called with.
-void note(const char* operation, const std::string& argument);
-void note(const char* operation, const char* argument, bool flag);
+inline void note(const char* operation, const TSKString& argument) {
+    if (watched)
+        noteWatched(operation, std::string(" ") + argument.data());
+}
+inline void note(const char* operation, const TSKString& argument, bool flag) {
+    if (watched)
+        noteWatched(operation, std::string(" ") + argument.data() + (flag ? " true" : " false"));
+}
+inline void note(const char* operation, bool flag) {
+    if (watched)
+        noteWatched(operation, flag ? " true" : " false");
+}
 
 /// Makes the `occurrence`th call of this thread from now on throw a Failure, counted from 1; 0
 /// none.
@@ -44,8 +65,8 @@ std::size_t failEach(const Operation& operation, const Check& check) {
     }
 }
 
-/// Keeps the calls of this thread while it lives, as "OPERATION", "OPERATION ARGUMENT" or
-/// "OPERATION ARGUMENT FLAG".
+/// Keeps the calls of this thread while it lives, as "OPERATION", "OPERATION ARGUMENT", "OPERATION
+/// FLAG" or "OPERATION ARGUMENT FLAG".
 class Recording {
   public:
     Recording();
@@ -58,9 +79,7 @@ class Recording {
     [[nodiscard]] std::vector<std::string> callsOf(const std::string& operation) const;
 
   private:
-    friend void note(const char* operation);
-    friend void note(const char* operation, const std::string& argument);
-    friend void note(const char* operation, const char* argument, bool flag);
+    friend void noteWatched(const char* operation, const std::string& argument);
 
     std::vector<std::string> calls_;
 };

@@ -10,8 +10,7 @@ void ModelRepository::add(const char* nameSpace, const ModelClass& cimClass) {
 
 TSKSmrPtr<ITeskClass> ModelRepository::getClass(const TSKString& nameSpace,
                                                 const TSKString& className) const {
-    HostCalls::note("ITeskRepository::getClass",
-                    std::string(nameSpace.data()) + ":" + className.data());
+    HostCalls::note("ITeskRepository::getClass", nameSpace + ":" + className);
     bool knownNamespace = false;
     for (const Entry& entry : entries_) {
         if (!entry.nameSpace.equalsIgnoreCase(nameSpace))
