@@ -73,7 +73,9 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
       private:
         static constexpr unsigned long kInPlace = 72;
 
-        [[nodiscard]] const char* begin() const noexcept { return large_ ? large_.get() : inPlace_; }
+        [[nodiscard]] const char* begin() const noexcept {
+            return large_ ? large_.get() : inPlace_;
+        }
 
         unsigned long length_ = 0;
         unsigned long capacity_ = kInPlace;

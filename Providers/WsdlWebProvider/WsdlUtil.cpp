@@ -64,9 +64,9 @@ constexpr const char* URI_WSEN = "http://schemas.xmlsoap.org/ws/2004/09/enumerat
 constexpr const char* URI_WSEN_XSD =
     "http://schemas.xmlsoap.org/ws/2004/09/enumeration/enumeration.xsd";
 
-// A text to be inserted somewhere: the host's or a literal.
+// A text to be inserted somewhere: the host's, or a literal, null being the empty one.
 struct Text : std::string_view {
-    Text(const char* text) : std::string_view(text) {}
+    Text(const char* text) : std::string_view(text == nullptr ? "" : text) {}
     Text(const TSKString& text) : std::string_view(text.data(), text.length()) {}
 };
 
@@ -119,8 +119,8 @@ const IntrinsicMethodInfo IntrinsicMethodsInfo[] = {
 
 namespace {
 
-// The text of the document. %1, %2, ... stand for what is inserted, as each place says. The
-// indentation differs from place to place, and clients have seen it that way for long.
+// The text of the document. %1, %2, ... stand for what is inserted, as each place says. Blanks and
+// tabs differ from place to place on purpose.
 
 constexpr const char* kXmlDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 

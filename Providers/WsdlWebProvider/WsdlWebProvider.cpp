@@ -82,9 +82,9 @@ TSKSmrPtr<WsdlUtil::ClassList> findClasses(const ITeskRepository& repository,
     if (classNames.empty())
         return {};
     TSKSmrPtr<WsdlUtil::ClassList> classes(new WsdlUtil::ClassList);
-    for (const TSKString& name : classNames) {
+    for (const TSKString& className : classNames) {
         try {
-            if (TSKSmrPtr<ITeskClass> found = repository.getClass(cimNS, name))
+            if (TSKSmrPtr<ITeskClass> found = repository.getClass(cimNS, className))
                 classes->append(std::move(found));
         } catch (const TeskBaseException& exception) {
             TSKString code;
@@ -305,11 +305,15 @@ void tokenize(std::vector<TSKString>& values, const TSKString& src, const TSKStr
         if (piece.length() > 0)
             values.push_back(piece);
     };
-    TSKString rest = src;
-    for (long pos = rest.find(seperator.data(), 0); pos > 0; pos = rest.find(seperator.data(), 0)) {
-        appendPiece(rest.left(static_cast<unsigned long>(pos)));
-        const unsigned long restStart = static_cast<unsigned long>(pos) + seperator.length();
-        rest = rest.substr(restStart, rest.length() - restStart);
+    unsigned long start = 0;
+    for (;;) {
+        const long pos = src.find(seperator.data(), static_cast<int>(start));
+        if (pos <= static_cast<long>(start)) {
+            appendPiece(src.substr(start, src.length() - start));
+            return;
+        }
+        const auto end = static_cast<unsigned long>(pos);
+        appendPiece(src.substr(start, end - start));
+        start = end + seperator.length();
     }
-    appendPiece(rest);
 }

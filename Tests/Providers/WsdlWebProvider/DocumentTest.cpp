@@ -1,13 +1,12 @@
 // Whole documents, compared with files that were worked out by hand (Expected/).
 
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sstream>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Providers/WsdlWebProvider/ExpectedDocuments.h"
 #include "Tests/Support/ClassModel.h"
 
 namespace {
@@ -120,13 +119,6 @@ ModelClass methods() {
                     input("Kind", "uint8").qualifier("Out").qualifier("ValueMap", {"1", ".."})));
 }
 
-ModelClass one() {
-    return ModelClass("TST_One")
-        .qualifier("Description", "The first.")
-        .property(ModelProperty("Id", "uint32").qualifier("Key"))
-        .method(ModelMethod("Stop", "uint32"));
-}
-
 ModelClass two() {
     return ModelClass("TST_Two");
 }
@@ -150,11 +142,7 @@ void PrintTo(const Documents& documents, std::ostream* stream) {
 class DocumentTest : public testing::TestWithParam<Documents> {
   protected:
     static std::string expected(const char* extension) {
-        const std::string file = EXPECTED_FOLDER "/" + std::string(GetParam().name) + extension;
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream)
-            throw std::runtime_error("cannot open " + file);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        return expectedDocument(std::string(GetParam().name) + extension);
     }
 
     static TSKSmrPtr<WsdlUtil::ClassList> classes() {
@@ -184,9 +172,10 @@ INSTANTIATE_TEST_SUITE_P(, DocumentTest,
                                          Documents{"TST_EveryType", {everyType()}},
                                          Documents{"TST_EveryValueMap", {everyValueMap()}},
                                          Documents{"TST_Methods", {methods()}},
-                                         Documents{"NoClasses", {}}, Documents{"OneClass", {one()}},
-                                         Documents{"TwoClasses", {one(), two()}},
-                                         Documents{"ThreeClasses", {one(), two(), three()}}),
+                                         Documents{"NoClasses", {}},
+                                         Documents{"OneClass", {classOne()}},
+                                         Documents{"TwoClasses", {classOne(), two()}},
+                                         Documents{"ThreeClasses", {classOne(), two(), three()}}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 }  // namespace

@@ -44,8 +44,13 @@ Lines logOf(const Lines& between = {}) {
 ModelClass fooClass() {
     return ModelClass("CIM_Foo")
         .qualifier("Description", "Holds foo.")
-        .property(ModelProperty("Name", "string").qualifier("Key"))
-        .method(ModelMethod("Stop", "uint32"));
+        .property(ModelProperty("Name", "string").qualifier("Key").qualifier("MaxLen", "64"))
+        .property(ModelProperty("Kind", "uint8").qualifier("ValueMap", {"1", "2"}))
+        .property(ModelProperty("States", "uint16[]").qualifier("ValueMap", {"2", "4..5", ".."}))
+        .method(ModelMethod("Stop", "uint32")
+                    .qualifier("Description", "Stops.")
+                    .parameter(ModelParameter("Force", "boolean").qualifier("In"))
+                    .parameter(ModelParameter("Job", "CIM_Job ref").qualifier("Out")));
 }
 
 // A repository whose lookup throws.
@@ -273,20 +278,24 @@ TEST_F(RequestRouterTest, HostilePathsAreAnsweredInOnePiece) {
         EXPECT_EQ(answer(path.c_str()), kNotFound) << path.substr(0, 100);
 }
 
+// Every call into the class model, the repository and the stream fails in turn.
 TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheAnswerUnwritten) {
-    TSKHTTPRequest request("GET", "/root/cimv2/CIM_Foo.wsdl", "HTTP/1.1");
-    std::unique_ptr<RecordedOutput> output;
-    const std::size_t failures = HostCalls::failEach(
-        [&] {
-            output = std::make_unique<RecordedOutput>();
-            process(request, *output);
-        },
-        [&](const std::string& operation) {
-            EXPECT_TRUE(output->text.empty() || operation == "TSKGenericHTTPOStream::write")
-                << operation;
-        });
-    EXPECT_GT(failures, 50U);
-    EXPECT_EQ(output->text, found(wsdl("http://192.0.2.7/", "root/cimv2")));
+    for (const char* path : {"/root/cimv2/CIM_Foo.wsdl", "/root/cimv2/CIM_Foo.xsd"}) {
+        const std::string whole = answer(path, nullptr);
+        std::unique_ptr<RecordedOutput> output;
+        const std::size_t failures = HostCalls::failEach(
+            [&] {
+                TSKHTTPRequest request("GET", path, "HTTP/1.1");
+                output = std::make_unique<RecordedOutput>();
+                process(request, *output);
+            },
+            [&](const std::string& operation) {
+                const bool mayBeWritten = operation == "TSKGenericHTTPOStream::write";
+                EXPECT_TRUE(output->text.empty() || mayBeWritten) << operation;
+            });
+        EXPECT_GT(failures, 100U);
+        EXPECT_EQ(output->text, whole);
+    }
 }
 
 // A stream swallows exceptions unless it is told not to; a document cut short would follow.

@@ -13,11 +13,14 @@
 #include "Platform/ProviderFramework/TeskProviderGetDllVersion.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
+#include "Tests/Providers/WsdlWebProvider/ExpectedDocuments.h"
 #include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Command.h"
 #include "Tests/Support/FixedNamespaces.h"
 #include "Tests/Support/RecordingLogSink.h"
+#include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TestHost.h"
 #include "Tests/Support/Threads.h"
 #include "Tests/Support/VirtualTable.h"
 
@@ -262,6 +265,38 @@ TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
                             lifeCycleLine("dynamically registering URI/root/cimv2"),
                             lifeCycleLine("dynamically registering URI/interop"),
                             lifeCycleLine("Shutdown called")}));
+}
+
+TEST(WsdlWebProviderLibrary, AnswersRequestsFromThePathToTheLastByte) {
+    const TemporaryFolder folder;
+    folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    const LogRecording log(TeskTraceLog::SeverityOff);
+    TestHost host;
+    host.repository().add("root/test", classOne());
+    host.manager().setNamespaceList(
+        TSKSmrPtr<FixedNamespaces>::make(TSKValSlist<TSKString>{"root/test"}));
+    EXPECT_TRUE(host.manager().loadProviders(folder.path().c_str()).empty());
+    EXPECT_TRUE(host.manager().startup().empty());
+    EXPECT_TRUE(host.manager().postStartup().empty());
+
+    for (const std::string extension : {".wsdl", ".xsd"}) {
+        const std::string path = "/root/test/TST_One" + extension;
+        const std::string document = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" +
+                                     expectedDocument("OneClass" + extension);
+        TSKHTTPRequest request("GET", path.c_str(), "HTTP/1.1");
+        request.setHeaderField("Host", "192.0.2.1:5985", false);
+        EmptyInput input;
+        RecordedOutput output;
+        bool handled = true;
+        Provider* const provider = host.manager().findProvider(path.c_str());
+        ASSERT_NE(provider, nullptr);
+        provider->processHTTPRequest(input, output, request, handled, {});
+        EXPECT_EQ(output.text, "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
+                                   std::to_string(document.size()) +
+                                   "\r\nContent-Type: text/xml\r\n\r\n" + document);
+        EXPECT_TRUE(handled);
+    }
+    EXPECT_TRUE(host.manager().shutdown().empty());
 }
 
 TEST(WsdlWebProviderLibrary, ExportsItsFactoryAndNothingElse) {
