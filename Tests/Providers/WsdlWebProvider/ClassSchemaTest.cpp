@@ -1,37 +1,23 @@
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <limits>
-#include <sstream>
 #include <string>
-#include <string_view>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Providers/WsdlWebProvider/SchemaPrinting.h"
 #include "Tests/Support/ClassModel.h"
 #include "Tests/Support/HostCalls.h"
 
 namespace {
 
+using SchemaPrinting::makeElement;
+using SchemaPrinting::printed;
+
 using Element = TSKSmrPtr<SOAPElement>;
 
 const TSKSmrPtr<ITeskClass> kNoClass;
 
-Element makeElement(const char* localName, const char* prefix = nullptr) {
-    return SOAPElement::makeElement(TSKSmrPtr<SOAPQName>::make(localName, prefix));
-}
-
 Element schemaRoot() {
     return makeElement("schema", "xs");
-}
-
-std::string printed(const Element& element) {
-    std::ostringstream stream;
-    element->printXML(stream, std::numeric_limits<unsigned long>::max());
-    return stream.str();
-}
-
-// A text that begins on a line of its own in the test.
-std::string block(std::string_view lines) {
-    return std::string(lines.substr(1));
 }
 
 std::string structureOf(const ModelClass& cimClass) {
@@ -49,14 +35,14 @@ std::string definitionOf(const ModelClass& cimClass, bool declareNamespaces = fa
 TEST(ClassStructure, ANullClassAddsNothing) {
     Element root = schemaRoot();
     WsdlUtil::addClassStructureElement(root, kNoClass);
-    EXPECT_EQ(printed(root), "<xs:schema/>\n");
-    root->addChildElement(makeElement("before"));
+    EXPECT_EQ(printed(root), "\n<xs:schema/>\n");
+    root->addChildElement(makeElement("before", nullptr));
     WsdlUtil::addClassStructureElement(root, kNoClass);
-    EXPECT_EQ(printed(root), "<xs:schema>\n  <before/>\n</xs:schema>\n");
+    EXPECT_EQ(printed(root), "\n<xs:schema>\n  <before/>\n</xs:schema>\n");
 }
 
 TEST(ClassStructure, AClassWithoutPropertiesHasAnEmptySequenceAndStillAnyAttribute) {
-    EXPECT_EQ(structureOf(ModelClass("TST_Empty")), block(R"(
+    EXPECT_EQ(structureOf(ModelClass("TST_Empty")), R"(
 <xs:schema>
   <xs:complexType name="TST_Empty_Type">
     <xs:sequence/>
@@ -64,12 +50,12 @@ TEST(ClassStructure, AClassWithoutPropertiesHasAnEmptySequenceAndStillAnyAttribu
   </xs:complexType>
   <xs:element name="TST_Empty" type="class:TST_Empty_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, TheWildcardFollowsTheLastReference) {
     EXPECT_EQ(structureOf(ModelClass("TST_Class").property(ModelProperty("Name", "string"))),
-              block(R"(
+              R"(
 <xs:schema>
   <xs:complexType name="TST_Class_Type">
     <xs:sequence>
@@ -80,7 +66,7 @@ TEST(ClassStructure, TheWildcardFollowsTheLastReference) {
   </xs:complexType>
   <xs:element name="TST_Class" type="class:TST_Class_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, RefersToEveryPropertyInItsOrderWithItsBounds) {
@@ -92,7 +78,7 @@ TEST(ClassStructure, RefersToEveryPropertyInItsOrderWithItsBounds) {
                       .property(ModelProperty("Tags", "string[]").qualifier("Required"))
                       .property(ModelProperty("State", "uint16").qualifier("ValueMap", {"0", "1"}))
                       .property(ModelProperty("Owner", "TST_Person ref"))),
-              block(R"(
+              R"(
 <xs:schema>
   <xs:complexType name="TST_Class_Type">
     <xs:sequence>
@@ -108,13 +94,13 @@ TEST(ClassStructure, RefersToEveryPropertyInItsOrderWithItsBounds) {
   </xs:complexType>
   <xs:element name="TST_Class" type="class:TST_Class_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, IncludesInheritedProperties) {
     EXPECT_EQ(structureOf(ModelClass("TST_Class")
                               .inheritedProperty(ModelProperty("Name", "string").qualifier("Key"))),
-              block(R"(
+              R"(
 <xs:schema>
   <xs:complexType name="TST_Class_Type">
     <xs:sequence>
@@ -125,7 +111,7 @@ TEST(ClassStructure, IncludesInheritedProperties) {
   </xs:complexType>
   <xs:element name="TST_Class" type="class:TST_Class_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, MethodsAndQualifiersOfTheClassMakeNoDifference) {
@@ -140,7 +126,7 @@ TEST(ClassStructure, TakesThePrefixOfTheRootAndNotThatOfItsReferences) {
     Element root = makeElement("schema", "s");
     WsdlUtil::addClassStructureElement(
         root, ModelClass("TST_Class").property(ModelProperty("Name", "string")).share());
-    EXPECT_EQ(printed(root), block(R"(
+    EXPECT_EQ(printed(root), R"(
 <s:schema>
   <s:complexType name="TST_Class_Type">
     <s:sequence>
@@ -151,13 +137,13 @@ TEST(ClassStructure, TakesThePrefixOfTheRootAndNotThatOfItsReferences) {
   </s:complexType>
   <s:element name="TST_Class" type="class:TST_Class_Type"/>
 </s:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, ARootWithoutPrefixHasChildrenWithoutPrefix) {
-    Element root = makeElement("schema");
+    Element root = makeElement("schema", nullptr);
     WsdlUtil::addClassStructureElement(root, ModelClass("TST_Empty").share());
-    EXPECT_EQ(printed(root), block(R"(
+    EXPECT_EQ(printed(root), R"(
 <schema>
   <complexType name="TST_Empty_Type">
     <sequence/>
@@ -165,15 +151,15 @@ TEST(ClassStructure, ARootWithoutPrefixHasChildrenWithoutPrefix) {
   </complexType>
   <element name="TST_Empty" type="class:TST_Empty_Type"/>
 </schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, IsAppendedBehindWhatTheRootHolds) {
     Element root = schemaRoot();
-    root->addChildElement(makeElement("before"));
+    root->addChildElement(makeElement("before", nullptr));
     WsdlUtil::addClassStructureElement(root, ModelClass("TST_A").share());
     WsdlUtil::addClassStructureElement(root, ModelClass("TST_B").share());
-    EXPECT_EQ(printed(root), block(R"(
+    EXPECT_EQ(printed(root), R"(
 <xs:schema>
   <before/>
   <xs:complexType name="TST_A_Type">
@@ -187,12 +173,12 @@ TEST(ClassStructure, IsAppendedBehindWhatTheRootHolds) {
   </xs:complexType>
   <xs:element name="TST_B" type="class:TST_B_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 // A value in an attribute is the printer's to escape, once.
 TEST(ClassStructure, NamesAreEscapedOnce) {
-    EXPECT_EQ(structureOf(ModelClass("A&B").property(ModelProperty("<%s>", "string"))), block(R"(
+    EXPECT_EQ(structureOf(ModelClass("A&B").property(ModelProperty("<%s>", "string"))), R"(
 <xs:schema>
   <xs:complexType name="A&amp;B_Type">
     <xs:sequence>
@@ -203,11 +189,11 @@ TEST(ClassStructure, NamesAreEscapedOnce) {
   </xs:complexType>
   <xs:element name="A&amp;B" type="class:A&amp;B_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassStructure, AnEmptyNameLeavesTheEndingAlone) {
-    EXPECT_EQ(structureOf(ModelClass("")), block(R"(
+    EXPECT_EQ(structureOf(ModelClass("")), R"(
 <xs:schema>
   <xs:complexType name="_Type">
     <xs:sequence/>
@@ -215,19 +201,19 @@ TEST(ClassStructure, AnEmptyNameLeavesTheEndingAlone) {
   </xs:complexType>
   <xs:element name="" type="class:_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassDefinition, ANullClassAddsNothing) {
     for (const bool declareNamespaces : {false, true}) {
         Element root = schemaRoot();
         WsdlUtil::addClassDefElement(root, kNoClass, declareNamespaces);
-        EXPECT_EQ(printed(root), "<xs:schema/>\n");
+        EXPECT_EQ(printed(root), "\n<xs:schema/>\n");
     }
 }
 
 TEST(ClassDefinition, DeclaresNoNamespacesUnlessItIsToldTo) {
-    EXPECT_EQ(definitionOf(ModelClass("TST_Empty"), false), block(R"(
+    EXPECT_EQ(definitionOf(ModelClass("TST_Empty"), false), R"(
 <xs:schema targetNamespace="http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/TST_Empty">
   <xs:complexType name="TST_Empty_Type">
     <xs:sequence/>
@@ -235,12 +221,12 @@ TEST(ClassDefinition, DeclaresNoNamespacesUnlessItIsToldTo) {
   </xs:complexType>
   <xs:element name="TST_Empty" type="class:TST_Empty_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassDefinition, DeclaresThreeNamespacesBehindTheTargetNamespace) {
     EXPECT_EQ(definitionOf(ModelClass("TST_Empty"), true),
-              "<xs:schema"
+              "\n<xs:schema"
               " targetNamespace=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/TST_Empty\""
               " xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
               " xmlns:class=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/TST_Empty\""
@@ -256,10 +242,10 @@ TEST(ClassDefinition, DeclaresThreeNamespacesBehindTheTargetNamespace) {
 }
 
 TEST(ClassDefinition, TheNamesOfTheNamespacesDoNotFollowThePrefixOfTheRoot) {
-    Element root = makeElement("schema");
+    Element root = makeElement("schema", nullptr);
     WsdlUtil::addClassDefElement(root, ModelClass("A").share(), true);
     EXPECT_EQ(printed(root),
-              "<schema"
+              "\n<schema"
               " targetNamespace=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/A\""
               " xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
               " xmlns:class=\"http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/A\""
@@ -288,7 +274,7 @@ const ModelClass& fullClass() {
 }
 
 TEST(ClassDefinition, HoldsPropertiesTypeElementAndMethodsInThisOrder) {
-    EXPECT_EQ(definitionOf(fullClass()), block(R"(
+    EXPECT_EQ(definitionOf(fullClass()), R"(
 <xs:schema targetNamespace="http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/TST_Class">
   <xs:element name="Name" type="cim:cimString"/>
   <xs:element name="Label" nillable="true">
@@ -339,22 +325,22 @@ TEST(ClassDefinition, HoldsPropertiesTypeElementAndMethodsInThisOrder) {
     </xs:complexType>
   </xs:element>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassDefinition, DeclaringNamespacesChangesTheStartTagAlone) {
     const std::string without = definitionOf(fullClass(), false);
     const std::string declaring = definitionOf(fullClass(), true);
     EXPECT_NE(declaring, without);
-    EXPECT_EQ(declaring.substr(declaring.find('\n')), without.substr(without.find('\n')));
+    EXPECT_EQ(declaring.substr(declaring.find(">\n")), without.substr(without.find(">\n")));
 }
 
 TEST(ClassDefinition, IsAppendedBehindWhatTheRootHolds) {
     Element root = schemaRoot();
     root->addAttribute(TSKSmrPtr<SOAPQName>::make("id"), "first");
-    root->addChildElement(makeElement("before"));
+    root->addChildElement(makeElement("before", nullptr));
     WsdlUtil::addClassDefElement(root, ModelClass("A").share(), false);
-    EXPECT_EQ(printed(root), block(R"(
+    EXPECT_EQ(printed(root), R"(
 <xs:schema id="first" targetNamespace="http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/A">
   <before/>
   <xs:complexType name="A_Type">
@@ -363,7 +349,7 @@ TEST(ClassDefinition, IsAppendedBehindWhatTheRootHolds) {
   </xs:complexType>
   <xs:element name="A" type="class:A_Type"/>
 </xs:schema>
-)"));
+)");
 }
 
 TEST(ClassDefinition, MakesTheSameTreeEveryTime) {
@@ -394,7 +380,7 @@ TEST(ClassDefinition, EveryFailureOfTheHostPasses) {
         },
         [&](const std::string& operation) {
             EXPECT_EQ(cimClass.owners(), 1) << operation;
-            EXPECT_TRUE(printed(root).starts_with("<xs:schema")) << operation;
+            EXPECT_TRUE(printed(root).starts_with("\n<xs:schema")) << operation;
         });
     EXPECT_GT(calls, 0U);
     EXPECT_EQ(failures, calls);

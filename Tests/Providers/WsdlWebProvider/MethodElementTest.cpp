@@ -13,11 +13,7 @@
 namespace {
 
 using Element = TSKSmrPtr<SOAPElement>;
-using SchemaPrinting::contentOf;
-using SchemaPrinting::element;
-using SchemaPrinting::facets;
-using SchemaPrinting::kAnyAttribute;
-using SchemaPrinting::parentOf;
+using namespace SchemaPrinting;
 
 std::string bodiesOf(const urma::IMethodDef& method, const char* prefix = "xs") {
     return contentOf([&](Element& parent) { WsdlUtil::addMethodElement(parent, method); }, prefix);
@@ -58,33 +54,6 @@ std::string bodies(const std::string& name, const std::string& inputs, const std
 }
 
 const std::string kReturnValue = plain("ReturnValue", "cim:cimUnsignedInt");
-
-// Those of the parameter P.
-
-constexpr const char* kNillableText = R"(
-<xs:parent>
-  <xs:element name="P" type="cim:cimString" nillable="true"/>
-</xs:parent>
-)";
-
-constexpr const char* kText = R"(
-<xs:parent>
-  <xs:element name="P" type="cim:cimString"/>
-</xs:parent>
-)";
-
-std::string restricted(const char* attributes, const std::string& restrictions) {
-    return parentOf(element("element " + std::string(attributes),
-                            element("complexType", element("simpleContent", restrictions))));
-}
-
-constexpr const char* kNillable = R"(name="P" nillable="true")";
-constexpr const char* kNotNillable = R"(name="P")";
-
-const std::string kMaxLen8 =
-    element(R"(restriction base="cim:cimString")", facets("maxLength", {"8"}) + kAnyAttribute);
-const std::string kOnOff = element(R"(restriction base="cim:cimString")",
-                                   facets("enumeration", {"on", "off"}) + kAnyAttribute);
 
 // --- Methods
 

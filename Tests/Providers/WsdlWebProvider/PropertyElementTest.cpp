@@ -12,11 +12,7 @@
 namespace {
 
 using Element = TSKSmrPtr<SOAPElement>;
-using SchemaPrinting::contentOf;
-using SchemaPrinting::element;
-using SchemaPrinting::facets;
-using SchemaPrinting::kAnyAttribute;
-using SchemaPrinting::parentOf;
+using namespace SchemaPrinting;
 
 std::string globalElementOf(const urma::IPropertyDef& property, const char* prefix = "xs") {
     return contentOf([&](Element& parent) { WsdlUtil::addPropertyElement(parent, property); },
@@ -39,34 +35,9 @@ ModelProperty texts() {
 
 // What is expected of P.
 
-constexpr const char* kNillableText = R"(
-<xs:parent>
-  <xs:element name="P" type="cim:cimString" nillable="true"/>
-</xs:parent>
-)";
-
-constexpr const char* kText = R"(
-<xs:parent>
-  <xs:element name="P" type="cim:cimString"/>
-</xs:parent>
-)";
-
 constexpr const char* kOnce = "\n<xs:parent/>\n";
 constexpr const char* kAtMostOnce = "\n<xs:parent minOccurs=\"0\"/>\n";
 constexpr const char* kAnyNumber = "\n<xs:parent minOccurs=\"0\" maxOccurs=\"unbounded\"/>\n";
-
-std::string restricted(const char* attributes, const std::string& restriction) {
-    return parentOf(element("element " + std::string(attributes),
-                            element("complexType", element("simpleContent", restriction))));
-}
-
-constexpr const char* kNillable = R"(name="P" nillable="true")";
-constexpr const char* kNotNillable = R"(name="P")";
-
-const std::string kMaxLen8 =
-    element(R"(restriction base="cim:cimString")", facets("maxLength", {"8"}) + kAnyAttribute);
-const std::string kOnOff = element(R"(restriction base="cim:cimString")",
-                                   facets("enumeration", {"on", "off"}) + kAnyAttribute);
 
 // --- Global elements
 

@@ -10,11 +10,7 @@
 namespace {
 
 using Element = TSKSmrPtr<SOAPElement>;
-using SchemaPrinting::contentOf;
-using SchemaPrinting::element;
-using SchemaPrinting::facets;
-using SchemaPrinting::kAnyAttribute;
-using SchemaPrinting::parentOf;
+using namespace SchemaPrinting;
 
 std::string maxLenOf(const ModelType& type, const ModelValue& maxLen, const char* prefix = "xs") {
     return contentOf(

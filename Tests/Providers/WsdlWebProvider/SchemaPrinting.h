@@ -75,4 +75,34 @@ template <typename Operation>
 inline const std::string kAnyAttribute =
     element(R"(anyAttribute namespace="##any" processContents="lax")");
 
+// Expected text: contentOf the element P of a property or parameter, which is a string.
+
+inline constexpr const char* kText = R"(
+<xs:parent>
+  <xs:element name="P" type="cim:cimString"/>
+</xs:parent>
+)";
+
+inline constexpr const char* kNillableText = R"(
+<xs:parent>
+  <xs:element name="P" type="cim:cimString" nillable="true"/>
+</xs:parent>
+)";
+
+/// With an anonymous type; `attributes` is one of the next two.
+[[nodiscard]] inline std::string restricted(const char* attributes,
+                                            const std::string& restrictions) {
+    return parentOf(element("element " + std::string(attributes),
+                            element("complexType", element("simpleContent", restrictions))));
+}
+
+inline constexpr const char* kNillable = R"(name="P" nillable="true")";
+inline constexpr const char* kNotNillable = R"(name="P")";
+
+/// The restrictions of MaxLen 8 and of the ValueMap "on", "off".
+inline const std::string kMaxLen8 =
+    element(R"(restriction base="cim:cimString")", facets("maxLength", {"8"}) + kAnyAttribute);
+inline const std::string kOnOff = element(R"(restriction base="cim:cimString")",
+                                          facets("enumeration", {"on", "off"}) + kAnyAttribute);
+
 }  // namespace SchemaPrinting

@@ -4,14 +4,19 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Platform/Util/TSKNullPointerException.h"
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Providers/WsdlWebProvider/ExpectedText.h"
 #include "Tests/Support/ClassModel.h"
 #include "Tests/Support/HostCalls.h"
 
 namespace {
+
+using ExpectedText::block;
+using ExpectedText::count;
 
 using Class = TSKSmrPtr<ITeskClass>;
 using List = TSKSmrPtr<WsdlUtil::ClassList>;
@@ -46,26 +51,9 @@ List listOf(std::initializer_list<Class> classes) {
     return List::make(classes);
 }
 
-// A text that begins on a line of its own in the test.
-std::string block(std::string_view lines) {
-    return std::string(lines.substr(1));
-}
-
 // `lines` with the name wherever {class} stands.
 std::string withClass(std::string_view className, std::string lines) {
-    const std::string_view placeholder = "{class}";
-    for (std::size_t position = lines.find(placeholder); position != std::string::npos;
-         position = lines.find(placeholder, position + className.size()))
-        lines.replace(position, placeholder.size(), className);
-    return lines;
-}
-
-std::size_t count(std::string_view whole, std::string_view part) {
-    std::size_t found = 0;
-    for (std::size_t position = whole.find(part); position != std::string_view::npos;
-         position = whole.find(part, position + part.size()))
-        ++found;
-    return found;
+    return ExpectedText::with("{class}", className, std::move(lines));
 }
 
 std::string importOf(const std::string& nameSpace, const std::string& location) {

@@ -11,11 +11,7 @@
 namespace {
 
 using Element = TSKSmrPtr<SOAPElement>;
-using SchemaPrinting::contentOf;
-using SchemaPrinting::element;
-using SchemaPrinting::facets;
-using SchemaPrinting::kAnyAttribute;
-using SchemaPrinting::parentOf;
+using namespace SchemaPrinting;
 
 struct MaxLength {
     bool add = false;

@@ -5,9 +5,14 @@
 #include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
+#include "Tests/Providers/WsdlWebProvider/ExpectedText.h"
 #include "Tests/Support/AllocationProbe.h"
 
 namespace {
+
+using ExpectedText::block;
+using ExpectedText::count;
+using ExpectedText::with;
 
 const std::string kLong(100'000, 'x');
 
@@ -17,19 +22,6 @@ const char* const kMarkup = R"(a<b>&"c"</b>'d')";
 
 std::string text(const TSKString& value) {
     return std::string(std::string_view(value));
-}
-
-// A text that begins on a line of its own in the test.
-std::string block(std::string_view lines) {
-    return std::string(lines.substr(1));
-}
-
-// `lines` with `value` wherever `placeholder` stands.
-std::string with(std::string_view placeholder, std::string_view value, std::string lines) {
-    for (std::size_t position = lines.find(placeholder); position != std::string::npos;
-         position = lines.find(placeholder, position + value.size()))
-        lines.replace(position, placeholder.size(), value);
-    return lines;
 }
 
 std::string indented(std::size_t blanks, std::string_view lines) {
@@ -48,14 +40,6 @@ std::string between(const std::string& whole, std::string_view from, std::string
     if (begin == std::string::npos)
         return "not found: " + std::string(from);
     return whole.substr(begin, whole.find(to, begin + from.size()) - begin);
-}
-
-std::size_t count(std::string_view whole, std::string_view part) {
-    std::size_t found = 0;
-    for (std::size_t position = whole.find(part); position != std::string_view::npos;
-         position = whole.find(part, position + part.size()))
-        ++found;
-    return found;
 }
 
 // The sections of a document, from its beginning to its end.
