@@ -716,7 +716,7 @@ bool isTrue(const urma::IQualifier* qualifier) {
 
 // Gives an element its type: a named one, or an anonymous one with the restrictions of those of the
 // two qualifiers that are not null.
-void addType(Element& element, const ITeskType& type, const urma::IQualifier* maxLen,
+void addType(const Element& element, const ITeskType& type, const urma::IQualifier* maxLen,
              const urma::IQualifier* valueMap) {
     if (maxLen == nullptr && valueMap == nullptr) {
         addAttribute(element, TAG_TYPE, wsCimType(type));
@@ -731,8 +731,17 @@ void addType(Element& element, const ITeskType& type, const urma::IQualifier* ma
                                                      false, 0);
 }
 
-void addNillable(Element& element) {
+void addNillable(const Element& element) {
     addAttribute(element, "nillable", "true");
+}
+
+// The same, and lets the value be nil unless it is a scalar that must be there.
+void addTypeAndNillability(const Element& element, const ITeskType& type,
+                           const urma::IQualifier* maxLen, const urma::IQualifier* valueMap,
+                           bool mandatory) {
+    addType(element, type, maxLen, valueMap);
+    if (type.isArray() || !mandatory)
+        addNillable(element);
 }
 
 // A global element with an anonymous type; returns its sequence.
@@ -918,11 +927,9 @@ void WsdlUtil::addPropertyTypeElement(TSKSmrPtr<SOAPElement>& element,
     const bool required = isTrue(property.getQualifier("Required", true));
     const urma::IQualifier* const maxLen = property.getQualifier("MaxLen", true);
     const urma::IQualifier* const valueMap = property.getQualifier("ValueMap", false);
-    const ITeskType& type = property.getType();
     // A value map takes the place of a maximum length.
-    addType(element, type, valueMap == nullptr ? maxLen : nullptr, valueMap);
-    if (type.isArray() || !(key || required))
-        addNillable(element);
+    addTypeAndNillability(element, property.getType(), valueMap == nullptr ? maxLen : nullptr,
+                          valueMap, key || required);
 }
 
 void WsdlUtil::addElementAttributeMinMaxOccurs(TSKSmrPtr<SOAPElement>& element,
@@ -977,10 +984,7 @@ void WsdlUtil::addMethodParamterTypeElement(TSKSmrPtr<SOAPElement>& element,
     const bool required = parameter.getQualifier("Required", false) != nullptr;
     const urma::IQualifier* const maxLen = parameter.getQualifier("MaxLen", true);
     const urma::IQualifier* const valueMap = parameter.getQualifier("ValueMap", false);
-    const ITeskType& type = parameter.getType();
-    addType(element, type, maxLen, valueMap);
-    if (type.isArray() || !(key && required))
-        addNillable(element);
+    addTypeAndNillability(element, parameter.getType(), maxLen, valueMap, key && required);
 }
 
 void WsdlUtil::addClassStructureElement(TSKSmrPtr<SOAPElement>& root,
