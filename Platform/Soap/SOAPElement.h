@@ -64,6 +64,11 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
     // A text that grows at its end. Attributes of a schema mostly fit into the element itself.
     class Text {
       public:
+        Text() noexcept = default;
+        Text(const Text&) = delete;
+        Text& operator=(const Text&) = delete;
+        ~Text() = default;
+
         [[nodiscard]] std::string_view view() const noexcept { return {begin(), length_}; }
 
         /// Appends `length` bytes of no particular value and returns where they stand.

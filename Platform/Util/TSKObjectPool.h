@@ -7,7 +7,7 @@
 /// Nothing is kept, so that the sanitizer sees every use of released memory.
 inline constexpr unsigned long kMostPooledObjects = 0;
 #else
-/// Enough for the tree of a large class; less than a megabyte of nodes for each thread.
+/// Enough for the tree of a large class; about a megabyte of nodes for each thread.
 inline constexpr unsigned long kMostPooledObjects = 4096;
 #endif
 
@@ -63,7 +63,8 @@ class TSKObjectPool {
         }
     };
 
-    // Whether there is room for one more now.
+    // From now on the thread keeps objects, unless it is about to end. Returns whether there is
+    // room for one.
     static bool open() noexcept {
         if (!kept_.isNew)
             return false;

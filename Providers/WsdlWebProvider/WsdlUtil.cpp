@@ -64,6 +64,10 @@ constexpr const char* URI_WSEN = "http://schemas.xmlsoap.org/ws/2004/09/enumerat
 constexpr const char* URI_WSEN_XSD =
     "http://schemas.xmlsoap.org/ws/2004/09/enumeration/enumeration.xsd";
 
+// The elements of a method's request and response are named after the method.
+constexpr const char* kInputSuffix = "_INPUT";
+constexpr const char* kOutputSuffix = "_OUTPUT";
+
 // A text to be inserted somewhere: the host's, or a literal, null being the empty one.
 struct Text : std::string_view {
     Text(const char* text) : std::string_view(text == nullptr ? "" : text) {}
@@ -91,7 +95,8 @@ void forEach(const CI_AutoPtr_U<urma::Iterator<const Definition&>>& iterator, co
 }
 
 // The text of the last Description written on a definition, empty without one.
-TSKString descriptionOf(const urma::IQualified& definition) {
+template <typename Definition>
+TSKString descriptionOf(const Definition& definition) {
     TSKString description;
     forEach(definition.getQualifiers(false), [&](const urma::IQualifier& qualifier) {
         if (qualifier.hasValue() && qualifier.getName().isEqualCaseInsensitive("Description"))
@@ -167,8 +172,8 @@ constexpr const char* kIntrinsicMessage =
     "  \t<wsdl:message name=\"%1_%2Message\">\n"
     "  \t  <wsdl:part name=\"body\" element=\"%3\" />\n"
     "  \t</wsdl:message>\n";
-// Operation name, "INPUT" or "OUTPUT".
-constexpr const char* kIntrinsicElement = "class:%1_%2";
+// Operation name, suffix.
+constexpr const char* kIntrinsicElement = "class:%1%2";
 
 // Class name.
 constexpr const char* kPortTypeTag =
@@ -327,8 +332,8 @@ void appendIntrinsicMessages(TSKString& text) {
     text += "\n";
     forEachIntrinsicMethod([&](const IntrinsicMethodInfo& method) {
         append(text, kIntrinsicMessagesComment, {method.name});
-        appendIntrinsicMessage(text, method.name, method.inputMessage, "Input", "INPUT");
-        appendIntrinsicMessage(text, method.name, method.outputMessage, "Output", "OUTPUT");
+        appendIntrinsicMessage(text, method.name, method.inputMessage, "Input", kInputSuffix);
+        appendIntrinsicMessage(text, method.name, method.outputMessage, "Output", kOutputSuffix);
     });
 }
 
@@ -385,7 +390,7 @@ void WSDLFile::addMessage(const TSKString& name, bool /*hasParameters*/,
     append(eMessages, kMethodMessages, {name});
 
     append(ePortType, kMethodPortTypeOperationTag, {name});
-    if (!documentation.isEmpty())
+    if (documentation.length() > 0)
         append(ePortType, kMethodDocumentation, {documentation});
     append(ePortType, kMethodPortTypeOperationEnd, {name});
 
@@ -448,10 +453,6 @@ TSKString WSDLFile::toString(bool withXmlDeclaration) const {
 namespace {
 
 using Element = TSKSmrPtr<SOAPElement>;
-
-constexpr const char* kInputSuffix = "_INPUT";
-constexpr const char* kOutputSuffix = "_OUTPUT";
-
 using Name = TSKSmrPtr<SOAPQName>;
 
 // The name of a child: it has its parent's prefix.
@@ -555,13 +556,17 @@ long wrappingSum(long number, long summand) {
                              static_cast<unsigned long>(summand));
 }
 
-// Adds facets of one kind to a restriction. They share their names, since there may be thousands
+void addFacet(const Element& restriction, const char* facet, const TSKString& value) {
+    addAttribute(addChild(restriction, facet), TAG_VALUE, value);
+}
+
+// Adds permitted values to a restriction. They share their names, since there may be thousands
 // (Benchmarks, DocumentBenchmark).
-class Facets {
+class Enumeration {
   public:
-    Facets(Element restriction, const char* facet)
+    explicit Enumeration(Element restriction)
         : restriction_(std::move(restriction)),
-          name_(childName(restriction_, facet)),
+          name_(childName(restriction_, TAG_ENUMERATTION)),
           valueName_(new SOAPQName(TAG_VALUE)) {}
 
     void add(const Text& value) const {
@@ -573,12 +578,6 @@ class Facets {
     Name name_;
     Name valueName_;
 };
-
-Element addRestriction(const Element& parent, const Text& base) {
-    Element restriction = addChild(parent, TAG_RESTRICTION);
-    addAttribute(restriction, TAG_BASE, base);
-    return restriction;
-}
 
 constexpr const char* kDotDot = "..";
 constexpr unsigned long kDotDotLength = 2;
@@ -671,15 +670,17 @@ class ValueMapUnion {
     }
 
     void addGaps(const Element& member, long end) const {
-        const Facets gaps = addEnumeration(member);
+        const Enumeration gaps = addEnumeration(member);
         for (long number = 0; number < end; ++number) {
             if (!listedNumbers_.contains(number))
                 gaps.add(decimalText(number));
         }
     }
 
-    [[nodiscard]] Facets addEnumeration(const Element& member) const {
-        return Facets(addRestriction(member, xsType(type_)), TAG_ENUMERATTION);
+    [[nodiscard]] Enumeration addEnumeration(const Element& member) const {
+        const Element restriction = addChild(member, TAG_RESTRICTION);
+        addAttribute(restriction, TAG_BASE, xsType(type_));
+        return Enumeration(restriction);
     }
 
     void addInterval(Element& parent, const TSKString& lower, const TSKString& upper) {
@@ -703,7 +704,7 @@ class ValueMapUnion {
     Element topUnion_;
     const ITeskType& type_;
     std::vector<TSKString> entries_;
-    std::optional<Facets> openEnumeration_;
+    std::optional<Enumeration> openEnumeration_;
     std::set<long> listedNumbers_;
 };
 
@@ -856,8 +857,10 @@ void WsdlUtil::addImportEelement(TSKSmrPtr<SOAPElement>& parent, const TSKString
 
 void WsdlUtil::addRestrictionMaxLenChildElement(TSKSmrPtr<SOAPElement>& parent,
                                                 const ITeskType& type, const ITeskValue& maxLen) {
-    Element restriction = addRestriction(parent, wsCimType(type));
-    Facets(restriction, TAG_MAX_LENGTH).add(maxLen.toString());
+    Element restriction = addChild(parent, TAG_RESTRICTION);
+    addAttribute(restriction, TAG_BASE, wsCimType(type));
+    const Element maxLength = addChild(restriction, TAG_MAX_LENGTH);
+    addAttribute(maxLength, TAG_VALUE, maxLen.toString());
     addAnyAttributeChildElement(restriction);
 }
 
@@ -865,20 +868,20 @@ void WsdlUtil::addRestrictionEnumerationChildElement(TSKSmrPtr<SOAPElement>& par
                                                      const ITeskType& type,
                                                      const ITeskValue& values, bool addAnyAttribute,
                                                      bool addMaxLength, long maxLength) {
-    Element restriction = addRestriction(parent, wsCimType(type));
+    Element restriction = addChild(parent, TAG_RESTRICTION);
+    addAttribute(restriction, TAG_BASE, wsCimType(type));
     const auto entries = values.getArrayValues();
     if (!entries || entries->entries() == 0)
         return;
     if (addMaxLength)
-        Facets(restriction, TAG_MAX_LENGTH).add(decimalText(maxLength));
-    const Facets enumerations(restriction, TAG_ENUMERATTION);
-    const bool asWritten = isStringType(type);
+        addFacet(restriction, TAG_MAX_LENGTH, decimalText(maxLength));
+    const Enumeration enumeration(restriction);
     TSKValSlistIterator<TSKSmrPtr<ITeskValue>> next(*entries);
     while (next()) {
         if (!next.key())
             continue;
         const TSKString text = next.key()->toString();
-        enumerations.add(asWritten ? text : normalised(text));
+        enumeration.add(isHexadecimal(text) && !isStringType(type) ? normalised(text) : text);
     }
     if (addAnyAttribute)
         addAnyAttributeChildElement(restriction);
@@ -888,13 +891,13 @@ void WsdlUtil::addSimpleTypeRestrictionChildElement(TSKSmrPtr<SOAPElement>& pare
                                                     const ITeskType& type,
                                                     const TSKString& minValue,
                                                     const TSKString& maxValue) {
-    Element simpleType = addChild(parent, TAG_SIMPLE_TYPE);
-    Element restriction =
-        addRestriction(simpleType, isStringType(type) ? wsCimType(type) : xsType(type));
-    if (!minValue.isEmpty())
-        Facets(restriction, TAG_MIN_INCLUSIVE).add(minValue);
-    if (!maxValue.isEmpty())
-        Facets(restriction, TAG_MAX_INCLUSIVE).add(maxValue);
+    const Element simpleType = addChild(parent, TAG_SIMPLE_TYPE);
+    const Element restriction = addChild(simpleType, TAG_RESTRICTION);
+    addAttribute(restriction, TAG_BASE, isStringType(type) ? wsCimType(type) : xsType(type));
+    if (minValue.length() > 0)
+        addFacet(restriction, TAG_MIN_INCLUSIVE, minValue);
+    if (maxValue.length() > 0)
+        addFacet(restriction, TAG_MAX_INCLUSIVE, maxValue);
 }
 
 void WsdlUtil::addRestrictionValueMapChildElement(TSKSmrPtr<SOAPElement>& parent,
@@ -908,9 +911,11 @@ void WsdlUtil::addRestrictionValueMapChildElement(TSKSmrPtr<SOAPElement>& parent
                                               maxLength);
         return;
     }
-    Element restriction = addRestriction(parent, "cim:cimAnySimpleType");
+    Element restriction = addChild(parent, TAG_RESTRICTION);
+    addAttribute(restriction, TAG_BASE, "cim:cimAnySimpleType");
     const Element simpleType = addChild(restriction, TAG_SIMPLE_TYPE);
-    ValueMapUnion(addChild(simpleType, TAG_UNION), type, entriesOf(valueMap)).addMembers();
+    const Element topUnion = addChild(simpleType, TAG_UNION);
+    ValueMapUnion(topUnion, type, entriesOf(valueMap)).addMembers();
     addAnyAttributeChildElement(restriction);
 }
 

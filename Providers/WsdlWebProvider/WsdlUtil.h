@@ -39,7 +39,8 @@ extern const IntrinsicMethodInfo IntrinsicMethodsInfo[];
 class WSDLFile {
   public:
     /// Describes the class `className` of the namespace `ns`. `address` is that of the service, to
-    /// which "wsman" is appended as it is; `xsdText` the content of the types section.
+    /// which "wsman" is appended as it is; `xsdText` is the content of the types section,
+    /// zero-terminated, and null is the empty text.
     WSDLFile(const TSKString& className, const TSKString& address, const TSKString& ns,
              const char* xsdText);
 
@@ -93,7 +94,11 @@ class WSDLFile {
 ///
 /// The functions that build schema elements append to the element that they are given: children
 /// last, with its prefix, attributes without a prefix. Missing or empty input makes fewer elements,
-/// never an error. What an object of the host throws passes; what was built before stays.
+/// never an error; but a MaxLen or ValueMap qualifier without a value throws
+/// TSKNullPointerException. What an object of the host throws passes; what was built before stays.
+///
+/// A stream that a document is written to tells of its errors itself: unless it is told to throw
+/// (std::ios_base::badbit), a document may be cut short, when there is no memory for instance.
 ///
 /// Thread safety: the functions keep no state; a definition may be used by several threads at once,
 /// an element or a stream belongs to one.
@@ -136,7 +141,8 @@ void addRestrictionEnumerationChildElement(TSKSmrPtr<SOAPElement>& parent, const
 void addSimpleTypeRestrictionChildElement(TSKSmrPtr<SOAPElement>& parent, const ITeskType& type,
                                           const TSKString& minValue, const TSKString& maxValue);
 /// From ValueMap: an enumeration, or with ranges ("3..5", "..5", "3..", "..") a union of
-/// enumerations and intervals. `addMaxLength` and `maxLength` are for the enumeration alone.
+/// enumerations and intervals. `addMaxLength` and `maxLength` are for the enumeration alone. A
+/// value that is no array or has no type adds nothing.
 ///
 /// Costs time and memory in proportion to the number before a lone "..", since the values that are
 /// missing below it are enumerated.

@@ -50,7 +50,7 @@ Outcome copyStaticDescription(std::stringstream& document) {
         TSKString path = "providers";
         URMAConfigManager::cvtToAbsolutePath(path);
         outputFile(path + "/" + kStaticDescription, document);
-        // A file that is missing copies nothing, which is fine; one that breaks off is not.
+        // Where nothing could be copied the document is empty, but it is never cut short.
         if (document.fail() && !document.view().empty())
             throw std::ios_base::failure(kStaticDescription);
         return Outcome::kFound;
@@ -61,7 +61,7 @@ Outcome copyStaticDescription(std::stringstream& document) {
 }
 
 // The address of the service as the client knows it, with "/" at the end.
-TSKString serviceAddress(const TSKHTTPRequest& request, const TSKGenericHTTPOStream& ostr) {
+TSKString serviceAddress(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
     TSKString address = "http://";
     if (const TSKString* host = request.getHost()) {
         address += *host;
@@ -99,18 +99,18 @@ bool isSchemaRequest(const TSKString& uri) {
     return uri.endsWith(kXsdExtension, 0) || uri.contains("/xsd", 0);
 }
 
-Outcome generateDocument(const TSKHTTPRequest& request, const TSKGenericHTTPOStream& ostr,
+Outcome generateDocument(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr,
                          std::stringstream& document) {
     const TSKString& uri = request.getUri();
     TSKString cimNS;
     std::vector<TSKString> classNames;
     if (!getUserInput(cimNS, classNames, uri))
         return Outcome::kNotFound;
-    if (cimNS.isEmpty())
+    if (cimNS.length() == 0)
         cimNS = kDefaultNamespace;
 
     const auto manager = TeskProviderPluginManager::getTeskProviderPluginManager();
-    const TSKString requestURL = serviceAddress(request, ostr);
+    const TSKString url = serviceAddress(request, ostr) + cimNS + "/";
     if (!manager)
         return Outcome::kNoManager;
     const TSKSmrPtr<ITeskRepository> repository = manager->getRepository();
@@ -121,11 +121,11 @@ Outcome generateDocument(const TSKHTTPRequest& request, const TSKGenericHTTPOStr
     const auto classes = findClasses(*repository, cimNS, classNames);
     if (!classes || classes->entries() == 0)
         return Outcome::kNotFound;
-    // A schema's address has the namespace in it; a WSDL document is told of both.
-    const bool written =
-        isSchemaRequest(uri)
-            ? WsdlUtil::streamXsdDefinitions(document, requestURL + cimNS + "/", classes) != 0
-            : WsdlUtil::streamDefinitions(document, requestURL, cimNS, classes) != 0;
+    // The address of a schema has the namespace in it; a WSDL document is told of both.
+    const bool written = isSchemaRequest(uri)
+                             ? WsdlUtil::streamXsdDefinitions(document, url, classes) != 0
+                             : WsdlUtil::streamDefinitions(document, serviceAddress(request, ostr),
+                                                           cimNS, classes) != 0;
     return written ? Outcome::kFound : Outcome::kNotFound;
 }
 
@@ -250,7 +250,7 @@ void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
 
     TSKHTTPResponse response(request.getProtocol(), status, reason);
     response.setHeaderField("Connection", "close", false);
-    if (status.equals(STR_OK_CODE)) {
+    if (outcome == Outcome::kFound) {
         const std::string_view document = ss.view();
         response.setContentLength(document.size());
         response.setContentType("text/xml");

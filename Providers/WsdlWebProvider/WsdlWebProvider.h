@@ -40,8 +40,8 @@ class WsdlWebProvider : public urma::pf::Provider {
 
     /// Answers a request of an authenticated caller: see process(). Reads no body, and leaves the
     /// flag as it is.
-    /// Errors: TSKHTTPException with kAuthenticationFailed for any other caller, to whom nothing is
-    /// written; what process() throws.
+    /// Errors: TSKHTTPException with kAuthenticationFailed for any other caller, to whom at most
+    /// the authenticator has written; what process() throws.
     void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& flag,
                             TSKSmrPtr<ITeskTransaction> transaction) override;
@@ -86,10 +86,14 @@ class WsdlWebProvider : public urma::pf::Provider {
 ///     /CLASS.wsdl, /CLASS.xsd  those of a class of the namespace "interop"
 ///     …STSService.wsdl         the file of that name in the installation's "providers" folder
 ///
-/// or "404" "File Not Found" without a body where there is no such document, "500" "Internal Server
-/// Error" where there is no plug-in manager. Documents name the host by the request's field "Host",
-/// or by the client's address where there is none. The document is complete before anything is
-/// written.
+/// A path with "/xsd" anywhere, in small letters, asks for the schema whatever its ending; a path
+/// that ends with ".xsd" in capitals asks for the WSDL document of a class with that ending in its
+/// name.
+///
+/// The answer is "404" "File Not Found" without a body where there is no such document, "500"
+/// "Internal Server Error" where there is no plug-in manager. Documents name the host by the
+/// request's field "Host", or by the client's address where there is none. The document is complete
+/// before anything is written.
 ///
 /// Errors: what the host's objects throw, but for a TeskBaseException of the class lookup, which is
 /// a document that is not there. Unless the stream threw, nothing has been written then.
@@ -98,14 +102,17 @@ class WsdlWebProvider : public urma::pf::Provider {
 /// own.
 void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr);
 
-/// Reads a request path: sets `cimNS` to what stands between its first and its last "/", and
-/// appends what stands between the last "/" and the extension to `classNames`, both in small
-/// letters. Returns false, and changes nothing, when the path has no "/" or ends, in any case,
-/// neither with ".wsdl" nor with ".xsd".
+/// Reads a request path, in small letters and without the blanks at the ends of each part: sets
+/// `cimNS` to what stands between its first and its last "/", and appends what stands between the
+/// last "/" and the first extension to `classNames`; to the end of the path where the extension is
+/// not found behind the "/". The path begins with "/"; what stands before the first one is lost.
+/// Returns false, and changes nothing, when the path has no "/" or ends, in any case, neither with
+/// ".wsdl" nor with ".xsd".
 [[nodiscard]] bool getUserInput(TSKString& cimNS, std::vector<TSKString>& classNames,
                                 const TSKString& uri);
 
-/// Copies a file to a stream. A file that cannot be opened copies nothing.
+/// Copies a file to a stream. A stream that nothing was copied to, for instance because the file
+/// cannot be opened, or not all, has failed then (std::ios_base::failbit).
 void outputFile(const TSKString& fullPath, std::stringstream& ostr);
 
 /// Whether a path holds "/wsdl".

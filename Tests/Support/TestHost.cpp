@@ -64,6 +64,10 @@ void TestHost::writeProvidersFile(const std::string& name, const std::string& co
     installation_.write("providers/" + name, content);
 }
 
+void TestHost::makeProvidersFolder(const std::string& name) const {
+    std::filesystem::create_directory(installation_ / ("providers/" + name));
+}
+
 void TestHost::removeManager() {
     TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
 }

@@ -37,8 +37,9 @@ class TestHost {
     [[nodiscard]] ModelRepository& repository() { return *repository_; }
     [[nodiscard]] TestAuthenticator& authenticator() { return *authenticator_; }
 
-    /// Writes a file of the installation's "providers" folder.
+    /// Makes a file, or a folder, in the installation's "providers" folder.
     void writeProvidersFile(const std::string& name, const std::string& content) const;
+    void makeProvidersFolder(const std::string& name) const;
 
     void removeManager();
     void removeRepository();

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 #include "Tests/Providers/WsdlWebProvider/SchemaPrinting.h"
@@ -411,20 +412,46 @@ TEST(QualifierRestriction, RestrictionsFollowWhatTheParentHolds) {
 }
 
 // The last call reads the second value; the first one is written by then.
-TEST(QualifierRestriction, AFailureLeavesWhatWasBuiltBefore) {
-    const ModelType type("string");
-    const ModelValue values = {"1", "2"};
-    Element parent;
-    const auto build = [&] {
-        parent = SchemaPrinting::makeElement("parent", "xs");
-        WsdlUtil::addRestrictionEnumerationChildElement(parent, type, values, false, false, 0);
-    };
-    HostCalls::failAt(SchemaPrinting::countCalls(build));
-    EXPECT_THROW(build(), HostCalls::Failure);
-    HostCalls::failAt(0);
-    const std::string text = SchemaPrinting::printed(parent);
-    EXPECT_NE(text.find("<xs:enumeration value=\"1\"/>"), std::string::npos) << text;
-    EXPECT_EQ(text.find("value=\"2\""), std::string::npos) << text;
+// What is built stays when the host fails, elements before their attributes.
+
+using Left = std::vector<std::string>;
+
+const std::string kBareRestriction = parentOf(element("restriction"));
+
+TEST(QualifierRestriction, AFailedMaxLenLeavesWhatWasBuiltBefore) {
+    EXPECT_EQ(leftByFailures([](Element& parent) {
+                  WsdlUtil::addRestrictionMaxLenChildElement(parent, ModelType("string"),
+                                                             ModelValue("8"));
+              }),
+              Left({"ITeskType::isReference" + kBareRestriction,
+                    "ITeskType::getTypeName" + kBareRestriction,
+                    "ITeskValue::toString" + restriction("cim:cimString", element("maxLength"))}));
+}
+
+TEST(QualifierRestriction, AFailedEnumerationLeavesWhatWasBuiltBefore) {
+    const std::string started = restriction("cim:cimUnsignedByte", "");
+    EXPECT_EQ(
+        leftByFailures([](Element& parent) {
+            WsdlUtil::addRestrictionEnumerationChildElement(parent, ModelType("uint8"),
+                                                            ModelValue{"1", "2"}, true, true, 3);
+        }),
+        Left({"ITeskType::isReference" + kBareRestriction,
+              "ITeskType::getTypeName" + kBareRestriction, "ITeskValue::getArrayValues" + started,
+              "ITeskValue::toString" +
+                  restriction("cim:cimUnsignedByte", facets("maxLength", {"3"})),
+              "ITeskValue::toString" +
+                  restriction("cim:cimUnsignedByte",
+                              facets("maxLength", {"3"}) + facets("enumeration", {"1"}))}));
+}
+
+TEST(QualifierRestriction, AFailedIntervalLeavesWhatWasBuiltBefore) {
+    const std::string left = parentOf(element("simpleType", element("restriction")));
+    EXPECT_EQ(leftByFailures([](Element& parent) {
+                  WsdlUtil::addSimpleTypeRestrictionChildElement(parent, ModelType("uint8"), "1",
+                                                                 "2");
+              }),
+              Left({"ITeskType::getTypeName" + left, "ITeskType::getTypeName" + left,
+                    "ITeskType::isReference" + left, "ITeskType::getTypeName" + left}));
 }
 
 }  // namespace

@@ -96,10 +96,11 @@ class RequestRouterTest : public testing::Test {
         WsdlUtil::streamDefinitions(document, url, nameSpace, foo());
         return document.str();
     }
-    std::string schema(const char* baseAddress) {
+    // That of a single class names no address.
+    std::string schema() {
         std::stringstream document;
         document << kXmlDeclaration;
-        WsdlUtil::streamXsdDefinitions(document, baseAddress, foo());
+        WsdlUtil::streamXsdDefinitions(document, "", foo());
         return document.str();
     }
 
@@ -125,8 +126,7 @@ TEST_F(RequestRouterTest, TheDocumentNamesTheServiceByTheHostField) {
 }
 
 TEST_F(RequestRouterTest, AnswersWithTheSchemaOfAClass) {
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"),
-              found(schema("http://example.org:5985/root/cimv2/")));
+    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), found(schema()));
     EXPECT_EQ(log_.lines(), logOf());
 }
 
@@ -154,7 +154,7 @@ TEST_F(RequestRouterTest, XsdInCapitalsIsAWsdlRequestForAClassOfThatName) {
 
 TEST_F(RequestRouterTest, XsdInThePathAsksForTheSchema) {
     host_.repository().add("root/xsd", fooClass());
-    EXPECT_EQ(answer("/root/xsd/CIM_Foo.wsdl"), found(schema("http://example.org:5985/root/xsd/")));
+    EXPECT_EQ(answer("/root/xsd/CIM_Foo.wsdl"), found(schema()));
 }
 
 TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
@@ -165,7 +165,13 @@ TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
 
 TEST_F(RequestRouterTest, WithoutAHostFieldTheDocumentNamesTheClientsAddress) {
     EXPECT_EQ(answer("/CIM_Foo.wsdl", nullptr), found(wsdl("http://192.0.2.7/", "interop")));
-    EXPECT_EQ(answer("/CIM_Foo.xsd", nullptr), found(schema("http://192.0.2.7/interop/")));
+    EXPECT_EQ(answer("/CIM_Foo.xsd", nullptr), found(schema()));
+}
+
+TEST_F(RequestRouterTest, TheClientsAddressIsAskedForOnlyWithoutAHostField) {
+    const HostCalls::Recording calls;
+    (void)answer("/CIM_Foo.wsdl");
+    EXPECT_EQ(calls.callsOf("TSKGenericHTTPOStream::getPeerAddressString"), Lines());
 }
 
 TEST_F(RequestRouterTest, AnswersInTheProtocolOfTheRequest) {
@@ -199,6 +205,12 @@ TEST_F(RequestRouterTest, TheStaticDescriptionIsFoundByItsExactNameOnly) {
 }
 
 TEST_F(RequestRouterTest, AMissingStaticDescriptionIsAnEmptyDocument) {
+    EXPECT_EQ(answer("/interop/STSService.wsdl"), found(""));
+    EXPECT_EQ(log_.lines(), logOf());
+}
+
+TEST_F(RequestRouterTest, AStaticDescriptionThatCannotBeReadIsAnEmptyDocument) {
+    host_.makeProvidersFolder("STSService.wsdl");
     EXPECT_EQ(answer("/interop/STSService.wsdl"), found(""));
     EXPECT_EQ(log_.lines(), logOf());
 }

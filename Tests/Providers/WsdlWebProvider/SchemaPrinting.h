@@ -5,6 +5,7 @@
 #include <limits>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "Platform/Soap/SOAPElement.h"
 #include "Tests/Support/HostCalls.h"
@@ -40,6 +41,21 @@ template <typename Operation>
     const HostCalls::Recording recording;
     operation();
     return recording.calls().size();
+}
+
+/// What is left of an empty element named "parent" when `build` fails at its 1st, 2nd, 3rd … call
+/// into the test's object manager: each as the operation that failed and the printed element.
+template <typename Build>
+[[nodiscard]] std::vector<std::string> leftByFailures(const Build& build) {
+    std::vector<std::string> left;
+    TSKSmrPtr<SOAPElement> parent;
+    HostCalls::failEach(
+        [&] {
+            parent = makeElement("parent", "xs");
+            build(parent);
+        },
+        [&](const std::string& operation) { left.push_back(operation + printed(parent)); });
+    return left;
 }
 
 /// Expected text: the element `xs:START`, where START is the local name and the attributes as they

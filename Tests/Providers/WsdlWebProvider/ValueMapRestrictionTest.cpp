@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 #include "Tests/Providers/WsdlWebProvider/SchemaPrinting.h"
@@ -38,6 +39,11 @@ std::string byteRestrictionOf(const ModelValue& valueMap) {
 std::string enumeration(const std::string& base, std::initializer_list<const char*> values) {
     return parentOf(element("restriction base=\"" + base + "\"",
                             facets("enumeration", values) + kAnyAttribute));
+}
+
+std::string unionWithoutWildcard(const std::string& members) {
+    return parentOf(element("restriction base=\"cim:cimAnySimpleType\"",
+                            element("simpleType", element("union", members))));
 }
 
 std::string unionOf(std::initializer_list<std::string> members) {
@@ -687,6 +693,34 @@ TEST(ValueMapRestriction, TheRestrictionFollowsWhatTheParentHolds) {
   </xs:restriction>
 </xs:parent>
 )");
+}
+
+TEST(ValueMapRestriction, AFailedUnionLeavesWhatWasBuiltBefore) {
+    const std::string nothing = "\n<xs:parent/>\n";
+    const std::string begun = unionWithoutWildcard("");
+    const std::string bareMember = element("simpleType", element("restriction"));
+    const std::string untyped = unionWithoutWildcard(bareMember);
+    const std::string untypedRange = unionWithoutWildcard(singles({"1"}) + bareMember);
+    EXPECT_EQ(leftByFailures([](Element& parent) {
+                  WsdlUtil::addRestrictionValueMapChildElement(parent, ModelType("uint8"),
+                                                               ModelValue{"1", "3.."}, false, 0);
+              }),
+              std::vector<std::string>({
+                  "ITeskValue::getType" + nothing,
+                  "ITeskType::isArray" + nothing,
+                  "ITeskValue::getArrayValues" + nothing,
+                  "ITeskValue::toString" + nothing,
+                  "ITeskValue::toString" + nothing,
+                  "ITeskValue::getArrayValues" + begun,
+                  "ITeskValue::toString" + begun,
+                  "ITeskValue::toString" + begun,
+                  "ITeskType::isReference" + untyped,
+                  "ITeskType::getTypeName" + untyped,
+                  "ITeskType::getTypeName" + untypedRange,
+                  "ITeskType::getTypeName" + untypedRange,
+                  "ITeskType::isReference" + untypedRange,
+                  "ITeskType::getTypeName" + untypedRange,
+              }));
 }
 
 TEST(ValueMapRestriction, EveryFailureOfTheHostPasses) {
