@@ -1,6 +1,7 @@
 #include <cstddef>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 #include "Tests/Providers/WsdlWebProvider/SchemaPrinting.h"
@@ -361,6 +362,22 @@ TEST(ClassDefinition, KeepsNothingOfTheClass) {
     Element root = schemaRoot();
     WsdlUtil::addClassDefElement(root, cimClass, false);
     EXPECT_EQ(cimClass.owners(), 1);
+}
+
+TEST(ClassStructure, AFailedPropertyLeavesItsReferenceWithoutAName) {
+    const auto cimClass = ModelClass("A").property(ModelProperty("P", "string")).share();
+    const std::vector<std::string> left = SchemaPrinting::leftByFailures(
+        [&](Element& parent) { WsdlUtil::addClassStructureElement(parent, cimClass); });
+    EXPECT_EQ(left.at(0), "IQualified::getName\n<xs:parent/>\n");
+    EXPECT_EQ(left.at(4), R"(IQualified::getName
+<xs:parent>
+  <xs:complexType name="A_Type">
+    <xs:sequence>
+      <xs:element/>
+    </xs:sequence>
+  </xs:complexType>
+</xs:parent>
+)");
 }
 
 TEST(ClassDefinition, EveryFailureOfTheHostPasses) {

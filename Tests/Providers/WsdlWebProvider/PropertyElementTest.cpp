@@ -410,6 +410,14 @@ TEST(PropertyElement, LooksQualifiersOfTheOccurrenceUpInOrder) {
     }
 }
 
+TEST(PropertyElement, AFailedPropertyLeavesItsElementWithoutAName) {
+    const ModelProperty property = text();
+    const std::vector<std::string> left =
+        leftByFailures([&](Element& parent) { WsdlUtil::addPropertyElement(parent, property); });
+    EXPECT_EQ(left.at(0), "IQualified::getName" + parentOf(element("element")));
+    EXPECT_EQ(left.at(1), "IQualified::getQualifier" + parentOf(element(R"(element name="P")")));
+}
+
 TEST(PropertyElement, EveryFailureOfTheHostPasses) {
     const ModelProperty property =
         text().qualifier("Key").qualifier("MaxLen", "8").qualifier("ValueMap", {"1", ".."});

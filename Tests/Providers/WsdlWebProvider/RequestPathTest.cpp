@@ -41,6 +41,11 @@ TEST(RequestPath, BlanksAroundNamespaceAndClassAreTrimmed) {
     EXPECT_EQ(read("/ root/cimv2 / CIM_Foo .wsdl"), "root/cimv2|cim_foo");
 }
 
+TEST(RequestPath, OnlyBlanksAreTrimmed) {
+    EXPECT_EQ(read("/\troot\t/\tCIM_Foo\t.wsdl"), "\troot\t|\tcim_foo\t");
+    EXPECT_EQ(read("//root//CIM_Foo.wsdl"), "/root/|cim_foo");
+}
+
 TEST(RequestPath, OtherEndingsAreRefused) {
     EXPECT_EQ(read("/root/CIM_Foo.html"), "refused");
     EXPECT_EQ(read("/root/CIM_Foo"), "refused");
@@ -146,6 +151,7 @@ TEST(OutputFile, AMissingFileCopiesNothing) {
     std::stringstream stream;
     outputFile((folder / "missing").c_str(), stream);
     EXPECT_EQ(stream.str(), "");
+    EXPECT_TRUE(stream.fail());
 }
 
 }  // namespace

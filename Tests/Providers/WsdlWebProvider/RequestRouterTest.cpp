@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
@@ -29,6 +31,9 @@ constexpr const char* kNotFound =
     "HTTP/1.1 404 File Not Found\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
 constexpr const char* kInternalServerError =
     "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
+
+constexpr const char* kStaticFailure =
+    "WsdlAdapter::processInput|1|2|Exception while reading from providers/STSService.wsdl";
 
 Lines operator+(Lines first, const Lines& second) {
     first.insert(first.end(), second.begin(), second.end());
@@ -157,6 +162,17 @@ TEST_F(RequestRouterTest, XsdInThePathAsksForTheSchema) {
     EXPECT_EQ(answer("/root/xsd/CIM_Foo.wsdl"), found(schema()));
 }
 
+TEST_F(RequestRouterTest, XsdAtTheBeginningOfASegmentAsksForTheSchema) {
+    host_.repository().add("root/xsdfiles", fooClass());
+    EXPECT_EQ(answer("/root/xsdfiles/CIM_Foo.wsdl"), found(schema()));
+}
+
+TEST_F(RequestRouterTest, XsdWithinASegmentAsksForTheWsdlDocument) {
+    host_.repository().add("root/myxsd", fooClass());
+    EXPECT_EQ(answer("/root/myxsd/CIM_Foo.wsdl"),
+              found(wsdl("http://example.org:5985/", "root/myxsd")));
+}
+
 TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
     host_.repository().add("root/xsd", fooClass());
     EXPECT_EQ(answer("/root/XSD/CIM_Foo.wsdl"),
@@ -166,6 +182,19 @@ TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
 TEST_F(RequestRouterTest, WithoutAHostFieldTheDocumentNamesTheClientsAddress) {
     EXPECT_EQ(answer("/CIM_Foo.wsdl", nullptr), found(wsdl("http://192.0.2.7/", "interop")));
     EXPECT_EQ(answer("/CIM_Foo.xsd", nullptr), found(schema()));
+}
+
+TEST_F(RequestRouterTest, AHostFieldIsTakenAsItIs) {
+    EXPECT_EQ(answer("/CIM_Foo.wsdl", " Example.ORG "),
+              found(wsdl("http:// Example.ORG /", "interop")));
+    EXPECT_EQ(answer("/CIM_Foo.wsdl", ""), found(wsdl("http:///", "interop")));
+}
+
+TEST_F(RequestRouterTest, TheAddressIsFormedBeforeTheManagerIsMissed) {
+    host_.removeManager();
+    const HostCalls::Recording calls;
+    EXPECT_EQ(answer("/CIM_Foo.wsdl", nullptr), kInternalServerError);
+    EXPECT_EQ(calls.callsOf("TSKGenericHTTPOStream::getPeerAddressString").size(), 1U);
 }
 
 TEST_F(RequestRouterTest, TheClientsAddressIsAskedForOnlyWithoutAHostField) {
@@ -198,8 +227,9 @@ TEST_F(RequestRouterTest, TheStaticDescriptionNeedsNeitherManagerNorRepository) 
     EXPECT_EQ(answer("/interop/STSService.wsdl"), found("static"));
 }
 
-TEST_F(RequestRouterTest, TheStaticDescriptionIsFoundByItsExactNameOnly) {
+TEST_F(RequestRouterTest, TheStaticDescriptionIsFoundByItsExactNameAtTheEndOnly) {
     host_.writeProvidersFile("STSService.wsdl", "static");
+    EXPECT_EQ(answer("/interop/STSService.wsdl/CIM_Bar.wsdl"), kNotFound);
     EXPECT_EQ(answer("/interop/stsservice.wsdl"), kNotFound);
     EXPECT_EQ(answer("/interop/STSService.xsd"), kNotFound);
 }
@@ -218,8 +248,17 @@ TEST_F(RequestRouterTest, AStaticDescriptionThatCannotBeReadIsAnEmptyDocument) {
 TEST_F(RequestRouterTest, AnExceptionWhileReadingTheStaticDescriptionIsLogged) {
     host_.removeInstallation();
     EXPECT_EQ(answer("/interop/STSService.wsdl"), kNotFound);
-    EXPECT_EQ(log_.lines(), logOf({"WsdlAdapter::processInput|1|2|Exception while reading from "
-                                   "providers/STSService.wsdl"}));
+    EXPECT_EQ(log_.lines(), logOf({kStaticFailure}));
+}
+
+TEST_F(RequestRouterTest, AnExceptionOfAnyTypeWhileReadingTheStaticDescriptionIsLogged) {
+    class ThrowingInstallation : public ITeskInstallation {
+      public:
+        [[nodiscard]] TSKString getInstallationDirectory() const override { throw 42; }
+    };
+    URMAConfigManager::setInstallation(TSKSmrPtr<ThrowingInstallation>::make());
+    EXPECT_EQ(answer("/interop/STSService.wsdl"), kNotFound);
+    EXPECT_EQ(log_.lines(), logOf({kStaticFailure}));
 }
 
 TEST_F(RequestRouterTest, AnUnparseablePathIsNotFound) {
@@ -266,12 +305,14 @@ TEST_F(RequestRouterTest, TheCodeOfAFailedLookupMayBeNegative) {
 }
 
 TEST_F(RequestRouterTest, AnyOtherExceptionOfALookupPasses) {
-    makeLookupsThrow(std::runtime_error("lookup"));
     TSKHTTPRequest request("GET", "/root/cimv2/CIM_Foo.wsdl", "HTTP/1.1");
     RecordedOutput output;
+    makeLookupsThrow(std::runtime_error("lookup"));
     EXPECT_THROW(process(request, output), std::runtime_error);
+    makeLookupsThrow(std::bad_alloc());
+    EXPECT_THROW(process(request, output), std::bad_alloc);
     EXPECT_EQ(output.text, "");
-    EXPECT_EQ(log_.lines(), Lines({"WsdlAdapter::processInput|4|2|Request received"}));
+    EXPECT_EQ(log_.lines(), Lines(2, "WsdlAdapter::processInput|4|2|Request received"));
 }
 
 TEST_F(RequestRouterTest, AHostFieldWithALineBreakNeverReachesTheHead) {

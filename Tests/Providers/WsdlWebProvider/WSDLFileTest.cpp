@@ -872,6 +872,10 @@ TEST(WSDLFile, InsertsVeryLongTextsOfTheClassWhole) {
     expectValueEverywhere(kLong.c_str());
 }
 
+TEST(WSDLFile, ANullSchemaIsAnEmptyOne) {
+    EXPECT_EQ(text(WSDLFile("TST_Class", "", "", nullptr).getTypes()), types(""));
+}
+
 // Memory.
 
 TEST(WSDLFile, LeaksNothingWhenAnAllocationFails) {
