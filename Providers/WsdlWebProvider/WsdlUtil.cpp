@@ -569,8 +569,11 @@ class Enumeration {
           name_(childName(restriction_, TAG_ENUMERATTION)),
           valueName_(new SOAPQName(TAG_VALUE)) {}
 
-    void add(const Text& value) const {
-        addChild(restriction_, name_)->addAttribute(valueName_, value);
+    void add(const Text& value) const { setValue(addElement(), value); }
+
+    [[nodiscard]] Element addElement() const { return addChild(restriction_, name_); }
+    void setValue(const Element& element, const Text& value) const {
+        element->addAttribute(valueName_, value);
     }
 
   private:
@@ -881,7 +884,9 @@ void WsdlUtil::addRestrictionEnumerationChildElement(TSKSmrPtr<SOAPElement>& par
         if (!next.key())
             continue;
         const TSKString text = next.key()->toString();
-        enumeration.add(isHexadecimal(text) && !isStringType(type) ? normalised(text) : text);
+        const Element element = enumeration.addElement();
+        const bool asWritten = !isHexadecimal(text) || isStringType(type);
+        enumeration.setValue(element, asWritten ? text : normalised(text));
     }
     if (addAnyAttribute)
         addAnyAttributeChildElement(restriction);

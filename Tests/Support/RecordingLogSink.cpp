@@ -1,6 +1,9 @@
 #include "Tests/Support/RecordingLogSink.h"
 
+#include <gtest/gtest.h>
+
 void RecordingLogSink::write(const TSKLogEntry& entry) {
+    EXPECT_EQ(entry.channel, TSKLog::CIMOMLOG);
     TSKString line = entry.component;
     line += TSKString().sprintf("|%d|%d|", entry.severity, entry.verbosity);
     line += entry.message;

@@ -1,5 +1,7 @@
 #include "Tests/Support/TestHost.h"
 
+#include <utility>
+
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Tests/Support/HostCalls.h"
@@ -21,15 +23,15 @@ class Installation : public ITeskInstallation {
 
 class Token : public urma::security::ISecurityToken {
   public:
-    explicit Token(std::atomic<long>& live) : live_(live) { ++live_; }
+    explicit Token(std::shared_ptr<std::atomic<long>> live) : live_(std::move(live)) { ++*live_; }
     Token(const Token&) = delete;
     Token& operator=(const Token&) = delete;
-    ~Token() override { --live_; }
+    ~Token() override { --*live_; }
 
     [[nodiscard]] TSKString getUserName() const override { return "alice"; }
 
   private:
-    std::atomic<long>& live_;
+    std::shared_ptr<std::atomic<long>> live_;
 };
 
 }  // namespace
@@ -42,7 +44,7 @@ bool TestAuthenticator::authenticateRequest(TSKHTTPRequest& request,
     ++calls;
     contentLengthSeen = request.getContentLength();
     if (accepts)
-        token = TSKSmrPtr<Token>::make(liveTokens);
+        token = TSKSmrPtr<Token>::make(liveTokens_);
     return accepts;
 }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
@@ -19,8 +20,13 @@ class TestAuthenticator : public ITeskAuthenticator {
     std::atomic<bool> accepts = true;
     std::atomic<int> calls = 0;
     std::atomic<unsigned long> contentLengthSeen = 0;
+
     /// The tokens handed out that still exist.
-    std::atomic<long> liveTokens = 0;
+    [[nodiscard]] long liveTokens() const noexcept { return *liveTokens_; }
+
+  private:
+    // Shared with the tokens, which may outlive this.
+    std::shared_ptr<std::atomic<long>> liveTokens_ = std::make_shared<std::atomic<long>>(0);
 };
 
 /// Everything that a provider reaches of an object manager, installed while this lives: a plug-in

@@ -209,7 +209,8 @@ bool bothPrintTheSame(const FlatDocument& flat, std::string_view expected) {
            text.substr(text.find('\n')) == expected.substr(expected.find('\n'));
 }
 
-// First, so that it finds the heap as it is at the start of a process.
+// To libxml2's advantage: its tree is made of texts that lie ready, where the plug-in reads the
+// class too. First, so that it finds a heap that is hardly used.
 void buildAndDumpSchemaWithLibxml2(benchmark::State& state) {
     const std::string document = schemaDocument(largeClass().share());
     const FlatDocument flat = flatten(document);
@@ -263,9 +264,20 @@ std::size_t request(const char* path) {
     return output.bytes;
 }
 
+bool isFound(const std::string& path) {
+    TSKHTTPRequest request("GET", path.c_str(), "HTTP/1.1");
+    RecordedOutput output;
+    process(request, output);
+    return output.text.starts_with("HTTP/1.1 200 ");
+}
+
 void answerRequest(benchmark::State& state, const char* path) {
     TestHost host;
     host.repository().add("root/cimv2", largeClass());
+    if (!isFound(path)) {
+        state.SkipWithError("There is no such document");
+        return;
+    }
     for (auto _ : state)
         benchmark::DoNotOptimize(request(path));
     const std::size_t size = request(path);
@@ -278,13 +290,19 @@ BENCHMARK_CAPTURE(answerRequest, schema, "/root/cimv2/CIM_StorageConfigurationSe
 BENCHMARK_CAPTURE(answerRequest, wsdl, "/root/cimv2/CIM_StorageConfigurationService.wsdl")
     ->Unit(benchmark::kMicrosecond);
 
-// Growth: the time should be in proportion to the number of what the class has many of.
+// Growth: the work is in proportion to the number of what the class has many of. Documents that no
+// longer fit into the processor's caches, from a few megabytes on, take up to three times as long a
+// piece: the memory for them is new each time, and the kernel has to clear it.
 
 void grow(benchmark::State& state, ModelClass (*makeClass)(long)) {
     TestHost host;
     const ModelClass cimClass = makeClass(state.range(0));
     host.repository().add("root/cimv2", cimClass);
     const std::string path = std::string("/root/cimv2/") + cimClass.getName().data() + ".wsdl";
+    if (!isFound(path)) {
+        state.SkipWithError("There is no such document");
+        return;
+    }
     for (auto _ : state)
         benchmark::DoNotOptimize(request(path.c_str()));
     const std::size_t size = request(path.c_str());

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -548,6 +549,23 @@ TSKSmrPtr<ITeskClass> classWithRestrictedParameters() {
                                    .qualifier("Out")
                                    .qualifier("ValueMap", {"1", "5..7", ".."})))
         .share();
+}
+
+TEST(MethodElement, AFailedMethodLeavesElementsBeforeTheirAttributes) {
+    const ModelMethod method =
+        ModelMethod("M", "uint32").parameter(ModelParameter("P", "string").qualifier("In"));
+    const std::vector<std::string> left =
+        leftByFailures([&](Element& parent) { WsdlUtil::addMethodElement(parent, method); });
+    const auto has = [&](const std::string& operation, const std::string& inputs,
+                         const std::string& outputs) {
+        const std::string expected = operation + parentOf(bodies("M", inputs, outputs));
+        return std::find(left.begin(), left.end(), expected) != left.end();
+    };
+    EXPECT_EQ(left.at(0), "IQualified::getName\n<xs:parent/>\n");
+    EXPECT_TRUE(has("IMethodDef::getParameters", "", ""));
+    EXPECT_TRUE(has("IQualified::getName", element("element"), ""));
+    EXPECT_TRUE(has("IMethodDef::getReturnType", plain("P", "cim:cimString"),
+                    element(R"(element name="ReturnValue")")));
 }
 
 TEST(MethodElement, EveryFailureOfTheHostPasses) {

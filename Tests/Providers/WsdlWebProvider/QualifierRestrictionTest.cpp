@@ -411,7 +411,6 @@ TEST(QualifierRestriction, RestrictionsFollowWhatTheParentHolds) {
 )");
 }
 
-// The last call reads the second value; the first one is written by then.
 // What is built stays when the host fails, elements before their attributes.
 
 using Left = std::vector<std::string>;
@@ -430,10 +429,13 @@ TEST(QualifierRestriction, AFailedMaxLenLeavesWhatWasBuiltBefore) {
 
 TEST(QualifierRestriction, AFailedEnumerationLeavesWhatWasBuiltBefore) {
     const std::string started = restriction("cim:cimUnsignedByte", "");
+    const std::string begun = restriction(
+        "cim:cimUnsignedByte",
+        facets("maxLength", {"3"}) + facets("enumeration", {"1"}) + element("enumeration"));
     EXPECT_EQ(
         leftByFailures([](Element& parent) {
             WsdlUtil::addRestrictionEnumerationChildElement(parent, ModelType("uint8"),
-                                                            ModelValue{"1", "2"}, true, true, 3);
+                                                            ModelValue{"1", "0x2"}, true, true, 3);
         }),
         Left({"ITeskType::isReference" + kBareRestriction,
               "ITeskType::getTypeName" + kBareRestriction, "ITeskValue::getArrayValues" + started,
@@ -441,7 +443,8 @@ TEST(QualifierRestriction, AFailedEnumerationLeavesWhatWasBuiltBefore) {
                   restriction("cim:cimUnsignedByte", facets("maxLength", {"3"})),
               "ITeskValue::toString" +
                   restriction("cim:cimUnsignedByte",
-                              facets("maxLength", {"3"}) + facets("enumeration", {"1"}))}));
+                              facets("maxLength", {"3"}) + facets("enumeration", {"1"})),
+              "ITeskType::getTypeName" + begun, "ITeskType::getTypeName" + begun}));
 }
 
 TEST(QualifierRestriction, AFailedIntervalLeavesWhatWasBuiltBefore) {

@@ -44,6 +44,7 @@ TEST(RequestPath, BlanksAroundNamespaceAndClassAreTrimmed) {
 TEST(RequestPath, OnlyBlanksAreTrimmed) {
     EXPECT_EQ(read("/\troot\t/\tCIM_Foo\t.wsdl"), "\troot\t|\tcim_foo\t");
     EXPECT_EQ(read("//root//CIM_Foo.wsdl"), "/root/|cim_foo");
+    EXPECT_EQ(read("///CIM_Foo.wsdl"), "/|cim_foo");
 }
 
 TEST(RequestPath, OtherEndingsAreRefused) {

@@ -150,6 +150,13 @@ TEST_F(RequestRouterTest, APathWithoutANamespaceMeansInterop) {
               Lines({"ITeskRepository::getClass interop:cim_foo"}));
 }
 
+TEST_F(RequestRouterTest, ANamespaceOfASlashIsNotAnEmptyOne) {
+    const HostCalls::Recording calls;
+    EXPECT_EQ(answer("///CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(calls.callsOf("ITeskRepository::getClass"),
+              Lines({"ITeskRepository::getClass /:cim_foo"}));
+}
+
 TEST_F(RequestRouterTest, XsdInCapitalsIsAWsdlRequestForAClassOfThatName) {
     EXPECT_EQ(answer("/root/cimv2/CIM_Foo.XSD"), kNotFound);
     host_.repository().add("root/cimv2", ModelClass("cim_foo.xsd"));
@@ -316,13 +323,11 @@ TEST_F(RequestRouterTest, AnyOtherExceptionOfALookupPasses) {
 }
 
 TEST_F(RequestRouterTest, AHostFieldWithALineBreakNeverReachesTheHead) {
-    const std::string text = answer("/CIM_Foo.wsdl", "evil\r\nX-Injected: 1");
-    const std::string head = text.substr(0, text.find("\r\n\r\n"));
-    EXPECT_EQ(head.find("X-Injected"), std::string::npos);
-    EXPECT_TRUE(head.starts_with("HTTP/1.1 200 OK\r\nConnection: close\r\n"));
+    EXPECT_EQ(answer("/CIM_Foo.wsdl", "evil\r\nX-Injected: 1"),
+              found(wsdl("http://evil\r\nX-Injected: 1/", "interop")));
 }
 
-TEST_F(RequestRouterTest, HostilePathsAreAnsweredInOnePiece) {
+TEST_F(RequestRouterTest, HostilePathsAreNotFound) {
     const std::string longName(100'000, 'a');
     for (const std::string& path :
          Lines{"/" + longName + ".wsdl", "/" + std::string(100'000, '/') + ".xsd",
@@ -335,6 +340,7 @@ TEST_F(RequestRouterTest, HostilePathsAreAnsweredInOnePiece) {
 TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheAnswerUnwritten) {
     for (const char* path : {"/root/cimv2/CIM_Foo.wsdl", "/root/cimv2/CIM_Foo.xsd"}) {
         const std::string whole = answer(path, nullptr);
+        const std::string head = whole.substr(0, whole.find("\r\n\r\n") + 4);
         std::unique_ptr<RecordedOutput> output;
         const std::size_t failures = HostCalls::failEach(
             [&] {
@@ -343,8 +349,9 @@ TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheAnswerUnwritten) {
                 process(request, *output);
             },
             [&](const std::string& operation) {
-                const bool mayBeWritten = operation == "TSKGenericHTTPOStream::write";
-                EXPECT_TRUE(output->text.empty() || mayBeWritten) << operation;
+                const bool bodyFailed = operation == "TSKGenericHTTPOStream::write";
+                EXPECT_TRUE(output->text.empty() || (bodyFailed && output->text == head))
+                    << operation;
             });
         EXPECT_GT(failures, 100U);
         EXPECT_EQ(output->text, whole);
@@ -373,7 +380,10 @@ TEST_F(RequestRouterTest, NoDocumentIsSentInPartWhenMemoryRunsOut) {
                 text = std::move(output.text);
             },
             [&] {
-                EXPECT_TRUE(text.empty() || text == head || text == whole || text == kNotFound);
+                // Only for the file is an exception an answer.
+                const bool mayBeMissing = path == std::string("/STSService.wsdl");
+                EXPECT_TRUE(text.empty() || text == head || text == whole ||
+                            (mayBeMissing && text == kNotFound));
             });
         EXPECT_GT(failures, 5U) << path;
         EXPECT_EQ(text, whole);

@@ -191,9 +191,9 @@ std::string documentOf(const ModelClass& cimClass) {
     return documentsOf(listOf({cimClass.share()}));
 }
 
-// The same document made by hand; `cimClass` gives its name and its methods.
-std::string expectedDocument(const Class& cimClass, const std::string& schemas,
-                             const char* documentation) {
+// The document of a class around given schemas.
+std::string documentAround(const Class& cimClass, const std::string& schemas,
+                           const char* documentation) {
     WSDLFile wsdl(cimClass->getName(), kUrl, kNamespace, schemas.c_str());
     wsdl.setDocumentation(documentation);
     WsdlUtil::enumerateExtrinsicsMethods(cimClass->getMethods(true), wsdl);
@@ -465,7 +465,7 @@ TEST(StreamDefinitions, NoClassWritesNothing) {
 TEST(StreamDefinitions, OneClassIsOneDocumentWithoutWrapper) {
     const std::string documents = documentsOf(listOf({oneClass()}));
     EXPECT_EQ(documents,
-              expectedDocument(oneClass(), embeddedSchema("TST_One", kOneBody), "The first."));
+              documentAround(oneClass(), embeddedSchema("TST_One", kOneBody), "The first."));
     EXPECT_TRUE(documents.starts_with("<wsdl:definitions\n  name=\"TST_One_WSDL\"\n")) << documents;
     EXPECT_TRUE(documents.ends_with("\n</wsdl:definitions>\n")) << documents;
     EXPECT_EQ(count(documents, "wsdl_definitions"), 0U);
@@ -473,13 +473,13 @@ TEST(StreamDefinitions, OneClassIsOneDocumentWithoutWrapper) {
 
 TEST(StreamDefinitions, AClassWithoutMethodsAndDescriptionIsDescribedToo) {
     EXPECT_EQ(documentsOf(listOf({twoClass()})),
-              expectedDocument(twoClass(), embeddedSchema("TST_Two", emptyBody("TST_Two")), ""));
+              documentAround(twoClass(), embeddedSchema("TST_Two", emptyBody("TST_Two")), ""));
 }
 
 TEST(StreamDefinitions, IncludesInheritedMethodsAndProperties) {
     const std::string documents = documentsOf(listOf({threeClass()}));
-    EXPECT_EQ(documents, expectedDocument(threeClass(), embeddedSchema("TST_Three", kThreeBody),
-                                          "The third."));
+    EXPECT_EQ(documents,
+              documentAround(threeClass(), embeddedSchema("TST_Three", kThreeBody), "The third."));
     EXPECT_EQ(count(documents, "    <wsdl:operation name=\"Print\">\n      <wsdl:input name="), 1U);
 }
 
@@ -487,8 +487,8 @@ TEST(StreamDefinitions, TwoClassesAreWrappedAndTheSecondRepeatsTheSchemaOfTheFir
     const std::string one = embeddedSchema("TST_One", kOneBody);
     const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
     EXPECT_EQ(documentsOf(listOf({oneClass(), twoClass()})),
-              "<wsdl_definitions>\n" + expectedDocument(oneClass(), one, "The first.") +
-                  expectedDocument(twoClass(), one + two, "") + "</wsdl_definitions>\n");
+              "<wsdl_definitions>\n" + documentAround(oneClass(), one, "The first.") +
+                  documentAround(twoClass(), one + two, "") + "</wsdl_definitions>\n");
 }
 
 TEST(StreamDefinitions, ThreeClassesAccumulateTheirSchemas) {
@@ -496,9 +496,9 @@ TEST(StreamDefinitions, ThreeClassesAccumulateTheirSchemas) {
     const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
     const std::string three = embeddedSchema("TST_Three", kThreeBody);
     EXPECT_EQ(documentsOf(listOf({threeClass(), twoClass(), oneClass()})),
-              "<wsdl_definitions>\n" + expectedDocument(threeClass(), three, "The third.") +
-                  expectedDocument(twoClass(), three + two, "") +
-                  expectedDocument(oneClass(), three + two + one, "The first.") +
+              "<wsdl_definitions>\n" + documentAround(threeClass(), three, "The third.") +
+                  documentAround(twoClass(), three + two, "") +
+                  documentAround(oneClass(), three + two + one, "The first.") +
                   "</wsdl_definitions>\n");
 }
 
@@ -525,8 +525,8 @@ TEST(StreamDefinitions, AClassListedTwiceIsDescribedTwice) {
     const Class cimClass = twoClass();
     const std::string two = embeddedSchema("TST_Two", emptyBody("TST_Two"));
     EXPECT_EQ(documentsOf(listOf({cimClass, cimClass})),
-              "<wsdl_definitions>\n" + expectedDocument(cimClass, two, "") +
-                  expectedDocument(cimClass, two + two, "") + "</wsdl_definitions>\n");
+              "<wsdl_definitions>\n" + documentAround(cimClass, two, "") +
+                  documentAround(cimClass, two + two, "") + "</wsdl_definitions>\n");
 }
 
 TEST(StreamDefinitions, EveryDocumentHasTheDescriptionOfItsClass) {
@@ -644,6 +644,15 @@ TEST(StreamDefinitions, WritesNothingWhenTheHostFails) {
         expectNothingWrittenOnFailure([&](std::stringstream& stream) {
             WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, classes);
         });
+}
+
+// The results say what was done; how the stream fares is the stream's to tell.
+TEST(Streaming, AFailedStreamChangesNoResult) {
+    std::stringstream stream;
+    stream.setstate(std::ios_base::badbit);
+    EXPECT_EQ(WsdlUtil::streamXsdDefinition(stream, oneClass()), 1);
+    EXPECT_EQ(WsdlUtil::streamXsdDefinitions(stream, kUrl, listOf({oneClass()})), 1);
+    EXPECT_EQ(WsdlUtil::streamDefinitions(stream, kUrl, kNamespace, listOf({oneClass()})), 1);
 }
 
 }  // namespace
