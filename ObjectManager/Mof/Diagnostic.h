@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "ObjectManager/Mof/SourceText.h"
+
+namespace Mof {
+
+enum class Severity { kWarning, kError };
+
+/// Something that a person should mend in a file.
+struct Diagnostic {
+    Severity severity = Severity::kError;
+    std::string file;
+    LineAndColumn place;  ///< line 0 for a file that could not be read
+    std::string message;
+    std::string sourceLine;  ///< the line that it is about, empty where there is none
+
+    /// As it is shown, with the line and a caret below the place, and a newline at the end:
+    ///
+    ///     schema/CIM_Foo.mof:12:8: error: expected a property or method name, found ";"
+    ///         uint8 ;
+    ///               ^
+    [[nodiscard]] std::string toString() const;
+};
+
+}  // namespace Mof

@@ -1,0 +1,218 @@
+#include "ObjectManager/Mof/Literals.h"
+
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <system_error>
+
+namespace Mof {
+
+namespace {
+
+struct Digits {
+    std::string_view text;
+    int radix;
+};
+
+Digits digitsOf(std::string_view text) {
+    if (text.starts_with("0x") || text.starts_with("0X"))
+        return {.text = text.substr(2), .radix = 16};
+    if (text.ends_with('b') || text.ends_with('B'))
+        return {.text = text.substr(0, text.size() - 1), .radix = 2};
+    if (text.size() > 1 && text.starts_with('0'))
+        return {.text = text.substr(1), .radix = 8};
+    return {.text = text, .radix = 10};
+}
+
+// Removes a sign; returns whether it is a minus.
+bool takeSign(std::string_view& text) {
+    const bool isNegative = text.starts_with('-');
+    if (isNegative || text.starts_with('+'))
+        text.remove_prefix(1);
+    return isNegative;
+}
+
+using CodePoint = std::uint32_t;
+
+void appendUtf8(TSKString& text, CodePoint code) {
+    const auto append = [&](CodePoint byte) { text += static_cast<char>(byte); };
+    if (code < 0x80) {
+        append(code);
+    } else if (code < 0x800) {
+        append(0xC0U | code >> 6U);
+        append(0x80U | (code & 0x3FU));
+    } else if (code < 0x10000) {
+        append(0xE0U | code >> 12U);
+        append(0x80U | (code >> 6U & 0x3FU));
+        append(0x80U | (code & 0x3FU));
+    } else {
+        append(0xF0U | code >> 18U);
+        append(0x80U | (code >> 12U & 0x3FU));
+        append(0x80U | (code >> 6U & 0x3FU));
+        append(0x80U | (code & 0x3FU));
+    }
+}
+
+constexpr bool isHighSurrogate(CodePoint code) {
+    return code >= 0xD800 && code < 0xDC00;
+}
+
+constexpr bool isLowSurrogate(CodePoint code) {
+    return code >= 0xDC00 && code < 0xE000;
+}
+
+// Reads the escapes of a literal, one after the other.
+class Unescaper {
+  public:
+    Unescaper(std::string_view text, std::size_t offset, const ReportFault& onError)
+        : text_(text), offset_(offset), onError_(onError) {}
+
+    TSKString read() {
+        TSKString result;
+        result.reserve(text_.size());
+        while (position_ < text_.size()) {
+            const std::size_t escape = std::min(text_.find('\\', position_), text_.size());
+            result.append(text_.data() + position_, escape - position_);
+            position_ = escape;
+            if (position_ < text_.size())
+                readEscape(result);
+        }
+        return result;
+    }
+
+  private:
+    void readEscape(TSKString& result) {
+        const std::size_t start = position_;
+        position_ += 2;
+        switch (text_[start + 1]) {
+            case 'b':
+                result += '\b';
+                break;
+            case 't':
+                result += '\t';
+                break;
+            case 'n':
+                result += '\n';
+                break;
+            case 'f':
+                result += '\f';
+                break;
+            case 'r':
+                result += '\r';
+                break;
+            case '"':
+            case '\'':
+            case '\\':
+                result += text_[start + 1];
+                break;
+            case 'x':
+            case 'X':
+                readCodePoint(result, start);
+                break;
+            default:
+                onError_(offset_ + start, "this escape does not exist");
+        }
+    }
+
+    // \x and one to four hexadecimal digits; characters beyond the basic plane are two of them.
+    void readCodePoint(TSKString& result, std::size_t start) {
+        CodePoint code = readHexadecimal(start);
+        if (isHighSurrogate(code) && text_.substr(position_, 2) == "\\x") {
+            const std::size_t second = position_;
+            position_ += 2;
+            const CodePoint low = readHexadecimal(second);
+            if (isLowSurrogate(low))
+                code = 0x10000 + ((code - 0xD800) << 10U) + (low - 0xDC00);
+        }
+        if (code == 0 || isHighSurrogate(code) || isLowSurrogate(code))
+            onError_(offset_ + start, "this escape stands for no character");
+        else
+            appendUtf8(result, code);
+    }
+
+    CodePoint readHexadecimal(std::size_t start) {
+        constexpr std::size_t kMostDigits = 4;
+        const std::string_view digits = text_.substr(position_, kMostDigits);
+        CodePoint code = 0;
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
+        position_ += static_cast<std::size_t>(end - digits.data());
+        if (error != std::errc())
+            onError_(offset_ + start, "\\x needs hexadecimal digits");
+        return code;
+    }
+
+    std::string_view text_;
+    std::size_t offset_;
+    const ReportFault& onError_;
+    std::size_t position_ = 0;
+};
+
+// The code of the one character that a text in UTF-8 holds; 0 if it holds another number of them.
+CodePoint onlyCharacter(std::string_view text) {
+    const auto byte = [&](std::size_t index) {
+        return static_cast<CodePoint>(static_cast<unsigned char>(text[index]));
+    };
+    if (text.size() == 1 && byte(0) < 0x80)
+        return byte(0);
+    if (text.size() == 2 && byte(0) >= 0xC0 && byte(0) < 0xE0)
+        return (byte(0) & 0x1FU) << 6U | (byte(1) & 0x3FU);
+    if (text.size() == 3 && byte(0) >= 0xE0)
+        return (byte(0) & 0x0FU) << 12U | (byte(1) & 0x3FU) << 6U | (byte(2) & 0x3FU);
+    return 0;
+}
+
+}  // namespace
+
+Literal booleanLiteral(bool truth) {
+    Literal literal;
+    literal.kind = Literal::Kind::kBoolean;
+    literal.truth = truth;
+    return literal;
+}
+
+Literal integerLiteral(std::string_view text, std::size_t offset, const ReportFault& onError) {
+    Literal literal;
+    literal.kind = Literal::Kind::kInteger;
+    literal.isNegative = takeSign(text);
+    const Digits digits = digitsOf(text);
+    const auto [end, error] =
+        std::from_chars(digits.text.data(), digits.text.data() + digits.text.size(),
+                        literal.magnitude, digits.radix);
+    constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63U;
+    if (error != std::errc() || (literal.isNegative && literal.magnitude > kMostNegative))
+        onError(offset, "this number does not fit into 64 bits");
+    return literal;
+}
+
+Literal realLiteral(std::string_view text, std::size_t offset, const ReportFault& onError) {
+    Literal literal;
+    literal.kind = Literal::Kind::kReal;
+    const bool isNegative = takeSign(text);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), literal.real);
+    if (error != std::errc())
+        onError(offset, "this number is beyond the range of real64");
+    if (isNegative)
+        literal.real = -literal.real;
+    return literal;
+}
+
+TSKString unescape(std::string_view text, std::size_t offset, const ReportFault& onError) {
+    if (text.find('\\') == std::string_view::npos)
+        return TSKString(text);
+    return Unescaper(text, offset, onError).read();
+}
+
+Literal characterLiteral(std::string_view text, std::size_t offset, const ReportFault& onError) {
+    Literal literal;
+    literal.kind = Literal::Kind::kCharacter;
+    const CodePoint code = onlyCharacter(unescape(text, offset, onError));
+    if (code == 0)
+        onError(offset, "a char16 literal holds one character of the basic plane");
+    literal.character = static_cast<std::uint16_t>(code);
+    return literal;
+}
+
+}  // namespace Mof

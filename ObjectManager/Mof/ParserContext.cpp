@@ -1,0 +1,81 @@
+#include "ObjectManager/Mof/ParserContext.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace Mof {
+
+namespace {
+
+// Returns whether the two agree.
+bool combine(std::optional<bool>& flavor, const std::optional<bool>& more) {
+    if (!more)
+        return true;
+    const bool agrees = !flavor || *flavor == *more;
+    flavor = more;
+    return agrees;
+}
+
+}  // namespace
+
+ParserContext::ParserContext(std::size_t file, ReportFault onErrorFound, ReportFault onWarningFound)
+    : onError(std::move(onErrorFound)), onWarning(std::move(onWarningFound)), file_(file) {}
+
+Literal ParserContext::textLiteral(const Range& range, Literal::Kind kind, TSKString text) const {
+    Literal literal;
+    literal.kind = kind;
+    literal.position = position(range);
+    literal.text = std::move(text);
+    return literal;
+}
+
+Value ParserContext::scalar(const Range& range, Literal literal) const {
+    Value value;
+    value.position = position(range);
+    value.literals.push_back(std::move(literal));
+    return value;
+}
+
+Value ParserContext::array(const Range& range, std::vector<Literal> literals) const {
+    Value value;
+    value.isArray = true;
+    value.position = position(range);
+    value.literals = std::move(literals);
+    return value;
+}
+
+Type ParserContext::arrayOfSize(const Range& range, const Literal& size) const {
+    if (size.isNegative || size.magnitude == 0)
+        onError(range.begin, "the size of an array must be 1 or more");
+    Type type;
+    type.isArray = true;
+    type.arraySize = size.magnitude;
+    return type;
+}
+
+Flavors ParserContext::combined(const Range& range, Flavors flavors, const Flavors& more) const {
+    const bool agree = combine(flavors.overridable, more.overridable) &&
+                       combine(flavors.toSubclass, more.toSubclass) &&
+                       combine(flavors.translatable, more.translatable);
+    if (!agree)
+        onError(range.begin, "this flavor contradicts one before it");
+    return flavors;
+}
+
+void ParserContext::addPragma(const Range& range, const TSKString& name, const TSKString& value) {
+    if (name.equalsIgnoreCase("include")) {
+        Include include{.path = value.data(), .position = position(range)};
+        std::replace(include.path.begin(), include.path.end(), '\\', '/');
+        result.includes.push_back(std::move(include));
+    } else if (name.equalsIgnoreCase("namespace")) {
+        onWarning(range.begin,
+                  "the pragma \"namespace\" is ignored: the command says which namespace the "
+                  "classes belong to");
+    } else if (!name.equalsIgnoreCase("locale")) {
+        onWarning(range.begin,
+                  std::string("the pragma \"") + name.data() + "\" is not known and is ignored");
+    }
+}
+
+}  // namespace Mof

@@ -1,0 +1,390 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "ObjectManager/Mof/Compiler.h"
+#include "Tests/ObjectManager/Mof/DeclarationText.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace {
+
+using Mof::Compilation;
+
+class MofCompilerTest : public testing::Test {
+  protected:
+    // What a file of this content declares, if nothing is wrong with it.
+    std::string declared(const std::string& mof) {
+        const Compilation compilation = compileText(mof);
+        EXPECT_EQ(diagnosticsOf(compilation), "");
+        return textOf(compilation);
+    }
+
+    // What is wrong with a file of this content, which is called "a.mof".
+    std::string faults(const std::string& mof) { return shown(compileText(mof)); }
+
+    Compilation compileText(const std::string& mof) {
+        return Mof::compile(folder_.write("a.mof", mof));
+    }
+
+    Compilation compileFile(const char* name, const Mof::CompilerOptions& options = {}) {
+        return Mof::compile(folder_ / name, options);
+    }
+
+    void write(const std::string& name, const std::string& mof) {
+        std::filesystem::create_directories((folder_ / name).parent_path());
+        folder_.write(name, mof);
+    }
+
+    // Diagnostics without the path of the test's folder.
+    std::string shown(const Compilation& compilation) {
+        std::string text = diagnosticsOf(compilation);
+        const std::string path = folder_.path().string() + "/";
+        for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
+            text.erase(at, path.size());
+        return text;
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(MofCompilerTest, AnEmptyFileDeclaresNothing) {
+    EXPECT_EQ(declared(""), "");
+    EXPECT_EQ(declared("// nothing\n/* at ** all */\n"), "");
+}
+
+TEST_F(MofCompilerTest, ClassesHaveNamesAndSuperclasses) {
+    EXPECT_EQ(declared("class A_B {}; class A_C : A_B {};"), "class A_B\nclass A_C : A_B\n");
+}
+
+TEST_F(MofCompilerTest, KeywordsMayBeWrittenInAnyCase) {
+    EXPECT_EQ(declared("CLASS A_B { UInt8 x = NULL; BOOLEAN y = True; A_B REF z; };"),
+              "class A_B\n  uint8 x = null\n  boolean y = true\n  A_B ref z\n");
+}
+
+TEST_F(MofCompilerTest, PropertiesHaveEveryType) {
+    EXPECT_EQ(declared(R"(class A_B {
+    uint8 a; sint8 b; uint16 c; sint16 d; uint32 e; sint32 f; uint64 g; sint64 h;
+    real32 i; real64 j; char16 k; string l; boolean m; datetime n; A_C ref o;
+};)"),
+              R"(class A_B
+  uint8 a
+  sint8 b
+  uint16 c
+  sint16 d
+  uint32 e
+  sint32 f
+  uint64 g
+  sint64 h
+  real32 i
+  real64 j
+  char16 k
+  string l
+  boolean m
+  datetime n
+  A_C ref o
+)");
+}
+
+TEST_F(MofCompilerTest, ArraysMayHaveASize) {
+    EXPECT_EQ(declared("class A_B { uint8 a[]; uint8 b[ 4 ]; };"),
+              "class A_B\n  uint8 a[]\n  uint8 b[4]\n");
+}
+
+TEST_F(MofCompilerTest, DefaultValuesAreLiteralsOrArrays) {
+    EXPECT_EQ(declared(R"(class A_B {
+    uint8 a = 0x10; sint8 b = -017; uint8 c = 101b; real32 d = -1.5E1; char16 e = 'x';
+    string f = "one" " two"; string g = NULL; uint8 h[] = {}; string i[] = { "a", null, "b" };
+    boolean j = false; datetime k = "20261121000000.000000+000"; A_B ref l = $Alias;
+};)"),
+              R"(class A_B
+  uint8 a = 16
+  sint8 b = -15
+  uint8 c = 5
+  real32 d = -15r
+  char16 e = '120'
+  string f = "one two"
+  string g = null
+  uint8 h[] = {}
+  string i[] = {"a", null, "b"}
+  boolean j = false
+  datetime k = "20261121000000.000000+000"
+  A_B ref l = $Alias
+)");
+}
+
+TEST_F(MofCompilerTest, QualifiersHaveValuesListsAndFlavors) {
+    EXPECT_EQ(
+        declared(R"([Version ("1.0"), Abstract, Values { "a", "b" } : DisableOverride ToSubclass]
+class A_B {
+    [Key : Restricted, MaxLen (64)] string a;
+};)"),
+        "[Version(\"1.0\"), Abstract, Values({\"a\", \"b\"}) DisableOverride ToSubclass] "
+        "class A_B\n  [Key Restricted, MaxLen(64)] string a\n");
+}
+
+TEST_F(MofCompilerTest, MethodsHaveParameters) {
+    EXPECT_EQ(declared(R"(class A_B {
+    uint32 Stop();
+    [Static] boolean Start([In] string a, [In (false), Out] A_C ref b[], uint8 c[3]);
+};)"),
+              R"(class A_B
+  uint32 Stop()
+  [Static] boolean Start()
+    [In] string a
+    [In(false), Out] A_C ref b[]
+    uint8 c[3]
+)");
+}
+
+TEST_F(MofCompilerTest, AssociationsAndIndicationsAreClassesWithAQualifier) {
+    EXPECT_EQ(declared("[Association] class A_B { A_C ref a; }; [Indication] class A_D {};"),
+              "[Association] class A_B\n  A_C ref a\n[Indication] class A_D\n");
+}
+
+TEST_F(MofCompilerTest, QualifierDeclarationsHaveScopesAndFlavors) {
+    EXPECT_EQ(declared(R"(
+Qualifier Key : boolean = false, Scope (property, reference), Flavor (DisableOverride, ToSubclass);
+Qualifier Values : string[], Scope (any);
+Qualifier MaxLen : uint32 = null, Flavor (Translatable), Scope (class, association, indication);
+Qualifier Odd : sint8[2] = { 1, -1 }, Scope (method, parameter), Scope (schema, qualifier);
+)"),
+              R"(qualifier boolean Key = false scopes 24 DisableOverride ToSubclass
+qualifier string Values[] scopes 127
+qualifier uint32 MaxLen = null scopes 7 Translatable
+qualifier sint8 Odd[2] = {1, -1} scopes 96
+)");
+}
+
+TEST_F(MofCompilerTest, KeywordsMayBeNames) {
+    EXPECT_EQ(
+        declared(
+            "class A_B { [Schema (\"x\"), Reference] string Class; uint8 Any(uint8 Scope); };"),
+        "class A_B\n  [Schema(\"x\"), Reference] string Class\n  uint8 Any()\n    uint8 Scope\n");
+}
+
+TEST_F(MofCompilerTest, InstancesAreReadAndForgotten) {
+    EXPECT_EQ(declared(R"(
+[Description ("d")] instance of A_B as $B { Name = "x"; [Key] Values = { 1, 2 }; Other = $C; };
+class A_B {};
+)"),
+              "class A_B\n");
+}
+
+TEST_F(MofCompilerTest, ClassesMayHaveAnAlias) {
+    EXPECT_EQ(declared("class A_B as $B : A_C {};"), "class A_B : A_C\n");
+}
+
+TEST_F(MofCompilerTest, OldTextIsReadAsLatin1) {
+    EXPECT_EQ(declared("[Description (\"gr\xFC\xDF\")] class A_B {};"),
+              "[Description(\"gr\xC3\xBC\xC3\x9F\")] class A_B\n");
+}
+
+// Included files.
+
+TEST_F(MofCompilerTest, IncludedFilesAreFoundBesideTheFile) {
+    write("main.mof", "#pragma include (\"sub/b.mof\")\nclass A_A : A_B {};");
+    write("sub/b.mof", "#pragma include (\"c.mof\")\nclass A_B : A_C {};");
+    write("sub/c.mof", "class A_C {};");
+    const Compilation compilation = compileFile("main.mof");
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_A : A_B\nclass A_B : A_C\nclass A_C\n");
+}
+
+TEST_F(MofCompilerTest, BackslashesStandBetweenFoldersToo) {
+    write("main.mof", "#pragma include (\"sub\\new\\b.mof\")");
+    write("sub/new/b.mof", "class A_B {};");
+    EXPECT_EQ(textOf(compileFile("main.mof")), "class A_B\n");
+}
+
+TEST_F(MofCompilerTest, IncludedFilesAreFoundOnTheIncludePath) {
+    write("main.mof", "#pragma include (\"b.mof\")");
+    write("first/other.mof", "");
+    write("second/b.mof", "class A_B {};");
+    const Compilation compilation = compileFile(
+        "main.mof", {.includePath = {(folder_ / "first").string(), (folder_ / "second").string()}});
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(MofCompilerTest, AMissingIncludedFileIsAnError) {
+    write("main.mof", "class A_B {};\n  #pragma include (\"b.mof\")\n");
+    EXPECT_EQ(shown(compileFile("main.mof")),
+              "main.mof:2:3: error: the included file \"b.mof\" is not there\n"
+              "  #pragma include (\"b.mof\")\n"
+              "  ^\n");
+}
+
+TEST_F(MofCompilerTest, AnIncludeCycleIsAnError) {
+    write("main.mof", "#pragma include (\"b.mof\")");
+    write("b.mof", "#pragma include (\"b.mof\")\n#pragma include (\"main.mof\")");
+    EXPECT_EQ(shown(compileFile("main.mof")),
+              "b.mof:1:1: error: the file \"b.mof\" includes itself\n"
+              "#pragma include (\"b.mof\")\n"
+              "^\n"
+              "b.mof:2:1: error: the file \"main.mof\" includes itself by way of others\n"
+              "#pragma include (\"main.mof\")\n"
+              "^\n");
+}
+
+TEST_F(MofCompilerTest, AFileIncludedTwiceIsReadOnce) {
+    write("main.mof", "#pragma include (\"b.mof\")\n#pragma include (\"./b.mof\")");
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = compileFile("main.mof");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+    EXPECT_FALSE(compilation.hasErrors());
+    EXPECT_EQ(shown(compilation),
+              "main.mof:2:1: warning: the file \"./b.mof\" is included already and not read again\n"
+              "#pragma include (\"./b.mof\")\n"
+              "^\n");
+}
+
+TEST_F(MofCompilerTest, AFolderIsReadWithItsFoldersInTheOrderOfNames) {
+    write("b.mof", "class A_B {};");
+    write("a/z.mof", "class A_Z {};");
+    write("c.txt", "no MOF");
+    const Compilation compilation = Mof::compile(folder_.path());
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_Z\nclass A_B\n");
+}
+
+TEST_F(MofCompilerTest, AFolderMayHoldAFileThatIncludesTheOthers) {
+    write("a.mof", "#pragma include (\"b.mof\")");
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = Mof::compile(folder_.path());
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(MofCompilerTest, AFileThatCannotBeReadIsAnError) {
+    const Compilation compilation = compileFile("missing.mof");
+    EXPECT_EQ(shown(compilation),
+              "missing.mof: error: cannot be read: No such file or directory\n");
+    EXPECT_TRUE(compilation.hasErrors());
+}
+
+TEST_F(MofCompilerTest, PragmasAreKnownOrWarnedOf) {
+    const Compilation compilation =
+        compileText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");
+    EXPECT_FALSE(compilation.hasErrors());
+    EXPECT_EQ(shown(compilation),
+              "a.mof:2:1: warning: the pragma \"namespace\" is ignored: the command says which "
+              "namespace the classes belong to\n"
+              "#pragma namespace (\"x\")\n"
+              "^\n"
+              "a.mof:3:1: warning: the pragma \"odd\" is not known and is ignored\n"
+              "#pragma odd (\"y\")\n"
+              "^\n");
+}
+
+// Faults.
+
+TEST_F(MofCompilerTest, ASyntaxErrorSaysWhatIsExpected) {
+    EXPECT_EQ(faults("class A_B : {\n};"),
+              "a.mof:1:13: error: found \"{\", expected a name\n"
+              "class A_B : {\n"
+              "            ^\n");
+    EXPECT_EQ(faults("class A_B {\n    uint8 x\n};"),
+              "a.mof:3:1: error: found \"}\", expected \"[\", \"(\", \";\" or \"=\"\n"
+              "};\n"
+              "^\n");
+    EXPECT_EQ(faults("class A_B {}"),
+              "a.mof:1:13: error: found the end of the file, expected \";\"\n"
+              "class A_B {}\n"
+              "            ^\n");
+}
+
+TEST_F(MofCompilerTest, GoesOnWithTheNextDeclaration) {
+    const Compilation compilation = compileText(
+        "class A_B { uint8 = 5; uint8 b; };\n"
+        "Qualifier Key boolean;\n"
+        "class A_C { uint8 c; };\n");
+    EXPECT_EQ(compilation.diagnostics.size(), 2U) << diagnosticsOf(compilation);
+    EXPECT_EQ(textOf(compilation), "class A_B\n  uint8 b\nclass A_C\n  uint8 c\n");
+}
+
+TEST_F(MofCompilerTest, AnUnclosedStringIsAnErrorWhereItBegins) {
+    EXPECT_EQ(faults("class A_B {\n    string s = \"abc;\n    uint8 x;\n};"),
+              "a.mof:2:16: error: the string is not closed on its line\n"
+              "    string s = \"abc;\n"
+              "               ^\n"
+              "a.mof:3:5: error: found a data type, expected \";\" or a string\n"
+              "    uint8 x;\n"
+              "    ^\n");
+}
+
+TEST_F(MofCompilerTest, AnUnclosedCommentIsAnErrorWhereItBegins) {
+    EXPECT_EQ(faults("class A_B {};\n /* never\nclosed *"),
+              "a.mof:2:2: error: the comment is not closed\n"
+              " /* never\n"
+              " ^\n");
+}
+
+TEST_F(MofCompilerTest, ANumberOutOfRangeIsAnErrorAtItsPlace) {
+    EXPECT_EQ(faults("class A_B { uint64 x = 18446744073709551616; };"),
+              "a.mof:1:24: error: this number does not fit into 64 bits\n"
+              "class A_B { uint64 x = 18446744073709551616; };\n"
+              "                       ^\n");
+}
+
+TEST_F(MofCompilerTest, WhatIsNoNumberIsAnError) {
+    EXPECT_EQ(faults("class A_B { uint8 x = 12ab; };"),
+              "a.mof:1:23: error: this is not a number\n"
+              "class A_B { uint8 x = 12ab; };\n"
+              "                      ^\n");
+    EXPECT_EQ(faults("class A_B { uint8 x = 089; };"),
+              "a.mof:1:23: error: this is not a number\n"
+              "class A_B { uint8 x = 089; };\n"
+              "                      ^\n");
+}
+
+TEST_F(MofCompilerTest, AnArrayWithoutElementsIsAnError) {
+    EXPECT_EQ(faults("class A_B { uint8 x[0]; };"),
+              "a.mof:1:21: error: the size of an array must be 1 or more\n"
+              "class A_B { uint8 x[0]; };\n"
+              "                    ^\n");
+}
+
+TEST_F(MofCompilerTest, FlavorsThatContradictEachOtherAreAnError) {
+    EXPECT_EQ(faults("class A_B { [Key : ToSubclass Restricted] uint8 x; };"),
+              "a.mof:1:31: error: this flavor contradicts one before it\n"
+              "class A_B { [Key : ToSubclass Restricted] uint8 x; };\n"
+              "                              ^\n");
+}
+
+TEST_F(MofCompilerTest, CharactersWithoutAMeaningAreErrors) {
+    EXPECT_EQ(faults("class A_B {}; ?"),
+              "a.mof:1:15: error: this character has no meaning here\n"
+              "class A_B {}; ?\n"
+              "              ^\n");
+}
+
+TEST_F(MofCompilerTest, StopsAfterTheMostErrors) {
+    std::string mof;
+    for (int line = 0; line < 50; ++line)
+        mof += "?\n";
+    write("main.mof", mof);
+    const Compilation compilation = compileFile("main.mof", {.includePath = {}, .mostErrors = 3});
+    EXPECT_EQ(compilation.diagnostics.size(), 3U);
+    EXPECT_EQ(compilation.diagnostics.back().message,
+              "this character has no meaning here (too many errors, the rest is not read)");
+}
+
+TEST_F(MofCompilerTest, ATruncatedFileNeverCrashes) {
+    const std::string mof =
+        "#pragma include (\"b.mof\")\n"
+        "Qualifier Key : boolean = false, Scope (property), Flavor (ToSubclass);\n"
+        "[Description (\"a\\x41\" \"b\") : Translatable, Values { \"a\", 'c', 0x1, 1.5 }]\n"
+        "class A_B as $B : A_C { [Key] string s[4] = { \"x\" }; uint8 M ([In] A_B ref r[]); };\n"
+        "instance of A_B { s = { 1 }; }; /* end */ // end";
+    for (std::size_t length = 0; length <= mof.size(); ++length)
+        (void)compileText(mof.substr(0, length));
+}
+
+TEST_F(MofCompilerTest, BytesOfAnyKindNeverCrash) {
+    std::string everyByte;
+    for (int byte = 0; byte < 256; ++byte)
+        everyByte += static_cast<char>(byte);
+    (void)compileText(everyByte);
+    (void)compileText("class A_B { string s = \"" + everyByte + "\"; };");
+}
+
+}  // namespace

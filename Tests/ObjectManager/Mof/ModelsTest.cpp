@@ -1,0 +1,50 @@
+// Whole schemas: the sample model, and the DMTF's schema where it is there.
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "ObjectManager/Mof/Compiler.h"
+#include "Tests/ObjectManager/Mof/DeclarationText.h"
+
+namespace {
+
+using Mof::Compilation;
+
+bool declares(const Compilation& compilation, const char* className) {
+    return std::any_of(compilation.classes.begin(), compilation.classes.end(),
+                       [&](const Mof::ClassDeclaration& declaration) {
+                           return declaration.name.text.equals(className);
+                       });
+}
+
+TEST(Models, TheSampleModelOfCimv2HasNoFaults) {
+    const Compilation compilation = Mof::compile(MODELS_FOLDER "/cimv2/cimv2.mof");
+    EXPECT_EQ(diagnosticsOf(compilation), "");
+    EXPECT_EQ(compilation.classes.size(), 38U);
+    EXPECT_TRUE(declares(compilation, "CIM_ComputerSystem"));
+}
+
+TEST(Models, TheSampleModelOfInteropHasNoFaults) {
+    const Compilation compilation = Mof::compile(MODELS_FOLDER "/interop/interop.mof");
+    EXPECT_EQ(diagnosticsOf(compilation), "");
+    EXPECT_EQ(compilation.classes.size(), 21U);
+    EXPECT_TRUE(declares(compilation, "CIM_RegisteredProfile"));
+}
+
+// The schema has a main file, two files of qualifiers, and one file a class.
+TEST(Models, TheDmtfSchemaHasNoFaults) {
+    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
+    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
+    if (!std::filesystem::exists(schema))
+        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
+    const Compilation compilation = Mof::compile(schema / "cim_schema_2.41.0.mof");
+    EXPECT_EQ(diagnosticsOf(compilation), "");
+    EXPECT_EQ(compilation.files.size(), 1441U);
+    EXPECT_EQ(compilation.classes.size(), compilation.files.size() - 3);
+    EXPECT_TRUE(declares(compilation, "CIM_StorageVolume"));
+}
+
+}  // namespace
