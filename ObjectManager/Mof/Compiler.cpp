@@ -31,19 +31,11 @@ class FileReader {
     // Reads a file or a folder.
     Compilation readAll(const fs::path& path) {
         try {
-            for (const fs::path& file : filesAt(path)) {
-                if (!read_.contains(fs::weakly_canonical(file)))
-                    read(file, nullptr);
-            }
+            for (const fs::path& file : filesAt(path))
+                readUnlessIncluded(file);
         } catch (const TooManyErrors&) {
         } catch (const std::system_error& error) {
-            compilation_.diagnostics.push_back({
-                .severity = Severity::kError,
-                .file = path.string(),
-                .place = {.line = 0, .column = 0},
-                .message = "cannot be read: " + error.code().message(),
-                .sourceLine = "",
-            });
+            addUnreadable(path, error);
         }
         return std::move(compilation_);
     }
@@ -61,6 +53,26 @@ class FileReader {
         }
         std::sort(files.begin(), files.end());
         return files;
+    }
+
+    void readUnlessIncluded(const fs::path& file) {
+        if (read_.contains(fs::weakly_canonical(file)))
+            return;
+        try {
+            read(file, nullptr);
+        } catch (const std::system_error& error) {
+            addUnreadable(file, error);
+        }
+    }
+
+    void addUnreadable(const fs::path& path, const std::system_error& error) {
+        compilation_.diagnostics.push_back({
+            .severity = Severity::kError,
+            .file = path.string(),
+            .place = {.line = 0, .column = 0},
+            .message = "cannot be read: " + error.code().message(),
+            .sourceLine = "",
+        });
     }
 
     // A file that is being read, and the one that includes it.

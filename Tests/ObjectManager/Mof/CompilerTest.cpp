@@ -261,6 +261,14 @@ TEST_F(MofCompilerTest, AFileThatCannotBeReadIsAnError) {
     EXPECT_TRUE(compilation.hasErrors());
 }
 
+TEST_F(MofCompilerTest, AFileOfAFolderThatCannotBeReadIsAnErrorAndTheOthersAreRead) {
+    std::filesystem::create_symlink("nowhere", folder_ / "a.mof");
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = Mof::compile(folder_.path());
+    EXPECT_EQ(shown(compilation), "a.mof: error: cannot be read: No such file or directory\n");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
 TEST_F(MofCompilerTest, PragmasAreKnownOrWarnedOf) {
     const Compilation compilation =
         compileText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");
