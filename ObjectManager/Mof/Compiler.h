@@ -4,24 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Mof/Declarations.h"
-#include "ObjectManager/Mof/Diagnostic.h"
-#include "ObjectManager/Mof/SourceText.h"
+#include "ObjectManager/Mof/Compilation.h"
 
 namespace Mof {
-
-/// All that some MOF files declare, and what is wrong with them.
-struct Compilation {
-    std::vector<SourceText> files;
-    std::vector<QualifierDeclaration> qualifiers;
-    std::vector<ClassDeclaration> classes;
-    std::vector<Diagnostic> diagnostics;
-
-    [[nodiscard]] bool hasErrors() const noexcept;
-
-    /// Adds what is wrong at a place of one of the files.
-    void addDiagnostic(Severity severity, const Position& position, std::string message);
-};
 
 struct CompilerOptions {
     /// The folders in which an included file is looked for that does not stand beside the file that
@@ -31,11 +16,21 @@ struct CompilerOptions {
     /// After so many errors the rest is not read: they are likely to be the consequence of the
     /// first ones.
     std::size_t mostErrors = 20;
+
+    /// How many files may include each other in a row. Far more than schemas have; it keeps files
+    /// that were made to do harm from exhausting the stack.
+    std::size_t deepestInclude = 200;
 };
 
-/// Reads the MOF files at `path`: a file with all that it includes, or every file of a folder, and
-/// of the folders below it, whose name ends with ".mof", in the order of their names. A file that
-/// cannot be read is an error like those in its text.
-[[nodiscard]] Compilation compile(const std::string& path, const CompilerOptions& options = {});
+/// Reads the MOF files at all of `paths`, whose declarations may need each other: each path is a
+/// file with all that it includes, or a folder, of which every file is read, and of the folders
+/// below it, whose name ends with ".mof", in the order of their names. A file that cannot be read
+/// is an error like those in its text.
+///
+/// What is declared is held against each other too, once all is read without an error: without
+/// errors in the result every superclass is there, no class or qualifier is declared twice, and
+/// values fit their types.
+[[nodiscard]] Compilation compile(const std::vector<std::string>& paths,
+                                  const CompilerOptions& options = {});
 
 }  // namespace Mof

@@ -5,37 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Mof/DataType.h"
 #include "ObjectManager/Mof/Position.h"
-#include "ObjectManager/Mof/SourceText.h"
 #include "Platform/Util/TSKString.h"
 
-/// What MOF files declare, as it is written: names are not looked up, values not held against
-/// types.
+/// What MOF files declare, as it is written.
 namespace Mof {
 
 /// A name and where it stands.
 struct Name {
     TSKString text;
     Position position;
-};
-
-/// The data types of CIM (DSP0004, 5.2), and references.
-enum class DataType : std::uint8_t {
-    kUint8,
-    kSint8,
-    kUint16,
-    kSint16,
-    kUint32,
-    kSint32,
-    kUint64,
-    kSint64,
-    kReal32,
-    kReal64,
-    kChar16,
-    kString,
-    kBoolean,
-    kDatetime,
-    kReference,
 };
 
 /// A type as it is written with a name: "uint8 Values[4]".
@@ -46,7 +26,7 @@ struct Type {
     std::optional<std::uint64_t> arraySize;  ///< of an array with a fixed size
 };
 
-/// A literal. Of a number what is written counts, so that its type can be checked later.
+/// A literal. Of a number what is written counts, so that it can be held against a type later.
 struct Literal {
     enum class Kind : std::uint8_t {
         kNull,
@@ -87,6 +67,10 @@ struct Qualifier {
     Name name;
     std::optional<Value> value;  ///< none for "[Key]"
     Flavors flavors;
+
+    /// Whether what overrides the declaration, and the subclasses of a class, have the qualifier as
+    /// well. Depends on the qualifier's declaration, so it is known when all files are read.
+    bool propagates = true;
 };
 
 using Qualifiers = std::vector<Qualifier>;

@@ -19,8 +19,15 @@ bool combine(std::optional<bool>& flavor, const std::optional<bool>& more) {
 
 }  // namespace
 
-ParserContext::ParserContext(std::size_t file, ReportFault onErrorFound, ReportFault onWarningFound)
-    : onError(std::move(onErrorFound)), onWarning(std::move(onWarningFound)), file_(file) {}
+ParserContext::ParserContext(ReportFault onErrorFound, ReportFault onWarningFound)
+    : onError(std::move(onErrorFound)), onWarning(std::move(onWarningFound)) {}
+
+void ParserContext::begin(std::size_t file, void* flex) {
+    file_ = file;
+    scanner = flex;
+    offset = 0;
+    result = {};
+}
 
 Literal ParserContext::textLiteral(const Range& range, Literal::Kind kind, TSKString text) const {
     Literal literal;

@@ -13,14 +13,16 @@ namespace Mof {
 /// Told of a fault, and where in the text it is.
 using ReportFault = std::function<void(std::size_t offset, const std::string& message)>;
 
-/// What the scanner and the parser of one file share: where its text is read, and what has come of
-/// it so far.
+/// What the scanner and the parser share: where a file's text is read, and what has come of it so
+/// far.
 ///
 /// Thread safety: belongs to one thread.
 class ParserContext {
   public:
-    /// `file` is the number of the file, for positions.
-    ParserContext(std::size_t file, ReportFault onError, ReportFault onWarning);
+    ParserContext(ReportFault onError, ReportFault onWarning);
+
+    /// Starts with the next file. `file` is its number, for positions; `flex` is the scanner.
+    void begin(std::size_t file, void* flex);
 
     // What the grammar makes of its pieces.
 
@@ -43,7 +45,7 @@ class ParserContext {
     void* scanner = nullptr;  ///< what flex keeps
 
   private:
-    std::size_t file_;
+    std::size_t file_ = 0;
 };
 
 }  // namespace Mof

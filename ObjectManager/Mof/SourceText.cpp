@@ -1,11 +1,8 @@
 #include "ObjectManager/Mof/SourceText.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace Mof {
@@ -56,8 +53,23 @@ std::size_t characterLength(std::string_view text) noexcept {
     return 0;
 }
 
+// Almost all of a schema is ASCII, which is stepped over a word at a time.
+std::size_t asciiLength(std::string_view text) noexcept {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+    std::size_t length = 0;
+    for (std::uint64_t word = 0; length + sizeof word <= text.size(); length += sizeof word) {
+        std::memcpy(&word, text.data() + length, sizeof word);
+        if ((word & kHighBits) != 0)
+            break;
+    }
+    return length;
+}
+
 bool isUtf8(std::string_view text) noexcept {
     while (!text.empty()) {
+        text.remove_prefix(asciiLength(text));
+        if (text.empty())
+            return true;
         const std::size_t length = characterLength(text);
         if (length == 0)
             return false;
@@ -81,69 +93,18 @@ std::string fromLatin1(std::string_view bytes) {
     return text;
 }
 
-std::string toUtf8(std::string_view bytes) {
-    if (bytes.starts_with(kByteOrderMark))
-        bytes.remove_prefix(kByteOrderMark.size());
-    return isUtf8(bytes) ? std::string(bytes) : fromLatin1(bytes);
+void turnIntoUtf8(std::string& bytes) {
+    if (std::string_view(bytes).starts_with(kByteOrderMark))
+        bytes.erase(0, kByteOrderMark.size());
+    if (!isUtf8(bytes))
+        bytes = fromLatin1(bytes);
 }
-
-// A file that is open for reading. There may be more than a thousand of them, for which the streams
-// of the standard library take too long.
-class File {
-  public:
-    explicit File(const std::string& path)
-        : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-        if (descriptor_ < 0)
-            fail();
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { close(descriptor_); }
-
-    [[nodiscard]] std::size_t size() const {
-        struct stat status = {};
-        if (fstat(descriptor_, &status) != 0)
-            fail();
-        return static_cast<std::size_t>(status.st_size);
-    }
-
-    // How many bytes were read; 0 at the end.
-    std::size_t read(char* buffer, std::size_t length) const {
-        ssize_t count = 0;
-        do {
-            count = ::read(descriptor_, buffer, length);
-        } while (count < 0 && errno == EINTR);
-        if (count < 0)
-            fail();
-        return static_cast<std::size_t>(count);
-    }
-
-  private:
-    [[noreturn]] void fail() const {
-        throw std::system_error(errno, std::generic_category(), path_);
-    }
-
-    const std::string& path_;
-    int descriptor_;
-};
 
 }  // namespace
 
-SourceText::SourceText(std::string name, std::string_view bytes)
-    : name_(std::move(name)), text_(toUtf8(bytes)) {}
-
-SourceText SourceText::read(const std::string& path) {
-    const File file(path);
-    std::string bytes(file.size(), '\0');
-    std::size_t length = 0;
-    while (length < bytes.size()) {
-        const std::size_t count = file.read(bytes.data() + length, bytes.size() - length);
-        if (count == 0)
-            break;
-        length += count;
-    }
-    bytes.resize(length);
-    return {path, bytes};
+SourceText::SourceText(std::string name, std::string bytes)
+    : name_(std::move(name)), text_(std::move(bytes)) {
+    turnIntoUtf8(text_);
 }
 
 LineAndColumn SourceText::locate(std::size_t offset) const noexcept {

@@ -19,11 +19,7 @@ class SourceText {
   public:
     /// `name` stands for the file in messages. `bytes` is UTF-8, with or without a byte order mark;
     /// what is no UTF-8 is read as Latin-1 (ISO 8859-1), in which older schemas are written.
-    SourceText(std::string name, std::string_view bytes);
-
-    /// Reads a file.
-    /// Errors: std::system_error when it cannot be read.
-    [[nodiscard]] static SourceText read(const std::string& path);
+    SourceText(std::string name, std::string bytes);
 
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] std::string_view text() const noexcept { return text_; }

@@ -21,14 +21,14 @@ bool declares(const Compilation& compilation, const char* className) {
 }
 
 TEST(Models, TheSampleModelOfCimv2HasNoFaults) {
-    const Compilation compilation = Mof::compile(MODELS_FOLDER "/cimv2/cimv2.mof");
+    const Compilation compilation = Mof::compile({MODELS_FOLDER "/cimv2/cimv2.mof"});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.classes.size(), 38U);
     EXPECT_TRUE(declares(compilation, "CIM_ComputerSystem"));
 }
 
 TEST(Models, TheSampleModelOfInteropHasNoFaults) {
-    const Compilation compilation = Mof::compile(MODELS_FOLDER "/interop/interop.mof");
+    const Compilation compilation = Mof::compile({MODELS_FOLDER "/interop/interop.mof"});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.classes.size(), 21U);
     EXPECT_TRUE(declares(compilation, "CIM_RegisteredProfile"));
@@ -40,7 +40,7 @@ TEST(Models, TheDmtfSchemaHasNoFaults) {
     const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
     if (!std::filesystem::exists(schema))
         GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
-    const Compilation compilation = Mof::compile(schema / "cim_schema_2.41.0.mof");
+    const Compilation compilation = Mof::compile({schema / "cim_schema_2.41.0.mof"});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.files.size(), 1441U);
     EXPECT_EQ(compilation.classes.size(), compilation.files.size() - 3);

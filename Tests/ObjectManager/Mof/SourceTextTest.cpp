@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 #include <string>
-#include <system_error>
 
 #include "ObjectManager/Mof/SourceText.h"
-#include "Tests/Support/TemporaryFolder.h"
 
 namespace {
 
@@ -58,21 +56,6 @@ TEST(SourceText, GivesTheLineOfAPlaceWithoutItsEnd) {
     EXPECT_EQ(source.lineAt(12), "four");
     EXPECT_EQ(source.lineAt(1000), "four");
     EXPECT_EQ(SourceText("a", "").lineAt(0), "");
-}
-
-TEST(SourceText, ReadsFiles) {
-    const TemporaryFolder folder;
-    const std::string content(100'000, 'x');
-    const SourceText source = SourceText::read(folder.write("a.mof", content));
-    EXPECT_EQ(source.name(), folder / "a.mof");
-    EXPECT_EQ(source.text(), content);
-    EXPECT_EQ(SourceText::read(folder.write("empty.mof", "")).text(), "");
-}
-
-TEST(SourceText, AFileThatCannotBeReadThrows) {
-    const TemporaryFolder folder;
-    EXPECT_THROW((void)SourceText::read(folder / "missing"), std::system_error);
-    EXPECT_THROW((void)SourceText::read(folder.path()), std::system_error);
 }
 
 }  // namespace

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "Platform/Util/TSKString.h"
+
+// Containers of names, which CIM compares without regard to case (DSP0004, 5.1.1). They keep views:
+// the names live elsewhere.
+
+namespace Mof {
+
+[[nodiscard]] constexpr char foldedCase(char byte) noexcept {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+/// FNV-1a over the folded bytes.
+struct CaseInsensitiveHash {
+    [[nodiscard]] std::size_t operator()(std::string_view name) const noexcept {
+        std::uint64_t hash = 0xCBF29CE484222325U;
+        for (const char byte : name)
+            hash = (hash ^ static_cast<unsigned char>(foldedCase(byte))) * 0x100000001B3U;
+        return hash;
+    }
+};
+
+struct CaseInsensitiveEqual {
+    [[nodiscard]] bool operator()(std::string_view left, std::string_view right) const noexcept {
+        if (left.size() != right.size())
+            return false;
+        for (std::size_t index = 0; index < left.size(); ++index) {
+            if (foldedCase(left[index]) != foldedCase(right[index]))
+                return false;
+        }
+        return true;
+    }
+};
+
+template <typename Value>
+using NameMap =
+    std::unordered_map<std::string_view, Value, CaseInsensitiveHash, CaseInsensitiveEqual>;
+using NameSet = std::unordered_set<std::string_view, CaseInsensitiveHash, CaseInsensitiveEqual>;
+
+}  // namespace Mof

@@ -1,0 +1,262 @@
+#include "ObjectManager/Mof/DeclarationChecker.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Mof/SameDeclaration.h"
+#include "ObjectManager/Mof/ValueChecker.h"
+
+namespace Mof {
+
+namespace {
+
+std::string quoted(std::string_view name) {
+    std::string text = "\"";
+    text += name;
+    text += '"';
+    return text;
+}
+
+// Removes what says the same as a declaration before it; what says something else is an error.
+template <typename Declaration>
+void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Reporter& reporter) {
+    NameMap<const Declaration*> first;
+    first.reserve(declarations.size());
+    std::vector<bool> repeated(declarations.size());
+    for (std::size_t index = 0; index < declarations.size(); ++index) {
+        const Declaration& declaration = declarations[index];
+        const auto [known, isNew] = first.emplace(declaration.name.text, &declaration);
+        repeated[index] = !isNew;
+        if (!isNew && !isSame(declaration, *known->second)) {
+            reporter.error(declaration.name.position,
+                           std::string("the ") + kind + " " + quoted(declaration.name.text) +
+                               " is declared otherwise at " +
+                               reporter.nameOf(known->second->name.position));
+        }
+    }
+    if (first.size() == declarations.size())
+        return;
+    std::size_t index = 0;
+    declarations.erase(std::remove_if(declarations.begin(), declarations.end(),
+                                      [&](const Declaration&) { return repeated[index++]; }),
+                       declarations.end());
+}
+
+// Calls `onRepeated` for each element whose name another one before it has. Most lists are short
+// enough to be compared element by element.
+template <typename Element, typename OnRepeated>
+void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepeated) {
+    constexpr std::size_t kShort = 12;
+    if (elements.size() <= kShort) {
+        for (auto later = elements.begin(); later != elements.end(); ++later) {
+            if (std::any_of(elements.begin(), later, [&](const Element& earlier) {
+                    return earlier.name.text.equalsIgnoreCase(later->name.text);
+                }))
+                onRepeated(*later);
+        }
+        return;
+    }
+    NameSet names;
+    names.reserve(elements.size());
+    for (const Element& element : elements) {
+        if (!names.insert(element.name.text).second)
+            onRepeated(element);
+    }
+}
+
+// Looks up what classes name, with a compilation in which nothing is declared twice.
+class DeclarationChecker {
+  public:
+    DeclarationChecker(Compilation& compilation, Reporter& reporter)
+        : compilation_(compilation), reporter_(reporter) {
+        qualifiers_.reserve(compilation.qualifiers.size());
+        for (const QualifierDeclaration& declaration : compilation.qualifiers)
+            qualifiers_.emplace(declaration.name.text, &declaration);
+        classes_.reserve(compilation.classes.size());
+        for (const ClassDeclaration& declaration : compilation.classes)
+            classes_.emplace(declaration.name.text, &declaration);
+    }
+
+    void check() {
+        for (const QualifierDeclaration& declaration : compilation_.qualifiers)
+            checkDefault(declaration.defaultValue, declaration.type, declaration.name);
+        for (ClassDeclaration& declaration : compilation_.classes)
+            checkClass(declaration);
+        checkInheritance();
+    }
+
+  private:
+    void checkClass(ClassDeclaration& declaration) {
+        checkQualifiers(declaration.qualifiers);
+        findRepeated(declaration.properties, [&](const Property& property) {
+            reportRepeated("property", property.name, "class", declaration.name);
+        });
+        for (Property& property : declaration.properties)
+            checkProperty(property);
+        findRepeated(declaration.methods, [&](const Method& method) {
+            reportRepeated("method", method.name, "class", declaration.name);
+        });
+        for (Method& method : declaration.methods)
+            checkMethod(method);
+    }
+
+    void checkProperty(Property& property) {
+        checkQualifiers(property.qualifiers);
+        checkType(property.type);
+        if (property.type.dataType == DataType::kReference && property.type.isArray) {
+            reporter_.error(property.name.position, "the reference " + quoted(property.name.text) +
+                                                        " must not be an array");
+        }
+        checkDefault(property.defaultValue, property.type, property.name);
+    }
+
+    void checkMethod(Method& method) {
+        checkQualifiers(method.qualifiers);
+        checkType(method.returnType);
+        findRepeated(method.parameters, [&](const Parameter& parameter) {
+            reportRepeated("parameter", parameter.name, "method", method.name);
+        });
+        for (Parameter& parameter : method.parameters) {
+            checkQualifiers(parameter.qualifiers);
+            checkType(parameter.type);
+        }
+    }
+
+    void reportRepeated(const char* kind, const Name& name, const char* ownerKind,
+                        const Name& owner) {
+        reporter_.error(name.position, std::string("the ") + ownerKind + " " + quoted(owner.text) +
+                                           " has a " + kind + " " + quoted(name.text) + " already");
+    }
+
+    void checkType(const Type& type) {
+        const Name& name = type.referencedClass;
+        if (type.dataType != DataType::kReference || classes_.contains(name.text))
+            return;
+        if (unknownClasses_.insert(name.text).second) {
+            reporter_.warning(name.position,
+                              "the referenced class " + quoted(name.text) + " is not declared");
+        }
+    }
+
+    void checkDefault(const std::optional<Value>& value, const Type& type, const Name& name) {
+        if (!value)
+            return;
+        if (const std::optional<Mismatch> mismatch = findMismatch(*value, type)) {
+            reporter_.error(mismatch->position,
+                            "the default value of " + quoted(name.text) + " " + mismatch->reason);
+        }
+    }
+
+    void checkQualifiers(Qualifiers& qualifiers) {
+        findRepeated(qualifiers, [&](const Qualifier& qualifier) {
+            reporter_.error(qualifier.name.position,
+                            "the qualifier " + quoted(qualifier.name.text) + " is written twice");
+        });
+        for (Qualifier& qualifier : qualifiers)
+            checkQualifier(qualifier);
+    }
+
+    void checkQualifier(Qualifier& qualifier) {
+        const auto declared = qualifiers_.find(qualifier.name.text);
+        if (declared == qualifiers_.end()) {
+            qualifier.propagates = qualifier.flavors.toSubclass.value_or(true);
+            if (unknownQualifiers_.insert(qualifier.name.text).second) {
+                reporter_.warning(
+                    qualifier.name.position,
+                    "the qualifier " + quoted(qualifier.name.text) + " is not declared");
+            }
+            return;
+        }
+        const QualifierDeclaration& declaration = *declared->second;
+        qualifier.propagates =
+            qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
+        if (!qualifier.value)
+            return;
+        if (const std::optional<Mismatch> mismatch =
+                findMismatch(*qualifier.value, declaration.type)) {
+            reporter_.error(mismatch->position, "the qualifier " + quoted(qualifier.name.text) +
+                                                    " " + mismatch->reason);
+        }
+    }
+
+    // Every class must have its superclasses, and not be one of its own.
+    void checkInheritance() {
+        std::size_t missing = 0;
+        for (const ClassDeclaration& declaration : compilation_.classes) {
+            const Name& name = declaration.superclass;
+            if (name.text.isEmpty() || classes_.contains(name.text))
+                continue;
+            ++missing;
+            reporter_.error(name.position, "the superclass " + quoted(name.text) + " of " +
+                                               quoted(declaration.name.text) + " is not declared");
+        }
+        if (missing == 0)
+            checkDepths();
+    }
+
+    // How far each class stands below its topmost superclass is found once; a class that is found
+    // again while its own superclasses are looked up is one of them.
+    void checkDepths() {
+        constexpr std::size_t kLookedUp = static_cast<std::size_t>(-1);
+        std::unordered_map<const ClassDeclaration*, std::size_t> depths;
+        depths.reserve(compilation_.classes.size());
+        for (const ClassDeclaration& declaration : compilation_.classes) {
+            std::vector<const ClassDeclaration*> line;
+            const ClassDeclaration* current = &declaration;
+            while (current != nullptr && depths.emplace(current, kLookedUp).second) {
+                line.push_back(current);
+                current = superclassOf(*current);
+            }
+            std::size_t depth = current == nullptr ? 0 : depths[current] + 1;
+            if (current != nullptr && depths[current] == kLookedUp) {
+                reportCycle(*current);
+                depth = 0;
+            }
+            for (auto below = line.rbegin(); below != line.rend(); ++below)
+                setDepth(depths[*below], depth++, **below);
+        }
+    }
+
+    void setDepth(std::size_t& place, std::size_t depth, const ClassDeclaration& declaration) {
+        place = depth;
+        if (depth == kDeepestClass + 1) {
+            reporter_.error(declaration.superclass.position,
+                            "the class " + quoted(declaration.name.text) + " has more than " +
+                                std::to_string(kDeepestClass) + " superclasses above it");
+        }
+    }
+
+    void reportCycle(const ClassDeclaration& declaration) {
+        std::string message =
+            "the class " + quoted(declaration.name.text) + " is its own superclass";
+        for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
+             current = superclassOf(*current))
+            message += ", by way of " + quoted(current->name.text);
+        reporter_.error(declaration.superclass.position, std::move(message));
+    }
+
+    [[nodiscard]] const ClassDeclaration* superclassOf(const ClassDeclaration& declaration) const {
+        const TSKString& name = declaration.superclass.text;
+        return name.isEmpty() ? nullptr : classes_.at(name);
+    }
+
+    Compilation& compilation_;
+    Reporter& reporter_;
+    NameMap<const QualifierDeclaration*> qualifiers_;
+    NameMap<const ClassDeclaration*> classes_;
+    NameSet unknownQualifiers_;
+    NameSet unknownClasses_;
+};
+
+}  // namespace
+
+void checkDeclarations(Compilation& compilation, Reporter& reporter) {
+    removeRepeated(compilation.qualifiers, "qualifier", reporter);
+    removeRepeated(compilation.classes, "class", reporter);
+    DeclarationChecker(compilation, reporter).check();
+}
+
+}  // namespace Mof

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <compare>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+
+namespace Mof {
+
+/// A file that is open for reading. There may be more than a thousand of them, for which the
+/// streams and the paths of the standard library take too long.
+///
+/// Thread safety: belongs to one thread.
+class InputFile {
+  public:
+    /// Tells files apart, by whatever path they are reached.
+    struct Identity {
+        dev_t device = 0;
+        ino_t number = 0;
+
+        friend auto operator<=>(const Identity&, const Identity&) = default;
+    };
+
+    /// Opens a file; none where no file has that path.
+    /// Errors: std::system_error when it is there and cannot be read.
+    [[nodiscard]] static std::optional<InputFile> openIfThere(const std::string& path);
+
+    InputFile(InputFile&& other) noexcept;
+    InputFile& operator=(InputFile&& other) noexcept;
+    ~InputFile();
+
+    [[nodiscard]] const Identity& identity() const noexcept { return identity_; }
+
+    /// The bytes from where the file stands up to its end.
+    /// Errors: std::system_error.
+    [[nodiscard]] std::string readAll() const;
+
+  private:
+    explicit InputFile(int descriptor) noexcept : descriptor_(descriptor) {}
+
+    // How many bytes were read; 0 at the end.
+    std::size_t read(char* buffer, std::size_t length) const;
+
+    int descriptor_;
+    Identity identity_;
+    std::size_t expectedSize_ = 0;  // what the file system says; 0 for a pipe
+};
+
+}  // namespace Mof
