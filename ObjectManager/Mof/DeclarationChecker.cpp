@@ -45,6 +45,17 @@ void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Re
                        declarations.end());
 }
 
+// Whether a qualifier of that type is true when it is written without a value.
+bool takesNoValue(const Type& type) {
+    return type.dataType == DataType::kBoolean && !type.isArray;
+}
+
+Value nullValue(const Position& position) {
+    Literal null;
+    null.position = position;
+    return Value{.isArray = false, .position = position, .literals = {null}};
+}
+
 // Calls `onRepeated` for each element whose name another one before it has. Most lists are short
 // enough to be compared element by element.
 template <typename Element, typename OnRepeated>
@@ -173,6 +184,11 @@ class DeclarationChecker {
         const QualifierDeclaration& declaration = *declared->second;
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
+        if (!qualifier.value && !takesNoValue(declaration.type)) {
+            reporter_.warning(qualifier.name.position,
+                              "the qualifier " + quoted(qualifier.name.text) + " has no value");
+            qualifier.value = nullValue(qualifier.name.position);
+        }
         if (!qualifier.value)
             return;
         if (const std::optional<Mismatch> mismatch =

@@ -1,0 +1,118 @@
+#include "ObjectManager/Repository/CimClass.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Repository/DefinitionIterator.h"
+
+namespace {
+
+template <typename Member, typename Declaration>
+std::vector<Member> makeMembers(std::vector<Declaration>&& declarations,
+                                const RepositoryOptions& options) {
+    std::vector<Member> members;
+    members.reserve(declarations.size());
+    for (Declaration& declaration : declarations)
+        members.emplace_back(std::move(declaration), options);
+    return members;
+}
+
+template <typename Member>
+std::vector<const Member*> listOf(const std::vector<Member>& members) {
+    std::vector<const Member*> list(members.size());
+    std::transform(members.begin(), members.end(), list.begin(),
+                   [](const Member& member) { return &member; });
+    return list;
+}
+
+// The inherited members, with those of `declared` in the place of what they override, and the new
+// ones behind them.
+template <typename Member>
+std::vector<const Member*> withInherited(const std::vector<const Member*>& inherited,
+                                         std::vector<Member>& declared) {
+    if (declared.empty())
+        return inherited;
+    Mof::NameMap<Member*> unplaced;
+    unplaced.reserve(declared.size());
+    for (Member& member : declared)
+        unplaced.emplace(member.name(), &member);
+    std::vector<const Member*> list;
+    list.reserve(inherited.size() + declared.size());
+    for (const Member* member : inherited) {
+        const auto overriding = unplaced.find(member->name());
+        if (overriding == unplaced.end()) {
+            list.push_back(member);
+            continue;
+        }
+        overriding->second->override(*member);
+        list.push_back(overriding->second);
+        unplaced.erase(overriding);
+    }
+    for (const Member& member : declared) {
+        if (unplaced.contains(member.name()))
+            list.push_back(&member);
+    }
+    return list;
+}
+
+void sortByName(std::vector<const CimProperty*>& properties) {
+    std::sort(properties.begin(), properties.end(),
+              [](const CimProperty* left, const CimProperty* right) {
+                  return left->name() < right->name();
+              });
+}
+
+template <typename Member>
+bool isOneOf(const Member& member, const std::vector<Member>& members) {
+    return &member >= members.data() && &member < members.data() + members.size();
+}
+
+}  // namespace
+
+CimClass::CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> superclass,
+                   const RepositoryOptions& options)
+    : CimDefinition(std::move(declaration.name.text), std::move(declaration.qualifiers), options),
+      superclass_(std::move(superclass)) {
+    properties_.declared = makeMembers<CimProperty>(std::move(declaration.properties), options);
+    methods_.declared = makeMembers<CimMethod>(std::move(declaration.methods), options);
+    properties_.own = listOf(properties_.declared);
+    methods_.own = listOf(methods_.declared);
+    if (superclass_.isNull()) {
+        properties_.all = properties_.own;
+        methods_.all = methods_.own;
+    } else {
+        inheritQualifiers(*superclass_);
+        properties_.all = withInherited(superclass_->properties_.all, properties_.declared);
+        methods_.all = withInherited(superclass_->methods_.all, methods_.declared);
+    }
+    if (options.propertyOrder == PropertyOrder::kName) {
+        sortByName(properties_.own);
+        sortByName(properties_.all);
+    }
+}
+
+CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> CimClass::getProperties(
+    bool includeInherited) const {
+    return iterateOver<urma::IPropertyDef>(includeInherited ? properties_.all : properties_.own);
+}
+
+CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>> CimClass::getMethods(
+    bool includeInherited) const {
+    return iterateOver<urma::IMethodDef>(includeInherited ? methods_.all : methods_.own);
+}
+
+const CimClass& CimClass::declaringClass(const CimProperty& property) const noexcept {
+    const CimClass* declaring = this;
+    while (declaring->superclass() != nullptr &&
+           !isOneOf(property, declaring->properties_.declared))
+        declaring = declaring->superclass();
+    return *declaring;
+}
+
+const CimClass& CimClass::declaringClass(const CimMethod& method) const noexcept {
+    const CimClass* declaring = this;
+    while (declaring->superclass() != nullptr && !isOneOf(method, declaring->methods_.declared))
+        declaring = declaring->superclass();
+    return *declaring;
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <vector>
+
+#include "ObjectManager/Repository/CimDefinition.h"
+#include "ObjectManager/Repository/CimMethod.h"
+#include "ObjectManager/Repository/CimProperty.h"
+#include "Platform/Cim/ITeskClass.h"
+#include "Platform/Util/TSKReferenceCount.h"
+#include "Platform/Util/TSKSmrPtr.h"
+
+/// A class with what it inherits. It owns what it declares itself and shares the rest with its
+/// superclass, which it keeps alive.
+///
+/// Thread safety: immutable, may be used by several threads at once.
+class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
+  public:
+    /// Takes the texts out of `declaration`. `superclass` is null for a class without one.
+    CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> superclass,
+             const RepositoryOptions& options);
+
+    [[nodiscard]] CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> getProperties(
+        bool includeInherited) const override;
+    [[nodiscard]] CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>> getMethods(
+        bool includeInherited) const override;
+
+    /// Null for a class without one.
+    [[nodiscard]] const CimClass* superclass() const noexcept { return superclass_.get(); }
+
+    /// As getProperties and getMethods with what is inherited, without an iterator.
+    [[nodiscard]] const std::vector<const CimProperty*>& properties() const noexcept {
+        return properties_.all;
+    }
+    [[nodiscard]] const std::vector<const CimMethod*>& methods() const noexcept {
+        return methods_.all;
+    }
+
+    /// The class that declares what this one lists: itself or a superclass.
+    [[nodiscard]] const CimClass& declaringClass(const CimProperty& property) const noexcept;
+    [[nodiscard]] const CimClass& declaringClass(const CimMethod& method) const noexcept;
+
+  private:
+    template <typename Member>
+    struct Members {
+        std::vector<Member> declared;
+        std::vector<const Member*> own;  // the declared ones, in the order in which they are listed
+        std::vector<const Member*> all;  // with the inherited ones
+    };
+
+    TSKSmrPtr<CimClass> superclass_;
+    Members<CimProperty> properties_;
+    Members<CimMethod> methods_;
+};

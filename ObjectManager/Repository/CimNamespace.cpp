@@ -1,0 +1,64 @@
+#include "ObjectManager/Repository/CimNamespace.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Makes each class after its superclass.
+class ClassMaker {
+  public:
+    ClassMaker(std::vector<Mof::ClassDeclaration>& declarations, const RepositoryOptions& options)
+        : declarations_(declarations), options_(options), classes_(declarations.size()) {
+        names_.reserve(declarations.size());
+        for (const Mof::ClassDeclaration& declaration : declarations)
+            names_.push_back(declaration.name.text);
+        places_.reserve(declarations.size());
+        for (std::size_t place = 0; place < names_.size(); ++place)
+            places_.emplace(names_[place], place);
+    }
+
+    std::vector<TSKSmrPtr<CimClass>> makeAll() {
+        for (std::size_t place = 0; place < classes_.size(); ++place)
+            (void)make(place);
+        return std::move(classes_);
+    }
+
+  private:
+    const TSKSmrPtr<CimClass>& make(std::size_t place) {
+        Mof::ClassDeclaration& declaration = declarations_[place];
+        if (!classes_[place]) {
+            TSKSmrPtr<CimClass> superclass;
+            if (!declaration.superclass.text.isEmpty())
+                superclass = make(places_.at(declaration.superclass.text));
+            classes_[place] =
+                TSKSmrPtr<CimClass>::make(std::move(declaration), std::move(superclass), options_);
+        }
+        return classes_[place];
+    }
+
+    std::vector<Mof::ClassDeclaration>& declarations_;
+    const RepositoryOptions& options_;
+    std::vector<TSKSmrPtr<CimClass>> classes_;
+    std::vector<TSKString> names_;  // which the places are found by while declarations are used up
+    Mof::NameMap<std::size_t> places_;
+};
+
+}  // namespace
+
+CimNamespace::CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
+                           const RepositoryOptions& options)
+    : name_(std::move(name)), classes_(ClassMaker(declarations, options).makeAll()) {
+    std::sort(classes_.begin(), classes_.end(),
+              [](const TSKSmrPtr<CimClass>& left, const TSKSmrPtr<CimClass>& right) {
+                  return left->name() < right->name();
+              });
+    places_.reserve(classes_.size());
+    for (std::size_t place = 0; place < classes_.size(); ++place)
+        places_.emplace(classes_[place]->name(), place);
+}
+
+TSKSmrPtr<CimClass> CimNamespace::findClass(const TSKString& name) const {
+    const auto found = places_.find(name);
+    return found == places_.end() ? TSKSmrPtr<CimClass>() : classes_[found->second];
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Mof/Declarations.h"
+#include "ObjectManager/Repository/CimClass.h"
+#include "ObjectManager/Repository/RepositoryOptions.h"
+
+/// A namespace and its classes.
+///
+/// Thread safety: immutable, may be used by several threads at once.
+class CimNamespace {
+  public:
+    /// `declarations` are free of errors, as Mof::compile says. Takes the texts out of them.
+    CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
+                 const RepositoryOptions& options);
+
+    [[nodiscard]] const TSKString& name() const noexcept { return name_; }
+
+    /// Ascending by name, in byte order.
+    [[nodiscard]] const std::vector<TSKSmrPtr<CimClass>>& classes() const noexcept {
+        return classes_;
+    }
+
+    /// The class of that name, in any case; null when there is none. Takes constant time.
+    [[nodiscard]] TSKSmrPtr<CimClass> findClass(const TSKString& name) const;
+
+  private:
+    TSKString name_;
+    std::vector<TSKSmrPtr<CimClass>> classes_;
+    Mof::NameMap<std::size_t> places_;  // of each class in classes_
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ObjectManager/Mof/Declarations.h"
+#include "Platform/Cim/ITeskValue.h"
+#include "Platform/Util/TSKReferenceCount.h"
+
+/// A value of a qualifier: a literal, or an array of them. The text of an array is empty.
+///
+/// Thread safety: immutable, may be used by several threads at once.
+class CimValue : public ITeskValue, public TSKReferenceCount {
+  public:
+    /// Takes the texts out of `value`.
+    /// Returns null for the literal null.
+    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(Mof::Value&& value);
+    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(Mof::Literal&& literal);
+    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(bool truth);
+
+    // For TSKSmrPtr::make; use from().
+    CimValue(const TSKSmrPtr<ITeskType>& type, TSKString text, bool truth);
+
+    [[nodiscard]] TSKSmrPtr<ITeskType> getType() const override { return type_; }
+    [[nodiscard]] TSKString toString() const override { return text_; }
+    [[nodiscard]] bool toBoolean() const override { return truth_; }
+    [[nodiscard]] TSKSmrPtr<TSKValSlist<TSKSmrPtr<ITeskValue>>> getArrayValues() const override {
+        return elements_;
+    }
+
+  private:
+    TSKSmrPtr<ITeskType> type_;
+    TSKString text_;
+    bool truth_;
+    TSKSmrPtr<TSKValSlist<TSKSmrPtr<ITeskValue>>> elements_;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Mof/Diagnostic.h"
+#include "ObjectManager/Repository/ClassRepository.h"
+#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "Platform/Util/TSKSmrPtr.h"
+
+/// A namespace, and the MOF files and folders that declare its classes.
+struct NamespaceSource {
+    std::string name;  ///< "root/cimv2", without a `/` at either end
+    std::vector<std::string> paths;
+};
+
+struct LoadedRepository {
+    TSKSmrPtr<ClassRepository> repository;  ///< null when there are errors
+    std::vector<Mof::Diagnostic> diagnostics;
+};
+
+/// Compiles the classes of all namespaces. Sources of the same namespace, in any case, add up.
+/// `includePath` as in Mof::CompilerOptions.
+[[nodiscard]] LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
+                                              const std::vector<std::string>& includePath,
+                                              const RepositoryOptions& options);
