@@ -1,5 +1,6 @@
 #include "ObjectManager/Mof/Literals.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
@@ -197,6 +198,21 @@ Literal realLiteral(std::string_view text, std::size_t offset, const ReportFault
     if (isNegative)
         literal.real = -literal.real;
     return literal;
+}
+
+std::size_t lengthOfString(std::string_view text) noexcept {
+    const std::size_t lineEnd = std::min(text.find('\n'), text.size());
+    const std::string_view line = text.substr(0, lineEnd);
+    std::size_t position = 1;
+    while (true) {
+        const std::size_t quote = std::min(line.find('"', position), lineEnd);
+        const std::size_t escape = line.substr(0, quote).find('\\', position);
+        if (escape == std::string_view::npos)
+            return quote == lineEnd ? lineEnd : quote + 1;
+        position = escape + 2;
+        if (position > lineEnd)
+            return escape;
+    }
 }
 
 TSKString unescape(std::string_view text, std::size_t offset, const ReportFault& onError) {

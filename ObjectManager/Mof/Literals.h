@@ -22,6 +22,10 @@ namespace Mof {
 [[nodiscard]] Literal realLiteral(std::string_view text, std::size_t offset,
                                   const ReportFault& onError);
 
+/// How long the string literal at the front of `text` is, with its quotation marks. One that is not
+/// closed on its line goes up to the end of the line, or of a backslash before that.
+[[nodiscard]] std::size_t lengthOfString(std::string_view text) noexcept;
+
 /// The text of a string literal, given without its quotation marks. An escape that does not exist,
 /// or stands for no character, is a fault and left out.
 [[nodiscard]] TSKString unescape(std::string_view text, std::size_t offset,

@@ -22,8 +22,9 @@ bool combine(std::optional<bool>& flavor, const std::optional<bool>& more) {
 ParserContext::ParserContext(ReportFault onErrorFound, ReportFault onWarningFound)
     : onError(std::move(onErrorFound)), onWarning(std::move(onWarningFound)) {}
 
-void ParserContext::begin(std::size_t file, void* flex) {
+void ParserContext::begin(std::size_t file, std::string_view text, void* flex) {
     file_ = file;
+    source = text;
     scanner = flex;
     offset = 0;
     result = {};

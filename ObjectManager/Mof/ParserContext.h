@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObjectManager/Mof/FileDeclarations.h"
@@ -21,8 +22,9 @@ class ParserContext {
   public:
     ParserContext(ReportFault onError, ReportFault onWarning);
 
-    /// Starts with the next file. `file` is its number, for positions; `flex` is the scanner.
-    void begin(std::size_t file, void* flex);
+    /// Starts with the next file. `file` is its number, for positions; `text` must live until it
+    /// is parsed; `flex` is the scanner.
+    void begin(std::size_t file, std::string_view text, void* flex);
 
     // What the grammar makes of its pieces.
 
@@ -41,6 +43,7 @@ class ParserContext {
     FileDeclarations result;
     ReportFault onError;
     ReportFault onWarning;
+    std::string_view source;  ///< the whole text
     std::size_t offset = 0;   ///< of the scanner, behind the last token
     void* scanner = nullptr;  ///< what flex keeps
 

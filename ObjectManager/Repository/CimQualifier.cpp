@@ -27,10 +27,13 @@ TSKString escaped(const TSKString& text) {
     return markup;
 }
 
-bool needsEscaping(const TSKString& text) {
-    return std::string_view(text).find_first_of("&<>") != std::string_view::npos;
+// Most of a schema is descriptions, and few need it: one fast search a character.
+bool needsEscaping(std::string_view text) {
+    return text.find('&') != text.npos || text.find('<') != text.npos ||
+           text.find('>') != text.npos;
 }
 
+// Takes the texts of the value, not the name.
 TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions& options) {
     // Only booleans are written without a value.
     if (!qualifier.value)
@@ -47,6 +50,6 @@ TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions
 }  // namespace
 
 CimQualifier::CimQualifier(Mof::Qualifier&& qualifier, const RepositoryOptions& options)
-    : name_(std::move(qualifier.name.text)),
-      propagates_(qualifier.propagates),
-      value_(valueOf(qualifier, options)) {}
+    : value_(valueOf(qualifier, options)),
+      name_(std::move(qualifier.name.text)),
+      propagates_(qualifier.propagates) {}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/OutputFormat.h"
+#include "ObjectManager/Repository/ClassRepository.h"
+
+// What `tesk classes` shows, with a newline at the end.
+
+namespace Commands {
+
+/// The classes of the namespaces, with their superclasses.
+[[nodiscard]] std::string listClasses(const std::vector<const CimNamespace*>& namespaces,
+                                      OutputFormat format);
+
+/// One class with its properties and methods, inherited ones too.
+[[nodiscard]] std::string describeClass(const CimNamespace& nameSpace, const CimClass& cimClass,
+                                        OutputFormat format);
+
+}  // namespace Commands

@@ -1,0 +1,87 @@
+#include "ObjectManager/Commands/Classes.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/ClassListing.h"
+#include "ObjectManager/Commands/ModelOptions.h"
+#include "ObjectManager/Commands/OutputFormat.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace Commands {
+
+namespace {
+
+struct ClassesOptions {
+    ModelOptions model;
+    OutputFormat format = OutputFormat::kText;
+    std::string nameSpace;  // empty for all
+    std::string className;  // empty for all
+};
+
+const CimNamespace& findNamespace(const ClassRepository& repository, const std::string& name) {
+    const CimNamespace* const found = repository.findNamespace(TSKString(name));
+    if (found != nullptr)
+        return *found;
+    std::string names;
+    for (const CimNamespace& nameSpace : repository.namespaces())
+        names += (names.empty() ? "" : ", ") + std::string(nameSpace.name());
+    const std::string message = "there is no namespace \"" + name + "\"; there are: " + names;
+    throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_NAMESPACE);
+}
+
+std::string list(const ClassRepository& repository, const ClassesOptions& options) {
+    std::vector<const CimNamespace*> namespaces;
+    if (options.nameSpace.empty()) {
+        for (const CimNamespace& nameSpace : repository.namespaces())
+            namespaces.push_back(&nameSpace);
+    } else {
+        namespaces.push_back(&findNamespace(repository, options.nameSpace));
+    }
+    return listClasses(namespaces, options.format);
+}
+
+std::string describe(const ClassRepository& repository, const ClassesOptions& options) {
+    const CimNamespace& nameSpace = findNamespace(repository, options.nameSpace);
+    const TSKSmrPtr<CimClass> cimClass = nameSpace.findClass(TSKString(options.className));
+    if (!cimClass) {
+        const std::string message = "the namespace \"" + std::string(nameSpace.name()) +
+                                    "\" has no class \"" + options.className +
+                                    "\"; \"tesk classes " + std::string(nameSpace.name()) +
+                                    "\" lists them";
+        throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_CLASS);
+    }
+    return describeClass(nameSpace, *cimClass, options.format);
+}
+
+int runClasses(const ClassesOptions& options) {
+    const TSKSmrPtr<ClassRepository> repository = loadModel(options.model);
+    std::cout << (options.className.empty() ? list(*repository, options)
+                                            : describe(*repository, options));
+    return 0;
+}
+
+constexpr const char* kFooter = R"(Examples:
+  tesk classes
+  tesk classes root/cimv2 CIM_ComputerSystem
+  tesk classes --namespace root/acme=mof/ --format json)";
+
+}  // namespace
+
+void addClassesCommand(CLI::App& program, Action& action) {
+    CLI::App* const command = program.add_subcommand(
+        "classes", "Lists namespaces and classes, or the properties and methods of one class");
+    command->footer(kFooter);
+    const auto options = std::make_shared<ClassesOptions>();
+    command->add_option("NAMESPACE", options->nameSpace, "Only this namespace");
+    command->add_option("CLASS", options->className, "What this class has, in any case");
+    addModelOptions(*command, options->model);
+    addFormatOption(*command, options->format);
+    command->callback([&action, options] { action = [options] { return runClasses(*options); }; });
+}
+
+}  // namespace Commands

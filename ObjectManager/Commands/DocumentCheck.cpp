@@ -1,0 +1,149 @@
+#include "ObjectManager/Commands/DocumentCheck.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "ObjectManager/Commands/NumberText.h"
+#include "ObjectManager/Commands/ParallelWork.h"
+#include "ObjectManager/Inspection/ClassInspector.h"
+#include "ObjectManager/Inspection/DocumentInspector.h"
+
+namespace Commands {
+
+namespace {
+
+using Inspection::Finding;
+using Inspection::FindingKind;
+
+// Collects what the threads find.
+class Checker {
+  public:
+    explicit Checker(const MemoryClient& client) : client_(client) {}
+
+    void check(const CimNamespace& nameSpace, const CimClass& cimClass) {
+        std::vector<Finding> found = Inspection::inspectClass(cimClass);
+        inspectDocument(nameSpace, cimClass, ".xsd", Inspection::inspectSchema, found);
+        inspectDocument(nameSpace, cimClass, ".wsdl", Inspection::inspectWsdl, found);
+        for (Finding& finding : found) {
+            finding.nameSpace = nameSpace.name().data();
+            finding.className = cimClass.name().data();
+        }
+        const std::lock_guard lock(mutex_);
+        std::move(found.begin(), found.end(), std::back_inserter(findings_));
+    }
+
+    CheckResult takeResult() {
+        CheckResult result;
+        result.documents = documents_;
+        result.bytes = bytes_;
+        std::sort(findings_.begin(), findings_.end(), Inspection::isBefore);
+        result.findings = std::move(findings_);
+        return result;
+    }
+
+  private:
+    using Inspect = std::vector<Finding> (*)(std::string_view name, std::string_view text);
+
+    void inspectDocument(const CimNamespace& nameSpace, const CimClass& cimClass,
+                         const char* extension, Inspect inspect, std::vector<Finding>& found) {
+        const TSKString name = cimClass.name() + extension;
+        Finding failure;
+        failure.kind = FindingKind::kNoDocument;
+        try {
+            const MemoryClient::Answer answer = client_.get("/" + nameSpace.name() + "/" + name);
+            if (answer.status() == "200") {
+                ++documents_;
+                bytes_ += answer.body().size();
+                const std::vector<Finding> faults = inspect(name, answer.body());
+                found.insert(found.end(), faults.begin(), faults.end());
+                return;
+            }
+            failure.message =
+                std::string(name) + " is answered with the status " + std::string(answer.status());
+        } catch (const std::exception& error) {
+            failure.message = std::string(name) + " cannot be made: " + error.what();
+        }
+        found.push_back(std::move(failure));
+    }
+
+    const MemoryClient& client_;
+    std::atomic<std::size_t> documents_ = 0;
+    std::atomic<std::size_t> bytes_ = 0;
+    std::mutex mutex_;
+    std::vector<Finding> findings_;  // guarded by mutex_
+};
+
+}  // namespace
+
+std::size_t CheckResult::countErrors() const {
+    return static_cast<std::size_t>(
+        std::count_if(findings.begin(), findings.end(),
+                      [](const Finding& finding) { return Inspection::isError(finding.kind); }));
+}
+
+CheckResult checkDocuments(const ClassRepository& repository, const MemoryClient& client,
+                           unsigned jobs, const std::function<void()>& onClassDone) {
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::pair<const CimNamespace*, const CimClass*>> classes;
+    for (const CimNamespace& nameSpace : repository.namespaces()) {
+        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+            classes.emplace_back(&nameSpace, cimClass.get());
+    }
+    Checker checker(client);
+    workInParallel(classes.size(), jobs, [&](std::size_t number) {
+        checker.check(*classes[number].first, *classes[number].second);
+        onClassDone();
+    });
+    CheckResult result = checker.takeResult();
+    result.namespaces = repository.namespaces().size();
+    result.classes = classes.size();
+    result.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return result;
+}
+
+std::string toText(const CheckResult& result) {
+    std::string text;
+    for (const Finding& finding : result.findings)
+        text += Inspection::toText(finding) + "\n";
+    const std::size_t errors = result.countErrors();
+    text += counted(result.classes, "class", "classes") + " in " +
+            counted(result.namespaces, "namespace", "namespaces") + ", " +
+            counted(result.documents, "document", "documents") + ", " + bytesText(result.bytes) +
+            ", " + secondsText(result.seconds) + ": " + counted(errors, "error", "errors") + ", " +
+            counted(result.findings.size() - errors, "warning", "warnings") + "\n";
+    return text;
+}
+
+std::string toJson(const CheckResult& result) {
+    nlohmann::ordered_json findings = nlohmann::ordered_json::array();
+    for (const Finding& finding : result.findings) {
+        findings.push_back({
+            {"severity", Inspection::isError(finding.kind) ? "error" : "warning"},
+            {"kind", Inspection::nameOf(finding.kind)},
+            {"namespace", finding.nameSpace},
+            {"class", finding.className},
+            {"member", finding.member},
+            {"message", finding.message},
+        });
+    }
+    const std::size_t errors = result.countErrors();
+    const nlohmann::ordered_json json = {
+        {"namespaces", result.namespaces},
+        {"classes", result.classes},
+        {"documents", result.documents},
+        {"bytes", result.bytes},
+        {"seconds", result.seconds},
+        {"errors", errors},
+        {"warnings", result.findings.size() - errors},
+        {"findings", findings},
+    };
+    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace Commands

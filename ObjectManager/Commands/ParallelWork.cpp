@@ -1,0 +1,64 @@
+#include "ObjectManager/Commands/ParallelWork.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace Commands {
+
+namespace {
+
+class Work {
+  public:
+    Work(std::size_t count, const std::function<void(std::size_t)>& work)
+        : count_(count), work_(work) {}
+
+    void run() noexcept {
+        try {
+            for (std::size_t number = next_++; number < count_; number = next_++)
+                work_(number);
+        } catch (...) {
+            const std::lock_guard lock(mutex_);
+            if (!failure_)
+                failure_ = std::current_exception();
+            next_ = count_;
+        }
+    }
+
+    void rethrowFailure() const {
+        if (failure_)
+            std::rethrow_exception(failure_);
+    }
+
+  private:
+    std::size_t count_;
+    const std::function<void(std::size_t)>& work_;
+    std::atomic<std::size_t> next_ = 0;
+    std::mutex mutex_;
+    std::exception_ptr failure_;  // guarded by mutex_ while threads run
+};
+
+}  // namespace
+
+void workInParallel(std::size_t count, unsigned jobs,
+                    const std::function<void(std::size_t)>& work) {
+    Work shared(count, work);
+    const std::size_t others = std::min<std::size_t>(jobs, count) - (count > 0 ? 1 : 0);
+    std::vector<std::thread> threads;
+    threads.reserve(others);
+    for (std::size_t number = 0; number < others; ++number)
+        threads.emplace_back([&shared] { shared.run(); });
+    shared.run();
+    for (std::thread& thread : threads)
+        thread.join();
+    shared.rethrowFailure();
+}
+
+unsigned defaultJobs() noexcept {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+}  // namespace Commands

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <mutex>
+#include <set>
+
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+
+/// A plug-in manager that remembers which providers serve the namespaces, so that they get the
+/// requests for namespaces that appear later, too.
+///
+/// Thread safety: as the base class; setNamespaces is called by one thread.
+class HostPluginManager : public TeskProviderPluginManager {
+  public:
+    bool registerURI(const TSKString& providerName, const TSKString& uri) override;
+
+    /// Makes `namespaces` the namespaces of the object manager. Providers that registered a
+    /// namespace before get those that are new.
+    void setNamespaces(const TSKSmrPtr<ITeskNamespaceList>& namespaces);
+
+  private:
+    [[nodiscard]] bool isNamespace(const TSKString& uri) const;
+
+    std::mutex mutex_;
+    std::set<TSKString> namespaceProviders_;  // guarded by mutex_
+    std::set<TSKString> registeredUris_;      // guarded by mutex_
+};

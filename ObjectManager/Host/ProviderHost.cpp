@@ -1,0 +1,68 @@
+#include "ObjectManager/Host/ProviderHost.h"
+
+#include <utility>
+
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/URMAConfigManager.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace {
+
+class Installation : public ITeskInstallation {
+  public:
+    explicit Installation(const std::filesystem::path& folder) : folder_(folder.c_str()) {}
+
+    [[nodiscard]] TSKString getInstallationDirectory() const override { return folder_; }
+
+  private:
+    TSKString folder_;
+};
+
+// An object manager without one of its providers would answer 404 for what it ought to serve.
+void requireNone(const TeskProviderPluginManager::Failures& failures) {
+    if (failures.empty())
+        return;
+    const TeskProviderFailure& first = failures.front();
+    throw TeskBaseException("ProviderHost", first.file + ": " + first.reason, CIM_ERR_FAILED);
+}
+
+}  // namespace
+
+ProviderHost::ProviderHost(const TSKSmrPtr<ClassRepository>& repository,
+                           TSKSmrPtr<ITeskAuthenticator> authenticator,
+                           const std::filesystem::path& installation) {
+    manager_->setRepository(repository);
+    manager_->setNamespaceList(repository);
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager_);
+    AuthenticationHelper::setAuthenticator(std::move(authenticator));
+    URMAConfigManager::setInstallation(TSKSmrPtr<Installation>::make(installation));
+    try {
+        start(installation);
+    } catch (...) {
+        stop();
+        throw;
+    }
+}
+
+ProviderHost::~ProviderHost() {
+    stop();
+}
+
+void ProviderHost::start(const std::filesystem::path& installation) {
+    requireNone(manager_->loadProviders((installation / "providers").c_str()));
+    requireNone(manager_->startup());
+    requireNone(manager_->postStartup());
+}
+
+void ProviderHost::stop() noexcept {
+    manager_->shutdown();
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+    AuthenticationHelper::setAuthenticator(nullptr);
+    URMAConfigManager::setInstallation(nullptr);
+}
+
+void ProviderHost::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
+    manager_->setRepository(repository);
+    manager_->setNamespaces(repository);
+}

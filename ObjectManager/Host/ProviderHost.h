@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+
+#include "ObjectManager/Host/HostPluginManager.h"
+#include "ObjectManager/Repository/ClassRepository.h"
+#include "Platform/ProviderFramework/ITeskAuthenticator.h"
+#include "Platform/Util/TSKSmrPtr.h"
+
+/// Everything that providers reach of the object manager, installed for the process while this
+/// lives, and the providers themselves, started and in the end shut down. One at a time.
+///
+/// Thread safety: made, given another repository and destroyed by one thread. Requests may run in
+/// any thread, and must have ended when it is destroyed.
+class ProviderHost {
+  public:
+    /// Loads the libraries in the folder "providers" of `installation` and starts them.
+    /// Errors: TeskBaseException, with the library and the reason, when a provider cannot be loaded
+    /// or started, or there is none.
+    ProviderHost(const TSKSmrPtr<ClassRepository>& repository,
+                 TSKSmrPtr<ITeskAuthenticator> authenticator,
+                 const std::filesystem::path& installation);
+    ProviderHost(const ProviderHost&) = delete;
+    ProviderHost& operator=(const ProviderHost&) = delete;
+    ~ProviderHost();
+
+    [[nodiscard]] const TeskProviderPluginManager& manager() const { return *manager_; }
+
+    /// Lets requests that begin from now on see other classes.
+    void setRepository(const TSKSmrPtr<ClassRepository>& repository);
+
+  private:
+    void start(const std::filesystem::path& installation);
+    void stop() noexcept;
+
+    TSKSmrPtr<HostPluginManager> manager_ = TSKSmrPtr<HostPluginManager>::make();
+};
