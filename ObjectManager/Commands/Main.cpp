@@ -8,6 +8,7 @@
 #include "ObjectManager/Commands/Action.h"
 #include "ObjectManager/Commands/Check.h"
 #include "ObjectManager/Commands/Classes.h"
+#include "ObjectManager/Commands/Passwd.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TeskBaseException.h"
 
@@ -44,6 +45,7 @@ Commands::Action parse(CLI::App& program, int argc, char** argv, int& status) {
     program.require_subcommand(1);
     Commands::addCheckCommand(program, action);
     Commands::addClassesCommand(program, action);
+    Commands::addPasswdCommand(program, action);
     if (argc > 1 && isUnknownCommand(program, argv[1])) {
         status = kWrongUsage;
         return {};

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <new>
+#include <string_view>
 #include <thread>
 
 /// Watches the allocations that go through operator new, in this program and in every library that
@@ -18,6 +19,12 @@ void failAt(std::size_t occurrence) noexcept;
 /// threads, so that those that race for one allocation show.
 void countAllocationsOf(std::size_t size) noexcept;
 [[nodiscard]] std::size_t countedAllocations() noexcept;
+
+/// Looks for `text`, of at most 64 bytes, in all memory that is given back from now on; empty for
+/// none.
+void lookFor(std::string_view text) noexcept;
+/// How many pieces of memory were given back that held the text.
+[[nodiscard]] std::size_t remainsFound() noexcept;
 
 /// Runs `operation` with its 1st, 2nd, 3rd … allocation failing until it gets through without a
 /// failure, and `check` after each failure. Each time on a thread of its own, which has no memory

@@ -1,0 +1,204 @@
+#include <atomic>
+#include <gtest/gtest.h>
+#include <latch>
+#include <mutex>
+#include <new>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ObjectManager/Security/CredentialChecker.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
+#include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Security::CredentialChecker;
+using Security::CredentialCheckerOptions;
+using Security::SecretText;
+using Security::User;
+using Security::UserTable;
+
+// In place of hashes: the hash of the password P is "hash of P".
+class CredentialCheckerTest : public testing::Test {
+  protected:
+    CredentialCheckerOptions options() {
+        CredentialCheckerOptions result;
+        result.verify = [this](const SecretText& password, const std::string& hash) {
+            const std::lock_guard lock(mutex_);
+            verified_.push_back(std::string(password.view()) + " against " + hash);
+            return hash == "hash of " + std::string(password.view());
+        };
+        result.clock = [this] { return now_; };
+        return result;
+    }
+
+    static UserTable users() { return UserTable({{"alice", "hash of a"}, {"bob", "hash of b"}}); }
+
+    static bool check(CredentialChecker& checker, std::string_view user,
+                      std::string_view password) {
+        return checker.check(user, SecretText(password));
+    }
+
+    // What was hashed since this was asked last.
+    std::vector<std::string> takeVerified() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(verified_, {});
+    }
+
+    std::chrono::steady_clock::time_point now_;
+    std::mutex mutex_;
+    std::vector<std::string> verified_;  // guarded by mutex_
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(CredentialCheckerTest, AcceptsTheRightPasswordOfTheRightUser) {
+    CredentialChecker checker(users(), options());
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_TRUE(check(checker, "bob", "b"));
+    EXPECT_FALSE(check(checker, "alice", "b"));
+    EXPECT_FALSE(check(checker, "bob", "a"));
+    EXPECT_EQ(takeVerified(), (Texts{"a against hash of a", "b against hash of b",
+                                     "b against hash of a", "a against hash of b"}));
+}
+
+TEST_F(CredentialCheckerTest, HashesForReal) {
+    CredentialChecker checker(UserTable({User{"alice", kSha512OfSecret}}));
+    EXPECT_TRUE(check(checker, "alice", "secret"));
+    EXPECT_FALSE(check(checker, "alice", "secreT"));
+    EXPECT_FALSE(check(checker, "Alice", "secret"));
+}
+
+TEST_F(CredentialCheckerTest, AnUnknownUserCostsOneHashLikeAWrongPassword) {
+    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), options());
+    EXPECT_FALSE(check(checker, "alice", "wrong"));
+    EXPECT_EQ(takeVerified(), Texts{"wrong against hash of a"});
+    EXPECT_FALSE(check(checker, "nobody", "wrong"));
+    EXPECT_EQ(takeVerified(), Texts{"wrong against hash of a"});
+}
+
+TEST_F(CredentialCheckerTest, AnUnknownUserIsRefusedEvenWithThePasswordOfAnother) {
+    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), options());
+    EXPECT_FALSE(check(checker, "nobody", "a"));
+    EXPECT_FALSE(check(checker, "nobody", "a"));
+    EXPECT_FALSE(check(checker, "", "a"));
+    EXPECT_EQ(takeVerified().size(), 3U);
+}
+
+TEST_F(CredentialCheckerTest, AnUnknownUserAlwaysCostsTheHashOfTheSameUser) {
+    CredentialChecker checker(users(), options());
+    std::set<std::string> tried;
+    for (int number = 0; number < 100; ++number) {
+        const std::string name = "nobody" + std::to_string(number);
+        EXPECT_FALSE(check(checker, name, "x"));
+        const Texts first = takeVerified();
+        EXPECT_FALSE(check(checker, name, "x"));
+        EXPECT_EQ(takeVerified(), first);
+        tried.insert(first.begin(), first.end());
+    }
+    EXPECT_EQ(tried, (std::set<std::string>{"x against hash of a", "x against hash of b"}));
+}
+
+TEST_F(CredentialCheckerTest, WhereThereAreNoUsersNothingIsHashed) {
+    CredentialChecker checker(UserTable(), options());
+    EXPECT_FALSE(check(checker, "alice", "a"));
+    EXPECT_EQ(takeVerified(), Texts{});
+}
+
+TEST_F(CredentialCheckerTest, ARightPasswordIsHashedOnceInItsLifetime) {
+    CredentialChecker checker(users(), options());
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    now_ += 5min - 1ns;
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
+    now_ += 1ns;
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
+}
+
+TEST_F(CredentialCheckerTest, AWrongPasswordIsHashedEachTime) {
+    CredentialChecker checker(users(), options());
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    takeVerified();
+    EXPECT_FALSE(check(checker, "alice", "x"));
+    EXPECT_FALSE(check(checker, "alice", "x"));
+    EXPECT_EQ(takeVerified(), (Texts{"x against hash of a", "x against hash of a"}));
+}
+
+TEST_F(CredentialCheckerTest, RemembersNoMoreThanItMay) {
+    CredentialCheckerOptions small = options();
+    small.mostRemembered = 1;
+    CredentialChecker checker(users(), small);
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_TRUE(check(checker, "bob", "b"));
+    EXPECT_TRUE(check(checker, "bob", "b"));
+    EXPECT_EQ(takeVerified().size(), 2U);
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_EQ(takeVerified().size(), 1U);
+}
+
+TEST_F(CredentialCheckerTest, ManyThreadsWithOneNewCredentialPayForOneHash) {
+    CredentialChecker checker(users(), options());
+    std::atomic<int> accepted = 0;
+    runOnThreads(8, [&](int) { accepted += check(checker, "alice", "a") ? 1 : 0; });
+    EXPECT_EQ(accepted, 8);
+    EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
+}
+
+TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
+    constexpr int kThreads = 8;
+    std::atomic<int> running = 0;
+    std::atomic<int> mostRunning = 0;
+    CredentialCheckerOptions limited = options();
+    limited.mostHashesAtOnce = 2;
+    std::latch twoRun(2);
+    std::atomic<int> started = 0;
+    limited.verify = [&](const SecretText&, const std::string&) {
+        const int now = ++running;
+        int most = mostRunning;
+        while (most < now && !mostRunning.compare_exchange_weak(most, now)) {
+        }
+        // The first two meet, so that two do run at once.
+        if (++started <= 2)
+            twoRun.arrive_and_wait();
+        std::this_thread::yield();
+        --running;
+        return false;
+    };
+    CredentialChecker checker(users(), limited);
+    runOnThreads(kThreads, [&](int index) {
+        EXPECT_FALSE(check(checker, "alice", "x" + std::to_string(index)));
+    });
+    EXPECT_EQ(started, kThreads);
+    EXPECT_EQ(mostRunning, 2);
+}
+
+TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndGivesItsPlaceBack) {
+    CredentialCheckerOptions failing = options();
+    failing.mostHashesAtOnce = 1;
+    int calls = 0;
+    failing.verify = [&](const SecretText&, const std::string&) -> bool {
+        if (++calls == 1)
+            throw std::bad_alloc();
+        return true;
+    };
+    CredentialChecker checker(users(), failing);
+    EXPECT_THROW(static_cast<void>(check(checker, "alice", "a")), std::bad_alloc);
+    EXPECT_TRUE(check(checker, "alice", "a"));
+}
+
+TEST_F(CredentialCheckerTest, EveryFailedAllocationIsReportedAndForgotten) {
+    CredentialChecker checker(UserTable({User{"alice", kSha512OfSecret}}));
+    const SecretText password("secret");
+    const std::size_t failures = AllocationProbe::failEachAllocation(
+        [&] { EXPECT_TRUE(checker.check("alice", password)); },
+        [&] { EXPECT_FALSE(check(checker, "alice", "wrong")); });
+    EXPECT_GT(failures, 2U);
+    EXPECT_TRUE(checker.check("alice", password));
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Tests/Support/TemporaryFolder.h"
+
+/// What stands in a file.
+inline std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    EXPECT_TRUE(stream) << file;
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The permissions of a file, as chmod takes them.
+inline unsigned modeOf(const std::filesystem::path& file) {
+    return static_cast<unsigned>(std::filesystem::status(file).permissions());
+}
+
+/// The names in a folder, in their order.
+inline std::vector<std::string> namesIn(const TemporaryFolder& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Writes a file that only its owner may read and write.
+inline std::string writePrivate(const TemporaryFolder& folder, std::string_view name,
+                                std::string_view content) {
+    const std::filesystem::path file = folder.write(name, content);
+    std::filesystem::permissions(
+        file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    return file;
+}

@@ -1,0 +1,259 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include "ObjectManager/Security/PasswordFile.h"
+#include "Tests/ObjectManager/Security/Failures.h"
+#include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace {
+
+using Security::PasswordFile;
+using Security::User;
+
+const std::string kHash = kHashesOfSecret[0];
+const std::string kOtherHash = kHashesOfSecret[1];
+
+// "NAME:HASH" of each user.
+std::vector<std::string> usersOf(const PasswordFile& file) {
+    std::vector<std::string> texts;
+    const Security::UserTable table = file.users();
+    for (const User& user : table.users())
+        texts.push_back(user.name + ":" + user.passwordHash);
+    return texts;
+}
+
+std::string faultIn(const std::string& text) {
+    return failureOf([&] { const PasswordFile file("users", text); });
+}
+
+TEST(PasswordFile, HoldsUsersCommentsAndEmptyLines) {
+    const std::string text =
+        "# the staff\n\nbob:" + kHash + "\n#alice:off\nalice:" + kOtherHash + "\n";
+    const PasswordFile file("users", text);
+    EXPECT_EQ(usersOf(file), (std::vector<std::string>{"alice:" + kOtherHash, "bob:" + kHash}));
+    EXPECT_EQ(file.text(), text);
+}
+
+TEST(PasswordFile, MayBeEmpty) {
+    const PasswordFile file("users", "");
+    EXPECT_EQ(usersOf(file), std::vector<std::string>{});
+    EXPECT_EQ(file.text(), "");
+}
+
+TEST(PasswordFile, TheLastLineNeedsNoEnd) {
+    const PasswordFile file("users", "bob:" + kHash);
+    EXPECT_EQ(usersOf(file), std::vector<std::string>{"bob:" + kHash});
+    EXPECT_EQ(file.text(), "bob:" + kHash + "\n");
+}
+
+TEST(PasswordFile, SetsAndRemovesUsersAndKeepsEverythingElseInPlace) {
+    PasswordFile file("users", "# first\na:" + kHash + "\n\nb:" + kHash + "\n# last");
+    EXPECT_FALSE(file.set("a", kOtherHash));
+    EXPECT_EQ(file.text(), "# first\na:" + kOtherHash + "\n\nb:" + kHash + "\n# last\n");
+    EXPECT_TRUE(file.set("c", kHash));
+    EXPECT_EQ(file.text(),
+              "# first\na:" + kOtherHash + "\n\nb:" + kHash + "\n# last\nc:" + kHash + "\n");
+    EXPECT_TRUE(file.remove("b"));
+    EXPECT_EQ(file.text(), "# first\na:" + kOtherHash + "\n\n# last\nc:" + kHash + "\n");
+    EXPECT_FALSE(file.remove("b"));
+    EXPECT_FALSE(file.remove("A"));
+    EXPECT_EQ(usersOf(file), (std::vector<std::string>{"a:" + kOtherHash, "c:" + kHash}));
+}
+
+TEST(PasswordFile, TakesHashesOfEveryMethod) {
+    for (const char* hash : kHashesOfSecret) {
+        const PasswordFile file("users", std::string("a:") + hash);
+        EXPECT_EQ(usersOf(file), std::vector<std::string>{std::string("a:") + hash});
+    }
+}
+
+TEST(PasswordFile, AWrongLineIsReportedWithItsNumberAndNotShown) {
+    const std::string before = "# comment\n\nalice:" + kHash + "\n";
+    EXPECT_EQ(faultIn(before + "topsecret\n"), "users:4: there is no colon between name and hash");
+    EXPECT_EQ(faultIn(" \n"), "users:1: there is no colon between name and hash");
+    EXPECT_EQ(faultIn(before + ":" + kHash),
+              "users:4: the name of the user cannot be used: it is empty");
+    EXPECT_EQ(faultIn(before + std::string(256, 'n') + ":" + kHash),
+              "users:4: the name of the user cannot be used: it is longer than 255 bytes");
+    EXPECT_EQ(faultIn(before + "b\tb:" + kHash),
+              "users:4: the name of the user cannot be used: "
+              "it contains control characters or is not UTF-8");
+}
+
+TEST(PasswordFile, AnUnusableHashIsReportedAndNotShown) {
+    const std::string expected = "users:1: the hash is none that this system can check";
+    for (const std::string& hash :
+         {std::string(), std::string("topsecret"), std::string("*"), kHash + ":0:", kHash + "\r",
+          kHash.substr(0, 20), " " + kHash, std::string("alice"), "$9$" + kHash.substr(3)})
+        EXPECT_EQ(faultIn("alice:" + hash + "\n"), expected) << hash;
+}
+
+TEST(PasswordFile, ADoubledUserIsReportedWithBothLines) {
+    EXPECT_EQ(faultIn("# users\na:" + kHash + "\nb:" + kHash + "\na:" + kOtherHash + "\n"),
+              "users:4: the user \"a\" is in line 2 already");
+}
+
+class PasswordFileOnDiskTest : public testing::Test {
+  protected:
+    std::string failureToRead() const {
+        return failureOf([this] { static_cast<void>(PasswordFile::read(path_)); });
+    }
+    static void addBob(PasswordFile& file) { file.set("bob", kHash); }
+
+    const TemporaryFolder folder_;
+    const std::string path_ = folder_ / "users";
+};
+
+TEST_F(PasswordFileOnDiskTest, IsRead) {
+    writePrivate(folder_, "users", "bob:" + kHash + "\n");
+    EXPECT_EQ(usersOf(PasswordFile::read(path_)), std::vector<std::string>{"bob:" + kHash});
+}
+
+TEST_F(PasswordFileOnDiskTest, ALongOneIsReadToItsEnd) {
+    std::string text;
+    for (int number = 0; number < 1000; ++number)
+        text += "user" + std::to_string(number) + ":" + kHash + "\n";
+    writePrivate(folder_, "users", text);
+    EXPECT_EQ(PasswordFile::read(path_).text(), text);
+}
+
+TEST_F(PasswordFileOnDiskTest, AWrongLineIsReportedWithThePath) {
+    writePrivate(folder_, "users", "\nbob\n");
+    EXPECT_EQ(failureToRead(), path_ + ":2: there is no colon between name and hash");
+}
+
+TEST_F(PasswordFileOnDiskTest, AMissingOneIsReported) {
+    EXPECT_EQ(failureToRead(), path_ + ": cannot be read: No such file or directory");
+}
+
+TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandThatMendsIt) {
+    writePrivate(folder_, "users", "bob:" + kHash + "\n");
+    for (const mode_t mode : {0604U, 0602U, 0640U, 0620U, 0666U, 0644U, 0777U}) {
+        ASSERT_EQ(chmod(path_.c_str(), mode), 0);
+        EXPECT_EQ(failureToRead(),
+                  path_ +
+                      ": others than its owner can read or write it; mend that with: "
+                      "chmod 600 " +
+                      path_)
+            << mode;
+    }
+    for (const mode_t mode : {0600U, 0400U, 0700U, 0711U}) {
+        ASSERT_EQ(chmod(path_.c_str(), mode), 0);
+        EXPECT_EQ(failureToRead(), "no failure") << mode;
+    }
+}
+
+TEST_F(PasswordFileOnDiskTest, TheCommandThatMendsItCanBePasted) {
+    const std::string path = folder_.write("it's \"mine\" $x", "");
+    ASSERT_EQ(chmod(path.c_str(), 0644), 0);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(PasswordFile::read(path)); }),
+              path + ": others than its owner can read or write it; mend that with: chmod 600 '" +
+                  folder_.path().string() + "/it'\\''s \"mine\" $x'");
+}
+
+TEST_F(PasswordFileOnDiskTest, WhatIsNoRegularFileIsRefused) {
+    std::filesystem::create_directory(path_);
+    EXPECT_EQ(failureToRead(), path_ + ": is not a regular file");
+    std::filesystem::remove(path_);
+    // Nobody writes to it, which must keep nobody waiting.
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    EXPECT_EQ(failureToRead(), path_ + ": is not a regular file");
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeMakesAMissingFile) {
+    PasswordFile::change(path_, addBob);
+    EXPECT_EQ(contentOf(path_), "bob:" + kHash + "\n");
+    EXPECT_EQ(modeOf(path_), 0600U);
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeKeepsWhatItDoesNotChange) {
+    writePrivate(folder_, "users", "# users\nalice:" + kOtherHash + "\n");
+    PasswordFile::change(path_, addBob);
+    EXPECT_EQ(contentOf(path_), "# users\nalice:" + kOtherHash + "\nbob:" + kHash + "\n");
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeThroughALinkKeepsTheLink) {
+    writePrivate(folder_, "users", "");
+    std::filesystem::create_symlink("users", folder_ / "link");
+    PasswordFile::change(folder_ / "link", addBob);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
+    EXPECT_EQ(contentOf(path_), "bob:" + kHash + "\n");
+    EXPECT_EQ(namesIn(folder_), (std::vector<std::string>{"link", "users"}));
+}
+
+TEST_F(PasswordFileOnDiskTest, AFailedChangeLeavesTheFile) {
+    const std::string text = "alice:" + kHash + "\n";
+    writePrivate(folder_, "users", text);
+    EXPECT_THROW(PasswordFile::change(path_,
+                                      [](PasswordFile& file) {
+                                          file.remove("alice");
+                                          throw std::runtime_error("no");
+                                      }),
+                 std::runtime_error);
+    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+}
+
+TEST_F(PasswordFileOnDiskTest, AFullDiskLeavesTheFile) {
+    const std::string text = "alice:" + kHash + "\n";
+    writePrivate(folder_, "users", text);
+    std::string failure;
+    {
+        const FileSizeLimit limit(10);
+        failure = failureOf([&] { PasswordFile::change(path_, addBob); });
+    }
+    EXPECT_EQ(failure, path_ + ": cannot be written: File too large");
+    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+}
+
+TEST_F(PasswordFileOnDiskTest, AWrongFileIsNotChanged) {
+    const std::string text = "alice\n";
+    writePrivate(folder_, "users", text);
+    EXPECT_EQ(failureOf([&] { PasswordFile::change(path_, addBob); }),
+              path_ + ":1: there is no colon between name and hash");
+    EXPECT_EQ(contentOf(path_), text);
+    ASSERT_EQ(chmod(path_.c_str(), 0644), 0);
+    EXPECT_EQ(
+        failureOf([&] { PasswordFile::change(path_, addBob); }),
+        path_ + ": others than its owner can read or write it; mend that with: chmod 600 " + path_);
+    EXPECT_EQ(contentOf(path_), text);
+}
+
+TEST_F(PasswordFileOnDiskTest, ManyProcessesThatChangeItAtOnceLoseNothing) {
+    constexpr int kProcesses = 8;
+    constexpr int kUsersEach = 10;
+    std::vector<pid_t> children;
+    for (int index = 0; index < kProcesses; ++index) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int number = 0; number < kUsersEach; ++number) {
+                PasswordFile::change(path_, [&](PasswordFile& file) {
+                    file.set("user" + std::to_string(index * kUsersEach + number), kHash);
+                });
+            }
+            _exit(0);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(PasswordFile::read(path_).users().users().size(), 80U);
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+}
+
+}  // namespace
