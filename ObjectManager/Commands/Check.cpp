@@ -25,7 +25,7 @@ struct CheckOptions {
 };
 
 CheckResult checkAll(const CheckOptions& options) {
-    const TSKSmrPtr<ClassRepository> repository = loadModel(options.model);
+    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
     const ProviderHost host(repository, TSKSmrPtr<LocalAuthenticator>::make(),
                             ProgramFolders::ofThisProgram().installation);
     const MemoryClient client(host.manager(), "localhost");
@@ -39,7 +39,8 @@ int runCheck(const CheckOptions& options) {
     return result.countErrors() == 0 ? 0 : 1;
 }
 
-constexpr const char* kFooter = R"(Exit status: 0 when every document is well-formed, 1 when one is not.
+constexpr const char* kFooter =
+    R"(Exit status: 0 when every document is well-formed, 1 when one is not.
 
 Examples:
   tesk check

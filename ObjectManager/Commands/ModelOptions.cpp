@@ -2,8 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <utility>
 
+#include "ObjectManager/Configuration/NamespaceOption.h"
+#include "ObjectManager/Configuration/SettingsReader.h"
 #include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -15,6 +19,19 @@ std::vector<NamespaceSource> sampleModel() {
     const std::filesystem::path models = ProgramFolders::ofThisProgram().models;
     return {{.name = "root/cimv2", .paths = {models / "cimv2/cimv2.mof"}},
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
+}
+
+Configuration::Settings configurationOf(const ModelOptions& options) {
+    if (options.configuration.empty())
+        return {};
+    Configuration::SettingsReading reading = Configuration::readSettings(options.configuration);
+    for (const Configuration::SettingsError& error : reading.errors)
+        std::cerr << error.toString();
+    if (!reading.errors.empty()) {
+        throw TeskBaseException("settingsOf", "the configuration has errors and is not used",
+                                CIM_ERR_FAILED);
+    }
+    return std::move(reading.settings);
 }
 
 }  // namespace
@@ -30,19 +47,20 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         ->type_name("FILE");
 }
 
-std::vector<NamespaceSource> sourcesOf(const ModelOptions& options) {
-    if (options.namespaces.empty())
-        return sampleModel();
-    std::vector<NamespaceSource> sources;
-    for (const std::string& text : options.namespaces) {
-        const auto equals = text.find('=');
-        sources.push_back({text.substr(0, equals), {text.substr(equals + 1)}});
-    }
-    return sources;
+Configuration::Settings settingsOf(const ModelOptions& options) {
+    Configuration::Settings settings = configurationOf(options);
+    if (!options.namespaces.empty())
+        settings.namespaces.clear();
+    for (const std::string& text : options.namespaces)
+        settings.namespaces.push_back(Configuration::parseNamespaceOption(text));
+    if (settings.namespaces.empty())
+        settings.namespaces = sampleModel();
+    return settings;
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const ModelOptions& options) {
-    const LoadedRepository loaded = loadRepository(sourcesOf(options), {}, {});
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+    const LoadedRepository loaded =
+        loadRepository(settings.namespaces, settings.includePath, settings.repository);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         std::cerr << diagnostic.toString();
     if (!loaded.repository) {
