@@ -106,6 +106,34 @@ std::string lineOfClasses(int last) {
     return mof;
 }
 
+// Classes A_0 to A_`last`, each below the next, and the last one below the first.
+std::string cycleOfClasses(int last) {
+    std::string mof;
+    for (int number = 0; number <= last; ++number)
+        mof += numbered("class A_", number) + numbered(" : A_", number == last ? 0 : number + 1) +
+               " {};\n";
+    return mof;
+}
+
+std::string shownCycle(const std::string& classes) {
+    return "a.mof:1:13: error: the class \"A_0\" is its own superclass" + classes +
+           "\nclass A_0 : A_1 {};\n            ^\n";
+}
+
+TEST_F(MofDeclarationCheckerTest, ALongCycleNamesTenClassesAndCountsTheOthers) {
+    std::string ten;
+    for (int number = 1; number <= 10; ++number)
+        ten += numbered(", by way of \"A_", number) + "\"";
+    EXPECT_EQ(faults(cycleOfClasses(10)), shownCycle(ten));
+    EXPECT_EQ(faults(cycleOfClasses(11)), shownCycle(ten + " and 1 more"));
+    EXPECT_EQ(faults(cycleOfClasses(100000)), shownCycle(ten + " and 99990 more"));
+}
+
+// It was reported a second time, as classes with too many superclasses above them.
+TEST_F(MofDeclarationCheckerTest, ACycleOfMoreThanTwoHundredClassesIsOneError) {
+    EXPECT_EQ(Mof::compile({folder_.write("a.mof", cycleOfClasses(300))}).diagnostics.size(), 1U);
+}
+
 TEST_F(MofDeclarationCheckerTest, TwoHundredSuperclassesAreAllowed) {
     EXPECT_EQ(faults(lineOfClasses(200)), "");
 }
