@@ -182,6 +182,7 @@ class DeclarationChecker {
             return;
         }
         const QualifierDeclaration& declaration = *declared->second;
+        qualifier.dataType = declaration.type.dataType;
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
         if (!qualifier.value && !takesNoValue(declaration.type)) {

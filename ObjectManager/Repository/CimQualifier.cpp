@@ -41,7 +41,7 @@ TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions
                 literal.text = escaped(literal.text);
         }
     }
-    return CimValue::from(std::move(*qualifier.value));
+    return CimValue::from(std::move(*qualifier.value), qualifier.dataType);
 }
 
 }  // namespace
