@@ -31,11 +31,13 @@ bool needsEscaping(const TSKString& text) {
     return std::string_view(text).find_first_of("&<>") != std::string_view::npos;
 }
 
-TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions& options) {
+// `name` is apart, because it is taken out of the qualifier already.
+TSKSmrPtr<ITeskValue> valueOf(const TSKString& name, Mof::Qualifier& qualifier,
+                              const RepositoryOptions& options) {
     // Only booleans are written without a value.
     if (!qualifier.value)
         return CimValue::from(true);
-    if (options.escapeDescriptions && qualifier.name.text.equalsIgnoreCase("Description")) {
+    if (options.escapeDescriptions && name.equalsIgnoreCase("Description")) {
         for (Mof::Literal& literal : qualifier.value->literals) {
             if (needsEscaping(literal.text))
                 literal.text = escaped(literal.text);
@@ -49,4 +51,4 @@ TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions
 CimQualifier::CimQualifier(Mof::Qualifier&& qualifier, const RepositoryOptions& options)
     : name_(std::move(qualifier.name.text)),
       propagates_(qualifier.propagates),
-      value_(valueOf(qualifier, options)) {}
+      value_(valueOf(name_, qualifier, options)) {}
