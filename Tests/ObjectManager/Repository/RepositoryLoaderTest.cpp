@@ -123,4 +123,28 @@ TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     }
 }
 
+// The qualifiers of each level were held against each of the level above.
+TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreAnsweredInAMoment) {
+    constexpr int kVeryMany = 20000;
+    const auto qualifiers = [](char first) {
+        std::string list;
+        for (int number = 0; number < kVeryMany; ++number)
+            list += (number == 0 ? "" : ", ") + std::string(1, first) + std::to_string(number);
+        return "[" + list + "]";
+    };
+    const std::string file = folder_.write(
+        "a.mof", qualifiers('A') + "class A_B {" + qualifiers('D') + "uint8 p; };" +
+                     qualifiers('B') + "class A_C : A_B {" + qualifiers('E') + "uint8 p; };" +
+                     qualifiers('C') + "class A_D : A_C {" + qualifiers('d') + "uint8 p; };");
+    const LoadedRepository loaded = loadRepository({{"root/one", {file}}}, {}, {});
+    const TSKSmrPtr<ITeskClass> found = loaded.repository->getClass("root/one", "A_D");
+    EXPECT_NE(found->getQualifier("A19999", true), nullptr);
+    EXPECT_EQ(found->getQualifier("A19999", false), nullptr);
+    const urma::IPropertyDef& property = propertyOf(*found, "p");
+    int count = 0;
+    for (const auto all = property.getQualifiers(true); all->hasCurrent(); all->advance())
+        ++count;
+    EXPECT_EQ(count, 2 * kVeryMany);
+}
+
 }  // namespace
