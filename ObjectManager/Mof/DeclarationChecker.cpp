@@ -182,6 +182,7 @@ class DeclarationChecker {
             return;
         }
         const QualifierDeclaration& declaration = *declared->second;
+        qualifier.dataType = declaration.type.dataType;
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
         if (!qualifier.value && !takesNoValue(declaration.type)) {
@@ -226,13 +227,13 @@ class DeclarationChecker {
                 line.push_back(current);
                 current = superclassOf(*current);
             }
-            std::size_t depth = current == nullptr ? 0 : depths[current] + 1;
-            if (current != nullptr && depths[current] == kLookedUp) {
+            const bool isCyclic = current != nullptr && depths[current] == kLookedUp;
+            if (isCyclic)
                 reportCycle(*current);
-                depth = 0;
-            }
+            std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
+            // Depths mean nothing in a cycle, and it is reported already.
             for (auto below = line.rbegin(); below != line.rend(); ++below)
-                setDepth(depths[*below], depth++, **below);
+                setDepth(depths[*below], isCyclic ? 0 : depth++, **below);
         }
     }
 
@@ -246,11 +247,17 @@ class DeclarationChecker {
     }
 
     void reportCycle(const ClassDeclaration& declaration) {
+        constexpr std::size_t kMostNamed = 10;
         std::string message =
             "the class " + quoted(declaration.name.text) + " is its own superclass";
+        std::size_t others = 0;
         for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
-             current = superclassOf(*current))
-            message += ", by way of " + quoted(current->name.text);
+             current = superclassOf(*current)) {
+            if (++others <= kMostNamed)
+                message += ", by way of " + quoted(current->name.text);
+        }
+        if (others > kMostNamed)
+            message += " and " + std::to_string(others - kMostNamed) + " more";
         reporter_.error(declaration.superclass.position, std::move(message));
     }
 

@@ -16,6 +16,8 @@ class CimQualifier : public urma::IQualifier {
     [[nodiscard]] bool hasValue() const override { return !value_.isNull(); }
     [[nodiscard]] TSKSmrPtr<ITeskValue> getValue() const override { return value_; }
 
+    /// As getName, without a copy.
+    [[nodiscard]] const TSKString& name() const noexcept { return name_; }
     [[nodiscard]] bool isNamed(const TSKString& name) const noexcept {
         return name_.equalsIgnoreCase(name);
     }
