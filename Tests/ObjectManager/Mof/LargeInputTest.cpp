@@ -1,0 +1,54 @@
+// Files that are made to take long. Reading each takes time in proportion to its length: if it took
+// time by the square of that, these tests would run into their time limit.
+
+#include <gtest/gtest.h>
+#include <string>
+
+#include "ObjectManager/Mof/Compiler.h"
+#include "Tests/ObjectManager/Mof/DeclarationText.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace {
+
+using Mof::Compilation;
+
+constexpr std::size_t kMillion = 1'000'000;
+
+std::string repeated(const std::string& text, std::size_t count) {
+    std::string result;
+    result.reserve(text.size() * count);
+    for (std::size_t index = 0; index < count; ++index)
+        result += text;
+    return result;
+}
+
+Compilation compileText(const std::string& mof) {
+    const TemporaryFolder folder;
+    return Mof::compile({folder.write("a.mof", mof)});
+}
+
+// The one default value of what is declared, as a text.
+std::string onlyDefault(const Compilation& compilation) {
+    EXPECT_EQ(diagnosticsOf(compilation), "");
+    const Mof::Value& value = *compilation.classes.at(0).properties.at(0).defaultValue;
+    EXPECT_EQ(value.literals.size(), 1U);
+    return std::string(std::string_view(value.literals.front().text));
+}
+
+TEST(LargeInput, ManyStringsOnALine) {
+    const std::string mof = "class A_B { string s = " + repeated("\"a\"", 4 * kMillion) + "; };";
+    EXPECT_TRUE(onlyDefault(compileText(mof)) == std::string(4 * kMillion, 'a'));
+}
+
+TEST(LargeInput, ManyEscapesInAString) {
+    const std::string mof = "class A_B { string s = \"" + repeated("\\\"", 4 * kMillion) + "\"; };";
+    EXPECT_TRUE(onlyDefault(compileText(mof)) == std::string(4 * kMillion, '"'));
+}
+
+TEST(LargeInput, AStringOfBackslashes) {
+    const std::string mof =
+        "class A_B { string s = \"" + std::string(8 * kMillion, '\\') + "\"; };";
+    EXPECT_TRUE(onlyDefault(compileText(mof)) == std::string(4 * kMillion, '\\'));
+}
+
+}  // namespace
