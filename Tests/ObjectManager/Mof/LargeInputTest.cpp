@@ -51,4 +51,11 @@ TEST(LargeInput, AStringOfBackslashes) {
     EXPECT_TRUE(onlyDefault(compileText(mof)) == std::string(4 * kMillion, '\\'));
 }
 
+TEST(LargeInput, ACommentOfZeroBytes) {
+    const Compilation compilation = compileText("/*" + std::string(kMillion, '\0') + "*/");
+    ASSERT_EQ(compilation.diagnostics.size(), 1U);
+    EXPECT_EQ(compilation.diagnostics.front().message,
+              "here is a zero byte: the file must be text, in UTF-8");
+}
+
 }  // namespace
