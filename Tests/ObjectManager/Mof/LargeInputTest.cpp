@@ -58,4 +58,21 @@ TEST(LargeInput, ACommentOfZeroBytes) {
               "here is a zero byte: the file must be text, in UTF-8");
 }
 
+// Each of them keeps a part of the line only.
+TEST(LargeInput, ManyFaultsOnALongLine) {
+    std::string mof = "class A_B {";
+    for (int number = 0; number < 100; ++number)
+        mof += "A_" + std::to_string(number) + " ref r" + std::to_string(number) + "; ";
+    const Compilation compilation = compileText(mof + std::string(8 * kMillion, ' ') + "};");
+    ASSERT_EQ(compilation.diagnostics.size(), 100U);
+    EXPECT_LT(diagnosticsOf(compilation).size(), 100'000U);
+}
+
+TEST(LargeInput, ManyFaultsOfLongNames) {
+    const std::string property = "uint8 " + std::string(kMillion, 'a') + ";\n";
+    const Compilation compilation = compileText("class A_B {\n" + repeated(property, 10) + "};");
+    ASSERT_EQ(compilation.diagnostics.size(), 9U);
+    EXPECT_LT(diagnosticsOf(compilation).size(), 100'000U);
+}
+
 }  // namespace
