@@ -5,15 +5,13 @@
 #include <cstring>
 #include <utility>
 
+#include "ObjectManager/Mof/Utf8.h"
+
 namespace Mof {
 
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool isContinuation(char byte) noexcept {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
 
 // The bytes that a well-formed character begins with (Unicode, table 3-7): a range of first bytes,
 // the range of the second one, and how many there are in all.
@@ -78,6 +76,11 @@ bool isUtf8(std::string_view text) noexcept {
     return true;
 }
 
+std::size_t countCharacters(std::string_view text) noexcept {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
+}
+
 std::string fromLatin1(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size() + bytes.size() / 8);
@@ -113,9 +116,21 @@ LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
     const std::string_view inLine = before.substr(lineStart);
     return {
         .line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
-        .column =
-            1 + static_cast<std::size_t>(std::count_if(
-                    inLine.begin(), inLine.end(), [](char byte) { return !isContinuation(byte); })),
+        .column = 1 + countCharacters(inLine),
+    };
+}
+
+LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
+    const std::string_view line = lineAt(offset);
+    if (line.size() <= kLongestLine)
+        return {.text = line, .skipped = 0, .continues = false};
+    const std::size_t place = std::min(offset - startOfLine(offset), line.size());
+    const std::size_t begin = startOfCharacter(line, place - std::min(place, kLongestLine / 2));
+    const std::size_t end = startOfCharacter(line, begin + kLongestLine);
+    return {
+        .text = line.substr(begin, end - begin),
+        .skipped = countCharacters(line.substr(0, begin)),
+        .continues = end < line.size(),
     };
 }
 

@@ -28,4 +28,5 @@ class CimQualifier : public urma::IQualifier {
     TSKString name_;
     bool propagates_;
     TSKSmrPtr<ITeskValue> value_;
+    TSKSmrPtr<ITeskValue> value_;  // made after the name, on which it depends
 };
