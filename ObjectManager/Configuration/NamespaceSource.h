@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Configuration {
+
+/// A CIM namespace and where its classes are declared.
+struct NamespaceSource {
+    std::string name;  ///< such as "root/cimv2"
+
+    /// MOF files, each with all that it includes, or folders.
+    std::vector<std::string> paths;
+
+    friend bool operator==(const NamespaceSource&, const NamespaceSource&) = default;
+};
+
+/// The name of a namespace: `text` without the slashes at its ends.
+/// Errors: TeskBaseException, whose message says what is right.
+[[nodiscard]] std::string parseNamespaceName(std::string_view text);
+
+/// Whether two names are those of the same namespace: letter case does not count.
+[[nodiscard]] bool isSameNamespace(std::string_view name, std::string_view other) noexcept;
+
+/// Reads "NAME=PATH", as the command line gives a namespace.
+/// Errors: TeskBaseException, whose message says what is right.
+[[nodiscard]] NamespaceSource parseNamespaceOption(std::string_view text);
+
+}  // namespace Configuration
