@@ -42,6 +42,8 @@ class Checker {
         result.documents = documents_;
         result.bytes = bytes_;
         std::sort(findings_.begin(), findings_.end(), Inspection::isBefore);
+        // A parameter that goes in and out stands in a schema twice.
+        findings_.erase(std::unique(findings_.begin(), findings_.end()), findings_.end());
         result.findings = std::move(findings_);
         return result;
     }
