@@ -39,7 +39,8 @@ int runCheck(const CheckOptions& options) {
     return result.countErrors() == 0 ? 0 : 1;
 }
 
-constexpr const char* kFooter = R"(Exit status: 0 when every document is well-formed, 1 when one is not.
+constexpr const char* kFooter =
+    R"(Exit status: 0 when every document is well-formed, 1 when one is not.
 
 Examples:
   tesk check

@@ -12,6 +12,7 @@
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Inspection/ClassInspector.h"
 #include "ObjectManager/Inspection/DocumentInspector.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
 
@@ -66,7 +67,11 @@ class Checker {
                 return;
             }
             failure.message =
-                std::string(name) + " is answered with the status " + std::string(answer.status());
+                std::string(name) + " is answered with " +
+                (answer.status().empty() ? "what is no HTTP response"
+                                         : "the status " + std::string(answer.status()));
+        } catch (const TeskBaseException& error) {
+            failure.message = std::string(name + " cannot be made: " + error.getMessage());
         } catch (const std::exception& error) {
             failure.message = std::string(name) + " cannot be made: " + error.what();
         }
