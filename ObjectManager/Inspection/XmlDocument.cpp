@@ -41,7 +41,9 @@ class FirstError {
     static void keep(void* context, xmlError* error) noexcept {
         FirstError& first =
             *static_cast<FirstError*>(static_cast<xmlParserCtxt*>(context)->_private);
-        if (!first.hasOccurred() && error->level != XML_ERR_WARNING)
+        // The name of a namespace with letters beyond ASCII is read by everybody.
+        const bool isHarmless = error->level == XML_ERR_WARNING || error->code == XML_WAR_NS_URI;
+        if (!first.hasOccurred() && !isHarmless)
             xmlCopyError(error, &first.error_);
     }
 

@@ -80,6 +80,11 @@ TEST(XmlDocument, PrefixesMustBeDeclared) {
               "line 1, column 11: Namespace prefix b for c on a is not defined");
 }
 
+TEST(XmlDocument, NamesOfNamespacesMayBeAnyText) {
+    EXPECT_EQ(faultOf("<a:b xmlns:a='http://example.org/\xC3\xA9'/>"), "none");
+    EXPECT_EQ(faultOf("<a:b xmlns:a='relative'/>"), "none");
+}
+
 TEST(XmlDocument, NamesTheFirstFaultNotItsConsequences) {
     EXPECT_EQ(faultOf("<a>\n<b>\n</c>\n</b>\n</a>\n"),
               "line 3, column 5: Opening and ending tag mismatch: b line 2 and c");
