@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "ObjectManager/Commands/NamespaceOption.h"
 #include "ObjectManager/Host/ProgramFolders.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -24,6 +25,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         .add_option("--namespace", options.namespaces,
                     "A namespace and its classes: a MOF file with what it includes, or a folder. "
                     "May be given again; without any, the sample model is used")
+        ->check(faultOfNamespaceOption)
         ->type_name("NAME=PATH")
         ->allow_extra_args(false);
     command.add_option("--config", options.configuration, "The configuration file")
@@ -34,10 +36,8 @@ std::vector<NamespaceSource> sourcesOf(const ModelOptions& options) {
     if (options.namespaces.empty())
         return sampleModel();
     std::vector<NamespaceSource> sources;
-    for (const std::string& text : options.namespaces) {
-        const auto equals = text.find('=');
-        sources.push_back({text.substr(0, equals), {text.substr(equals + 1)}});
-    }
+    for (const std::string& text : options.namespaces)
+        sources.push_back(parseNamespaceOption(text));
     return sources;
 }
 
@@ -48,6 +48,10 @@ TSKSmrPtr<ClassRepository> loadModel(const ModelOptions& options) {
     if (!loaded.repository) {
         throw TeskBaseException("loadModel", "the classes have errors and are not used",
                                 CIM_ERR_FAILED);
+    }
+    for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
+        if (nameSpace.classes().empty())
+            std::cerr << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
     return loaded.repository;
 }
