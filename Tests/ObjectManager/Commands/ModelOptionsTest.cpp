@@ -50,14 +50,14 @@ std::string linesOf(const std::vector<NamespaceSource>& sources) {
 
 TEST(ModelOptions, AreTheSampleModelByDefault) {
     const std::string models = ProgramFolders::ofThisProgram().models;
-    EXPECT_EQ(linesOf(namespacesOf(parse({}))),
-              "root/cimv2: " + models + "/cimv2/cimv2.mof\n" + "interop: " + models +
-                  "/interop/interop.mof\n");
+    EXPECT_EQ(linesOf(namespacesOf(parse({}))), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
+                                                    "interop: " + models +
+                                                    "/interop/interop.mof\n");
 }
 
 TEST(ModelOptions, NameNamespacesInTheirOrder) {
     EXPECT_EQ(linesOf(namespacesOf(parse({"root/a=c.mof", "--namespace", "root/b=b.mof",
-                                                 "--namespace", "--namespace=root/a=a.mof"}))),
+                                          "--namespace", "--namespace=root/a=a.mof"}))),
               "root/a: a.mof\nroot/b: b.mof\nroot/a: c.mof\n");
 }
 
@@ -82,7 +82,8 @@ TEST(ModelOptions, LoadTheClassesOfAllNamespaces) {
         "root/b=" + folder.write("b.mof", "class TST_B {};").string(),
         "Root/A=" + folder.write("c.mof", "class TST_C {};").string(),
     };
-    const TSKSmrPtr<ClassRepository> repository = Commands::loadModel(Commands::settingsOf(options));
+    const TSKSmrPtr<ClassRepository> repository =
+        Commands::loadModel(Commands::settingsOf(options));
     EXPECT_EQ(repository->namespaces().size(), 2U);
     EXPECT_TRUE(repository->getClass("root/a", "TST_A"));
     EXPECT_TRUE(repository->getClass("root/b", "TST_B"));
@@ -128,7 +129,10 @@ TEST(ModelOptions, AWrongConfigurationIsNotUsed) {
         EXPECT_EQ(error.getMessage(), "the configuration has errors and is not used");
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              options.configuration + ":1:1: error: unknown key \"nothing\"\n");
+              options.configuration +
+                  ":1:1: error: unknown key \"nothing\"; known are \"include_path\", "
+                  "\"namespaces\", \"repository\", \"server\", "
+                  "\"security\" and \"log\"\n");
 }
 
 }  // namespace
