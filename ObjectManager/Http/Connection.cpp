@@ -175,11 +175,12 @@ void Connection::close() noexcept {
     closeSocket();
 }
 
-// What a worker may do, who must not touch the phase and the timer.
+// What a worker may do, who must not touch the phase and the timer. A client who sees that its
+// connection has ended may count on the place.
 void Connection::closeSocket() noexcept {
+    context_.connections.remove(*this);
     error_code error;  // the socket is closed in any case
     socket_.close(error);
-    context_.connections.remove(*this);
 }
 
 void Connection::waitFor(tcp::socket::wait_type type, Operation next) {

@@ -30,12 +30,17 @@ bool isUtf8(std::string_view text) noexcept {
         text.remove_prefix(asciiLength(text));
         if (text.empty())
             return true;
-        const std::size_t length = utf8Length(text);
+        const std::size_t length = lengthOfCharacter(text);
         if (length == 0)
             return false;
         text.remove_prefix(length);
     }
     return true;
+}
+
+std::size_t countCharacters(std::string_view text) noexcept {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
 }
 
 std::string fromLatin1(std::string_view bytes) {
@@ -73,9 +78,21 @@ LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
     const std::string_view inLine = before.substr(lineStart);
     return {
         .line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
-        .column = 1 + static_cast<std::size_t>(
-                          std::count_if(inLine.begin(), inLine.end(),
-                                        [](char byte) { return !isUtf8Continuation(byte); })),
+        .column = 1 + countCharacters(inLine),
+    };
+}
+
+LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
+    const std::string_view line = lineAt(offset);
+    if (line.size() <= kLongestLine)
+        return {.text = line, .skipped = 0, .continues = false};
+    const std::size_t place = std::min(offset - startOfLine(offset), line.size());
+    const std::size_t begin = startOfCharacter(line, place - std::min(place, kLongestLine / 2));
+    const std::size_t end = startOfCharacter(line, begin + kLongestLine);
+    return {
+        .text = line.substr(begin, end - begin),
+        .skipped = countCharacters(line.substr(0, begin)),
+        .continues = end < line.size(),
     };
 }
 

@@ -30,12 +30,12 @@ bool begins(std::string_view text, const Utf8Form& form) noexcept {
     return text.size() >= form.length && isBetween(0, form.firstLow, form.firstHigh) &&
            isBetween(1, form.secondLow, form.secondHigh) &&
            std::all_of(text.begin() + 2, text.begin() + static_cast<std::ptrdiff_t>(form.length),
-                       isUtf8Continuation);
+                       isContinuation);
 }
 
 }  // namespace
 
-std::size_t utf8Length(std::string_view text) noexcept {
+std::size_t lengthOfCharacter(std::string_view text) noexcept {
     if (static_cast<unsigned char>(text.front()) < 0x80)
         return 1;
     for (const Utf8Form& form : kUtf8Forms) {

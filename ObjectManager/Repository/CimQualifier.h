@@ -25,7 +25,8 @@ class CimQualifier : public urma::IQualifier {
     [[nodiscard]] bool propagates() const noexcept { return propagates_; }
 
   private:
-    TSKSmrPtr<ITeskValue> value_;
     TSKString name_;
     bool propagates_;
+    TSKSmrPtr<ITeskValue> value_;
+    TSKSmrPtr<ITeskValue> value_;  // made after the name, on which it depends
 };

@@ -109,4 +109,25 @@ TEST_F(ReporterTest, ErrorsAreReportedAfterTheLastWarning) {
     EXPECT_EQ(compilation_.diagnostics.back().message, "wrong");
 }
 
+TEST_F(ReporterTest, TheEndOfALongMessageIsLeftOut) {
+    const std::string longest(Reporter::kLongestMessage, 'a');
+    reporter_.error(kFirst, longest);
+    reporter_.warning(kFirst, longest + "b");
+    reporter_.errorOfFile("c.mof", longest.substr(1) + "\xC3\xBC");
+    ASSERT_EQ(compilation_.diagnostics.size(), 3U);
+    EXPECT_EQ(compilation_.diagnostics[0].message, longest);
+    EXPECT_EQ(compilation_.diagnostics[1].message, longest + "...");
+    EXPECT_EQ(compilation_.diagnostics[2].message, longest.substr(1) + "...");
+}
+
+TEST_F(ReporterTest, APlaceInALongLineIsShownWithWhatSurroundsIt) {
+    compilation_.files.emplace_back("c.mof", std::string(150, 'a') + "b" + std::string(1000, 'c'));
+    reporter_.error({.file = 2, .offset = 150}, "wrong");
+    EXPECT_EQ(diagnosticsOf(compilation_),
+              "c.mof:1:151: error: wrong\n"
+              "..." +
+                  std::string(100, 'a') + "b" + std::string(99, 'c') + "...\n" +
+                  std::string(103, ' ') + "^\n");
+}
+
 }  // namespace
