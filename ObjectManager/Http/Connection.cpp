@@ -197,12 +197,14 @@ void Connection::closeSocket() noexcept {
     socket_.close(error);
 }
 
+// What a phase waits for is of no interest to the next one.
 void Connection::waitFor(tcp::socket::wait_type type, Step next) {
-    socket_.async_wait(type, [self = shared_from_this(), next](error_code /*error*/) {
+    const auto onEvent = [self = shared_from_this(), next, phase = phase_](error_code /*error*/) {
         // A failure of the socket shows in what comes next.
-        if (self->phase_ != Phase::kClosed)
+        if (self->phase_ == phase)
             self->take(next);
-    });
+    };
+    socket_.async_wait(type, onEvent);
 }
 
 void Connection::continueOnIoThread(Step next) {

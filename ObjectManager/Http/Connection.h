@@ -100,9 +100,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     boost::asio::ip::tcp::endpoint client_;
     boost::asio::steady_timer timer_;
     Phase phase_ = Phase::kReading;          // read and changed by the I/O thread alone
+    bool isLimited_ = false;                 // the time for a phase is running
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
-
-    bool isLimited_ = false;  // the time for this phase is running
 
     std::string received_;
     RequestHeadScanner scanner_;

@@ -218,6 +218,23 @@ TEST_F(ConnectionTest, AHeadThatDoesNotComeInTimeIsAnsweredSo) {
     EXPECT_EQ(answer(kGet), kHello);
 }
 
+TEST_F(ConnectionTest, ARequestThatIsCompletedTooLateIsNotServed) {
+    std::atomic<int> lateCalls = 0;
+    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        lateCalls += request.getUri() == "/test/late" ? 1 : 0;
+        writeTo(ostr, kHello);
+    };
+    options_.headTime = milliseconds(50);
+    options_.mostConnections = 1;
+    start();
+    const Client client = sending("GET /test/late HTTP/1.1\r\n");
+    EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
+    EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
+    client.endSending();
+    waitUntilServed();
+    EXPECT_EQ(lateCalls, 0);
+}
+
 TEST_F(ConnectionTest, TheTimeForTheHeadIsForAllOfIt) {
     options_.headTime = milliseconds(50);
     options_.drainTime = milliseconds(50);
