@@ -15,7 +15,7 @@ namespace Commands {
 
 /// The options by which a command is told about the classes that it works on.
 struct ModelOptions {
-    std::vector<std::string> namespaces;  ///< "NAME=PATH" each
+    std::vector<std::string> namespaces;  ///< "NAME=PATH" each, without a fault
     std::string configuration;            ///< the file; empty for none
 };
 
@@ -28,7 +28,8 @@ void addModelOptions(CLI::App& command, ModelOptions& options);
 /// written to standard error.
 [[nodiscard]] Configuration::Settings settingsOf(const ModelOptions& options);
 
-/// Compiles the classes, and writes what is wrong with them to standard error.
+/// Compiles the classes, and writes what is wrong with them, or that there are none, to standard
+/// error.
 /// Errors: TeskBaseException when there are errors in them.
 [[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings);
 

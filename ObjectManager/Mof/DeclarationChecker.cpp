@@ -217,7 +217,7 @@ class DeclarationChecker {
     // How far each class stands below its topmost superclass is found once; a class that is found
     // again while its own superclasses are looked up is one of them.
     void checkDepths() {
-        constexpr std::size_t kLookedUp = static_cast<std::size_t>(-1);
+        constexpr auto kLookedUp = static_cast<std::size_t>(-1);
         std::unordered_map<const ClassDeclaration*, std::size_t> depths;
         depths.reserve(compilation_.classes.size());
         for (const ClassDeclaration& declaration : compilation_.classes) {
@@ -232,8 +232,9 @@ class DeclarationChecker {
                 reportCycle(*current);
             std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
             // Depths mean nothing in a cycle, and it is reported already.
-            for (auto below = line.rbegin(); below != line.rend(); ++below)
-                setDepth(depths[*below], isCyclic ? 0 : depth++, **below);
+            std::reverse(line.begin(), line.end());
+            for (const ClassDeclaration* const below : line)
+                setDepth(depths[below], isCyclic ? 0 : depth++, *below);
         }
     }
 

@@ -23,7 +23,7 @@ InputFile opened(const std::string& path) {
 
 TEST(InputFile, ReadsAllBytes) {
     const TemporaryFolder folder;
-    for (const std::size_t length : {0, 1, 4095, 4096, 4097, 100'000}) {
+    for (const std::size_t length : {0U, 1U, 4095U, 4096U, 4097U, 100000U}) {
         const std::string content(length, 'x');
         EXPECT_EQ(opened(folder.write("a.mof", content)).readAll(kNoLimit), content) << length;
     }
