@@ -25,7 +25,7 @@ struct CheckOptions {
 };
 
 CheckResult checkAll(const CheckOptions& options) {
-    const TSKSmrPtr<ClassRepository> repository = loadModel(options.model);
+    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
     const ProviderHost host(repository, TSKSmrPtr<LocalAuthenticator>::make(),
                             ProgramFolders::ofThisProgram().installation);
     const MemoryClient client(host.manager(), "localhost");

@@ -59,7 +59,7 @@ std::string describe(const ClassRepository& repository, const ClassesOptions& op
 }
 
 int runClasses(const ClassesOptions& options) {
-    const TSKSmrPtr<ClassRepository> repository = loadModel(options.model);
+    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
     std::cout << (options.className.empty() ? list(*repository, options)
                                             : describe(*repository, options));
     return 0;

@@ -9,6 +9,7 @@
 #include "ObjectManager/Commands/Check.h"
 #include "ObjectManager/Commands/Classes.h"
 #include "ObjectManager/Commands/Passwd.h"
+#include "ObjectManager/Commands/Serve.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TeskBaseException.h"
 
@@ -19,6 +20,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
+  tesk serve
   tesk check --namespace root/cimv2=schema/cim.mof
   tesk classes root/cimv2 CIM_ComputerSystem
 "tesk COMMAND --help" tells more about a command.)";
@@ -66,6 +68,7 @@ Commands::Action parse(CLI::App& program, int argc, char** argv, int& status) {
     Commands::Action action;
     program.set_version_flag("--version", "tesk " TESK_VERSION, "Prints the version and exits");
     program.require_subcommand(1);
+    Commands::addServeCommand(program, action);
     Commands::addCheckCommand(program, action);
     Commands::addClassesCommand(program, action);
     Commands::addPasswdCommand(program, action);

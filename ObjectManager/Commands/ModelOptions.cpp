@@ -2,9 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <utility>
 
-#include "ObjectManager/Commands/NamespaceOption.h"
+#include "ObjectManager/Commands/OptionCheck.h"
+#include "ObjectManager/Configuration/NamespaceOption.h"
+#include "ObjectManager/Configuration/SettingsReader.h"
 #include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -18,6 +22,19 @@ std::vector<NamespaceSource> sampleModel() {
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }
 
+Configuration::Settings configurationOf(const ModelOptions& options) {
+    if (options.configuration.empty())
+        return {};
+    Configuration::SettingsReading reading = Configuration::readSettings(options.configuration);
+    for (const Configuration::SettingsError& error : reading.errors)
+        std::cerr << error.toString();
+    if (!reading.errors.empty()) {
+        throw TeskBaseException("settingsOf", "the configuration has errors and is not used",
+                                CIM_ERR_FAILED);
+    }
+    return std::move(reading.settings);
+}
+
 }  // namespace
 
 void addModelOptions(CLI::App& command, ModelOptions& options) {
@@ -25,24 +42,27 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         .add_option("--namespace", options.namespaces,
                     "A namespace and its classes: a MOF file with what it includes, or a folder. "
                     "May be given again; without any, the sample model is used")
-        ->check(faultOfNamespaceOption)
+        ->check(checkedBy(Configuration::parseNamespaceOption))
         ->type_name("NAME=PATH")
         ->allow_extra_args(false);
     command.add_option("--config", options.configuration, "The configuration file")
         ->type_name("FILE");
 }
 
-std::vector<NamespaceSource> sourcesOf(const ModelOptions& options) {
-    if (options.namespaces.empty())
-        return sampleModel();
-    std::vector<NamespaceSource> sources;
+Configuration::Settings settingsOf(const ModelOptions& options) {
+    Configuration::Settings settings = configurationOf(options);
+    if (!options.namespaces.empty())
+        settings.namespaces.clear();
     for (const std::string& text : options.namespaces)
-        sources.push_back(parseNamespaceOption(text));
-    return sources;
+        settings.namespaces.push_back(Configuration::parseNamespaceOption(text));
+    if (settings.namespaces.empty())
+        settings.namespaces = sampleModel();
+    return settings;
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const ModelOptions& options) {
-    const LoadedRepository loaded = loadRepository(sourcesOf(options), {}, {});
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+    const LoadedRepository loaded =
+        loadRepository(settings.namespaces, settings.includePath, settings.repository);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         std::cerr << diagnostic.toString();
     if (!loaded.repository) {

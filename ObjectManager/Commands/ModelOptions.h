@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Configuration/Settings.h"
 #include "ObjectManager/Repository/ClassRepository.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
 namespace CLI {
@@ -22,13 +22,15 @@ struct ModelOptions {
 /// Adds the options to a command; its parsing fills in `options`, which must live until then.
 void addModelOptions(CLI::App& command, ModelOptions& options);
 
-/// Where the classes are declared: by the options, else by the configuration, else the sample
-/// model.
-[[nodiscard]] std::vector<NamespaceSource> sourcesOf(const ModelOptions& options);
+/// What the configuration file says, and the command line in its place. Without any namespace the
+/// sample model's are filled in.
+/// Errors: TeskBaseException for an option that is wrong, or after what is wrong with the file was
+/// written to standard error.
+[[nodiscard]] Configuration::Settings settingsOf(const ModelOptions& options);
 
 /// Compiles the classes, and writes what is wrong with them, or that there are none, to standard
 /// error.
 /// Errors: TeskBaseException when there are errors in them.
-[[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const ModelOptions& options);
+[[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings);
 
 }  // namespace Commands

@@ -182,6 +182,7 @@ class DeclarationChecker {
             return;
         }
         const QualifierDeclaration& declaration = *declared->second;
+        qualifier.dataType = declaration.type.dataType;
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
         if (!qualifier.value && !takesNoValue(declaration.type)) {
@@ -216,7 +217,7 @@ class DeclarationChecker {
     // How far each class stands below its topmost superclass is found once; a class that is found
     // again while its own superclasses are looked up is one of them.
     void checkDepths() {
-        constexpr std::size_t kLookedUp = static_cast<std::size_t>(-1);
+        constexpr auto kLookedUp = static_cast<std::size_t>(-1);
         std::unordered_map<const ClassDeclaration*, std::size_t> depths;
         depths.reserve(compilation_.classes.size());
         for (const ClassDeclaration& declaration : compilation_.classes) {
@@ -226,13 +227,14 @@ class DeclarationChecker {
                 line.push_back(current);
                 current = superclassOf(*current);
             }
-            std::size_t depth = current == nullptr ? 0 : depths[current] + 1;
-            if (current != nullptr && depths[current] == kLookedUp) {
+            const bool isCyclic = current != nullptr && depths[current] == kLookedUp;
+            if (isCyclic)
                 reportCycle(*current);
-                depth = 0;
-            }
-            for (auto below = line.rbegin(); below != line.rend(); ++below)
-                setDepth(depths[*below], depth++, **below);
+            std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
+            // Depths mean nothing in a cycle, and it is reported already.
+            std::reverse(line.begin(), line.end());
+            for (const ClassDeclaration* const below : line)
+                setDepth(depths[below], isCyclic ? 0 : depth++, *below);
         }
     }
 
@@ -246,11 +248,17 @@ class DeclarationChecker {
     }
 
     void reportCycle(const ClassDeclaration& declaration) {
+        constexpr std::size_t kMostNamed = 10;
         std::string message =
             "the class " + quoted(declaration.name.text) + " is its own superclass";
+        std::size_t others = 0;
         for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
-             current = superclassOf(*current))
-            message += ", by way of " + quoted(current->name.text);
+             current = superclassOf(*current)) {
+            if (++others <= kMostNamed)
+                message += ", by way of " + quoted(current->name.text);
+        }
+        if (others > kMostNamed)
+            message += " and " + std::to_string(others - kMostNamed) + " more";
         reporter_.error(declaration.superclass.position, std::move(message));
     }
 

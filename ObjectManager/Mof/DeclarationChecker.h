@@ -13,7 +13,7 @@ constexpr std::size_t kDeepestClass = 200;
 
 /// Holds all declarations of a compilation against each other: looks up superclasses and
 /// qualifiers, and holds values against types. Removes declarations that are there already and say
-/// the same, and fills in which qualifiers propagate.
+/// the same, and fills in the types of qualifiers and which of them propagate.
 /// Errors: TooManyErrors out of `reporter`.
 void checkDeclarations(Compilation& compilation, Reporter& reporter);
 

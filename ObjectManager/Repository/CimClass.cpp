@@ -1,6 +1,7 @@
 #include "ObjectManager/Repository/CimClass.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "ObjectManager/Mof/CaseInsensitive.h"
@@ -63,9 +64,11 @@ void sortByName(std::vector<const CimProperty*>& properties) {
               });
 }
 
+// Pointers into different lists have an order for std::less alone.
 template <typename Member>
 bool isOneOf(const Member& member, const std::vector<Member>& members) {
-    return &member >= members.data() && &member < members.data() + members.size();
+    const std::less<const Member*> isBefore;
+    return !isBefore(&member, members.data()) && isBefore(&member, members.data() + members.size());
 }
 
 }  // namespace

@@ -5,14 +5,9 @@
 
 #include "ObjectManager/Mof/Diagnostic.h"
 #include "ObjectManager/Repository/ClassRepository.h"
+#include "ObjectManager/Repository/NamespaceSource.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"
 #include "Platform/Util/TSKSmrPtr.h"
-
-/// A namespace, and the MOF files and folders that declare its classes.
-struct NamespaceSource {
-    std::string name;  ///< "root/cimv2", without a `/` at either end
-    std::vector<std::string> paths;
-};
 
 struct LoadedRepository {
     TSKSmrPtr<ClassRepository> repository;  ///< null when there are errors

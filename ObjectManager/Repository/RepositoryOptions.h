@@ -18,4 +18,6 @@ struct RepositoryOptions {
     /// Whether the texts of Description qualifiers are handed out with `&`, `<` and `>` escaped.
     /// Documents insert them as they are, and would not be well-formed without it.
     bool escapeDescriptions = true;
+
+    friend bool operator==(const RepositoryOptions&, const RepositoryOptions&) = default;
 };

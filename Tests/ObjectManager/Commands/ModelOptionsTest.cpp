@@ -32,6 +32,10 @@ std::string faultOf(std::vector<std::string> arguments) {
     return "none";
 }
 
+std::vector<NamespaceSource> namespacesOf(const ModelOptions& options) {
+    return Commands::settingsOf(options).namespaces;
+}
+
 // A line each: "NAME: PATH PATH".
 std::string linesOf(const std::vector<NamespaceSource>& sources) {
     std::string lines;
@@ -46,26 +50,27 @@ std::string linesOf(const std::vector<NamespaceSource>& sources) {
 
 TEST(ModelOptions, AreTheSampleModelByDefault) {
     const std::string models = ProgramFolders::ofThisProgram().models;
-    EXPECT_EQ(linesOf(Commands::sourcesOf(parse({}))),
-              "root/cimv2: " + models + "/cimv2/cimv2.mof\n" + "interop: " + models +
-                  "/interop/interop.mof\n");
+    EXPECT_EQ(linesOf(namespacesOf(parse({}))), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
+                                                    "interop: " + models +
+                                                    "/interop/interop.mof\n");
 }
 
 TEST(ModelOptions, NameNamespacesInTheirOrder) {
-    EXPECT_EQ(linesOf(Commands::sourcesOf(parse({"root/a=c.mof", "--namespace", "root/b=b.mof",
-                                                 "--namespace", "--namespace=root/a=a.mof"}))),
+    EXPECT_EQ(linesOf(namespacesOf(parse({"root/a=c.mof", "--namespace", "root/b=b.mof",
+                                          "--namespace", "--namespace=root/a=a.mof"}))),
               "root/a: a.mof\nroot/b: b.mof\nroot/a: c.mof\n");
 }
 
 // What follows is not taken for another namespace.
 TEST(ModelOptions, TakeOneNamespaceEachTime) {
-    EXPECT_EQ(linesOf(Commands::sourcesOf(parse({"other", "root/a=a.mof", "--namespace"}))),
+    EXPECT_EQ(linesOf(namespacesOf(parse({"other", "root/a=a.mof", "--namespace"}))),
               "root/a: a.mof\n");
 }
 
 TEST(ModelOptions, RefuseWhatIsNoNamespace) {
     EXPECT_EQ(faultOf({"root/a", "--namespace"}),
-              "--namespace: \"root/a\" is not NAME=PATH, such as root/acme=mof/acme.mof");
+              "--namespace: \"root/a\" is no namespace with a MOF file or folder, such as "
+              "\"root/cimv2=schema/cim.mof\"");
     EXPECT_EQ(faultOf({"--namespace"}), "--namespace: 1 required NAME=PATH missing");
 }
 
@@ -77,7 +82,8 @@ TEST(ModelOptions, LoadTheClassesOfAllNamespaces) {
         "root/b=" + folder.write("b.mof", "class TST_B {};").string(),
         "Root/A=" + folder.write("c.mof", "class TST_C {};").string(),
     };
-    const TSKSmrPtr<ClassRepository> repository = Commands::loadModel(options);
+    const TSKSmrPtr<ClassRepository> repository =
+        Commands::loadModel(Commands::settingsOf(options));
     EXPECT_EQ(repository->namespaces().size(), 2U);
     EXPECT_TRUE(repository->getClass("root/a", "TST_A"));
     EXPECT_TRUE(repository->getClass("root/b", "TST_B"));
@@ -90,11 +96,43 @@ TEST(ModelOptions, LoadNothingWithAnError) {
     options.namespaces = {"root/a=" + folder.write("a.mof", "class TST_A {};").string(),
                           "root/b=" + folder.write("b.mof", "class").string()};
     try {
-        (void)Commands::loadModel(options);
+        (void)Commands::loadModel(Commands::settingsOf(options));
         FAIL();
     } catch (const TeskBaseException& error) {
         EXPECT_EQ(error.getMessage(), "the classes have errors and are not used");
     }
+}
+
+TEST(ModelOptions, AreThoseOfTheConfigurationWithoutAnyOnTheCommandLine) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.configuration = folder.write("tesk.toml", R"([namespaces]
+"root/a" = "/a.mof"
+[repository]
+property_order = "declaration"
+)");
+    EXPECT_EQ(linesOf(namespacesOf(options)), "root/a: /a.mof\n");
+    EXPECT_EQ(Commands::settingsOf(options).repository.propertyOrder, PropertyOrder::kDeclaration);
+    options.namespaces = {"root/b=b.mof"};
+    EXPECT_EQ(linesOf(namespacesOf(options)), "root/b: b.mof\n");
+}
+
+TEST(ModelOptions, AWrongConfigurationIsNotUsed) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.configuration = folder.write("tesk.toml", "nothing = 1\n");
+    testing::internal::CaptureStderr();
+    try {
+        (void)Commands::settingsOf(options);
+        FAIL();
+    } catch (const TeskBaseException& error) {
+        EXPECT_EQ(error.getMessage(), "the configuration has errors and is not used");
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              options.configuration +
+                  ":1:1: error: unknown key \"nothing\"; known are \"include_path\", "
+                  "\"namespaces\", \"repository\", \"server\", "
+                  "\"security\" and \"log\"\n");
 }
 
 }  // namespace

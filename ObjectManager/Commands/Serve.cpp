@@ -1,0 +1,162 @@
+#include "ObjectManager/Commands/Serve.h"
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/LogOutput.h"
+#include "ObjectManager/Commands/ModelOptions.h"
+#include "ObjectManager/Commands/NumberText.h"
+#include "ObjectManager/Commands/OptionCheck.h"
+#include "ObjectManager/Commands/Service.h"
+#include "ObjectManager/Commands/ServiceUsers.h"
+#include "ObjectManager/Commands/SignalQueue.h"
+#include "ObjectManager/Configuration/Endpoint.h"
+#include "Platform/Util/TSKLog.h"
+
+namespace Commands {
+
+namespace {
+
+struct ServeOptions {
+    ModelOptions model;
+    std::vector<std::string> listen;
+    std::optional<std::string> passwordFile;
+    std::optional<int> logLevel;
+};
+
+// The configuration, and what the command line says in its place.
+Configuration::Settings settingsOf(const ServeOptions& options) {
+    Configuration::Settings settings = settingsOf(options.model);
+    if (!options.listen.empty())
+        settings.server.listen.clear();
+    for (const std::string& address : options.listen)
+        settings.server.listen.push_back(Configuration::parseEndpoint(address));
+    settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
+    settings.log.level = options.logLevel.value_or(settings.log.level);
+    return settings;
+}
+
+void log(TeskTraceLog::Severity severity, const std::string& message) {
+    TSKLog::log("tesk", TSKString(message), severity, TeskTraceLog::VerbosityNormal, 0,
+                TSKLog::CIMOMLOG);
+}
+
+std::string contentsOf(const ClassRepository& repository) {
+    return counted(repository.countClasses(), "class", "classes") + " in " +
+           counted(repository.namespaces().size(), "namespace", "namespaces");
+}
+
+// A path that is worth a try: that of a class which everybody knows, else of any.
+std::string samplePath(const ClassRepository& repository) {
+    for (const CimNamespace& nameSpace : repository.namespaces()) {
+        TSKSmrPtr<CimClass> cimClass = nameSpace.findClass("CIM_ComputerSystem");
+        if (!cimClass && !nameSpace.classes().empty())
+            cimClass = nameSpace.classes().front();
+        if (cimClass)
+            return "/" + std::string(nameSpace.name()) + "/" + cimClass->name().data() + ".wsdl";
+    }
+    return "/";
+}
+
+void announce(const Service& service, const ClassRepository& repository,
+              const ServiceUsers& users) {
+    std::cout << "Serving " << contentsOf(repository) << " on";
+    for (const std::string& address : service.addresses())
+        std::cout << " " << address;
+    std::cout << "\n";
+    if (!users.madePassword.isEmpty()) {
+        std::cout << "There is no password file, so this password is good until the service ends:\n"
+                  << "  curl --user " << kMadeUser << ":" << users.madePassword.view() << " "
+                  << service.addresses().front() << samplePath(repository) << "\n";
+    }
+    std::cout.flush();
+}
+
+// A service that goes on with what it has is better than one that ends.
+void reload(Service& service, const ServeOptions& options) {
+    try {
+        const Configuration::Settings settings = settingsOf(options);
+        const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
+        std::optional<Security::UserTable> users;
+        if (!settings.security.passwordFile.empty())
+            users = loadUsers(settings.security).users;
+        service.setRepository(repository);
+        if (users)
+            service.setUsers(*std::move(users));
+        log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
+    } catch (const std::exception& error) {
+        log(TeskTraceLog::SeverityError,
+            std::string("Not reloaded, going on as before: ") + error.what());
+    }
+}
+
+int stop(Service& service) {
+    log(TeskTraceLog::SeverityInformation, "Stopping");
+    if (service.stop())
+        return 0;
+    // A provider that still runs would use what is taken from it.
+    log(TeskTraceLog::SeverityError, "A provider does not end; the process ends without it");
+    std::fflush(nullptr);
+    std::_Exit(1);
+}
+
+int runServe(const ServeOptions& options) {
+    const Configuration::Settings settings = settingsOf(options);
+    const SignalQueue signals;
+    const LogOutput logOutput(settings.log);
+    const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
+    const ServiceUsers users = loadUsers(settings.security);
+    Service service(settings, repository, users.users);
+    service.start();
+    announce(service, *repository, users);
+    while (signals.wait() == SIGHUP)
+        reload(service, options);
+    signals.letThrough();
+    return stop(service);
+}
+
+constexpr const char* kFooter =
+    R"(Signals: SIGHUP reads classes and password file again, SIGTERM and SIGINT end the service when
+running requests are answered.
+
+Examples:
+  tesk serve
+  tesk serve --namespace root/cimv2=schema/cim.mof --password-file users
+  tesk serve --config tesk.toml --listen 0.0.0.0:5985 --listen [::]:5985)";
+
+}  // namespace
+
+void addServeCommand(CLI::App& program, Action& action) {
+    CLI::App* const command =
+        program.add_subcommand("serve", "Serves the documents of all classes over HTTP");
+    command->footer(kFooter);
+    const auto options = std::make_shared<ServeOptions>();
+    addModelOptions(*command, options->model);
+    command
+        ->add_option("--listen", options->listen,
+                     "Where to wait for clients, 127.0.0.1:5985 by default; port 0 takes a free "
+                     "one. May be given again")
+        ->check(checkedBy(Configuration::parseEndpoint))
+        ->type_name("ADDRESS:PORT")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--password-file", options->passwordFile,
+                     "Who may ask, see \"tesk passwd\"; without one a password is made and printed")
+        ->type_name("FILE");
+    command
+        ->add_option("--log-level", options->logLevel,
+                     "1 errors, 2 warnings, 3 what happens at start and end (default), 4 each "
+                     "request")
+        ->check(CLI::Range(1, 4))
+        ->type_name("LEVEL");
+    command->callback([&action, options] { action = [options] { return runServe(*options); }; });
+}
+
+}  // namespace Commands

@@ -1,0 +1,132 @@
+#include "ObjectManager/Http/Listener.h"
+
+#include <boost/asio/error.hpp>
+#include <boost/asio/ip/v6_only.hpp>
+#include <boost/system/system_error.hpp>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/socket.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "Platform/Util/TSKLog.h"
+
+namespace Http {
+
+namespace {
+
+using boost::asio::ip::tcp;
+using boost::system::error_code;
+
+// So many are accepted before the other events have their turn.
+constexpr int kBatch = 64;
+
+// How long to wait for file descriptors to become free.
+constexpr std::chrono::milliseconds kPause{100};
+
+void open(tcp::acceptor& acceptor, const std::string& address, std::uint16_t port) {
+    const tcp::endpoint endpoint(boost::asio::ip::make_address(address), port);
+    acceptor.open(endpoint.protocol());
+    // Children of the process must not keep the port.
+    fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);
+    // After a restart connections of the former process may still linger on the port.
+    acceptor.set_option(tcp::acceptor::reuse_address(true));
+    if (endpoint.protocol() == tcp::v6())
+        acceptor.set_option(boost::asio::ip::v6_only(false));
+    acceptor.bind(endpoint);
+    acceptor.listen();
+    acceptor.non_blocking(true);
+}
+
+// Whether the failure is that of one connection, and the next may be accepted at once.
+bool isOfOneConnection(const error_code& error) {
+    return error == boost::asio::error::connection_aborted ||
+           error == boost::asio::error::interrupted;
+}
+
+}  // namespace
+
+Listener::Listener(boost::asio::io_context& context, const std::string& address, std::uint16_t port)
+    : acceptor_(context), pauseEnd_(context) {
+    try {
+        open(acceptor_, address, port);
+        endpoint_ = acceptor_.local_endpoint();
+    } catch (const boost::system::system_error& error) {
+        throw std::system_error(error.code(),
+                                "Cannot listen on " + address + " port " + std::to_string(port));
+    }
+}
+
+void Listener::start(Accept accept) {
+    accept_ = std::move(accept);
+    waitForClients();
+}
+
+void Listener::close() {
+    error_code error;  // it is closed in any case
+    acceptor_.close(error);
+    pauseEnd_.cancel(error);
+}
+
+void Listener::waitForClients() {
+    acceptor_.async_wait(tcp::acceptor::wait_read, [this](const error_code& error) {
+        if (error != boost::asio::error::operation_aborted)
+            acceptWaiting();
+    });
+}
+
+void Listener::acceptWaiting() {
+    for (int accepted = 0; accepted < kBatch && acceptor_.is_open(); ++accepted) {
+        const error_code error = acceptOne();
+        if (error == boost::asio::error::would_block)
+            break;
+        if (error && !isOfOneConnection(error)) {
+            pause(error);
+            return;
+        }
+    }
+    if (acceptor_.is_open())
+        waitForClients();
+}
+
+error_code Listener::acceptOne() {
+    tcp::endpoint client;
+    auto length = static_cast<socklen_t>(client.capacity());
+    // Asio's own accept leaves the connection to the process's children.
+    const int descriptor = accept4(acceptor_.native_handle(), client.data(), &length, SOCK_CLOEXEC);
+    if (descriptor < 0)
+        return {errno, boost::system::system_category()};
+    client.resize(length);
+    tcp::socket socket(acceptor_.get_executor());
+    error_code error;
+    socket.assign(client.protocol(), descriptor, error);
+    if (error) {
+        ::close(descriptor);
+        return error;
+    }
+    isShort_ = false;
+    try {
+        accept_(std::move(socket), client);
+    } catch (const std::exception&) {
+        return boost::asio::error::no_memory;
+    }
+    return {};
+}
+
+void Listener::pause(const error_code& reason) {
+    if (!std::exchange(isShort_, true)) {
+        const std::string line = "Cannot accept connections for now: " + reason.message();
+        TSKLog::log("HttpFrontEnd", TSKString(std::string_view(line)), TeskTraceLog::SeverityError,
+                    TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
+    }
+    pauseEnd_.expires_after(kPause);
+    pauseEnd_.async_wait([this](const error_code& error) {
+        if (!error)
+            acceptWaiting();
+    });
+}
+
+}  // namespace Http

@@ -1,0 +1,7 @@
+#include "ObjectManager/Http/RequestHandler.h"
+
+namespace Http {
+
+RequestHandler::~RequestHandler() = default;
+
+}  // namespace Http

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "ObjectManager/Http/RequestHandler.h"
+#include "ObjectManager/Http/ServerOptions.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+
+namespace Http {
+
+/// The HTTP front end: hands the requests that come in to the providers, and their responses back
+/// to the clients. One thread does the input and output, a pool of workers runs the providers, so
+/// that a client who is slow holds no worker. Every connection carries one request.
+///
+/// Requests are checked before a provider sees them; see parseRequestHead for what is refused and
+/// Dispatcher for how failures of a provider are answered. A provider sees no body: what a client
+/// sends after the head is thrown away.
+///
+/// Thread safety: belongs to one thread, none that runs a provider.
+class Server {
+  public:
+    /// Long enough for the largest document, short enough for whoever waits for the process to end.
+    static constexpr std::chrono::seconds kGracePeriod{10};
+
+    /// Listens from now on; connections wait until start(). `manager` and `handler` must outlive
+    /// the server; `handler` is asked before the providers and may be null.
+    /// Errors: std::system_error that names address and port when it cannot listen there.
+    Server(const ServerOptions& options, const TeskProviderPluginManager& manager,
+           RequestHandler* handler = nullptr);
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+    /// Stops without a grace period. Waits for the providers that still run, however long they do.
+    ~Server();
+
+    /// The address and the port that it listens on; an address as in a URI, IPv6 in brackets.
+    [[nodiscard]] const std::string& address() const noexcept;
+    [[nodiscard]] std::uint16_t port() const noexcept;
+
+    /// Serves requests from now on, on threads of its own. To be called once.
+    /// Errors: std::system_error when a thread cannot be started.
+    void start();
+
+    /// Stops serving: takes no further connections, closes those whose request has not come in,
+    /// lets the others finish for `gracePeriod`, then closes them too. To be called again only to
+    /// wait longer for providers.
+    ///
+    /// Returns whether no provider is running any more, so that the providers may be shut down. If
+    /// not, a provider has not returned; nobody can end it. What is left is to end the process
+    /// without shutting the providers down and without destroying the server.
+    /// Errors: std::bad_alloc.
+    [[nodiscard]] bool stop(std::chrono::milliseconds gracePeriod = kGracePeriod);
+
+  private:
+    class Implementation;
+
+    std::unique_ptr<Implementation> implementation_;
+};
+
+}  // namespace Http

@@ -1,0 +1,383 @@
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ObjectManager/Http/Connection.h"
+#include "Platform/Http/TSKHTTPException.h"
+#include "Tests/ObjectManager/Http/RunningServer.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+class ConnectionTest : public RunningServer {
+  protected:
+    static constexpr std::size_t kLarge = 16UL * 1024 * 1024;
+
+    // Has "/test/large" answered with more than any socket takes at once, all else as before.
+    void serveLarge() {
+        large_.assign(kLarge, 'x');
+        provider_.answer = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+            if (request.getUri() != "/test/large")
+                return writeTo(ostr, kHello);
+            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+            writeTo(ostr, large_);
+        };
+    }
+
+    static constexpr const char* kGetLarge = "GET /test/large HTTP/1.1\r\nHost: a\r\n\r\n";
+    static constexpr const char* kTimeout = "The head of the request has not come in in time.";
+
+    std::string large_;
+};
+
+TEST_F(ConnectionTest, AnswersWhatTheProviderWrites) {
+    start();
+    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(answer("GET /test HTTP/1.0\r\n\r\n"), kHello);
+}
+
+TEST_F(ConnectionTest, TheProviderGetsTheRequestAsItWasReadAndChecked) {
+    std::string seen;
+    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        seen = (request.getMethod() + " " + request.getUri() + " " + request.getProtocol()).data();
+        for (const auto& field : request.getHeaderFields())
+            seen += ("|" + field.name + ": " + field.value).data();
+        writeTo(ostr, kHello);
+    };
+    start();
+    EXPECT_EQ(answer("\r\nPOST http://b:80/test/%41?c HTTP/1.1\r\nHost: a\r\nX:\ty \r\n\r\n"),
+              kHello);
+    EXPECT_EQ(seen, "POST /test/A HTTP/1.1|Host: b:80|X: y");
+}
+
+TEST_F(ConnectionTest, TheProviderIsToldTheClientsAddress) {
+    std::string seen;
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        TSKString host;
+        TSKString port;
+        ostr.getPeerAddressString(host, port);
+        seen = (host + " " + port).data();
+        writeTo(ostr, kHello);
+    };
+    start();
+    const Client client = sending(kGet);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(seen, "127.0.0.1 " + std::to_string(client.port()));
+}
+
+TEST_F(ConnectionTest, HeadGetsTheHeadAlone) {
+    start();
+    const std::string hello = kHello;
+    EXPECT_EQ(answer("HEAD /test HTTP/1.1\r\nHost: a\r\n\r\n"), hello.substr(0, hello.size() - 5));
+    EXPECT_EQ(answer("HEAD / HTTP/1.1\r\n\r\n"),
+              "HTTP/1.1 400 Bad Request\r\nConnection: close\r\n"
+              "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 27\r\n\r\n");
+}
+
+TEST_F(ConnectionTest, AFailureOfTheProviderIsAnswered) {
+    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& /*ostr*/) {
+        if (request.getUri() == "/test/private")
+            throw TSKHTTPException("here", "no", TSKHTTPException::kAuthenticationFailed);
+        throw std::runtime_error("reason");
+    };
+    start();
+    EXPECT_EQ(answer("GET /test/private HTTP/1.1\r\nHost: a\r\n\r\n"),
+              "HTTP/1.1 401 Unauthorized\r\nConnection: close\r\n"
+              "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\n"
+              "Content-Length: 0\r\n\r\n");
+    EXPECT_EQ(answer(kGet),
+              refusal("500 Internal Server Error", "The server failed; its log says why."));
+    EXPECT_EQ(answer("GET /other/path HTTP/1.1\r\nHost: a\r\n\r\n"),
+              refusal("404 Not Found", "There is nothing at this path."));
+    expectedLog_ = {"HttpFrontEnd|1|2|GET /test: reason"};
+}
+
+TEST_F(ConnectionTest, ARefusedRequestIsAnsweredWithTheReason) {
+    start();
+    EXPECT_EQ(answer("GET /test HTTP/1.1\r\n\r\n"),
+              refusal("400 Bad Request", "The Host field is missing."));
+    EXPECT_EQ(
+        answer("GET /test HTTP/2.0\r\nHost: a\r\n\r\n"),
+        refusal("505 HTTP Version Not Supported", "This server speaks HTTP/1.0 and HTTP/1.1."));
+    EXPECT_EQ(answer("TRACE /test HTTP/1.1\r\nHost: a\r\n\r\n"),
+              refusal("501 Not Implemented", "This method is not implemented."));
+}
+
+TEST_F(ConnectionTest, AnotherProtocolIsRefusedAtOnce) {
+    start();
+    EXPECT_EQ(answer("\x16\x03\x01\x02"),
+              refusal("400 Bad Request", "The head of the request holds a control character."));
+}
+
+TEST_F(ConnectionTest, TheHeadHasALimit) {
+    options_.requestLimits.mostHeadBytes = 100;
+    options_.requestLimits.mostRequestLineBytes = 50;
+    start();
+    const std::string head = "GET /test HTTP/1.1\r\nHost: a\r\nX: ";
+    EXPECT_EQ(answer(head + std::string(96 - head.size(), 'x') + "\r\n\r\n"), kHello);
+    EXPECT_EQ(answer(head + std::string(97 - head.size(), 'x') + "\r\n\r\n"),
+              refusal("431 Request Header Fields Too Large",
+                      "The head of the request is longer than 100 bytes."));
+    const std::string line = "GET /test";
+    const std::string end = " HTTP/1.1";
+    const std::string most(50 - line.size() - end.size() - 1, 'x');
+    EXPECT_EQ(answer(line + "/" + most + end + "\r\nHost: a\r\n\r\n"), kHello);
+    EXPECT_EQ(answer(line + "/x" + most + end + "\r\nHost: a\r\n\r\n"),
+              refusal("414 URI Too Long", "The request line is longer than 50 bytes."));
+}
+
+TEST_F(ConnectionTest, AHeadMayComeByteByByte) {
+    start();
+    const Client client = connect();
+    for (const char byte : std::string(kGet))
+        EXPECT_TRUE(client.send({&byte, 1}));
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+}
+
+TEST_F(ConnectionTest, AHeadThatEndsEarlyIsNotAnswered) {
+    start();
+    const std::string head = kGet;
+    for (std::size_t length = 0; length < head.size(); ++length) {
+        const Client client = sending(head.substr(0, length));
+        client.endSending();
+        EXPECT_EQ(client.readAll(), "") << length;
+        EXPECT_FALSE(client.wasReset()) << length;
+    }
+    EXPECT_EQ(answer(kGet), kHello);
+}
+
+TEST_F(ConnectionTest, AHeadThatDoesNotComeInTimeIsAnsweredSo) {
+    options_.headTime = milliseconds(50);
+    start();
+    const std::string head = kGet;
+    std::vector<Client> clients;
+    for (std::size_t length = 0; length < head.size(); ++length)
+        clients.push_back(sending(head.substr(0, length)));
+    for (const Client& client : clients)
+        EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
+    EXPECT_EQ(answer(kGet), kHello);
+}
+
+TEST_F(ConnectionTest, TheTimeForTheHeadIsForAllOfIt) {
+    options_.headTime = milliseconds(50);
+    options_.drainTime = milliseconds(50);
+    start();
+    const Client client = sending("GET /test HTTP/1.1\r\nHost: a\r\nX: ");
+    const auto deadline = steady_clock::now() + std::chrono::seconds(30);
+    std::string other;
+    bool isOpen = true;
+    std::thread reading([&] { other = client.readAll(); });
+    while (isOpen && steady_clock::now() < deadline) {
+        isOpen = client.send("x");
+        EXPECT_EQ(answer(kGet), kHello);
+    }
+    reading.join();
+    EXPECT_EQ(withoutDate(other), refusal("408 Request Timeout", kTimeout));
+}
+
+TEST_F(ConnectionTest, ThoseWhoSendNothingKeepNobodyWaiting) {
+    options_.workers = 1;
+    start();
+    std::vector<Client> idle;
+    for (int count = 0; count < 100; ++count)
+        idle.push_back(sending("GET /test HTTP/1.1\r\n"));
+    EXPECT_EQ(answer(kGet), kHello);
+    for (const Client& client : idle)
+        EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
+    for (const Client& client : idle)
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+}
+
+TEST_F(ConnectionTest, ThoseWhoReadSlowlyKeepNobodyWaiting) {
+    serveLarge();
+    options_.workers = 1;
+    start();
+    std::vector<Client> slow;
+    for (int count = 0; count < 3; ++count)
+        slow.push_back(sending(kGetLarge));
+    const std::string head = slow.front().read(12);
+    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(withoutDate(head + slow.front().readAll()),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+}
+
+TEST_F(ConnectionTest, ALargeAnswerIsTakenInSmallPieces) {
+    serveLarge();
+    start();
+    const Client client = sending(kGetLarge);
+    std::string text;
+    for (std::string piece = client.read(100'003); !piece.empty(); piece = client.read(100'003))
+        text += piece;
+    EXPECT_FALSE(client.wasReset());
+    EXPECT_EQ(withoutDate(text), "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+}
+
+TEST_F(ConnectionTest, WhoReadsNothingIsNotWaitedForForever) {
+    serveLarge();
+    options_.responseTime = milliseconds(50);
+    options_.mostConnections = 1;
+    start();
+    const Client client = sending(kGetLarge);
+    EXPECT_EQ(client.read(12), "HTTP/1.1 200");
+    waitUntilServed();
+    EXPECT_LT(client.readAll().size(), kLarge);
+}
+
+TEST_F(ConnectionTest, WhoReadsSlowlyIsNotWaitedForForever) {
+    serveLarge();
+    options_.responseTime = milliseconds(50);
+    options_.mostConnections = 2;
+    start();
+    const Client client = sending(kGetLarge);
+    std::size_t length = 0;
+    for (std::string piece = client.read(1024); !piece.empty(); piece = client.read(1024)) {
+        length += piece.size();
+        // Takes some time, so that the whole would take far longer than allowed.
+        if (length < kLarge / 8) {
+            EXPECT_EQ(answer(kGet), kHello);
+        }
+    }
+    EXPECT_LT(length, kLarge);
+}
+
+TEST_F(ConnectionTest, ASecondRequestIsIgnored) {
+    std::atomic<int> calls = 0;
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        ++calls;
+        writeTo(ostr, kHello);
+    };
+    start();
+    const Client client = sending(std::string(kGet) + kGet + "garbage");
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_FALSE(client.wasReset());
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(ConnectionTest, ABodyIsNotWaitedFor) {
+    start();
+    for (const char* const fields :
+         {"Content-Length: 18446744073709551615\r\n", "Transfer-Encoding: chunked\r\n",
+          "Expect: 100-continue\r\nContent-Length: 5\r\n"})
+        EXPECT_EQ(answer("POST /test HTTP/1.1\r\nHost: a\r\n" + std::string(fields) + "\r\n"),
+                  kHello)
+            << fields;
+    EXPECT_EQ(provider_.bodyBytes, 0U);
+}
+
+TEST_F(ConnectionTest, WhoSendsALargeBodyFirstStillGetsTheAnswer) {
+    start();
+    const std::string body(8UL * 1024 * 1024, 'b');
+    const Client client =
+        sending("POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: " + std::to_string(body.size()) +
+                "\r\n\r\n" + body);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ConnectionTest, WhoIsRefusedWhileSendingStillGetsTheAnswer) {
+    start();
+    const Client client = sending("\x01" + std::string(8UL * 1024 * 1024, 'b'));
+    EXPECT_EQ(withoutDate(client.readAll()),
+              refusal("400 Bad Request", "The head of the request holds a control character."));
+    EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ConnectionTest, WhoEndsSendingAfterTheRequestGetsTheAnswer) {
+    start();
+    const Client client = sending(kGet);
+    client.endSending();
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+}
+
+TEST_F(ConnectionTest, WhoSendsOnAndOnIsCutOff) {
+    options_.mostConnections = 1;
+    options_.mostDrainedBytes = 100'000;
+    start();
+    const std::string head = "POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 1000000\r\n\r\n";
+    const Client client = sending(head);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_TRUE(client.send(std::string(100'000, 'b')));
+    EXPECT_EQ(sending(kGet).readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_TRUE(client.send("b"));
+    waitUntilServed();
+}
+
+TEST_F(ConnectionTest, WhoDoesNotEndIsCutOff) {
+    options_.mostConnections = 1;
+    options_.drainTime = milliseconds(50);
+    start();
+    const Client client = sending("POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n");
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    waitUntilServed();
+}
+
+TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsAnswer) {
+    serveLarge();
+    std::promise<void> begun;
+    std::promise<void> gone;
+    const auto answerLarge = provider_.answer;
+    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        if (request.getUri() == "/test/large") {
+            begun.set_value();
+            gone.get_future().wait();
+        }
+        answerLarge(request, ostr);
+    };
+    options_.mostConnections = 2;
+    start();
+    Client client = sending(kGetLarge);
+    begun.get_future().wait();
+    client.reset();
+    gone.set_value();
+    EXPECT_EQ(answer(kGet), kHello);
+}
+
+TEST_F(ConnectionTest, AClientMayGoAwayAtAnyTime) {
+    serveLarge();
+    options_.mostConnections = 1;
+    start();
+    for (const char* const request : {"", "GET", kGetLarge}) {
+        {
+            Client client = sending(request);
+            if (request == kGetLarge) {
+                EXPECT_EQ(client.read(100'000).size(), 100'000U);
+            }
+            client.reset();
+        }
+        waitUntilServed();
+        { const Client client = sending(request); }
+        waitUntilServed();
+    }
+}
+
+TEST_F(ConnectionTest, ManyAreAnsweredAtTheSameTime) {
+    constexpr int kThreads = 8;
+    constexpr int kRounds = 100;
+    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        const std::string path = request.getUri().data();
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path);
+        writeTo(ostr, std::string(path.size() * 1000, 'x'));
+    };
+    options_.workers = 4;
+    start();
+    runOnThreads(kThreads, [&](int index) {
+        for (int round = 0; round < kRounds; ++round) {
+            const std::string path = "/test/" + std::to_string(index * kRounds + round);
+            EXPECT_EQ(answer("GET " + path + " HTTP/1.1\r\nHost: a\r\n\r\n"),
+                      "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path +
+                          std::string(path.size() * 1000, 'x'));
+        }
+    });
+}
+
+}  // namespace

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Http/Server.h"
+#include "Tests/ObjectManager/Http/Client.h"
+#include "Tests/ObjectManager/Http/FunctionProvider.h"
+#include "Tests/ObjectManager/Http/WithoutDate.h"
+#include "Tests/Support/RecordingLogSink.h"
+
+/// A server with one provider, which answers "hello" unless the test says otherwise. The log stays
+/// empty unless the test says otherwise.
+class RunningServer : public testing::Test {
+  protected:
+    using Lines = std::vector<std::string>;
+
+    static constexpr const char* kHello =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 5\r\n\r\nhello";
+    static constexpr const char* kGet = "GET /test HTTP/1.1\r\nHost: a\r\n\r\n";
+
+    RunningServer() {
+        options_.port = 0;
+        provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+            writeTo(ostr, kHello);
+        };
+        provider_.addTo(manager_);
+    }
+
+    void TearDown() override {
+        server_.reset();
+        EXPECT_EQ(log_.lines(), expectedLog_);
+    }
+
+    void start() {
+        server_.emplace(options_, manager_);
+        server_->start();
+    }
+
+    [[nodiscard]] Client connect() const {
+        const bool isIPv6 = server_->address().starts_with('[');
+        return {isIPv6 ? "::1" : "127.0.0.1", server_->port()};
+    }
+
+    /// A client who has sent that.
+    [[nodiscard]] Client sending(const std::string& bytes) const {
+        Client client = connect();
+        EXPECT_TRUE(client.send(bytes));
+        return client;
+    }
+
+    /// The answer to that, without its date.
+    [[nodiscard]] std::string answer(const std::string& request) const {
+        return withoutDate(sending(request).readAll());
+    }
+
+    /// Asks again and again until the server has room for the connection.
+    void waitUntilServed() const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        std::string status;
+        do {
+            status = sending(kGet).readAll().substr(0, 12);
+        } while (status != "HTTP/1.1 200" && std::chrono::steady_clock::now() < deadline);
+        EXPECT_EQ(status, "HTTP/1.1 200");
+    }
+
+    /// What the front end itself answers.
+    [[nodiscard]] static std::string refusal(const std::string& status, const std::string& text) {
+        return "HTTP/1.1 " + status +
+               "\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
+               "Content-Length: " +
+               std::to_string(text.size() + 1) + "\r\n\r\n" + text + "\n";
+    }
+
+    Http::ServerOptions options_;
+    TeskProviderPluginManager manager_;
+    FunctionProvider provider_;
+    LogRecording log_;
+    Lines expectedLog_;
+    std::optional<Http::Server> server_;
+};

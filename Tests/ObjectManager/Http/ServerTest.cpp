@@ -1,0 +1,361 @@
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "ObjectManager/Http/Server.h"
+#include "Tests/ObjectManager/Http/RunningServer.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+class ServerTest : public RunningServer {
+  protected:
+    // Has the provider tell when it has begun, and wait until the test lets it go on.
+    void makeProviderWait() {
+        provider_.answer = [this](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+            ++calls_;
+            begun_.set_value();
+            goOn_.get_future().wait();
+            writeTo(ostr, kHello);
+            hasReturned_ = true;
+        };
+    }
+
+    // Whether nobody listens there.
+    [[nodiscard]] static bool refusesConnections(std::uint16_t port) {
+        try {
+            const Client client("127.0.0.1", port);
+        } catch (const std::system_error& error) {
+            return error.code() == std::errc::connection_refused;
+        }
+        return false;
+    }
+
+    std::promise<void> begun_;
+    std::promise<void> goOn_;
+    std::atomic<int> calls_ = 0;
+    std::atomic<bool> hasReturned_ = false;
+};
+
+// Whether the machine has IPv6.
+bool hasIPv6() {
+    const int descriptor = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return false;
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const bool binds =
+        bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(descriptor);
+    return binds;
+}
+
+TEST_F(ServerTest, TellsWhereItListens) {
+    start();
+    EXPECT_EQ(server_->address(), "127.0.0.1");
+    EXPECT_NE(server_->port(), 0);
+}
+
+TEST_F(ServerTest, ServesThoseWhoCameBeforeItStarted) {
+    server_.emplace(options_, manager_);
+    const Client client = sending(kGet);
+    server_->start();
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+}
+
+TEST_F(ServerTest, APortThatIsInUseIsAnError) {
+    start();
+    options_.port = server_->port();
+    try {
+        const Http::Server second(options_, manager_);
+        FAIL();
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.what(), "Cannot listen on 127.0.0.1 port " + std::to_string(options_.port) +
+                                    ": Address already in use");
+        EXPECT_EQ(error.code(), std::errc::address_in_use);
+    }
+}
+
+TEST_F(ServerTest, APortCanBeTakenOverAfterARestart) {
+    start();
+    options_.port = server_->port();
+    const Client client = sending(kGet);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    server_.reset();
+    start();
+    EXPECT_EQ(answer(kGet), kHello);
+}
+
+TEST_F(ServerTest, ListensOnIPv6) {
+    if (!hasIPv6())
+        GTEST_SKIP() << "This machine has no IPv6.";
+    std::string seen;
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        TSKString host;
+        TSKString port;
+        ostr.getPeerAddressString(host, port);
+        seen = host.data();
+        writeTo(ostr, kHello);
+    };
+    options_.address = "::1";
+    start();
+    EXPECT_EQ(server_->address(), "[::1]");
+    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(seen, "[::1]");
+}
+
+TEST_F(ServerTest, EveryIPv6AddressIncludesIPv4) {
+    if (!hasIPv6())
+        GTEST_SKIP() << "This machine has no IPv6.";
+    std::string seen;
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        TSKString host;
+        TSKString port;
+        ostr.getPeerAddressString(host, port);
+        seen = host.data();
+        writeTo(ostr, kHello);
+    };
+    options_.address = "::";
+    start();
+    EXPECT_EQ(server_->address(), "[::]");
+    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(seen, "[::1]");
+    const Client client("127.0.0.1", server_->port());
+    EXPECT_TRUE(client.send(kGet));
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(seen, "127.0.0.1");
+}
+
+TEST_F(ServerTest, AsksTheServicesOwnHandlerFirst) {
+    class Handler : public Http::RequestHandler {
+      public:
+        bool handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& /*istr*/,
+                    TSKGenericHTTPOStream& ostr) override {
+            if (request.getUri() != "/")
+                return false;
+            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nindex");
+            return true;
+        }
+    };
+    Handler handler;
+    server_.emplace(options_, manager_, &handler);
+    server_->start();
+    EXPECT_EQ(answer("GET / HTTP/1.1\r\nHost: a\r\n\r\n"),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nindex");
+    EXPECT_EQ(answer(kGet), kHello);
+    server_.reset();
+}
+
+TEST_F(ServerTest, OneConnectionTooManyIsTurnedAway) {
+    options_.mostConnections = 3;
+    start();
+    std::vector<Client> clients;
+    for (int count = 0; count < 3; ++count)
+        clients.push_back(connect());
+    const std::string busy =
+        refusal("503 Service Unavailable", "The server has too many connections. Try again later.");
+    EXPECT_EQ(withoutDate(connect().readAll()), busy);
+    for (const Client& client : clients) {
+        EXPECT_TRUE(client.send(kGet));
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    }
+    clients.clear();
+    waitUntilServed();
+}
+
+TEST_F(ServerTest, WhoIsTurnedAwayIsAnsweredAfterTheRequest) {
+    options_.mostConnections = 1;
+    server_.emplace(options_, manager_);
+    const Client first = connect();
+    const Client second = sending(kGet);
+    const Client third = sending("HEAD /test HTTP/1.1\r\nHost: a\r\n\r\n");
+    server_->start();
+    EXPECT_EQ(withoutDate(second.readAll()),
+              refusal("503 Service Unavailable",
+                      "The server has too many connections. Try again later."));
+    EXPECT_EQ(withoutDate(third.readAll()),
+              "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\n"
+              "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 54\r\n\r\n");
+    EXPECT_FALSE(second.wasReset());
+    EXPECT_FALSE(third.wasReset());
+}
+
+TEST_F(ServerTest, TwoThousandWhoSendNothingKeepNobodyWaiting) {
+    constexpr rlim_t kDescriptors = 4200;
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    if (limit.rlim_max < kDescriptors)
+        GTEST_SKIP() << "This process may not open enough files.";
+    limit.rlim_cur = std::max(limit.rlim_cur, kDescriptors);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    options_.workers = 1;
+    options_.headTime = seconds(60);
+    start();
+    std::vector<Client> idle;
+    for (int count = 0; count < 2000; ++count)
+        idle.push_back(connect());
+    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_TRUE(idle.front().send(kGet));
+    EXPECT_TRUE(idle.back().send(kGet));
+    EXPECT_EQ(withoutDate(idle.front().readAll()), kHello);
+    EXPECT_EQ(withoutDate(idle.back().readAll()), kHello);
+}
+
+TEST_F(ServerTest, GoesOnAfterTheFileDescriptorsHaveRunOut) {
+    start();
+    const Client client = [&] {
+        Client connected = connect();
+        EXPECT_EQ(answer(kGet), kHello);  // the first client has been accepted before this one
+        return connected;
+    }();
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit before = limit;
+    limit.rlim_cur = 256;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    std::vector<int> taken;
+    for (int descriptor = dup(STDERR_FILENO); descriptor >= 0; descriptor = dup(STDERR_FILENO))
+        taken.push_back(descriptor);
+    ASSERT_FALSE(taken.empty());
+    close(taken.back());  // for the client's side
+    taken.pop_back();
+    const Client waiting = sending(kGet);
+    const auto deadline = steady_clock::now() + seconds(30);
+    while (log_.lines().empty() && steady_clock::now() < deadline)
+        std::this_thread::yield();
+    EXPECT_TRUE(client.send(kGet));
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    for (const int descriptor : taken)
+        close(descriptor);
+    EXPECT_EQ(withoutDate(waiting.readAll()), kHello);
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    expectedLog_ = {"HttpFrontEnd|1|2|Cannot accept connections for now: Too many open files"};
+}
+
+TEST_F(ServerTest, StopsWhenNobodyIsThere) {
+    start();
+    EXPECT_TRUE(server_->stop());
+    EXPECT_TRUE(refusesConnections(server_->port()));
+    EXPECT_TRUE(server_->stop());
+}
+
+TEST_F(ServerTest, StopsBeforeItHasStarted) {
+    server_.emplace(options_, manager_);
+    EXPECT_TRUE(server_->stop());
+    EXPECT_TRUE(refusesConnections(server_->port()));
+}
+
+TEST_F(ServerTest, ClosesThoseWhoseRequestHasNotComeInWhenItStops) {
+    options_.headTime = seconds(60);
+    start();
+    const Client silent = connect();
+    const Client begun = sending("GET /test HTTP/1.1\r\n");
+    EXPECT_EQ(answer(kGet), kHello);  // all have been accepted
+    EXPECT_TRUE(server_->stop(seconds(60)));
+    EXPECT_EQ(silent.readAll(), "");
+    EXPECT_EQ(begun.readAll(), "");
+}
+
+TEST_F(ServerTest, LetsWhatRunsFinishWhenItStops) {
+    makeProviderWait();
+    start();
+    const Client client = sending(kGet);
+    begun_.get_future().wait();
+    std::future<bool> stopped = std::async(std::launch::async, [&] { return server_->stop(); });
+    while (!refusesConnections(server_->port()))
+        std::this_thread::yield();
+    goOn_.set_value();
+    EXPECT_TRUE(stopped.get());
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+}
+
+TEST_F(ServerTest, TellsOfAProviderThatDoesNotReturnWhenItStops) {
+    makeProviderWait();
+    start();
+    const Client client = sending(kGet);
+    begun_.get_future().wait();
+    EXPECT_FALSE(server_->stop(milliseconds(1)));
+    goOn_.set_value();
+    EXPECT_TRUE(server_->stop());
+    EXPECT_EQ(client.readAll(), "");
+}
+
+TEST_F(ServerTest, ARequestThatNoWorkerHasBegunIsDroppedAfterTheGracePeriod) {
+    makeProviderWait();
+    options_.workers = 1;
+    options_.mostConnections = 2;
+    start();
+    const Client running = sending(kGet);
+    begun_.get_future().wait();
+    const Client waiting = sending(kGet);
+    // The server has read the request by the time that it has turned two others away.
+    for (int count = 0; count < 2; ++count)
+        EXPECT_EQ(connect().readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_FALSE(server_->stop(milliseconds(1)));
+    EXPECT_EQ(waiting.readAll(), "");
+    EXPECT_FALSE(waiting.wasReset());
+    goOn_.set_value();
+    EXPECT_TRUE(server_->stop());
+    EXPECT_EQ(calls_, 1);
+}
+
+TEST_F(ServerTest, ClosesThoseWhoReadNothingAfterTheGracePeriod) {
+    const std::string large(16UL * 1024 * 1024, 'x');
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 200 OK\r\n\r\n");
+        writeTo(ostr, large);
+    };
+    start();
+    const Client client = sending(kGet);
+    EXPECT_EQ(client.read(12), "HTTP/1.1 200");
+    EXPECT_TRUE(server_->stop(milliseconds(1)));
+    EXPECT_LT(client.readAll().size(), large.size());
+}
+
+TEST_F(ServerTest, AnAnswerIsTakenWithinTheGracePeriod) {
+    const std::string large(16UL * 1024 * 1024, 'x');
+    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+        writeTo(ostr, large);
+    };
+    start();
+    const Client client = sending(kGet);
+    const std::string begin = client.read(12);
+    std::future<bool> stopped =
+        std::async(std::launch::async, [&] { return server_->stop(seconds(60)); });
+    while (!refusesConnections(server_->port()))
+        std::this_thread::yield();
+    EXPECT_EQ(withoutDate(begin + client.readAll()),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large);
+    EXPECT_TRUE(stopped.get());
+}
+
+TEST_F(ServerTest, ItsEndWaitsForTheProvider) {
+    makeProviderWait();
+    start();
+    const Client client = sending(kGet);
+    begun_.get_future().wait();
+    std::thread releasing([this, port = server_->port()] {
+        while (!refusesConnections(port))
+            std::this_thread::yield();
+        goOn_.set_value();
+    });
+    server_.reset();
+    EXPECT_TRUE(hasReturned_);
+    releasing.join();
+}
+
+}  // namespace

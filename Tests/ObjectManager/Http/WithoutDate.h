@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string>
+
+/// `answer` without the line "Date: ..." behind its status line. Fails the test when there is none,
+/// it is malformed, or its time is not about now.
+[[nodiscard]] std::string withoutDate(const std::string& answer);
