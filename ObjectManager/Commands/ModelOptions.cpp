@@ -22,12 +22,12 @@ std::vector<NamespaceSource> sampleModel() {
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }
 
-Configuration::Settings configurationOf(const ModelOptions& options) {
+Configuration::Settings configurationOf(const ModelOptions& options, std::ostream& faults) {
     if (options.configuration.empty())
         return {};
     Configuration::SettingsReading reading = Configuration::readSettings(options.configuration);
     for (const Configuration::SettingsError& error : reading.errors)
-        std::cerr << error.toString();
+        faults << error.toString();
     if (!reading.errors.empty()) {
         throw TeskBaseException("settingsOf", "the configuration has errors and is not used",
                                 CIM_ERR_FAILED);
@@ -49,8 +49,8 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         ->type_name("FILE");
 }
 
-Configuration::Settings settingsOf(const ModelOptions& options) {
-    Configuration::Settings settings = configurationOf(options);
+Configuration::Settings settingsOf(const ModelOptions& options, std::ostream& faults) {
+    Configuration::Settings settings = configurationOf(options, faults);
     if (!options.namespaces.empty())
         settings.namespaces.clear();
     for (const std::string& text : options.namespaces)
@@ -60,11 +60,16 @@ Configuration::Settings settingsOf(const ModelOptions& options) {
     return settings;
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+Configuration::Settings settingsOf(const ModelOptions& options) {
+    return settingsOf(options, std::cerr);
+}
+
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
+                                     std::ostream& faults) {
     const LoadedRepository loaded =
         loadRepository(settings.namespaces, settings.includePath, settings.repository);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
-        std::cerr << diagnostic.toString();
+        faults << diagnostic.toString();
     if (!loaded.repository) {
         throw TeskBaseException("loadModel", "the classes have errors and are not used",
                                 CIM_ERR_FAILED);
@@ -74,6 +79,10 @@ TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
             std::cerr << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
     return loaded.repository;
+}
+
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+    return loadModel(settings, std::cerr);
 }
 
 }  // namespace Commands
