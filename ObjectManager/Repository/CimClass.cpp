@@ -110,15 +110,6 @@ CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>> CimClass::getMethods(
     return iterateOver<urma::IMethodDef>(includeInherited ? *methods_.all : methods_.own);
 }
 
-std::size_t CimClass::countListed() const noexcept {
-    std::size_t count = properties_.all.size() + methods_.all.size() + countQualifiers();
-    for (const CimProperty& property : properties_.declared)
-        count += property.countQualifiers();
-    for (const CimMethod& method : methods_.declared)
-        count += method.countAllQualifiers();
-    return count;
-}
-
 const CimClass& CimClass::declaringClass(const CimProperty& property) const noexcept {
     const CimClass* declaring = this;
     while (declaring->superclass() != nullptr &&

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 #include "ObjectManager/Repository/CimDefinition.h"
@@ -35,10 +34,6 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
     [[nodiscard]] const std::vector<const CimMethod*>& methods() const noexcept {
         return *methods_.all;
     }
-
-    /// The number of properties, methods and qualifiers that the class lists, with what it
-    /// inherits, and that those list which it declares itself.
-    [[nodiscard]] std::size_t countListed() const noexcept;
 
     /// The class that declares what this one lists: itself or a superclass.
     [[nodiscard]] const CimClass& declaringClass(const CimProperty& property) const noexcept;

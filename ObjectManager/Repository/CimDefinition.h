@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <utility>
 
 #include "ObjectManager/Repository/CimQualifiers.h"
@@ -27,9 +26,6 @@ class CimDefinition : public Interface {
 
     /// As getName, without a copy.
     [[nodiscard]] const TSKString& name() const noexcept { return name_; }
-
-    /// How many qualifiers there are, with the propagated ones.
-    [[nodiscard]] std::size_t countQualifiers() const noexcept { return qualifiers_.count(); }
 
   protected:
     CimDefinition(TSKString name, Mof::Qualifiers&& qualifiers, const RepositoryOptions& options)

@@ -20,13 +20,6 @@ CI_AutoPtr_U<urma::Iterator<const urma::IParameterDef&>> CimMethod::getParameter
     return iterateOver<urma::IParameterDef>(parameterList_);
 }
 
-std::size_t CimMethod::countAllQualifiers() const noexcept {
-    std::size_t count = countQualifiers();
-    for (const CimParameter& parameter : parameters_)
-        count += parameter.countQualifiers();
-    return count;
-}
-
 void CimMethod::override(const CimMethod& overridden) {
     inheritQualifiers(overridden);
     Mof::NameMap<const CimParameter*> overriddenParameters;

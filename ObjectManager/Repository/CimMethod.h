@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 #include "ObjectManager/Repository/CimDefinition.h"
@@ -27,9 +26,6 @@ class CimMethod : public CimDefinition<urma::IMethodDef> {
     [[nodiscard]] const std::vector<CimParameter>& parameters() const noexcept {
         return parameters_;
     }
-
-    /// The number of its qualifiers and those of its parameters, with the propagated ones.
-    [[nodiscard]] std::size_t countAllQualifiers() const noexcept;
 
     /// Takes the propagated qualifiers of the definition that this one overrides; each parameter
     /// those of the parameter of its name.

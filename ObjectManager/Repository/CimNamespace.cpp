@@ -33,15 +33,8 @@ class ClassMaker {
                 superclass = make(places_.at(declaration.superclass.text));
             classes_[place] =
                 TSKSmrPtr<CimClass>::make(std::move(declaration), std::move(superclass), options_);
-            requireRoomFor(*classes_[place]);
         }
         return classes_[place];
-    }
-
-    void requireRoomFor(const CimClass& cimClass) {
-        listed_ += cimClass.countListed();
-        if (listed_ > options_.mostListed)
-            throw TooMuchInherited();
     }
 
     std::vector<Mof::ClassDeclaration>& declarations_;
@@ -49,7 +42,6 @@ class ClassMaker {
     std::vector<TSKSmrPtr<CimClass>> classes_;
     std::vector<TSKString> names_;  // which the places are found by while declarations are used up
     Mof::NameMap<std::size_t> places_;
-    std::size_t listed_ = 0;
 };
 
 }  // namespace

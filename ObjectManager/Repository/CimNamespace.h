@@ -8,16 +8,12 @@
 #include "ObjectManager/Repository/CimClass.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"
 
-/// Thrown when classes inherit more in all than RepositoryOptions::mostListed allows.
-struct TooMuchInherited {};
-
 /// A namespace and its classes.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
 class CimNamespace {
   public:
     /// `declarations` are free of errors, as Mof::compile says. Takes the texts out of them.
-    /// Errors: TooMuchInherited.
     CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
                  const RepositoryOptions& options);
 

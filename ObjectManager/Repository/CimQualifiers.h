@@ -31,9 +31,6 @@ class CimQualifiers {
     [[nodiscard]] const CimQualifier* find(const TSKString& name,
                                            bool includePropagated) const noexcept;
 
-    /// How many there are, with the propagated ones.
-    [[nodiscard]] std::size_t count() const noexcept { return all_.size(); }
-
     /// The written ones in their order, then the propagated ones.
     [[nodiscard]] CI_AutoPtr_U<urma::Iterator<const urma::IQualifier&>> iterate(
         bool includePropagated) const;

@@ -24,16 +24,6 @@ std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) 
     return sums;
 }
 
-Mof::Diagnostic tooMuchInherited(const NamespaceSource& source, std::size_t mostListed) {
-    Mof::Diagnostic diagnostic;
-    diagnostic.file = source.paths.front();
-    diagnostic.place = {.line = 0, .column = 0};
-    diagnostic.message = "with what they inherit, the classes of " + source.name +
-                         " have more than " + std::to_string(mostListed) +
-                         " properties, methods and qualifiers in all";
-    return diagnostic;
-}
-
 }  // namespace
 
 LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
@@ -49,14 +39,9 @@ LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
         failed = failed || compilation.hasErrors();
         std::move(compilation.diagnostics.begin(), compilation.diagnostics.end(),
                   std::back_inserter(loaded.diagnostics));
-        if (failed)
-            continue;
-        try {
+        if (!failed) {
             namespaces.emplace_back(TSKString(source.name), std::move(compilation.classes),
                                     options);
-        } catch (const TooMuchInherited&) {
-            failed = true;
-            loaded.diagnostics.push_back(tooMuchInherited(source, options.mostListed));
         }
     }
     if (!failed)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 /// The order in which a class lists its properties.
@@ -19,12 +18,6 @@ struct RepositoryOptions {
     /// Whether the texts of Description qualifiers are handed out with `&`, `<` and `>` escaped.
     /// Documents insert them as they are, and would not be well-formed without it.
     bool escapeDescriptions = true;
-
-    /// How many properties, methods and qualifiers all classes of a namespace may list, with what
-    /// they inherit. The DMTF's whole schema has 50 thousand; each takes the place of a pointer.
-    /// Thousands of classes below one with thousands of properties would take memory by the square
-    /// of what is written.
-    std::size_t mostListed = 10'000'000;
 
     friend bool operator==(const RepositoryOptions&, const RepositoryOptions&) = default;
 };

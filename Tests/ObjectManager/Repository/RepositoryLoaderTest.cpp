@@ -164,45 +164,4 @@ TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreAnsweredInAMoment)
     EXPECT_EQ(count, 2 * kVeryMany);
 }
 
-// What every kind of definition lists is counted: A_B has 2 properties, a method and 7 qualifiers,
-// A_C adds a method and overrides a property and a method, with qualifiers that propagate.
-TEST_F(RepositoryLoaderTest, MoreInheritedThanAllowedIsAnError) {
-    const std::string file =
-        folder_.write("a.mof",
-                      "Qualifier Q : boolean = false, Scope (any), Flavor (ToSubclass);"
-                      "Qualifier R : boolean = false, Scope (any), Flavor (ToSubclass);"
-                      "[Q] class A_B { [Q, R] uint8 p; uint8 q; [Q, R] uint8 m([Q, R] uint8 a); };"
-                      "class A_C : A_B { uint8 p; uint8 m(uint8 a); uint8 n(); };");
-    constexpr std::size_t kSuperclass = 2 + 1 + 7;
-    constexpr std::size_t kSubclass = 2 + 2 + 7;
-    RepositoryOptions options;
-    options.mostListed = kSuperclass + kSubclass;
-    const LoadedRepository loaded = loadRepository({{"root/one", {file}}}, {}, options);
-    EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
-    EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C");
-
-    --options.mostListed;
-    const LoadedRepository refused =
-        loadRepository({{"root/one", {file}}, {"root/two", {}}}, {}, options);
-    EXPECT_TRUE(refused.repository.isNull());
-    EXPECT_EQ(folder_.shown(refused.diagnostics),
-              "a.mof: error: with what they inherit, the classes of root/one have more than 20 "
-              "properties, methods and qualifiers in all\n");
-}
-
-TEST_F(RepositoryLoaderTest, ManyClassesBelowAWideOneAreRefusedBeforeMemoryRunsOut) {
-    constexpr int kMany = 20'000;
-    std::string mof = "class A_B {";
-    for (int number = 0; number < kMany; ++number)
-        mof += "uint8 p" + std::to_string(number) + ";";
-    mof += "};";
-    for (int number = 0; number < kMany; ++number)
-        mof += "class B_" + std::to_string(number) + ": A_B {};";
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {folder_.write("a.mof", mof)}}}, {}, {});
-    EXPECT_EQ(folder_.shown(loaded.diagnostics),
-              "a.mof: error: with what they inherit, the classes of root/one have more than "
-              "10000000 properties, methods and qualifiers in all\n");
-}
-
 }  // namespace
