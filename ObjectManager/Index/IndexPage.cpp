@@ -1,0 +1,134 @@
+#include "ObjectManager/Index/IndexPage.h"
+
+#include <string_view>
+
+#include "ObjectManager/Index/FirstSentence.h"
+#include "ObjectManager/Index/HtmlText.h"
+#include "ObjectManager/Index/PageParts.h"
+#include "ObjectManager/Index/PercentEncoding.h"
+#include "ObjectManager/Index/SourceHash.h"
+
+namespace Index {
+
+namespace {
+
+// About a line of a wide window. The page is loaded as a whole, and full sentences would make it
+// half as large again for a schema of more than a thousand classes; the document has all.
+constexpr std::size_t kMostDescriptionBytes = 80;
+
+std::string countOf(std::size_t count, const char* singular, const char* plural) {
+    return std::to_string(count) + " " + (count == 1 ? singular : plural);
+}
+
+// The written one: what is inherited tells about the superclass.
+std::string descriptionOf(const CimClass& cimClass, const RepositoryOptions& options) {
+    const urma::IQualifier* const qualifier = cimClass.getQualifier("Description", false);
+    if (qualifier == nullptr || !qualifier->hasValue())
+        return {};
+    const TSKString text = qualifier->getValue()->toString();
+    return firstSentence(options.escapeDescriptions ? withoutEscapes(text) : std::string(text),
+                         kMostDescriptionBytes);
+}
+
+// HTML lets the tags out that end items and paragraphs, and the quotes around such links: with a
+// thousand classes that counts.
+void appendClass(std::string& page, const CimNamespace& nameSpace, const std::string& folder,
+                 const CimClass& cimClass) {
+    const std::string document = folder + percentEncodedPath(cimClass.name());
+    page += "<li><a href=" + document + ".wsdl>" + htmlText(cimClass.name()) + "</a>";
+    if (cimClass.superclass() != nullptr)
+        page += " <i>" + htmlText(cimClass.superclass()->name()) + "</i>";
+    page += " <a href=" + document + ".xsd>XSD</a>";
+    const std::string description = descriptionOf(cimClass, nameSpace.options());
+    if (!description.empty())
+        page += " <p>" + htmlText(description);
+    page += "\n";
+}
+
+void appendNamespace(std::string& page, const CimNamespace& nameSpace, std::size_t number) {
+    page += "<section>\n<h2 id=namespace-" + std::to_string(number) + ">" +
+            htmlText(nameSpace.name()) + " <small>" +
+            countOf(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
+    const std::string folder = percentEncodedPath(nameSpace.name()) + "/";
+    for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+        appendClass(page, nameSpace, folder, *cimClass);
+    page += "</ul>\n</section>\n";
+}
+
+// Of use where there is more than one namespace.
+std::string linksToNamespaces(const ClassRepository& repository) {
+    std::string links;
+    for (const CimNamespace& nameSpace : repository.namespaces()) {
+        const std::size_t number =
+            static_cast<std::size_t>(&nameSpace - repository.namespaces().data()) + 1;
+        links += "<a href=#namespace-" + std::to_string(number) + ">" + htmlText(nameSpace.name()) +
+                 "</a>\n";
+    }
+    return repository.namespaces().size() < 2
+               ? ""
+               : "<nav aria-label=\"Namespaces\">\n" + links + "</nav>\n";
+}
+
+std::string policyOfPage() {
+    return "default-src 'none'; script-src " + sourceHash(kPageScript) + "; style-src " +
+           sourceHash(kPageStyle) + "; img-src data:; base-uri 'none'; form-action 'none'";
+}
+
+// A picture in the page itself, so that no browser asks for a /favicon.ico.
+constexpr std::string_view kIcon =
+    "data:image/svg+xml,%3Csvg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 16 16'%3E"
+    "%3Crect width='16' height='16' rx='3' fill='%230550ae'/%3E"
+    "%3Cpath d='M3 4h10v2.2H9.2V13H6.8V6.2H3z' fill='white'/%3E%3C/svg%3E";
+
+std::string head() {
+    std::string text = R"(<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta http-equiv="Content-Security-Policy" content=")";
+    text += policyOfPage();
+    text += R"(">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<title>WSDL and XML Schema of CIM classes</title>
+<link rel="icon" href=")";
+    text += kIcon;
+    text += "\">\n<style>";
+    text += kPageStyle;
+    text += "</style>\n</head>\n";
+    return text;
+}
+
+// The filter is shown by the script that makes it work.
+constexpr std::string_view kFilter = R"(<div role="search" id="search" hidden>
+<label for="filter">Filter</label>
+<input id="filter" type="search" autocomplete="off" spellcheck="false"
+  placeholder="words of name, superclass or description">
+<output id="count" for="filter"></output>
+</div>
+)";
+
+}  // namespace
+
+std::string makeIndexPage(const ClassRepository& repository) {
+    std::string page = head();
+    page += "<body>\n<header>\n<h1>WSDL and XML Schema of CIM classes</h1>\n<p>" +
+            countOf(repository.countClasses(), "class", "classes") + " in " +
+            countOf(repository.namespaces().size(), "namespace", "namespaces") +
+            ". A name leads to the WSDL document of the class, XSD to its XML Schema.</p>\n";
+    page += linksToNamespaces(repository) + "</header>\n";
+    page += kFilter;
+    page += "<main>\n";
+    std::size_t number = 0;
+    for (const CimNamespace& nameSpace : repository.namespaces())
+        appendNamespace(page, nameSpace, ++number);
+    page += "</main>\n<script>";
+    page += kPageScript;
+    page += "</script>\n</body>\n</html>\n";
+    return page;
+}
+
+std::string contentSecurityPolicy() {
+    return policyOfPage() + "; frame-ancestors 'none'";
+}
+
+}  // namespace Index

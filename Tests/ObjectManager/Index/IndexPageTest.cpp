@@ -1,0 +1,191 @@
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex>
+#include <string>
+
+#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Index/SourceHash.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+
+namespace {
+
+std::string between(const std::string& text, const std::string& begin, const std::string& end) {
+    const std::size_t start = text.find(begin);
+    if (start == std::string::npos)
+        return "no " + begin;
+    const std::size_t from = start + begin.size();
+    return text.substr(from, text.find(end, from) - from);
+}
+
+// What depends on the classes.
+std::string mainOf(const std::string& page) {
+    return between(page, "<main>\n", "</main>");
+}
+
+class IndexPageTest : public RepositoryTest {
+  protected:
+    [[nodiscard]] std::string listOf(const std::string& mof,
+                                     const RepositoryOptions& options = {}) const {
+        return between(Index::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
+    }
+};
+
+TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
+    const std::string page = Index::makeIndexPage(*load(R"(
+        [Description ("A thing. It is there.")] class TST_Thing {};
+        class TST_Nothing : TST_Thing {};)"));
+    EXPECT_EQ(mainOf(page), R"(<section>
+<h2 id=namespace-1>root/test <small>2 classes</small></h2>
+<ul>
+<li><a href=root/test/TST_Nothing.wsdl>TST_Nothing</a> <i>TST_Thing</i> <a href=root/test/TST_Nothing.xsd>XSD</a>
+<li><a href=root/test/TST_Thing.wsdl>TST_Thing</a> <a href=root/test/TST_Thing.xsd>XSD</a> <p>A thing.
+</ul>
+</section>
+)");
+    EXPECT_NE(page.find("<p>2 classes in 1 namespace. "), std::string::npos);
+    EXPECT_EQ(page.find("<nav"), std::string::npos);
+}
+
+TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
+    const std::string file = folder_.write("a.mof", "class A {};");
+    const TSKSmrPtr<ClassRepository> repository =
+        loadRepository({{.name = "root/b", .paths = {file}},
+                        {.name = "a", .paths = {file}},
+                        {.name = "c", .paths = {folder_.write("c.mof", "")}}},
+                       {}, {})
+            .repository;
+    ASSERT_TRUE(repository);
+    const std::string page = Index::makeIndexPage(*repository);
+    EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
+              "<a href=#namespace-1>root/b</a>\n"
+              "<a href=#namespace-2>a</a>\n"
+              "<a href=#namespace-3>c</a>\n");
+    EXPECT_EQ(mainOf(page), R"(<section>
+<h2 id=namespace-1>root/b <small>1 class</small></h2>
+<ul>
+<li><a href=root/b/A.wsdl>A</a> <a href=root/b/A.xsd>XSD</a>
+</ul>
+</section>
+<section>
+<h2 id=namespace-2>a <small>1 class</small></h2>
+<ul>
+<li><a href=a/A.wsdl>A</a> <a href=a/A.xsd>XSD</a>
+</ul>
+</section>
+<section>
+<h2 id=namespace-3>c <small>0 classes</small></h2>
+<ul>
+</ul>
+</section>
+)");
+    EXPECT_NE(page.find("<p>2 classes in 3 namespaces. "), std::string::npos);
+}
+
+TEST_F(IndexPageTest, ARepositoryMayBeEmpty) {
+    EXPECT_EQ(mainOf(Index::makeIndexPage(ClassRepository({}))), "");
+}
+
+// Whether the repository escapes descriptions or not.
+TEST_F(IndexPageTest, DescriptionsAreEscapedOnce) {
+    const std::string mof =
+        R"([Description ("<b>a</b> & \"b\" &lt; &amp;lt;\nc <script>")] class A {};)";
+    const std::string expected =
+        "<li><a href=root/test/A.wsdl>A</a> <a href=root/test/A.xsd>XSD</a> "
+        "<p>&lt;b&gt;a&lt;/b&gt; &amp; &quot;b&quot; &amp;lt; &amp;amp;lt; c &lt;script&gt;\n";
+    EXPECT_EQ(listOf(mof, {.escapeDescriptions = true}), expected);
+    EXPECT_EQ(listOf(mof, {.escapeDescriptions = false}), expected);
+}
+
+TEST_F(IndexPageTest, ADescriptionIsCutBeforeItIsEscaped) {
+    const std::string description(79, '<');
+    std::string escaped;
+    for (int count = 0; count < 79; ++count)
+        escaped += "&lt;";
+    EXPECT_EQ(
+        between(listOf("[Description (\"" + description + "> x\")] class A {};"), "<p>", "\n"),
+        escaped + "&gt;…");
+    EXPECT_EQ(between(listOf("[Description (\"" + description + ">>\")] class A {};"), "<p>", "\n"),
+              escaped + "&gt;…");
+    EXPECT_EQ(between(listOf("[Description (\"" + description + ">\")] class A {};"), "<p>", "\n"),
+              escaped + "&gt;");
+}
+
+TEST_F(IndexPageTest, AnInheritedDescriptionTellsNothingOfTheClass) {
+    EXPECT_EQ(listOf(R"([Description ("A.")] class A {}; class B : A {};)"),
+              "<li><a href=root/test/A.wsdl>A</a> <a href=root/test/A.xsd>XSD</a> <p>A.\n"
+              "<li><a href=root/test/B.wsdl>B</a> <i>A</i> <a href=root/test/B.xsd>XSD</a>\n");
+}
+
+// Names that no MOF file could declare.
+TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
+    std::vector<Mof::ClassDeclaration> declarations(2);
+    declarations[0].name.text = "<a> \"b\" &c";
+    declarations[1].name.text = "z>";
+    declarations[1].superclass.text = declarations[0].name.text;
+    std::vector<CimNamespace> namespaces;
+    namespaces.emplace_back("java script:/<x>", std::move(declarations), RepositoryOptions());
+    namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(), RepositoryOptions());
+    const std::string page = Index::makeIndexPage(ClassRepository(std::move(namespaces)));
+    EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
+              "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
+              "<a href=#namespace-2>&amp;</a>\n");
+    const std::string folder = "java%20script%3A/%3Cx%3E/";
+    const std::string first = folder + "%3Ca%3E%20%22b%22%20%26c";
+    EXPECT_EQ(between(page, "<section>\n", "</section>"),
+              "<h2 id=namespace-1>java script:/&lt;x&gt; <small>2 classes</small></h2>\n<ul>\n"
+              "<li><a href=" +
+                  first + ".wsdl>&lt;a&gt; &quot;b&quot; &amp;c</a> <a href=" + first +
+                  ".xsd>XSD</a>\n"
+                  "<li><a href=" +
+                  folder +
+                  "z%3E.wsdl>z&gt;</a> <i>&lt;a&gt; &quot;b&quot; "
+                  "&amp;c</i> <a href=" +
+                  folder + "z%3E.xsd>XSD</a>\n</ul>\n");
+}
+
+TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse) {
+    const std::string page = Index::makeIndexPage(ClassRepository({}));
+    const std::string script = between(page, "<script>", "</script>");
+    const std::string style = between(page, "<style>", "</style>");
+    EXPECT_NE(script.find("'use strict'"), std::string::npos);
+    EXPECT_NE(style.find("prefers-color-scheme: dark"), std::string::npos);
+    const std::string policy = "default-src 'none'; script-src " + Index::sourceHash(script) +
+                               "; style-src " + Index::sourceHash(style) +
+                               "; img-src data:; base-uri 'none'; form-action 'none'";
+    EXPECT_EQ(between(page, "<meta http-equiv=\"Content-Security-Policy\" content=\"", "\">"),
+              policy);
+    EXPECT_EQ(Index::contentSecurityPolicy(), policy + "; frame-ancestors 'none'");
+    // What the policy would block, or what would leave the computer.
+    EXPECT_FALSE(std::regex_search(page, std::regex(R"(\s(style|on[a-z]+)=)")));
+    EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="?(https?:|//))")));
+}
+
+TEST_F(IndexPageTest, IsTheSameEachTime) {
+    const TSKSmrPtr<ClassRepository> repository = load("class A {}; class B {};");
+    EXPECT_EQ(Index::makeIndexPage(*repository), Index::makeIndexPage(*repository));
+}
+
+TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
+    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
+    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
+    if (!std::filesystem::exists(schema))
+        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
+    const TSKSmrPtr<ClassRepository> repository =
+        loadRepository({{.name = "root/cimv2", .paths = {schema / "cim_schema_2.41.0.mof"}}}, {},
+                       {})
+            .repository;
+    ASSERT_TRUE(repository);
+    const std::string page = Index::makeIndexPage(*repository);
+    std::size_t classes = 0;
+    for (auto at = page.find("\n<li>"); at != page.npos; at = page.find("\n<li>", at + 1))
+        ++classes;
+    EXPECT_EQ(classes, 1438U);
+    EXPECT_LT(page.size(), 350'000U);
+    EXPECT_NE(page.find("<li><a href=root/cimv2/CIM_ComputerSystem.wsdl>CIM_ComputerSystem</a> "
+                        "<i>CIM_System</i> <a href=root/cimv2/CIM_ComputerSystem.xsd>XSD</a> <p>"),
+              std::string::npos);
+}
+
+}  // namespace
