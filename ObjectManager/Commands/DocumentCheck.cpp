@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <exception>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "ObjectManager/Commands/DocumentRequest.h"
 #include "ObjectManager/Commands/NumberText.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Inspection/ClassInspector.h"
 #include "ObjectManager/Inspection/DocumentInspector.h"
-#include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
 
@@ -55,27 +54,19 @@ class Checker {
     void inspectDocument(const CimNamespace& nameSpace, const CimClass& cimClass,
                          const char* extension, Inspect inspect, std::vector<Finding>& found) {
         const TSKString name = cimClass.name() + extension;
-        Finding failure;
-        failure.kind = FindingKind::kNoDocument;
-        try {
-            const MemoryClient::Answer answer = client_.get("/" + nameSpace.name() + "/" + name);
-            if (answer.status() == "200") {
-                ++documents_;
-                bytes_ += answer.body().size();
-                const std::vector<Finding> faults = inspect(name, answer.body());
-                found.insert(found.end(), faults.begin(), faults.end());
-                return;
-            }
-            failure.message =
-                std::string(name) + " is answered with " +
-                (answer.status().empty() ? "what is no HTTP response"
-                                         : "the status " + std::string(answer.status()));
-        } catch (const TeskBaseException& error) {
-            failure.message = std::string(name + " cannot be made: " + error.getMessage());
-        } catch (const std::exception& error) {
-            failure.message = std::string(name) + " cannot be made: " + error.what();
+        const RequestedDocument document = requestDocument(client_, nameSpace, name);
+        if (!document.answer) {
+            Finding failure;
+            failure.kind = FindingKind::kNoDocument;
+            failure.message = document.failure;
+            found.push_back(std::move(failure));
+            return;
         }
-        found.push_back(std::move(failure));
+        const std::string_view text = document.answer->body();
+        ++documents_;
+        bytes_ += text.size();
+        const std::vector<Finding> faults = inspect(name, text);
+        found.insert(found.end(), faults.begin(), faults.end());
     }
 
     const MemoryClient& client_;

@@ -8,6 +8,7 @@
 #include "ObjectManager/Commands/Action.h"
 #include "ObjectManager/Commands/Check.h"
 #include "ObjectManager/Commands/Classes.h"
+#include "ObjectManager/Commands/Export.h"
 #include "ObjectManager/Commands/Passwd.h"
 #include "ObjectManager/Commands/Serve.h"
 #include "Platform/Util/TSKLog.h"
@@ -21,6 +22,7 @@ constexpr int kWrongUsage = 2;
 
 constexpr const char* kFooter = R"(Examples:
   tesk serve
+  tesk export --output documents
   tesk check --namespace root/cimv2=schema/cim.mof
   tesk classes root/cimv2 CIM_ComputerSystem
 "tesk COMMAND --help" tells more about a command.)";
@@ -69,6 +71,7 @@ Commands::Action parse(CLI::App& program, int argc, char** argv, int& status) {
     program.set_version_flag("--version", "tesk " TESK_VERSION, "Prints the version and exits");
     program.require_subcommand(1);
     Commands::addServeCommand(program, action);
+    Commands::addExportCommand(program, action);
     Commands::addCheckCommand(program, action);
     Commands::addClassesCommand(program, action);
     Commands::addPasswdCommand(program, action);

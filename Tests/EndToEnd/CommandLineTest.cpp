@@ -57,13 +57,18 @@ TEST(CommandLine, VersionIsThatOfTheProject) {
 }
 
 TEST(CommandLine, ACommandMustBeGiven) {
-    expectRefusal("", "tesk: no command is given; there are: check, classes, passwd\n");
-    expectRefusal("--frob", "tesk: no command is given; there are: check, classes, passwd\n");
-    expectRefusal("frob",
-                  "tesk: there is no command \"frob\"; there are: check, classes, passwd\n");
-    expectRefusal("''", "tesk: there is no command \"\"; there are: check, classes, passwd\n");
-    expectRefusal("Check",
-                  "tesk: there is no command \"Check\"; there are: check, classes, passwd\n");
+    expectRefusal("",
+                  "tesk: no command is given; there are: serve, export, check, classes, passwd\n");
+    expectRefusal("--frob",
+                  "tesk: no command is given; there are: serve, export, check, classes, passwd\n");
+    expectRefusal(
+        "frob",
+        "tesk: there is no command \"frob\"; there are: serve, export, check, classes, passwd\n");
+    expectRefusal(
+        "''", "tesk: there is no command \"\"; there are: serve, export, check, classes, passwd\n");
+    expectRefusal(
+        "Check",
+        "tesk: there is no command \"Check\"; there are: serve, export, check, classes, passwd\n");
 }
 
 TEST(CommandLine, OptionsAndArgumentsMustBeKnown) {

@@ -1,0 +1,314 @@
+// The real program: tesk export.
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex>
+#include <sched.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <thread>
+#include <vector>
+
+#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/RunningProgram.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Of the sample model: 38 classes of root/cimv2 and 21 of interop.
+constexpr std::size_t kSampleDocuments = 118;
+
+// Whether a document that was exported is all there.
+bool isComplete(const std::string& document) {
+    return document.starts_with("<?xml") &&
+           (document.ends_with("</wsdl:definitions>\n") ||
+            document.ends_with("</wsdl:definitions>") || document.ends_with("</xs:schema>\n") ||
+            document.ends_with("</xs:schema>"));
+}
+
+class ExportTest : public testing::Test {
+  protected:
+    [[nodiscard]] static std::vector<std::string> command(
+        const std::vector<std::string>& arguments) {
+        std::vector<std::string> all = {PROGRAM, "export"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return all;
+    }
+
+    [[nodiscard]] ProgramRun runExport(std::vector<std::string> arguments,
+                                       const std::function<void()>& prepare = {}) const {
+        arguments.insert(arguments.begin(), {"--output", out()});
+        return RunningProgram(command(arguments), prepare).waitForEnd();
+    }
+
+    [[nodiscard]] std::string out() const { return folder_ / "out"; }
+    [[nodiscard]] FolderContent content() const { return contentOf(out()); }
+
+    // The files below the folder, without the folders.
+    [[nodiscard]] std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& [name, text] : content()) {
+            if (text != "(folder)")
+                names.push_back(name);
+        }
+        return names;
+    }
+
+    // A MOF file with classes without members.
+    [[nodiscard]] std::string writeClasses(int count) const {
+        std::string mof;
+        for (int number = 0; number < count; ++number)
+            mof += "class TST_C" + std::to_string(number) + " {};\n";
+        return folder_.write("classes.mof", mof);
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(ExportTest, WritesTheSampleModelAndAnIndex) {
+    const ProgramRun run = runExport({});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(std::regex_match(
+        run.output, std::regex("59 classes in 2 namespaces, 118 documents, [0-9.]+ [KM]B, "
+                               "[0-9.]+ s: 118 written, 0 unchanged, 0 removed\n")))
+        << run.output;
+    FolderContent all = content();
+    EXPECT_EQ(files().size(), kSampleDocuments + 1);
+    const std::string index = all["index.html"];
+    EXPECT_NE(index.find("href=root/cimv2/CIM_ComputerSystem.wsdl>"), std::string::npos);
+    all.erase("index.html");
+    for (const auto& [name, text] : all)
+        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+    EXPECT_NE(all["root/cimv2/CIM_ComputerSystem.wsdl"].find("http://localhost:5985/"),
+              std::string::npos);
+}
+
+TEST_F(ExportTest, ASecondTimeChangesNothing) {
+    (void)runExport({});
+    const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
+    for (const std::string& name : files())
+        fs::last_write_time(fs::path(out()) / name, longAgo);
+    const FolderContent before = content();
+    const ProgramRun run = runExport({"--jobs", "3"});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find(": 0 written, 118 unchanged, 0 removed\n"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(content(), before);
+    for (const std::string& name : files()) {
+        EXPECT_LT(fs::last_write_time(fs::path(out()) / name), longAgo + std::chrono::seconds(1))
+            << name;
+    }
+}
+
+TEST_F(ExportTest, NamesAndPatternsSelectClassesAndWriteNoIndex) {
+    const ProgramRun run = runExport({"cim_computersystem", "TSK_*"});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find("5 classes in 1 namespace, 10 documents, "), std::string::npos)
+        << run.output;
+    EXPECT_EQ(files(),
+              (std::vector<std::string>{
+                  "root/cimv2/CIM_ComputerSystem.wsdl", "root/cimv2/CIM_ComputerSystem.xsd",
+                  "root/cimv2/TSK_Diagnostics.wsdl", "root/cimv2/TSK_Diagnostics.xsd",
+                  "root/cimv2/TSK_Everything.wsdl", "root/cimv2/TSK_Everything.xsd",
+                  "root/cimv2/TSK_Server.wsdl", "root/cimv2/TSK_Server.xsd",
+                  "root/cimv2/TSK_StoragePath.wsdl", "root/cimv2/TSK_StoragePath.xsd"}));
+}
+
+TEST_F(ExportTest, ANameThatFitsNothingIsAnErrorBeforeAnythingIsWritten) {
+    const ProgramRun run = runExport({"CIM_Dependency", "CIM_None", "XYZ_*"});
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.errors,
+              "tesk: there is no class \"CIM_None\", \"XYZ_*\"; \"tesk classes\" lists them\n");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExportTest, TheDocumentsAreThoseOfTheHost) {
+    EXPECT_EQ(runExport({"--host", "[2001:db8::1]:80", "TSK_Server"}).end, "status 0");
+    EXPECT_NE(content()["root/cimv2/TSK_Server.wsdl"].find("http://[2001:db8::1]:80/"),
+              std::string::npos);
+}
+
+TEST_F(ExportTest, WrongUsageIsRefused) {
+    for (const char* const host :
+         {"", "a b", "http://a", "a/b", "a:b", "a:65536", "a<b", "a&b", "user@a", "[::1"}) {
+        const ProgramRun run = runExport({"--host", host});
+        EXPECT_EQ(run.end, "status 2") << host;
+        EXPECT_NE(run.errors.find("\"" + std::string(host) +
+                                  "\" is no host with an optional "
+                                  "port, such as localhost:5985"),
+                  std::string::npos)
+            << run.errors;
+    }
+    EXPECT_EQ(runExport({"--jobs", "0"}).end, "status 2");
+    EXPECT_EQ(runExport({"--prune", "CIM_Dependency"}).end, "status 2");
+    EXPECT_EQ(runExport({"--unknown"}).end, "status 2");
+    EXPECT_EQ(RunningProgram(command({})).waitForEnd().end, "status 2");
+    EXPECT_FALSE(fs::exists(out()));
+}
+
+TEST_F(ExportTest, TheHelpHasExamples) {
+    const ProgramRun run = RunningProgram(command({"--help"})).waitForEnd();
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find("tesk export --output documents"), std::string::npos);
+}
+
+TEST_F(ExportTest, AClassThatCannotBeAFileIsReportedAndTheOthersAreWritten) {
+    const std::string fits(250, 'x');
+    const std::string isTooLong(251, 'y');
+    const std::string mof =
+        folder_.write("a.mof", "class " + fits + " {}; class " + isTooLong + " {};");
+    const ProgramRun run = runExport({"--namespace", "a=" + mof});
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.errors, "a:" + isTooLong + ": " + isTooLong + ".wsdl is longer than 255 bytes\n");
+    EXPECT_EQ(files(), (std::vector<std::string>{"a/" + fits + ".wsdl", "a/" + fits + ".xsd",
+                                                 "a/" + isTooLong + ".xsd", "index.html"}));
+    EXPECT_NE(run.output.find("2 classes in 1 namespace, 3 documents, "), std::string::npos);
+}
+
+TEST_F(ExportTest, PruneRemovesTheDocumentsOfClassesThatAreGone) {
+    const std::string two = folder_.write("two.mof", "class A {}; class B {};");
+    const std::string one = folder_.write("one.mof", "class A {};");
+    (void)runExport({"--namespace", "n=" + two, "--namespace", "n/below=" + two});
+    folder_.write("out/n/foreign.xsd", "<xs:schema/>");
+    folder_.write("out/B.xsd", contentOfFile(fs::path(out()) / "n/B.xsd"));
+    const std::vector<std::string> namespaces = {"--namespace", "n=" + one};
+    EXPECT_NE(runExport(namespaces).output.find(", 0 removed"), std::string::npos);
+    const ProgramRun run = runExport({"--namespace", "n=" + one, "--prune"});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find(": 0 written, 2 unchanged, 2 removed\n"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(files(), (std::vector<std::string>{
+                           "B.xsd", "index.html", "n/A.wsdl", "n/A.xsd", "n/below/A.wsdl",
+                           "n/below/A.xsd", "n/below/B.wsdl", "n/below/B.xsd", "n/foreign.xsd"}));
+}
+
+TEST_F(ExportTest, AFileInTheWayOfTheFolderIsAnError) {
+    folder_.write("out", "a file");
+    const ProgramRun run = runExport({});
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.errors, "tesk: cannot make the folder " + out() + ": Not a directory\n");
+}
+
+TEST_F(ExportTest, AFileInTheWayOfANamespaceIsAnError) {
+    fs::create_directory(out());
+    folder_.write("out/root", "a file");
+    const ProgramRun run = runExport({});
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.errors, "tesk: cannot make the folder " + out() + "/root: Not a directory\n");
+    EXPECT_EQ(content(), (FolderContent{{"root", "a file"}}));
+}
+
+TEST_F(ExportTest, AFileOverTheLimitOfTheProcessIsAnErrorThatLeavesNoPart) {
+    const ProgramRun run = runExport({"--jobs", "2"}, [] {
+        const rlimit limit = {.rlim_cur = 8192, .rlim_max = 8192};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    });
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.output, "");
+    EXPECT_TRUE(std::regex_match(run.errors, std::regex("tesk: cannot write " + out() +
+                                                        "/root/cimv2/[A-Za-z_]+\\.[a-z]+"
+                                                        ": File too large\n")))
+        << run.errors;
+    for (const auto& [name, text] : content())
+        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+}
+
+// A file system of its own, which is gone with this process.
+TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
+    fs::create_directory(out());
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("tesk-test", out().c_str(), "tmpfs", 0, "size=512k") != 0)
+        GTEST_SKIP() << "this user may not mount a file system";
+    const ProgramRun run = runExport({});
+    const FolderContent written = content();
+    EXPECT_EQ(umount(out().c_str()), 0);
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_TRUE(std::regex_match(run.errors, std::regex("tesk: cannot write " + out() +
+                                                        "/[A-Za-z_./0-9]+: No space left on "
+                                                        "device\n")))
+        << run.errors;
+    EXPECT_GT(written.size(), 2U);
+    for (const auto& [name, text] : written)
+        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+}
+
+// What is pressed while documents are written; there are so many that it is not over before.
+class StoppedExportTest : public ExportTest {
+  protected:
+    void expectStop(int signal, const std::string& name, const std::string& status) {
+        const std::string first = out() + "/n";
+        RunningProgram program(
+            command({"--output", out(), "--namespace", "n=" + writeClasses(30'000)}));
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!fs::exists(first) || fs::is_empty(first)) {
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+            std::this_thread::yield();
+        }
+        const auto stopped = std::chrono::steady_clock::now();
+        program.sendSignal(signal);
+        const ProgramRun run = program.waitForEnd();
+        // A document takes milliseconds; the rest is for machines that have much else to do.
+        EXPECT_LT(std::chrono::steady_clock::now() - stopped, std::chrono::seconds(10));
+        EXPECT_EQ(run.end, status);
+        EXPECT_EQ(run.output, "");
+        std::smatch message;
+        ASSERT_TRUE(std::regex_match(run.errors, message,
+                                     std::regex("tesk: stopped by " + name +
+                                                " after ([0-9,]+) of 60,000 documents; those in " +
+                                                out() + " are complete\n")))
+            << run.errors;
+        const FolderContent all = content();
+        EXPECT_LT(all.size(), 60'000U);
+        std::string count = message[1];
+        std::erase(count, ',');
+        EXPECT_EQ(std::to_string(all.size() - 1), count);
+        for (const auto& [file, text] : all)
+            EXPECT_TRUE(text == "(folder)" || isComplete(text)) << file;
+    }
+};
+
+TEST_F(StoppedExportTest, CtrlCLeavesCompleteDocumentsOnly) {
+    expectStop(SIGINT, "SIGINT", "status 130");
+}
+
+TEST_F(StoppedExportTest, AnEndByTheSystemLeavesCompleteDocumentsOnly) {
+    expectStop(SIGTERM, "SIGTERM", "status 143");
+}
+
+TEST_F(ExportTest, WhatCannotBeSaidIsAnError) {
+    const ProgramRun run =
+        runExport({"TSK_Server"}, [] { (void)std::freopen("/dev/full", "w", stdout); });
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.errors, "tesk: the output cannot be written\n");
+}
+
+TEST_F(ExportTest, TheDmtfSchemaIsWrittenWithoutAFailure) {
+    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
+    const fs::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
+    if (!fs::exists(schema))
+        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
+    const ProgramRun run =
+        runExport({"--namespace", "root/cimv2=" + (schema / "cim_schema_2.41.0.mof").string()});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_NE(run.output.find("1,438 classes in 1 namespace, 2,876 documents, "),
+              std::string::npos);
+    FolderContent all = content();
+    EXPECT_EQ(all.size(), 2876U + 2 + 1);
+    all.erase("index.html");
+    for (const auto& [name, text] : all)
+        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+}
+
+}  // namespace

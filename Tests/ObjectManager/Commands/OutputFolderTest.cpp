@@ -1,0 +1,259 @@
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <system_error>
+
+#include "ObjectManager/Commands/OutputFolder.h"
+#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Commands::OutputFolder;
+using Outcome = OutputFolder::Outcome;
+
+// A limit of the process, for the time that this lives.
+class Limit {
+  public:
+    Limit(int resource, rlim_t most) : resource_(resource) {
+        getrlimit(static_cast<__rlimit_resource>(resource_), &before_);
+        const rlimit limit = {.rlim_cur = most, .rlim_max = before_.rlim_max};
+        setrlimit(static_cast<__rlimit_resource>(resource_), &limit);
+    }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+    ~Limit() { setrlimit(static_cast<__rlimit_resource>(resource_), &before_); }
+
+  private:
+    int resource_;
+    rlimit before_ = {};
+};
+
+class OutputFolderTest : public testing::Test {
+  protected:
+    // What the message of an error says, with "OUT" for the folder; empty without one.
+    template <typename Work>
+    [[nodiscard]] std::string errorOf(const Work& work) const {
+        try {
+            work();
+            return "";
+        } catch (const std::system_error& error) {
+            std::string text = error.what();
+            const std::string path = folder_.path();
+            for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
+                text.replace(at, path.size(), "OUT");
+            return text;
+        }
+    }
+
+    [[nodiscard]] FolderContent content() const { return contentOf(folder_.path()); }
+
+    TemporaryFolder folder_;
+    OutputFolder output_ = OutputFolder::create(folder_.path());
+};
+
+TEST_F(OutputFolderTest, MakesTheFoldersThatAreMissing) {
+    const OutputFolder made = OutputFolder::create(folder_ / "a/b");
+    made.createBelow("c").put("d", "text");
+    made.createBelow("c").put("e", "");
+    EXPECT_EQ(content(), (FolderContent{{"a", "(folder)"},
+                                        {"a/b", "(folder)"},
+                                        {"a/b/c", "(folder)"},
+                                        {"a/b/c/d", "text"},
+                                        {"a/b/c/e", ""}}));
+    EXPECT_EQ(made.createBelow("c").path(), fs::path(folder_ / "a/b/c"));
+}
+
+TEST_F(OutputFolderTest, AFileInTheWayOfAFolderIsAnError) {
+    folder_.write("file", "");
+    EXPECT_EQ(errorOf([&] { (void)OutputFolder::create(folder_ / "file"); }),
+              "cannot make the folder OUT/file: Not a directory");
+    EXPECT_EQ(errorOf([&] { (void)OutputFolder::create(folder_ / "file/below"); }),
+              "cannot make the folder OUT/file/below: Not a directory");
+    EXPECT_EQ(errorOf([&] { (void)output_.createBelow("file"); }),
+              "cannot make the folder OUT/file: Not a directory");
+}
+
+TEST_F(OutputFolderTest, AFolderThatIsGoneIsAnError) {
+    const OutputFolder gone = output_.createBelow("gone");
+    fs::remove(folder_ / "gone");
+    EXPECT_EQ(errorOf([&] { (void)gone.createBelow("a"); }),
+              "cannot make the folder OUT/gone/a: No such file or directory");
+    EXPECT_EQ(errorOf([&] { gone.put("a", "text"); }),
+              "cannot write OUT/gone/a: No such file or directory");
+    EXPECT_EQ(errorOf([&] { gone.remove("a"); }),
+              "cannot remove OUT/gone/a: No such file or directory");
+}
+
+TEST_F(OutputFolderTest, TheFolderItselfMayBeALinkButNoneBelow) {
+    const TemporaryFolder elsewhere;
+    fs::create_directory_symlink(elsewhere.path(), folder_ / "link");
+    OutputFolder::create(folder_ / "link").put("a", "text");
+    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"a", "text"}}));
+    EXPECT_EQ(errorOf([&] { (void)output_.createBelow("link"); }),
+              "documents are not written through a symbolic link: OUT/link: Not a directory");
+}
+
+TEST_F(OutputFolderTest, AFileIsReplacedWhenItWouldChange) {
+    EXPECT_EQ(output_.put("a", "first"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "other"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "longer text"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "long"), Outcome::kWritten);
+    EXPECT_EQ(content(), (FolderContent{{"a", "long"}}));
+}
+
+TEST_F(OutputFolderTest, AnUnchangedFileKeepsItsTimeStamp) {
+    // Around the length of what is compared at once.
+    for (const std::size_t length : {0, 1, 32767, 32768, 32769, 100'000}) {
+        const std::string text(length, 'x');
+        output_.put("a", text);
+        const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
+        fs::last_write_time(folder_ / "a", longAgo);
+        const auto before = fs::last_write_time(folder_ / "a");
+        EXPECT_EQ(output_.put("a", text), Outcome::kUnchanged) << length;
+        EXPECT_EQ(fs::last_write_time(folder_ / "a"), before) << length;
+        if (length == 0)
+            continue;
+        std::string other = text;
+        other.back() = 'y';
+        EXPECT_EQ(output_.put("a", other), Outcome::kWritten) << length;
+        EXPECT_GT(fs::last_write_time(folder_ / "a"), before) << length;
+    }
+}
+
+TEST_F(OutputFolderTest, AFileHasTheRightsThatTheUserLeaves) {
+    const mode_t before = umask(027);
+    output_.put("a", "text");
+    (void)output_.createBelow("b");
+    umask(before);
+    EXPECT_EQ(fs::status(folder_ / "a").permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(folder_ / "b").permissions(), fs::perms(0750));
+}
+
+TEST_F(OutputFolderTest, WhatIsNoFileProperIsReplacedButForAFolder) {
+    const TemporaryFolder elsewhere;
+    const fs::path target = elsewhere.write("target", "text");
+    fs::create_symlink(target, folder_ / "link");
+    EXPECT_EQ(output_.put("link", "text"), Outcome::kWritten);
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(output_.put("pipe", "text"), Outcome::kWritten);
+    (void)output_.createBelow("folder");
+    EXPECT_EQ(errorOf([&] { output_.put("folder", "text"); }),
+              "cannot write OUT/folder: Is a directory");
+    EXPECT_EQ(content(),
+              (FolderContent{{"link", "text"}, {"pipe", "text"}, {"folder", "(folder)"}}));
+    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"target", "text"}}));
+}
+
+// As on a disk that is full, but for the words: the file takes so many bytes and no more.
+TEST_F(OutputFolderTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) {
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    const std::string text(100'000, 'x');
+    output_.put("old", "old text");
+    const FolderContent before = content();
+    for (const rlim_t most : {0, 1, 4096, 99'999}) {
+        const Limit limit(RLIMIT_FSIZE, most);
+        EXPECT_EQ(errorOf([&] { output_.put("old", text); }),
+                  "cannot write OUT/old: File too large");
+        EXPECT_EQ(errorOf([&] { output_.put("new", text); }),
+                  "cannot write OUT/new: File too large");
+        EXPECT_EQ(content(), before) << most;
+    }
+    const Limit limit(RLIMIT_FSIZE, 100'000);
+    output_.put("old", text);
+    EXPECT_EQ(content(), (FolderContent{{"old", text}}));
+}
+
+TEST_F(OutputFolderTest, AFileThatCannotBeMadeIsAnError) {
+    output_.put("old", "old text");
+    std::array<std::string, 3> errors;
+    {
+        const Limit limit(RLIMIT_NOFILE, 0);
+        errors = {errorOf([&] { output_.put("old", "text"); }),
+                  errorOf([&] { (void)output_.createBelow("below"); }),
+                  errorOf([&] { (void)output_.files(); })};
+    }
+    EXPECT_EQ(errors,
+              (std::array<std::string, 3>{"cannot write OUT/old: Too many open files",
+                                          "cannot make the folder OUT/below: Too many open files",
+                                          "cannot read the folder OUT: Too many open files"}));
+    EXPECT_EQ(contentOfFile(folder_ / "old"), "old text");
+}
+
+TEST_F(OutputFolderTest, WhatAKilledProcessLeftBehindIsNotInTheWay) {
+    // The names that this process uses next, and then some.
+    for (int number = 1; number <= 50; ++number) {
+        folder_.write(".tesk-export-" + std::to_string(getpid()) + "-" + std::to_string(number),
+                      "part");
+    }
+    FolderContent expected = content();
+    output_.put("a", "text");
+    expected["a"] = "text";
+    EXPECT_EQ(content(), expected);
+}
+
+TEST_F(OutputFolderTest, ListsFilesProperInOrder) {
+    output_.put("b", "");
+    output_.put(".a", "");
+    (void)output_.createBelow("folder").put("c", "");
+    fs::create_symlink("b", folder_ / "link");
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    const std::vector<std::string> expected = {".a", "b"};
+    EXPECT_EQ(output_.files(), expected);
+    EXPECT_EQ(output_.files(), expected);
+}
+
+TEST_F(OutputFolderTest, TellsHowAFileBegins) {
+    output_.put("a", "0123456789");
+    EXPECT_EQ(output_.head("a", 4), "0123");
+    EXPECT_EQ(output_.head("a", 10), "0123456789");
+    EXPECT_EQ(output_.head("a", 11), "0123456789");
+    fs::create_symlink("a", folder_ / "link");
+    (void)output_.createBelow("folder");
+    EXPECT_EQ(output_.head("link", 4), "");
+    EXPECT_EQ(output_.head("folder", 4), "");
+    EXPECT_EQ(output_.head("none", 4), "");
+}
+
+TEST_F(OutputFolderTest, RemovesAFile) {
+    output_.put("a", "");
+    output_.put("b", "");
+    output_.remove("a");
+    EXPECT_EQ(content(), (FolderContent{{"b", ""}}));
+}
+
+TEST_F(OutputFolderTest, SeveralThreadsWriteAtOnce) {
+    const std::string text(10'000, 'x');
+    runOnThreads(4, [&](int thread) {
+        for (int number = 0; number < 50; ++number) {
+            output_.put(std::to_string(thread) + "-" + std::to_string(number), text);
+            output_.put("shared", text + std::to_string(thread));
+        }
+    });
+    FolderContent all = content();
+    EXPECT_EQ(all["shared"].size(), text.size() + 1);
+    all.erase("shared");
+    EXPECT_EQ(all.size(), 200U);
+    EXPECT_TRUE(
+        std::all_of(all.begin(), all.end(), [&](const auto& file) { return file.second == text; }));
+}
+
+TEST_F(OutputFolderTest, CanBeMoved) {
+    OutputFolder other = OutputFolder::create(folder_ / "other");
+    other = std::move(output_);
+    other.put("a", "text");
+    const OutputFolder last = std::move(other);
+    last.put("b", "text");
+    EXPECT_EQ(content(), (FolderContent{{"a", "text"}, {"b", "text"}, {"other", "(folder)"}}));
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+#include "Tests/Support/ProgramRun.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+/// A program in a process of its own, without standard input and with the signals as they are by
+/// default.
+class RunningProgram {
+  public:
+    /// Starts the program of that path, or of that name in one of the folders for programs.
+    /// `prepare` runs in the new process, before the program does.
+    explicit RunningProgram(const std::vector<std::string>& command,
+                            const std::function<void()>& prepare = {});
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+    /// Ends the program if it runs.
+    ~RunningProgram();
+
+    void sendSignal(int signal) const;
+
+    /// Waits up to two minutes. A program that runs longer is killed, and its end tells so.
+    [[nodiscard]] ProgramRun waitForEnd();
+
+  private:
+    [[nodiscard]] std::string waitForStatus();
+
+    TemporaryFolder folder_;
+    pid_t process_ = -1;
+};
