@@ -16,7 +16,7 @@ namespace Commands {
 namespace {
 
 struct Close {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
 };
 
 using File = std::unique_ptr<std::FILE, Close>;
@@ -38,7 +38,7 @@ TSKSmrPtr<TSKLogSink> openSink(const std::string& path) {
         throw TeskBaseException("LogOutput", TSKString(message), CIM_ERR_FAILED);
     }
     // A line is in the file when it was written, also when the process is killed.
-    std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
+    (void)std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
     return TSKSmrPtr<FileLogSink>::make(std::move(file));
 }
 
