@@ -27,7 +27,7 @@ class ServiceLimits : public RunningService {
 };
 
 TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
-    serverKeys_ = "max_request_head = 512\n";
+    serverKeys_["max_request_head"] = "512";
     start();
     EXPECT_EQ(answer(ofSize(512)), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(answer(ofSize(513)), refusal("431 Request Header Fields Too Large",
@@ -35,7 +35,7 @@ TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
 }
 
 TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
-    serverKeys_ = "max_request_line = 100\n";
+    serverKeys_["max_request_line"] = "100";
     start();
     EXPECT_EQ(answer(withLine(100)), kNotFound);
     EXPECT_EQ(answer(withLine(101)),
@@ -43,7 +43,7 @@ TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
 }
 
 TEST_F(ServiceLimits, AClientThatDoesNotSendItsRequestInTimeIsToldSo) {
-    serverKeys_ = "head_timeout = 0.2\n";
+    serverKeys_["head_timeout"] = "0.2";
     start();
     const Client silent = connect();
     const Client slow = sending("GET /root/test/TST_Nothing.wsdl HTTP/1.1\r\nHost: a\r\n");
@@ -55,7 +55,8 @@ TEST_F(ServiceLimits, AClientThatDoesNotSendItsRequestInTimeIsToldSo) {
 
 TEST_F(ServiceLimits, AClientThatDoesNotTakeItsResponseLosesIt) {
     writeModel("test.mof", largeClass());
-    serverKeys_ = "response_timeout = 0.3\nmax_connections = 1\n";
+    serverKeys_["response_timeout"] = "0.3";
+    serverKeys_["max_connections"] = "1";
     start();
     const Client idle = sending(get("/root/test/TST_Large.wsdl"));
     const std::string begin = idle.read(100);
@@ -68,7 +69,7 @@ TEST_F(ServiceLimits, AClientThatDoesNotTakeItsResponseLosesIt) {
 }
 
 TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
-    serverKeys_ = "max_connections = 3\n";
+    serverKeys_["max_connections"] = "3";
     start();
     const std::string request = get("/root/test/TST_Nothing.wsdl");
     const Client first = connect();

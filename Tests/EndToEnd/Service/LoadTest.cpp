@@ -119,7 +119,6 @@ TEST_F(ServiceLoad, TwoThousandIdleConnectionsKeepNobodyFromBeingServed) {
         GTEST_SKIP() << "no more than " << files.rlim_max << " files may be open";
     files.rlim_cur = files.rlim_max;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
-    serverKeys_ = "head_timeout = 300\n";
     start();
     const std::string request = get("/root/test/TST_One.wsdl");
     std::vector<Client> idle;

@@ -116,13 +116,13 @@ TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
 
 TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
     writeModel("test.mof", "class TST_Nothing {};\n");
-    serverKeys_ = "max_conections = 3\n";
+    serverKeys_["max_conections"] = "3";
     writeConfiguration();
     reload();
     expectServedAsBefore();
     expectedLog_ = {
         "error tesk: " + (folder_ / "tesk.toml").string() +
-            ":5:1: error: unknown key \"max_conections\" in [server]; did you mean "
+            ":6:1: error: unknown key \"max_conections\" in [server]; did you mean "
             "\"max_connections\"?",
         "error tesk: Not reloaded, going on as before: the configuration has errors and "
         "is not used"};

@@ -77,7 +77,10 @@ void RunningService::writeConfiguration() const {
     text += "[server]\nlisten = [";
     for (const std::string& address : listen_)
         text += inQuotes(address) + ", ";
-    text += "]\n" + serverKeys_ + "[security]\npassword_file = \"users\"\n[log]\n" + logKeys_;
+    text += "]\n";
+    for (const auto& [key, value] : serverKeys_)
+        text += key + " = " + value + "\n";
+    text += "[security]\npassword_file = \"users\"\n[log]\n" + logKeys_;
     folder_.write("tesk.toml", text);
 }
 

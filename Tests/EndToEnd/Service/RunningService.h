@@ -87,7 +87,9 @@ class RunningService : public testing::Test {
     TemporaryFolder folder_;
     std::map<std::string, std::string> namespaces_;  ///< name and path of each
     std::vector<std::string> listen_ = {"127.0.0.1:0"};
-    std::string serverKeys_;  ///< lines for [server]
+    /// The keys of [server]. Nothing ends because a machine is slow, unless the test says so.
+    std::map<std::string, std::string> serverKeys_ = {
+        {"head_timeout", "300"}, {"response_timeout", "300"}, {"shutdown_timeout", "300"}};
     std::string logKeys_;     ///< lines for [log]
     std::optional<TeskProcess> process_;
     Lines expectedLog_;       ///< what is not information, without the time

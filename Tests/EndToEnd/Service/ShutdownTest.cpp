@@ -141,7 +141,7 @@ TEST_F(ServiceShutdown, ASecondSigintEndsAtOnce) {
 }
 
 TEST_F(ServiceShutdown, AClientThatDoesNotReadIsNotWaitedForForever) {
-    serverKeys_ = "shutdown_timeout = 0.2\n";
+    serverKeys_["shutdown_timeout"] = "0.2";
     serveLargeClass();
     const Client client = readingLargeDocument();
     process().signal(SIGTERM);

@@ -79,9 +79,9 @@ TEST_F(ServiceStart, AModelThatIsWrong) {
 }
 
 TEST_F(ServiceStart, AConfigurationThatIsWrong) {
-    serverKeys_ = "lisen = \"127.0.0.1:0\"\n";
+    serverKeys_["lisen"] = "\"127.0.0.1:0\"";
     expectFailure(withConfiguration(), 1,
-                  {configuration() + ":5:1: error: unknown key \"lisen\" in [server]; did you mean "
+                  {configuration() + ":6:1: error: unknown key \"lisen\" in [server]; did you mean "
                                      "\"listen\"?",
                    "tesk: the configuration has errors and is not used"});
 }
