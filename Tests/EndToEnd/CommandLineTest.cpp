@@ -96,8 +96,8 @@ TEST(CommandLine, ValuesOfOptionsAreChecked) {
     }
     expectUsageError(
         "serve", "--listen localhost",
-        "--listen: \"localhost\" is no address and port, such as \"127.0.0.1:5985\" or "
-        "\"[::1]:5985\"");
+        "--listen: \"localhost\" is no address with a port, such as \"127.0.0.1:5985\", "
+        "\"0.0.0.0:5985\" or \"[::1]:5985\"");
     for (const std::string value : {"0", "1025", "-1", "x", "1.5"})
         expectUsageError("check", "--jobs " + value,
                          "--jobs: Value " + value + " not in range 1 to 1024");
