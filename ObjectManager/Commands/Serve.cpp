@@ -120,7 +120,7 @@ int stop(Service& service) {
         return 0;
     // A provider that still runs would use what is taken from it.
     log(TeskTraceLog::SeverityError, "A provider does not end; the process ends without it");
-    std::fflush(nullptr);
+    (void)std::fflush(nullptr);
     std::_Exit(1);
 }
 

@@ -9,7 +9,7 @@ SignalQueue::SignalQueue() {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&signals_, signal);
     pthread_sigmask(SIG_BLOCK, &signals_, &before_);
-    std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
 SignalQueue::~SignalQueue() {
