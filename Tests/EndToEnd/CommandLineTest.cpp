@@ -31,8 +31,9 @@ TEST(CommandLine, HelpShowsTheCommandsAndExamples) {
             "classes\n"
             "Usage: tesk [OPTIONS] COMMAND\n"))
             << run.output;
-        for (const char* const text : {"\nCommands:\n  serve ", "\n  check ", "\n  classes ",
-                                       "\n  passwd ", "\nExamples:\n  tesk serve\n"})
+        for (const char* const text :
+             {"\nCommands:\n  serve ", "\n  check ", "\n  classes ", "\n  passwd ",
+              "\nExamples:\n  tesk serve\n  tesk check --namespace "})
             EXPECT_NE(run.output.find(text), std::string::npos) << text;
     }
 }
@@ -89,10 +90,13 @@ TEST(CommandLine, ValuesOfOptionsAreChecked) {
         expectUsageError(command, "--namespace root/cimv2",
                          "--namespace: \"root/cimv2\" is no namespace with a MOF file or folder, "
                          "such as \"root/cimv2=schema/cim.mof\"");
-        expectUsageError(command, "--namespace root//a=mof/",
-                         "--namespace: \"root//a\" is no name of a namespace, such as "
-                         "\"root/cimv2\": letters, digits, \"_\", \"-\" and \".\", in parts with a "
-                         "\"/\" between them");
+        for (const std::string name : {"", "root//cimv2", "a?b"}) {
+            expectUsageError(command, "--namespace '" + name + "=mof/'",
+                             "--namespace: \"" + name +
+                                 "\" is no name of a namespace, such as \"root/cimv2\": letters, "
+                                 "digits, \"_\", \"-\" and \".\", in parts with a \"/\" between "
+                                 "them");
+        }
     }
     expectUsageError(
         "serve", "--listen localhost",
