@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Configuration/NamespaceOption.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "ObjectManager/Host/ProgramFolders.h"
@@ -41,6 +42,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         .add_option("--namespace", options.namespaces,
                     "A namespace and its classes: a MOF file with what it includes, or a folder. "
                     "May be given again; without any, the sample model is used")
+        ->check(checkedBy(Configuration::parseNamespaceOption))
         ->type_name("NAME=PATH")
         ->allow_extra_args(false);
     command.add_option("--config", options.configuration, "The configuration file")
@@ -71,6 +73,10 @@ TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
     if (!loaded.repository) {
         throw TeskBaseException("loadModel", "the classes have errors and are not used",
                                 CIM_ERR_FAILED);
+    }
+    for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
+        if (nameSpace.classes().empty())
+            faults << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
     return loaded.repository;
 }

@@ -16,7 +16,7 @@ namespace Commands {
 
 /// The options by which a command is told about the classes that it works on.
 struct ModelOptions {
-    std::vector<std::string> namespaces;  ///< "NAME=PATH" each
+    std::vector<std::string> namespaces;  ///< "NAME=PATH" each, without a fault
     std::string configuration;            ///< the file; empty for none
 };
 
@@ -31,7 +31,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options);
 /// The same for a person at a terminal: faults go to standard error.
 [[nodiscard]] Configuration::Settings settingsOf(const ModelOptions& options);
 
-/// Compiles the classes, and writes what is wrong with them to `faults`.
+/// Compiles the classes, and writes what is wrong with them, or that there are none, to `faults`.
 /// Errors: TeskBaseException when there are errors in them.
 [[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
                                                    std::ostream& faults);

@@ -16,6 +16,7 @@
 #include "ObjectManager/Commands/LogOutput.h"
 #include "ObjectManager/Commands/ModelOptions.h"
 #include "ObjectManager/Commands/NumberText.h"
+#include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Commands/Service.h"
 #include "ObjectManager/Commands/ServiceUsers.h"
 #include "ObjectManager/Commands/SignalQueue.h"
@@ -181,6 +182,7 @@ void addServeCommand(CLI::App& program, Action& action) {
         ->add_option("--listen", options->listen,
                      "Where to wait for clients, 127.0.0.1:5985 by default; port 0 takes a free "
                      "one. May be given again")
+        ->check(checkedBy(Configuration::parseEndpoint))
         ->type_name("ADDRESS:PORT")
         ->allow_extra_args(false);
     command

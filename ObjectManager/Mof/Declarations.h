@@ -68,6 +68,10 @@ struct Qualifier {
     std::optional<Value> value;  ///< none for "[Key]"
     Flavors flavors;
 
+    /// The type of the value, or of its elements, as the qualifier is declared; none where it is
+    /// not. Known when all files are read.
+    std::optional<DataType> dataType = std::nullopt;
+
     /// Whether what overrides the declaration, and the subclasses of a class, have the qualifier as
     /// well. Depends on the qualifier's declaration, so it is known when all files are read.
     bool propagates = true;

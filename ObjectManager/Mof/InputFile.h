@@ -1,9 +1,10 @@
 #pragma once
 
-#include <compare>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <tuple>
 
 namespace Mof {
 
@@ -18,7 +19,12 @@ class InputFile {
         dev_t device = 0;
         ino_t number = 0;
 
-        friend auto operator<=>(const Identity&, const Identity&) = default;
+        friend bool operator==(const Identity& left, const Identity& right) noexcept {
+            return left.device == right.device && left.number == right.number;
+        }
+        friend bool operator<(const Identity& left, const Identity& right) noexcept {
+            return std::tie(left.device, left.number) < std::tie(right.device, right.number);
+        }
     };
 
     /// Opens a file; none where no file has that path.
@@ -31,9 +37,10 @@ class InputFile {
 
     [[nodiscard]] const Identity& identity() const noexcept { return identity_; }
 
-    /// The bytes from where the file stands up to its end.
-    /// Errors: std::system_error.
-    [[nodiscard]] std::string readAll() const;
+    /// The bytes from where the file stands up to its end, `mostBytes` at most.
+    /// Errors: std::system_error; with std::errc::file_too_large when there are more. Some devices
+    /// have no end.
+    [[nodiscard]] std::string readAll(std::size_t mostBytes) const;
 
   private:
     explicit InputFile(int descriptor) noexcept : descriptor_(descriptor) {}

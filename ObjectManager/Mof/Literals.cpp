@@ -151,6 +151,12 @@ class Unescaper {
     std::size_t position_ = 0;
 };
 
+// Whether the last character is a backslash that is not itself escaped.
+bool endsWithEscape(std::string_view text) noexcept {
+    const std::size_t last = text.find_last_not_of('\\');
+    return last != std::string_view::npos && (text.size() - last) % 2 == 0;
+}
+
 // The code of the one character that a text in UTF-8 holds; 0 if it holds another number of them.
 CodePoint onlyCharacter(std::string_view text) {
     const auto byte = [&](std::size_t index) {
@@ -201,17 +207,18 @@ Literal realLiteral(std::string_view text, std::size_t offset, const ReportFault
 }
 
 std::size_t lengthOfString(std::string_view text) noexcept {
-    const std::size_t lineEnd = std::min(text.find('\n'), text.size());
-    const std::string_view line = text.substr(0, lineEnd);
-    std::size_t position = 1;
+    std::size_t start = 1;
     while (true) {
-        const std::size_t quote = std::min(line.find('"', position), lineEnd);
-        const std::size_t escape = line.substr(0, quote).find('\\', position);
-        if (escape == std::string_view::npos)
-            return quote == lineEnd ? lineEnd : quote + 1;
-        position = escape + 2;
-        if (position > lineEnd)
-            return escape;
+        // Nothing behind the next quotation mark is looked at: there may be many strings on a line,
+        // and many quotation marks in a string.
+        const std::size_t quote = std::min(text.find('"', start), text.size());
+        const std::size_t end = std::min(text.substr(0, quote).find('\n', start), quote);
+        const bool isEscaped = endsWithEscape(text.substr(0, end));
+        if (end == text.size() || text[end] == '\n')
+            return isEscaped ? end - 1 : end;
+        if (!isEscaped)
+            return end + 1;
+        start = end + 1;
     }
 }
 

@@ -2,7 +2,19 @@
 
 #include <utility>
 
+#include "ObjectManager/Mof/Utf8.h"
+
 namespace Mof {
+
+namespace {
+
+std::string shortened(std::string message) {
+    if (message.size() <= Reporter::kLongestMessage)
+        return message;
+    return message.substr(0, startOfCharacter(message, Reporter::kLongestMessage)) + "...";
+}
+
+}  // namespace
 
 void Reporter::error(const Position& position, std::string message) {
     add(Severity::kError, position, std::move(message));
@@ -14,7 +26,7 @@ void Reporter::errorOfFile(const std::string& file, std::string message) {
         .severity = Severity::kError,
         .file = file,
         .place = {.line = 0, .column = 0},
-        .message = std::move(message),
+        .message = shortened(std::move(message)),
         .sourceLine = "",
     });
     countError();
@@ -36,12 +48,15 @@ std::string Reporter::nameOf(const Position& position) const {
 
 void Reporter::add(Severity severity, const Position& position, std::string message) {
     const SourceText& file = compilation_.files.at(position.file);
+    const LineExcerpt excerpt = file.excerptAt(position.offset);
     compilation_.diagnostics.push_back({
         .severity = severity,
         .file = file.name(),
         .place = file.locate(position.offset),
-        .message = std::move(message),
-        .sourceLine = std::string(file.lineAt(position.offset)),
+        .message = shortened(std::move(message)),
+        .sourceLine = std::string(excerpt.text),
+        .skipped = excerpt.skipped,
+        .continues = excerpt.continues,
     });
 }
 

@@ -32,6 +32,10 @@ class Reporter {
     /// More than anybody reads; each costs a pass over its file.
     static constexpr std::size_t kMostWarnings = 100;
 
+    /// The rest of a message of more bytes is left out. Only names that were made to do harm lead
+    /// to one.
+    static constexpr std::size_t kLongestMessage = 1000;
+
   private:
     void add(Severity severity, const Position& position, std::string message);
     void countError();

@@ -5,53 +5,13 @@
 #include <cstring>
 #include <utility>
 
+#include "ObjectManager/Mof/Utf8.h"
+
 namespace Mof {
 
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool isContinuation(char byte) noexcept {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-// The bytes that a well-formed character begins with (Unicode, table 3-7): a range of first bytes,
-// the range of the second one, and how many there are in all.
-struct Utf8Form {
-    unsigned firstLow;
-    unsigned firstHigh;
-    unsigned secondLow;
-    unsigned secondHigh;
-    std::size_t length;
-};
-
-constexpr Utf8Form kUtf8Forms[] = {
-    {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3}, {0xE1, 0xEC, 0x80, 0xBF, 3},
-    {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x90, 0xBF, 4},
-    {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
-};
-
-bool begins(std::string_view text, const Utf8Form& form) noexcept {
-    const auto isBetween = [&](std::size_t index, unsigned low, unsigned high) {
-        const unsigned byte = static_cast<unsigned char>(text[index]);
-        return byte >= low && byte <= high;
-    };
-    return text.size() >= form.length && isBetween(0, form.firstLow, form.firstHigh) &&
-           isBetween(1, form.secondLow, form.secondHigh) &&
-           std::all_of(text.begin() + 2, text.begin() + static_cast<std::ptrdiff_t>(form.length),
-                       isContinuation);
-}
-
-// The length of the well-formed character at the front of `text`, 0 if it is none.
-std::size_t characterLength(std::string_view text) noexcept {
-    if (static_cast<unsigned char>(text.front()) < 0x80)
-        return 1;
-    for (const Utf8Form& form : kUtf8Forms) {
-        if (begins(text, form))
-            return form.length;
-    }
-    return 0;
-}
 
 // Almost all of a schema is ASCII, which is stepped over a word at a time.
 std::size_t asciiLength(std::string_view text) noexcept {
@@ -70,12 +30,17 @@ bool isUtf8(std::string_view text) noexcept {
         text.remove_prefix(asciiLength(text));
         if (text.empty())
             return true;
-        const std::size_t length = characterLength(text);
+        const std::size_t length = lengthOfCharacter(text);
         if (length == 0)
             return false;
         text.remove_prefix(length);
     }
     return true;
+}
+
+std::size_t countCharacters(std::string_view text) noexcept {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
 }
 
 std::string fromLatin1(std::string_view bytes) {
@@ -113,9 +78,21 @@ LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
     const std::string_view inLine = before.substr(lineStart);
     return {
         .line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
-        .column =
-            1 + static_cast<std::size_t>(std::count_if(
-                    inLine.begin(), inLine.end(), [](char byte) { return !isContinuation(byte); })),
+        .column = 1 + countCharacters(inLine),
+    };
+}
+
+LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
+    const std::string_view line = lineAt(offset);
+    if (line.size() <= kLongestLine)
+        return {.text = line, .skipped = 0, .continues = false};
+    const std::size_t place = std::min(offset - startOfLine(offset), line.size());
+    const std::size_t begin = startOfCharacter(line, place - std::min(place, kLongestLine / 2));
+    const std::size_t end = startOfCharacter(line, begin + kLongestLine);
+    return {
+        .text = line.substr(begin, end - begin),
+        .skipped = countCharacters(line.substr(0, begin)),
+        .continues = end < line.size(),
     };
 }
 

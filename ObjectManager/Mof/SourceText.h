@@ -12,6 +12,13 @@ struct LineAndColumn {
     std::size_t column = 1;
 };
 
+/// A line of a source text, or what surrounds a place in a line that is too long to be shown.
+struct LineExcerpt {
+    std::string_view text;    ///< without the end of the line
+    std::size_t skipped = 0;  ///< how many characters of the line stand in front of it
+    bool continues = false;   ///< whether more of the line stands behind it
+};
+
 /// The text of a MOF file, in UTF-8 whatever it was written in.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
@@ -27,10 +34,15 @@ class SourceText {
     /// Where the byte at `offset` stands; the end of the text for an offset behind it.
     [[nodiscard]] LineAndColumn locate(std::size_t offset) const noexcept;
 
-    /// The line of the byte at `offset`, without its end.
-    [[nodiscard]] std::string_view lineAt(std::size_t offset) const noexcept;
+    /// The line of the byte at `offset`. Valid as long as this object.
+    [[nodiscard]] LineExcerpt excerptAt(std::size_t offset) const noexcept;
+
+    /// Lines of more bytes are shown in part, with so many around the place. Files may be one line
+    /// of megabytes, and each of a hundred diagnostics keeps what it shows.
+    static constexpr std::size_t kLongestLine = 200;
 
   private:
+    [[nodiscard]] std::string_view lineAt(std::size_t offset) const noexcept;
     [[nodiscard]] std::size_t startOfLine(std::size_t offset) const noexcept;
 
     std::string name_;

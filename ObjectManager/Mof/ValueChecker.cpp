@@ -1,8 +1,11 @@
 #include "ObjectManager/Mof/ValueChecker.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace Mof {
 
@@ -93,8 +96,15 @@ std::string writtenBy(const Literal& integer) {
     return (integer.isNegative ? "-" : "") + std::to_string(integer.magnitude);
 }
 
-std::string tooLarge(const std::string& number, DataType type) {
-    return std::string("must fit into a ") + keywordOf(type) + ": " + number + " does not";
+// As short as it can be written.
+std::string writtenBy(double real) {
+    char digits[32];  // the longest number needs 24
+    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), real);
+    return {digits, end.ptr};
+}
+
+std::string tooLarge(double real, DataType type) {
+    return std::string("must fit into a ") + keywordOf(type) + ": " + writtenBy(real) + " does not";
 }
 
 std::string outOfRange(const Literal& integer, const IntegerRange& range, DataType type) {
@@ -111,7 +121,7 @@ std::string rangeFault(const Literal& literal, DataType type) {
             return outOfRange(literal, *range, type);
     } else if (literal.kind == Literal::Kind::kReal && type == DataType::kReal32 &&
                std::abs(literal.real) > std::numeric_limits<float>::max()) {
-        return tooLarge(std::to_string(literal.real), type);
+        return tooLarge(literal.real, type);
     }
     return {};
 }
@@ -149,8 +159,9 @@ std::optional<Mismatch> findMismatch(const Value& value, const Type& type) {
             return mismatch;
     }
     if (type.arraySize && value.literals.size() > *type.arraySize) {
-        return Mismatch{value.position, "must have no more elements than the array, " +
-                                            std::to_string(*type.arraySize)};
+        return Mismatch{value.position, "must have no more than " +
+                                            std::to_string(*type.arraySize) +
+                                            (type.arraySize == 1U ? " element" : " elements")};
     }
     return std::nullopt;
 }

@@ -29,27 +29,28 @@ TSKString escaped(const TSKString& text) {
 
 // Most of a schema is descriptions, and few need it: one fast search a character.
 bool needsEscaping(std::string_view text) {
-    return text.find('&') != text.npos || text.find('<') != text.npos ||
-           text.find('>') != text.npos;
+    constexpr std::size_t kNowhere = std::string_view::npos;
+    return text.find('&') != kNowhere || text.find('<') != kNowhere || text.find('>') != kNowhere;
 }
 
-// Takes the texts of the value, not the name.
-TSKSmrPtr<ITeskValue> valueOf(Mof::Qualifier& qualifier, const RepositoryOptions& options) {
+// `name` is apart, because it is taken out of the qualifier already.
+TSKSmrPtr<ITeskValue> valueOf(const TSKString& name, Mof::Qualifier& qualifier,
+                              const RepositoryOptions& options) {
     // Only booleans are written without a value.
     if (!qualifier.value)
         return CimValue::from(true);
-    if (options.escapeDescriptions && qualifier.name.text.equalsIgnoreCase("Description")) {
+    if (options.escapeDescriptions && name.equalsIgnoreCase("Description")) {
         for (Mof::Literal& literal : qualifier.value->literals) {
             if (needsEscaping(literal.text))
                 literal.text = escaped(literal.text);
         }
     }
-    return CimValue::from(std::move(*qualifier.value));
+    return CimValue::from(std::move(*qualifier.value), qualifier.dataType);
 }
 
 }  // namespace
 
 CimQualifier::CimQualifier(Mof::Qualifier&& qualifier, const RepositoryOptions& options)
-    : value_(valueOf(qualifier, options)),
-      name_(std::move(qualifier.name.text)),
-      propagates_(qualifier.propagates) {}
+    : name_(std::move(qualifier.name.text)),
+      propagates_(qualifier.propagates),
+      value_(valueOf(name_, qualifier, options)) {}

@@ -16,6 +16,8 @@ class CimQualifier : public urma::IQualifier {
     [[nodiscard]] bool hasValue() const override { return !value_.isNull(); }
     [[nodiscard]] TSKSmrPtr<ITeskValue> getValue() const override { return value_; }
 
+    /// As getName, without a copy.
+    [[nodiscard]] const TSKString& name() const noexcept { return name_; }
     [[nodiscard]] bool isNamed(const TSKString& name) const noexcept {
         return name_.equalsIgnoreCase(name);
     }
@@ -23,7 +25,7 @@ class CimQualifier : public urma::IQualifier {
     [[nodiscard]] bool propagates() const noexcept { return propagates_; }
 
   private:
-    TSKSmrPtr<ITeskValue> value_;
     TSKString name_;
     bool propagates_;
+    TSKSmrPtr<ITeskValue> value_;  // made after the name, on which it depends
 };

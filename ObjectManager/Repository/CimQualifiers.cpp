@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObjectManager/Mof/CaseInsensitive.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
 CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions& options) {
@@ -13,8 +14,12 @@ CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions&
 }
 
 void CimQualifiers::inherit(const CimQualifiers& overridden) {
+    Mof::NameSet writtenNames;  // both lists may be long
+    writtenNames.reserve(written_.size());
+    for (const CimQualifier& qualifier : written_)
+        writtenNames.insert(qualifier.name());
     for (const CimQualifier* qualifier : overridden.all_) {
-        if (qualifier->propagates() && find(qualifier->getName(), false) == nullptr)
+        if (qualifier->propagates() && !writtenNames.contains(qualifier->name()))
             all_.push_back(qualifier);
     }
 }

@@ -1,5 +1,6 @@
 #include "ObjectManager/Repository/CimValue.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -26,6 +27,14 @@ DataType typeOf(const Literal& literal) {
         default:
             return DataType::kString;
     }
+}
+
+// That of the first literal that is not null.
+DataType typeOf(const Mof::Value& value) {
+    const auto first =
+        std::find_if(value.literals.begin(), value.literals.end(),
+                     [](const Literal& literal) { return literal.kind != Literal::Kind::kNull; });
+    return first == value.literals.end() ? DataType::kString : typeOf(*first);
 }
 
 template <typename Number>
@@ -72,6 +81,13 @@ TSKString textOf(Literal&& literal) {
     return std::move(literal.text);
 }
 
+TSKSmrPtr<ITeskValue> fromLiteral(Literal&& literal, DataType type) {
+    if (literal.kind == Literal::Kind::kNull)
+        return {};
+    const bool truth = literal.truth;
+    return TSKSmrPtr<CimValue>::make(CimType::of(type, false), textOf(std::move(literal)), truth);
+}
+
 }  // namespace
 
 CimValue::CimValue(const TSKSmrPtr<ITeskType>& type, TSKString text, bool truth)
@@ -82,22 +98,13 @@ TSKSmrPtr<ITeskValue> CimValue::from(bool truth) {
                                      truth ? "true" : "false", truth);
 }
 
-TSKSmrPtr<ITeskValue> CimValue::from(Literal&& literal) {
-    if (literal.kind == Literal::Kind::kNull)
-        return {};
-    const TSKSmrPtr<ITeskType>& type = CimType::of(typeOf(literal), false);
-    const bool truth = literal.truth;
-    return TSKSmrPtr<CimValue>::make(type, textOf(std::move(literal)), truth);
-}
-
-TSKSmrPtr<ITeskValue> CimValue::from(Mof::Value&& value) {
+TSKSmrPtr<ITeskValue> CimValue::from(Mof::Value&& value, std::optional<DataType> type) {
+    const DataType dataType = type ? *type : typeOf(value);
     if (!value.isArray)
-        return from(std::move(value.literals.front()));
-    const DataType elementType =
-        value.literals.empty() ? DataType::kString : typeOf(value.literals.front());
-    auto array = TSKSmrPtr<CimValue>::make(CimType::of(elementType, true), TSKString(), false);
+        return fromLiteral(std::move(value.literals.front()), dataType);
+    auto array = TSKSmrPtr<CimValue>::make(CimType::of(dataType, true), TSKString(), false);
     array->elements_ = TSKSmrPtr<TSKValSlist<TSKSmrPtr<ITeskValue>>>::make();
     for (Literal& literal : value.literals)
-        array->elements_->append(from(std::move(literal)));
+        array->elements_->append(fromLiteral(std::move(literal), dataType));
     return array;
 }

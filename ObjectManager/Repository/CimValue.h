@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "ObjectManager/Mof/Declarations.h"
 #include "Platform/Cim/ITeskValue.h"
 #include "Platform/Util/TSKReferenceCount.h"
@@ -9,10 +11,11 @@
 /// Thread safety: immutable, may be used by several threads at once.
 class CimValue : public ITeskValue, public TSKReferenceCount {
   public:
-    /// Takes the texts out of `value`.
+    /// Takes the texts out of `value`. `type` is that of the value, or of its elements; without one
+    /// it is the type that the first literal has by itself.
     /// Returns null for the literal null.
-    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(Mof::Value&& value);
-    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(Mof::Literal&& literal);
+    [[nodiscard]] static TSKSmrPtr<ITeskValue> from(Mof::Value&& value,
+                                                    std::optional<Mof::DataType> type);
     [[nodiscard]] static TSKSmrPtr<ITeskValue> from(bool truth);
 
     // For TSKSmrPtr::make; use from().

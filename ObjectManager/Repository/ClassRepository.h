@@ -15,6 +15,10 @@ class ClassRepository : public ITeskRepository, public ITeskNamespaceList {
   public:
     /// The names of `namespaces` must differ in more than case.
     explicit ClassRepository(std::vector<CimNamespace> namespaces);
+    // The index below refers to the names of this very object.
+    ClassRepository(const ClassRepository&) = delete;
+    ClassRepository& operator=(const ClassRepository&) = delete;
+    ~ClassRepository() override = default;
 
     [[nodiscard]] TSKSmrPtr<ITeskClass> getClass(const TSKString& nameSpace,
                                                  const TSKString& className) const override;

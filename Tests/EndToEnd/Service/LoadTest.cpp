@@ -148,6 +148,7 @@ TEST_F(ServiceLoad, TheFilesThatTheProcessMayOpenAreUsed) {
 }
 
 TEST_F(ServiceLoad, SlowClientsDoNotSlowDownOthers) {
+    serverKeys_ = "head_timeout = 300\nresponse_timeout = 300\n";
     writeModel(
         "test.mof",
         "[Description(\"The first.\")] class TST_One { [Key] uint32 Id; uint32 Stop(); };\n" +

@@ -281,6 +281,21 @@ TEST_F(MofFileReaderTest, AFileOfAFolderThatCannotBeReadIsAnErrorAndTheOthersAre
     EXPECT_EQ(textOf(compilation), "class A_B\n");
 }
 
+TEST_F(MofFileReaderTest, AFileThatIsTooLargeIsAnError) {
+    write("main.mof", "class A_B {};\n#pragma include (\"b.mof\")");
+    write("b.mof", "// " + std::string(100, '-'));
+    Mof::CompilerOptions options;
+    options.largestFile = 103;
+    EXPECT_EQ(shown(compileFile("main.mof", options)), "");
+    options.largestFile = 102;
+    EXPECT_EQ(shown(compileFile("main.mof", options)),
+              "main.mof:2:1: error: the included file \"b.mof\" cannot be read: File too large\n"
+              "#pragma include (\"b.mof\")\n"
+              "^\n");
+    EXPECT_EQ(shown(compileFile("b.mof", options)),
+              "b.mof: error: cannot be read: File too large\n");
+}
+
 TEST_F(MofFileReaderTest, PragmasAreKnownOrWarnedOf) {
     const Compilation compilation =
         compileText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");
@@ -370,6 +385,18 @@ TEST_F(MofFileReaderTest, FlavorsThatContradictEachOtherAreAnError) {
               "                              ^\n");
 }
 
+TEST_F(MofFileReaderTest, AZeroByteIsAnErrorWhereverItIs) {
+    using namespace std::string_literals;
+    EXPECT_EQ(faults("class A_B {};\n// a\0b\n?"s),
+              "a.mof:2:5: error: here is a zero byte: the file must be text, in UTF-8\n"
+              "// a?b\n"
+              "    ^\n");
+    EXPECT_EQ(faults("class A_B { string s = \"\0\"; };"s),
+              "a.mof:1:25: error: here is a zero byte: the file must be text, in UTF-8\n"
+              "class A_B { string s = \"?\"; };\n"
+              "                        ^\n");
+}
+
 TEST_F(MofFileReaderTest, CharactersWithoutAMeaningAreErrors) {
     EXPECT_EQ(faults("class A_B {}; ?"),
               "a.mof:1:15: error: this character has no meaning here\n"
@@ -401,8 +428,9 @@ TEST_F(MofFileReaderTest, ATruncatedFileNeverCrashes) {
 
 TEST_F(MofFileReaderTest, BytesOfAnyKindNeverCrash) {
     std::string everyByte;
-    for (int byte = 0; byte < 256; ++byte)
+    for (int byte = 1; byte < 256; ++byte)
         everyByte += static_cast<char>(byte);
+    (void)compileText(everyByte + '\0');
     (void)compileText(everyByte);
     (void)compileText("class A_B { string s = \"" + everyByte + "\"; };");
 }

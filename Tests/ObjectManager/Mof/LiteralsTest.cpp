@@ -116,4 +116,32 @@ TEST_F(LiteralsTest, CharactersAreOneOfTheBasicPlane) {
     EXPECT_EQ(faults_, Faults(2, "100 a char16 literal holds one character of the basic plane"));
 }
 
+// As lengthOfString, a byte after the other.
+std::size_t plainLengthOfString(std::string_view text) {
+    std::size_t position = 1;
+    while (position < text.size() && text[position] != '\n') {
+        if (text[position] == '"')
+            return position + 1;
+        const bool isEscape = text[position] == '\\';
+        if (isEscape && (position + 1 == text.size() || text[position + 1] == '\n'))
+            return position;
+        position += isEscape ? 2 : 1;
+    }
+    return position;
+}
+
+TEST(LengthOfString, EndsAtTheFirstQuotationMarkThatIsNotEscapedOrWithTheLine) {
+    constexpr std::string_view kBytes = "a\"\\\n";
+    constexpr std::size_t kLongest = 8;
+    std::vector<std::string> texts = {"\""};
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        const std::string text = texts[index];
+        ASSERT_EQ(Mof::lengthOfString(text), plainLengthOfString(text)) << text;
+        for (const char byte : kBytes) {
+            if (text.size() < kLongest)
+                texts.push_back(text + byte);
+        }
+    }
+}
+
 }  // namespace

@@ -47,15 +47,46 @@ TEST(SourceText, PlacesCountLinesAndCharactersFromOne) {
     EXPECT_EQ(placeOf(source, 1000), "4:1");
 }
 
+// An excerpt as "SKIPPED:TEXT", with "+" behind it where the line continues.
+std::string excerptOf(const SourceText& source, std::size_t offset) {
+    const Mof::LineExcerpt excerpt = source.excerptAt(offset);
+    return std::to_string(excerpt.skipped) + ":" + std::string(excerpt.text) +
+           (excerpt.continues ? "+" : "");
+}
+
 TEST(SourceText, GivesTheLineOfAPlaceWithoutItsEnd) {
     const SourceText source("a", "one\r\ntwo\n\nfour");
-    EXPECT_EQ(source.lineAt(0), "one");
-    EXPECT_EQ(source.lineAt(4), "one");
-    EXPECT_EQ(source.lineAt(5), "two");
-    EXPECT_EQ(source.lineAt(9), "");
-    EXPECT_EQ(source.lineAt(12), "four");
-    EXPECT_EQ(source.lineAt(1000), "four");
-    EXPECT_EQ(SourceText("a", "").lineAt(0), "");
+    EXPECT_EQ(excerptOf(source, 0), "0:one");
+    EXPECT_EQ(excerptOf(source, 4), "0:one");
+    EXPECT_EQ(excerptOf(source, 5), "0:two");
+    EXPECT_EQ(excerptOf(source, 9), "0:");
+    EXPECT_EQ(excerptOf(source, 12), "0:four");
+    EXPECT_EQ(excerptOf(source, 1000), "0:four");
+    EXPECT_EQ(excerptOf(SourceText("a", ""), 0), "0:");
+}
+
+TEST(SourceText, GivesWhatSurroundsAPlaceInALongLine) {
+    constexpr std::size_t kLongest = SourceText::kLongestLine;
+    const std::string longest = std::string(kLongest - 1, 'a') + "b";
+    EXPECT_EQ(excerptOf(SourceText("a", "\n" + longest + "\n"), 1), "0:" + longest);
+
+    const SourceText longer("a", "\n" + longest + "c\n");
+    EXPECT_EQ(excerptOf(longer, 1), "0:" + longest + "+");
+    EXPECT_EQ(excerptOf(longer, 1 + kLongest / 2), "0:" + longest + "+");
+    EXPECT_EQ(excerptOf(longer, 2 + kLongest / 2), "1:" + longest.substr(1) + "c");
+    const std::string secondHalf = longest.substr(kLongest / 2 + 1) + "c";
+    EXPECT_EQ(excerptOf(longer, 1 + kLongest + 1), "101:" + secondHalf);
+    EXPECT_EQ(excerptOf(longer, 1000), "0:");  // the line behind it
+}
+
+TEST(SourceText, CutsALongLineBetweenCharacters) {
+    std::string line = "a";
+    for (std::size_t count = 0; count < SourceText::kLongestLine; ++count)
+        line += "\xC3\xBC";
+    const SourceText source("a", line);
+    EXPECT_EQ(excerptOf(source, 0), "0:" + line.substr(0, 199) + "+");
+    EXPECT_EQ(excerptOf(source, 102), "1:" + line.substr(1, 200) + "+");
+    EXPECT_EQ(excerptOf(source, 103), "2:" + line.substr(3, 200) + "+");
 }
 
 }  // namespace
