@@ -112,7 +112,7 @@ TEST_F(ServiceLoad, SixtyFourClientsGetEveryDocumentOfTheDmtfSchema) {
 }
 
 TEST_F(ServiceLoad, TwoThousandIdleConnectionsKeepNobodyFromBeingServed) {
-    constexpr int kIdle = 2000;
+    constexpr std::size_t kIdle = 2000;
     rlimit files{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
     if (files.rlim_max < 2 * kIdle)
@@ -123,12 +123,12 @@ TEST_F(ServiceLoad, TwoThousandIdleConnectionsKeepNobodyFromBeingServed) {
     const std::string request = get("/root/test/TST_One.wsdl");
     std::vector<Client> idle;
     idle.reserve(kIdle);
-    for (int count = 0; count < kIdle; ++count)
+    for (std::size_t count = 0; count < kIdle; ++count)
         idle.push_back(count % 2 == 0 ? connect() : sending(request.substr(0, 60)));
     ask(400);
     EXPECT_GT(openFiles(), kIdle);
     const std::string document = found(expected("OneClass.wsdl"));
-    for (int count = 0; count < kIdle; ++count) {
+    for (std::size_t count = 0; count < kIdle; ++count) {
         EXPECT_TRUE(idle[count].send(count % 2 == 0 ? request : request.substr(60)));
         EXPECT_EQ(withoutDate(idle[count].readAll()), document);
     }
@@ -148,7 +148,6 @@ TEST_F(ServiceLoad, TheFilesThatTheProcessMayOpenAreUsed) {
 }
 
 TEST_F(ServiceLoad, SlowClientsDoNotSlowDownOthers) {
-    serverKeys_ = "head_timeout = 300\nresponse_timeout = 300\n";
     writeModel(
         "test.mof",
         "[Description(\"The first.\")] class TST_One { [Key] uint32 Id; uint32 Stop(); };\n" +
