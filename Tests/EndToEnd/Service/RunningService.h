@@ -90,7 +90,7 @@ class RunningService : public testing::Test {
     /// The keys of [server]. Nothing ends because a machine is slow, unless the test says so.
     std::map<std::string, std::string> serverKeys_ = {
         {"head_timeout", "300"}, {"response_timeout", "300"}, {"shutdown_timeout", "300"}};
-    std::string logKeys_;     ///< lines for [log]
+    std::string logKeys_;  ///< lines for [log]
     std::optional<TeskProcess> process_;
     Lines expectedLog_;       ///< what is not information, without the time
     int expectedStatus_ = 0;  ///< with which it ends
