@@ -1,8 +1,10 @@
 #include "ObjectManager/Commands/LogOutput.h"
 
 #include <cerrno>
-#include <string>
+#include <cstdio>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TSKStreamLogSink.h"
@@ -11,25 +13,51 @@
 
 namespace Commands {
 
-LogOutput::LogOutput(const Configuration::LogSettings& settings) {
-    TSKLog::setLevel(static_cast<TeskTraceLog::Severity>(settings.level));
-    if (settings.file.empty())
-        return;
-    file_.reset(std::fopen(settings.file.c_str(), "ae"));
-    if (!file_) {
+namespace {
+
+struct Close {
+    void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, Close>;
+
+// Closes its file when the last thread that writes a line has let go of it.
+class FileLogSink final : public TSKStreamLogSink {
+  public:
+    explicit FileLogSink(File file) : TSKStreamLogSink(file.get()), file_(std::move(file)) {}
+
+  private:
+    File file_;
+};
+
+TSKSmrPtr<TSKLogSink> openSink(const std::string& path) {
+    File file(std::fopen(path.c_str(), "ae"));
+    if (!file) {
         const std::string reason = std::generic_category().message(errno);
-        const std::string message =
-            "the log file " + settings.file + " cannot be written: " + reason;
+        const std::string message = "the log file " + path + " cannot be written: " + reason;
         throw TeskBaseException("LogOutput", TSKString(message), CIM_ERR_FAILED);
     }
     // A line is in the file when it was written, also when the process is killed.
-    std::setvbuf(file_.get(), nullptr, _IOLBF, BUFSIZ);
-    before_ = TSKLog::setSink(TSKSmrPtr<TSKStreamLogSink>::make(file_.get()));
+    (void)std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
+    return TSKSmrPtr<FileLogSink>::make(std::move(file));
+}
+
+}  // namespace
+
+LogOutput::LogOutput(const Configuration::LogSettings& settings) : path_(settings.file) {
+    TSKLog::setLevel(static_cast<TeskTraceLog::Severity>(settings.level));
+    if (!path_.empty())
+        before_ = TSKLog::setSink(openSink(path_));
 }
 
 LogOutput::~LogOutput() {
-    if (file_)
+    if (!path_.empty())
         TSKLog::setSink(before_);
+}
+
+void LogOutput::reopen() const {
+    if (!path_.empty())
+        TSKLog::setSink(openSink(path_));
 }
 
 }  // namespace Commands

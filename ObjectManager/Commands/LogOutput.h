@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdio>
-#include <memory>
+#include <string>
 
 #include "ObjectManager/Configuration/Settings.h"
 #include "Platform/Util/TSKLogSink.h"
@@ -20,12 +19,12 @@ class LogOutput {
     LogOutput& operator=(const LogOutput&) = delete;
     ~LogOutput();
 
-  private:
-    struct Close {
-        void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-    };
+    /// Opens the file by its name again: whoever keeps logs for a while has moved it away.
+    /// Errors: TeskBaseException when it cannot be written; the log goes on as before then.
+    void reopen() const;
 
-    std::unique_ptr<std::FILE, Close> file_;  // null for standard error
+  private:
+    std::string path_;  // empty for standard error
     TSKSmrPtr<TSKLogSink> before_;
 };
 

@@ -9,7 +9,7 @@ namespace {
 
 std::string fixed(double number, int decimals) {
     char text[64];
-    std::snprintf(text, sizeof text, "%.*f", decimals, number);
+    (void)std::snprintf(text, sizeof text, "%.*f", decimals, number);
     return text;
 }
 

@@ -1,6 +1,7 @@
 #include "ObjectManager/Commands/ProgressBar.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unistd.h>
 #include <utility>
 
@@ -23,8 +24,8 @@ ProgressBar::ProgressBar(std::FILE* terminal, std::size_t total, std::string uni
 ProgressBar::~ProgressBar() {
     if (!isShown_)
         return;
-    std::fwrite(kStartOfClearedLine.data(), 1, kStartOfClearedLine.size(), terminal_);
-    std::fflush(terminal_);
+    (void)std::fwrite(kStartOfClearedLine.data(), 1, kStartOfClearedLine.size(), terminal_);
+    (void)std::fflush(terminal_);
 }
 
 void ProgressBar::step() {
@@ -42,8 +43,8 @@ void ProgressBar::show(Clock::time_point now) {
     lastShown_ = now;
     std::string text(kStartOfClearedLine);
     text += line(done_, total_, unit_, now - start_);
-    std::fwrite(text.data(), 1, text.size(), terminal_);
-    std::fflush(terminal_);
+    (void)std::fwrite(text.data(), 1, text.size(), terminal_);
+    (void)std::fflush(terminal_);
 }
 
 std::string ProgressBar::line(std::size_t done, std::size_t total, const std::string& unit,
@@ -57,7 +58,7 @@ std::string ProgressBar::line(std::size_t done, std::size_t total, const std::st
     const double rate = static_cast<double>(done) / elapsed.count();
     const double left = static_cast<double>(total - std::min(done, total)) / rate;
     text += ", " + groupedDigits(static_cast<std::size_t>(rate)) + "/s, ";
-    text += groupedDigits(static_cast<std::size_t>(left + 0.5)) + " s left";
+    text += groupedDigits(static_cast<std::size_t>(std::lround(left))) + " s left";
     return text;
 }
 

@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
 #include <vector>
 
 #include "ObjectManager/Commands/LogOutput.h"
@@ -82,6 +83,15 @@ void announce(const Service& service, const ClassRepository& repository,
     std::cout.flush();
 }
 
+void reopenLog(const LogOutput& logOutput) {
+    try {
+        logOutput.reopen();
+    } catch (const TeskBaseException& error) {
+        log(TeskTraceLog::SeverityError,
+            "The log goes on as before: " + std::string(error.getMessage().data()));
+    }
+}
+
 // `faults` is what is to be mended, in lines.
 void logFailedReload(const std::string& faults, std::string_view reason) {
     std::istringstream lines(faults);
@@ -120,12 +130,22 @@ int stop(Service& service) {
         return 0;
     // A provider that still runs would use what is taken from it.
     log(TeskTraceLog::SeverityError, "A provider does not end; the process ends without it");
-    std::fflush(nullptr);
+    (void)std::fflush(nullptr);
     std::_Exit(1);
+}
+
+// Each connection is an open file, and a process may have more of them than it has at first.
+void raiseLimitOfOpenFiles() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
 }
 
 int runServe(const ServeOptions& options) {
     const Configuration::Settings settings = settingsOf(options, std::cerr);
+    raiseLimitOfOpenFiles();
     const SignalQueue signals;
     const LogOutput logOutput(settings.log);
     const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
@@ -133,15 +153,17 @@ int runServe(const ServeOptions& options) {
     Service service(settings, repository, users.users);
     service.start();
     announce(service, *repository, users);
-    while (signals.wait() == SIGHUP)
+    while (signals.wait() == SIGHUP) {
+        reopenLog(logOutput);
         reload(service, options);
+    }
     signals.letThrough();
     return stop(service);
 }
 
 constexpr const char* kFooter =
-    R"(Signals: SIGHUP reads classes and password file again, SIGTERM and SIGINT end the service when
-running requests are answered.
+    R"(Signals: SIGHUP reads classes and password file again and opens the log file anew, SIGTERM and
+SIGINT end the service when running requests are answered.
 
 Examples:
   tesk serve

@@ -9,7 +9,7 @@ SignalQueue::SignalQueue() {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&signals_, signal);
     pthread_sigmask(SIG_BLOCK, &signals_, &before_);
-    std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
 SignalQueue::~SignalQueue() {
@@ -25,7 +25,7 @@ int SignalQueue::wait() const {
 }
 
 void SignalQueue::letThrough() const {
-    std::signal(SIGHUP, SIG_IGN);
+    (void)std::signal(SIGHUP, SIG_IGN);
     pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
 }
 

@@ -36,8 +36,8 @@ struct ServerSettings {
     /// before they use force.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
 
-    /// How many connections may be open at once; fewer than the files that a process may open where
-    /// the limit is raised for servers.
+    /// How many connections may be open at once. Each takes a file, and the usual limit of those,
+    /// up to which the object manager raises its own, is higher.
     std::size_t maxConnections = 4096;
 
     friend bool operator==(const ServerSettings&, const ServerSettings&) = default;

@@ -50,7 +50,7 @@ std::string memberAround(const xmlNode& node) {
             continue;
         const std::string name = attribute(*around, "name");
         if (!name.empty())
-            member = member.empty() ? name : methodOf(name) + "." + member;
+            member.insert(0, member.empty() ? name : methodOf(name) + ".");
     }
     return member;
 }

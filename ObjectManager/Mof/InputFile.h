@@ -1,10 +1,10 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <tuple>
 
 namespace Mof {
 
@@ -19,7 +19,12 @@ class InputFile {
         dev_t device = 0;
         ino_t number = 0;
 
-        friend auto operator<=>(const Identity&, const Identity&) = default;
+        friend bool operator==(const Identity& left, const Identity& right) noexcept {
+            return left.device == right.device && left.number == right.number;
+        }
+        friend bool operator<(const Identity& left, const Identity& right) noexcept {
+            return std::tie(left.device, left.number) < std::tie(right.device, right.number);
+        }
     };
 
     /// Opens a file; none where no file has that path.

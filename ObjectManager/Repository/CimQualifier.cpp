@@ -29,8 +29,8 @@ TSKString escaped(const TSKString& text) {
 
 // Most of a schema is descriptions, and few need it: one fast search a character.
 bool needsEscaping(std::string_view text) {
-    return text.find('&') != text.npos || text.find('<') != text.npos ||
-           text.find('>') != text.npos;
+    constexpr std::size_t kNowhere = std::string_view::npos;
+    return text.find('&') != kNowhere || text.find('<') != kNowhere || text.find('>') != kNowhere;
 }
 
 // `name` is apart, because it is taken out of the qualifier already.

@@ -12,7 +12,8 @@ std::vector<TSKSmrPtr<ITeskType>> allTypes() {
     std::vector<TSKSmrPtr<ITeskType>> types;
     for (std::size_t number = 0; number <= kLastDataType; ++number) {
         for (const bool isArray : {false, true})
-            types.push_back(TSKSmrPtr<CimType>::make(static_cast<Mof::DataType>(number), isArray));
+            types.emplace_back(
+                TSKSmrPtr<CimType>::make(static_cast<Mof::DataType>(number), isArray));
     }
     return types;
 }

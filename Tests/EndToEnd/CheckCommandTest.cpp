@@ -198,6 +198,42 @@ TEST_F(CheckCommand, EscapesDescriptions) {
     EXPECT_TRUE(run.output.ends_with(": 0 errors, 0 warnings\n")) << run.output;
 }
 
+TEST_F(CheckCommand, TakesNamespacesAndOptionsFromAConfiguration) {
+    (void)write("a.mof", std::string(kQualifiers) +
+                             "[Description(\"a & b\")]\nclass TST_A {};\nclass TST_B {};\n");
+    const std::string file = folder_.write("tesk.toml",
+                                           "[namespaces]\n"
+                                           "\"root/test\" = \"a.mof\"\n"
+                                           "[repository]\n"
+                                           "escape_descriptions = false\n");
+    const ProgramRun run = runTesk("check --config '" + file + "'");
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(run.output.starts_with(
+        "error: root/test:TST_A: TST_A.wsdl is not well-formed: line 219, column 28: "
+        "xmlParseEntityRef: no name\n"
+        "2 classes in 1 namespace, 4 documents, "))
+        << run.output;
+    EXPECT_TRUE(run.output.ends_with(": 1 error, 0 warnings\n")) << run.output;
+}
+
+TEST_F(CheckCommand, ShowsWhatIsWrongWithAConfiguration) {
+    const std::string file = folder_.write("tesk.toml", "\nnothing = 1\n");
+    const ProgramRun run = runTesk("check --config '" + file + "'");
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(shown(run.errors),
+              "tesk.toml:2:1: error: unknown key \"nothing\"; known are \"include_path\", "
+              "\"namespaces\", \"repository\", \"server\", \"security\" and \"log\"\n"
+              "tesk: the configuration has errors and is not used\n");
+    const ProgramRun missing = runTesk("check --config /nowhere/tesk.toml");
+    EXPECT_EQ(missing.end, "status 1");
+    EXPECT_EQ(missing.output, "");
+    EXPECT_EQ(missing.errors,
+              "/nowhere/tesk.toml: error: cannot be read: No such file or directory\n"
+              "tesk: the configuration has errors and is not used\n");
+}
+
 // Its method Create is named like an operation of every class; no other method of the schema is
 // named like one.
 TEST_F(CheckCommand, FindsNoErrorInTheDmtfSchema) {

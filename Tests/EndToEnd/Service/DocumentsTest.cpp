@@ -1,0 +1,221 @@
+// What clients of `tesk serve` are answered, head and body.
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "Tests/EndToEnd/Service/RunningService.h"
+#include "Tests/ObjectManager/Http/WithoutDate.h"
+#include "Tests/ObjectManager/Security/Files.h"
+
+namespace {
+
+class ServiceDocuments : public RunningService {
+  protected:
+    static std::string staticDescription() {
+        return contentOf(installation() / "lib/tesk/providers/STSService.wsdl");
+    }
+
+    static std::filesystem::path installation() {
+        return std::filesystem::path(TESK_PROGRAM).parent_path().parent_path();
+    }
+
+    // A copy of what the program needs, without that file.
+    [[nodiscard]] std::filesystem::path copyInstallationWithout(const char* file) const {
+        const std::filesystem::path copy = folder_ / "installation";
+        std::filesystem::create_directories(copy / "bin");
+        std::filesystem::copy_file(TESK_PROGRAM, copy / "bin/tesk");
+        std::filesystem::copy(installation() / "lib", copy / "lib",
+                              std::filesystem::copy_options::recursive |
+                                  std::filesystem::copy_options::copy_symlinks);
+        EXPECT_TRUE(std::filesystem::remove(copy / file));
+        return copy / "bin/tesk";
+    }
+
+    void serveInterop() {
+        writeModel("interop.mof", "class TST_Two {};\n");
+        namespaces_["interop"] = "interop.mof";
+    }
+};
+
+TEST_F(ServiceDocuments, WsdlIsAnsweredWhole) {
+    start();
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), found(expected("OneClass.wsdl")));
+}
+
+TEST_F(ServiceDocuments, SchemaIsAnsweredWhole) {
+    start();
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.xsd")), found(expected("TST_Nothing.xsd")));
+    EXPECT_EQ(answer(get("/root/test/TST_One.xsd")), found(expected("OneClass.xsd")));
+}
+
+TEST_F(ServiceDocuments, NamesMayBeWrittenInAnyCase) {
+    start();
+    EXPECT_EQ(answer(get("/ROOT/Test/tst_NOTHING.wsdl")), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceDocuments, AWsdlExtensionInCapitalsIsOne) {
+    start();
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.WSDL")), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceDocuments, ASchemaExtensionInCapitalsBelongsToTheNameOfTheClass) {
+    start();
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.XSD")), kNotFound);
+}
+
+TEST_F(ServiceDocuments, APathWithoutNamespaceMeansInterop) {
+    serveInterop();
+    start();
+    const std::string two = answer(get("/interop/TST_Two.wsdl"));
+    EXPECT_EQ(two.substr(0, 15), "HTTP/1.1 200 OK");
+    EXPECT_EQ(answer(get("/TST_Two.wsdl")), two);
+    EXPECT_EQ(answer(get("/TST_Nothing.wsdl")), kNotFound);
+}
+
+TEST_F(ServiceDocuments, ANamespaceThatBeginsWithXsdMakesEveryDocumentASchema) {
+    namespaces_["root/xsd"] = "test.mof";
+    start();
+    EXPECT_EQ(answer(get("/root/xsd/TST_One.wsdl")), found(expected("OneClass.xsd")));
+    EXPECT_EQ(answer(get("/root/xsd/TST_One.xsd")), found(expected("OneClass.xsd")));
+}
+
+// The path is compared as it is, the namespace without regard to case.
+TEST_F(ServiceDocuments, XsdInCapitalsInThePathIsNoMarkOfASchema) {
+    namespaces_["root/xsd"] = "test.mof";
+    start();
+    EXPECT_EQ(answer(get("/root/XSD/TST_One.wsdl")).substr(0, 15), "HTTP/1.1 200 OK");
+    EXPECT_NE(answer(get("/root/XSD/TST_One.wsdl")), found(expected("OneClass.xsd")));
+}
+
+TEST_F(ServiceDocuments, TheStaticDescriptionIsAnsweredAnywhereInTheProvidersPaths) {
+    serveInterop();
+    start();
+    const std::string expectedAnswer = found(staticDescription());
+    for (const char* const path :
+         {"/STSService.wsdl", "/interop/STSService.wsdl", "/root/test/STSService.wsdl",
+          "/root/test/a/b.xsd/STSService.wsdl", "/root/test/OtherSTSService.wsdl"})
+        EXPECT_EQ(answer(get(path)), expectedAnswer) << path;
+    EXPECT_EQ(answer(get("/root/test/stsservice.wsdl")), kNotFound);
+}
+
+TEST_F(ServiceDocuments, AMissingStaticDescriptionIsEmpty) {
+    serveInterop();
+    writeConfiguration();
+    startWith({"serve", "--config", folder_ / "tesk.toml"},
+              copyInstallationWithout("lib/tesk/providers/STSService.wsdl"));
+    EXPECT_EQ(answer(get("/STSService.wsdl")), found(""));
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceDocuments, WhatIsNotThereIsNotFound) {
+    start();
+    for (const char* const path :
+         {"/root/test/TST_None.wsdl", "/root/test/TST_None.xsd", "/root/test/TST_Nothing",
+          "/root/test", "/root/test/", "/root/test/TST_Nothing.wsdl/", "/root/test/.wsdl",
+          "/root/test/TST_Nothing.wsdl.wsdl.xml"})
+        EXPECT_EQ(answer(get(path)), kNotFound) << path;
+}
+
+TEST_F(ServiceDocuments, ANamespaceBelowOneThatIsServedIsNotFoundAndLogged) {
+    expectedLog_ = {"error WsdlAdapter::processInput: Exception while writing response. err=3"};
+    start();
+    EXPECT_EQ(answer(get("/root/test/deeper/TST_Nothing.wsdl")), kNotFound);
+}
+
+TEST_F(ServiceDocuments, PathsOfNobodyAreAnsweredByTheFrontEnd) {
+    start();
+    for (const char* const path :
+         {"/", "/root", "/root/other/TST_Nothing.wsdl", "/root/testing/TST_Nothing.wsdl",
+          "/TST_Nothing.wsdl", "/other/STSService.wsdl"})
+        EXPECT_EQ(answer(get(path)), refusal("404 Not Found", "There is nothing at this path."))
+            << path;
+}
+
+TEST_F(ServiceDocuments, TheAddressesInADocumentAreThoseThatTheClientUses) {
+    start();
+    const std::string fields = "host: Server.example\r\n" + std::string(kAlice);
+    EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1", fields)),
+              found(expected("TST_Nothing.wsdl", "Server.example")));
+    EXPECT_EQ(
+        answer(request("GET http://other.example:80/root/test/TST_Nothing.wsdl HTTP/1.1", fields)),
+        found(expected("TST_Nothing.wsdl", "other.example:80")));
+}
+
+TEST_F(ServiceDocuments, AClientWithoutHostFieldGetsItsOwnAddress) {
+    start();
+    EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.0", kAlice)),
+              found(expected("TST_Nothing.wsdl", "127.0.0.1"), "HTTP/1.0"));
+}
+
+bool hasIPv6() {
+    const int descriptor = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return false;
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const bool binds =
+        bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(descriptor);
+    return binds;
+}
+
+TEST_F(ServiceDocuments, AClientOfIPv6WithoutHostFieldGetsItsOwnAddressInBrackets) {
+    if (!hasIPv6())
+        GTEST_SKIP() << "this machine has no IPv6";
+    listen_ = {"127.0.0.1:0", "[::1]:0"};
+    start();
+    const Client client("::1", port(1));
+    EXPECT_TRUE(client.send(request("GET /root/test/TST_Nothing.wsdl HTTP/1.0", kAlice)));
+    EXPECT_EQ(withoutDate(client.readAll()),
+              found(expected("TST_Nothing.wsdl", "[::1]"), "HTTP/1.0"));
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceDocuments, HeadIsAnsweredWithTheHeadAlone) {
+    start();
+    const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
+    const std::string whole = found(expected("TST_Nothing.wsdl"));
+    EXPECT_EQ(answer(request("HEAD /root/test/TST_Nothing.wsdl HTTP/1.1", fields)),
+              whole.substr(0, whole.find("\r\n\r\n") + 4));
+    EXPECT_EQ(answer(request("HEAD /root/test/TST_None.wsdl HTTP/1.1", fields)), kNotFound);
+}
+
+TEST_F(ServiceDocuments, ABodyThatAClientSendsIsThrownAway) {
+    start();
+    const std::string body(200'000, 'b');
+    const std::string head = request("POST /root/test/TST_Nothing.wsdl HTTP/1.1",
+                                     "Host: " + std::string(kHost) + "\r\n" + kAlice +
+                                         "Content-Length: " + std::to_string(body.size()) + "\r\n");
+    const Client client = sending(head + body);
+    EXPECT_EQ(withoutDate(client.readAll()), found(expected("TST_Nothing.wsdl")));
+    EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {
+    start();
+    const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
+    const auto asks = [&](const std::string& line) { return answer(request(line, fields)); };
+    EXPECT_EQ(asks("GET /root/test/../test/TST_Nothing.wsdl HTTP/1.1"),
+              refusal("400 Bad Request", "The path holds a segment of one or two dots."));
+    EXPECT_EQ(asks("GET /root%2ftest/TST_Nothing.wsdl HTTP/1.1"),
+              refusal("400 Bad Request",
+                      "A percent-encoding in the path stands for a slash or a control character."));
+    EXPECT_EQ(
+        asks("GET /root/test/TST_Nothing.wsdl HTTP/2.0"),
+        refusal("505 HTTP Version Not Supported", "This server speaks HTTP/1.0 and HTTP/1.1."));
+    EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1", kAlice)),
+              refusal("400 Bad Request", "The Host field is missing."));
+    EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+                             "Host: a\"><script>\r\n" + std::string(kAlice))),
+              refusal("400 Bad Request", "The Host field is not a host with an optional port."));
+    EXPECT_EQ(answer(std::string("\x16\x03\x01\x02\x00\x01\x00", 7)),
+              refusal("400 Bad Request", "The head of the request holds a control character."));
+    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+}
+
+}  // namespace

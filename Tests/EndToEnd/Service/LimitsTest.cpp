@@ -1,0 +1,90 @@
+// What the service bears of a single client, each limit set small.
+
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "Tests/EndToEnd/Service/RunningService.h"
+#include "Tests/ObjectManager/Http/WithoutDate.h"
+
+namespace {
+
+class ServiceLimits : public RunningService {
+  protected:
+    // A request whose head has so many bytes.
+    static std::string ofSize(std::size_t size) {
+        std::string request = get("/root/test/TST_Nothing.wsdl");
+        const std::string begin = "X-Filler: ";
+        const std::size_t filler = size - request.size() - begin.size() - 2;
+        request.insert(request.size() - 2, begin + std::string(filler, 'x') + "\r\n");
+        return request;
+    }
+
+    // A request whose first line has so many bytes without its end.
+    static std::string withLine(std::size_t size) {
+        const std::string around = "GET /root/test/.wsdl HTTP/1.1";
+        return get("/root/test/" + std::string(size - around.size(), 'a') + ".wsdl");
+    }
+};
+
+TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
+    serverKeys_["max_request_head"] = "512";
+    start();
+    EXPECT_EQ(answer(ofSize(512)), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(answer(ofSize(513)), refusal("431 Request Header Fields Too Large",
+                                           "The head of the request is longer than 512 bytes."));
+}
+
+TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
+    serverKeys_["max_request_line"] = "100";
+    start();
+    EXPECT_EQ(answer(withLine(100)), kNotFound);
+    EXPECT_EQ(answer(withLine(101)),
+              refusal("414 URI Too Long", "The request line is longer than 100 bytes."));
+}
+
+TEST_F(ServiceLimits, AClientThatDoesNotSendItsRequestInTimeIsToldSo) {
+    serverKeys_["head_timeout"] = "0.2";
+    start();
+    const Client silent = connect();
+    const Client slow = sending("GET /root/test/TST_Nothing.wsdl HTTP/1.1\r\nHost: a\r\n");
+    const std::string late =
+        refusal("408 Request Timeout", "The head of the request has not come in in time.");
+    EXPECT_EQ(withoutDate(slow.readAll()), late);
+    EXPECT_EQ(withoutDate(silent.readAll()), late);
+}
+
+TEST_F(ServiceLimits, AClientThatDoesNotTakeItsResponseLosesIt) {
+    writeModel("test.mof", largeClass());
+    serverKeys_["response_timeout"] = "0.3";
+    serverKeys_["max_connections"] = "1";
+    start();
+    const Client idle = sending(get("/root/test/TST_Large.wsdl"));
+    const std::string begin = idle.read(100);
+    EXPECT_EQ(begin.substr(0, 15), "HTTP/1.1 200 OK");
+    // There is room for another one only when the first is closed.
+    waitForAnswer(get("/root/test/TST_None.wsdl"), "HTTP/1.1 404 File Not Found");
+    const std::string rest = idle.readAll();
+    EXPECT_FALSE(rest.ends_with("</wsdl:definitions>\n"));
+    waitForAnswer(get("/root/test/TST_Large.wsdl"), "HTTP/1.1 200 OK");
+}
+
+TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
+    serverKeys_["max_connections"] = "3";
+    start();
+    const std::string request = get("/root/test/TST_Nothing.wsdl");
+    const Client first = connect();
+    const Client second = connect();
+    {
+        const Client third = connect();
+        EXPECT_EQ(answer(request),
+                  refusal("503 Service Unavailable",
+                          "The server has too many connections. Try again later."));
+    }
+    waitForAnswer(request, "HTTP/1.1 200 OK");
+    for (const Client* const client : {&first, &second}) {
+        EXPECT_TRUE(client->send(request));
+        EXPECT_EQ(withoutDate(client->readAll()), found(expected("TST_Nothing.wsdl")));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+// SIGHUP: classes, namespaces and users change while clients are served, and none of them notices.
+
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <optional>
+
+#include "Tests/EndToEnd/Service/Hammer.h"
+#include "Tests/EndToEnd/Service/RunningService.h"
+#include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
+
+namespace {
+
+// Every test begins with a service under load, and ends with the load having got right answers
+// alone.
+class ServiceReload : public RunningService {
+  protected:
+    void SetUp() override {
+        start();
+        hammer_.emplace(port(), get("/root/test/TST_Nothing.wsdl"),
+                        found(expected("TST_Nothing.wsdl")));
+        hammer_->waitForAnswers(20);
+    }
+
+    void TearDown() override {
+        hammer_->waitForAnswers(20);
+        EXPECT_EQ(hammer_->stop(), Lines());
+        RunningService::TearDown();
+    }
+
+    void expectServedAsBefore() const {
+        EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), found(expected("OneClass.wsdl")));
+    }
+
+    std::optional<Hammer> hammer_;
+};
+
+TEST_F(ServiceReload, ClassesComeAndGo) {
+    expectServedAsBefore();
+    EXPECT_EQ(answer(get("/root/test/TST_Two.wsdl")), kNotFound);
+    writeModel("test.mof", "class TST_Nothing {};\nclass TST_Two {};\n");
+    reload();
+    EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), kNotFound);
+    EXPECT_EQ(answer(get("/root/test/TST_Two.wsdl")).substr(0, 15), "HTTP/1.1 200 OK");
+    EXPECT_NE(process().log().find("information tesk: Reloaded: 2 classes in 1 namespace\n"),
+              std::string::npos)
+        << process().log();
+}
+
+TEST_F(ServiceReload, NamespacesComeAndGo) {
+    const std::string request = get("/root/new/TST_One.wsdl");
+    EXPECT_EQ(answer(request), refusal("404 Not Found", "There is nothing at this path."));
+    EXPECT_EQ(answer(get("/TST_One.wsdl")),
+              refusal("404 Not Found", "There is nothing at this path."));
+    namespaces_["Root/New"] = "test.mof";
+    namespaces_["interop"] = "test.mof";
+    writeConfiguration();
+    reload();
+    const std::string new1 = answer(request);
+    EXPECT_EQ(new1, found(expected("OneClass.wsdl")));
+    EXPECT_EQ(answer(get("/TST_One.xsd")), found(expected("OneClass.xsd")));
+
+    namespaces_.erase("Root/New");
+    writeConfiguration();
+    reload();
+    EXPECT_EQ(answer(request), kNotFound);
+    expectedLog_ = {"error WsdlAdapter::processInput: Exception while writing response. err=3"};
+
+    namespaces_["root/new"] = "test.mof";
+    writeConfiguration();
+    reload();
+    EXPECT_EQ(answer(request), new1);
+}
+
+TEST_F(ServiceReload, UsersComeAndGo) {
+    const auto ofBob = [](const std::string& password) {
+        return request(
+            "GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+            "Host: " + std::string(kHost) + "\r\nAuthorization: Basic " + password + "\r\n");
+    };
+    const std::string bobSecret = "Ym9iOnNlY3JldA==";
+    EXPECT_EQ(answer(ofBob(bobSecret)), kChallenge);
+    const std::string alice = "alice:" + std::string(kSha512OfSecret) + "\n";
+    writeUsers(alice + "bob:" + kSha512OfSecret + "\n");
+    reload();
+    EXPECT_EQ(answer(ofBob(bobSecret)), found(expected("TST_Nothing.wsdl")));
+    writeUsers(alice);
+    reload();
+    EXPECT_EQ(answer(ofBob(bobSecret)), kChallenge);
+}
+
+TEST_F(ServiceReload, ABrokenModelKeepsTheOldOne) {
+    const std::string file =
+        folder_.write("test.mof", "class TST_Nothing {};\nclass TST_One { x };");
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {"error tesk: " + file + ":2:19: error: found \"}\", expected \"ref\"",
+                    "error tesk: class TST_One { x };", "error tesk:                   ^",
+                    "error tesk: Not reloaded, going on as before: the classes have errors and are "
+                    "not used"};
+}
+
+TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
+    const std::string file = folder_ / "test.mof";
+    std::filesystem::rename(file, file + ".away");
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {"error tesk: " + file + ": error: cannot be read: No such file or directory",
+                    "error tesk: Not reloaded, going on as before: the classes have errors and are "
+                    "not used"};
+    writeModel("test.mof", "class TST_Nothing {};\n");
+    reload();
+    EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), kNotFound);
+}
+
+TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
+    writeModel("test.mof", "class TST_Nothing {};\n");
+    serverKeys_["max_conections"] = "3";
+    writeConfiguration();
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {
+        "error tesk: " + (folder_ / "tesk.toml").string() +
+            ":6:1: error: unknown key \"max_conections\" in [server]; did you mean "
+            "\"max_connections\"?",
+        "error tesk: Not reloaded, going on as before: the configuration has errors and "
+        "is not used"};
+}
+
+// Neither is changed if one of the two cannot be.
+TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
+    writeModel("test.mof", "class TST_Nothing {};\n");
+    const std::string users = folder_ / "users";
+    std::filesystem::permissions(users, std::filesystem::perms(0640));
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {"error tesk: Not reloaded, going on as before: " + users +
+                    ": others than its owner can read or write it; mend that with: chmod 600 " +
+                    users};
+}
+
+TEST_F(ServiceReload, ManySignalsInARowDoNoHarm) {
+    for (int count = 0; count < 200; ++count)
+        process().signal(SIGHUP);
+    process().waitForLog("Reloaded");
+    writeModel("test.mof", "class TST_Nothing {};\nclass TST_Two {};\n");
+    process().signal(SIGHUP);
+    waitForAnswer(get("/root/test/TST_Two.wsdl"), "HTTP/1.1 200 OK");
+}
+
+}  // namespace

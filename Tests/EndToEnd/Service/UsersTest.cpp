@@ -1,0 +1,154 @@
+// Who is let in, and the way there that the program itself shows.
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex>
+
+#include "Tests/EndToEnd/Service/RunningService.h"
+#include "Tests/ObjectManager/Security/BasicField.h"
+#include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/Support/Command.h"
+
+namespace {
+
+class ServiceUsers : public RunningService {
+  protected:
+    static std::string with(const std::string& authorization,
+                            const std::string& path = "/root/test/TST_Nothing.wsdl") {
+        return request(
+            "GET " + path + " HTTP/1.1",
+            "Host: " + std::string(kHost) + "\r\n" +
+                (authorization.empty() ? "" : "Authorization: " + authorization + "\r\n"));
+    }
+
+    // Sets the password with the program; returns what it says.
+    std::string setPassword(const std::string& user, const std::string& password) {
+        TeskProcess passwd({"passwd", folder_ / "users", user}, password + "\n");
+        EXPECT_EQ(passwd.wait(), 0);
+        return passwd.log();
+    }
+
+    std::string removeUser(const std::string& user) {
+        TeskProcess passwd({"passwd", "--delete", folder_ / "users", user});
+        EXPECT_EQ(passwd.wait(), 0);
+        return passwd.log();
+    }
+};
+
+TEST_F(ServiceUsers, AStrangerIsAskedForAPasswordWhateverHeAsksFor) {
+    start();
+    for (const char* const path : {"/root/test/TST_Nothing.wsdl", "/root/test/TST_None.wsdl",
+                                   "/root/test/STSService.wsdl", "/root/test/"})
+        EXPECT_EQ(answer(with("", path)), kChallenge) << path;
+}
+
+TEST_F(ServiceUsers, CredentialsMustBeRight) {
+    start();
+    for (const std::string& wrong :
+         {basicField("alice", "Secret"), basicField("alice", ""), basicField("", "secret"),
+          basicField("bob", "secret"), basicField("Alice", "secret"), std::string("Basic"),
+          std::string("Basic ****"), std::string("Bearer YWxpY2U6c2VjcmV0"),
+          std::string("YWxpY2U6c2VjcmV0")})
+        EXPECT_EQ(answer(with(wrong)), kChallenge) << wrong;
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceUsers, AHeadRequestOfAStrangerIsRefusedAlike) {
+    start();
+    EXPECT_EQ(answer(request("HEAD /root/test/TST_Nothing.wsdl HTTP/1.1",
+                             "Host: " + std::string(kHost) + "\r\n")),
+              kChallenge);
+}
+
+TEST_F(ServiceUsers, PasswordsAreSetByTeskPasswd) {
+    std::filesystem::remove(folder_ / "users");
+    const std::string users = folder_ / "users";
+    EXPECT_EQ(setPassword("bob", "open sesame"), "Added the user \"bob\" to " + users + "\n");
+    start();
+    EXPECT_EQ(answer(with(basicField("bob", "open sesame"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+}
+
+TEST_F(ServiceUsers, AChangedPasswordCountsAfterAReload) {
+    start();
+    const std::string users = folder_ / "users";
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(setPassword("alice", "changed"),
+              "Changed the password of the user \"alice\" in " + users + "\n");
+    EXPECT_EQ(setPassword("bob", "b"), "Added the user \"bob\" to " + users + "\n");
+    reload();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(answer(with(basicField("alice", "changed"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(removeUser("alice"), "Removed the user \"alice\" from " + users + "\n");
+    reload();
+    EXPECT_EQ(answer(with(basicField("alice", "changed"))), kChallenge);
+    EXPECT_EQ(answer(with(basicField("bob", "b"))), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMendsIt) {
+    std::filesystem::permissions(folder_ / "users", std::filesystem::perms(0644));
+    writeConfiguration();
+    TeskProcess refused({"serve", "--config", folder_ / "tesk.toml"});
+    EXPECT_EQ(refused.wait(), 1);
+    EXPECT_EQ(refused.readRest(), "");
+    const std::string users = folder_ / "users";
+    const std::string command = "chmod 600 " + users;
+    EXPECT_EQ(refused.log(), "tesk: " + users +
+                                 ": others than its owner can read or write it; mend that with: " +
+                                 command + "\n");
+    EXPECT_EQ(outputOf(command + " 2>&1"), "");
+    start();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+}
+
+// The command in the printed lines is run by a shell, as a person would paste it.
+TEST_F(ServiceUsers, WithoutAPasswordFileThePrintedCommandFetchesADocument) {
+    if (outputOf("command -v curl").empty())
+        GTEST_SKIP() << "there is no curl";
+    startWith({"serve", "--listen", "127.0.0.1:0"});
+    const std::string address = "http://127.0.0.1:" + std::to_string(port());
+    EXPECT_EQ(readyLine(), "Serving 59 classes in 2 namespaces on " + address);
+    EXPECT_EQ(process().readLine(),
+              "There is no password file, so this password is good until the service ends:");
+    const std::string command = process().readLine();
+    EXPECT_TRUE(std::regex_match(command, std::regex("  curl --user tesk:[a-z0-9]{20} " + address +
+                                                     "/root/cimv2/CIM_ComputerSystem.wsdl")))
+        << command;
+    const std::string document = outputOf(command + " 2>/dev/null");
+    EXPECT_EQ(document.substr(0, 57),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<wsdl:definitions\n");
+    EXPECT_NE(document.find("<soap:address location=\"" + address + "/wsman\"/>"),
+              std::string::npos);
+    EXPECT_TRUE(document.ends_with("</wsdl:definitions>\n")) << document;
+
+    const std::regex password(":[a-z0-9]{20} ");
+    const std::string withWrongOne = std::regex_replace(command, password, ":wrong ");
+    EXPECT_EQ(outputOf(withWrongOne + " --output /dev/null --write-out '%{http_code}' 2>/dev/null"),
+              "401");
+}
+
+TEST_F(ServiceUsers, ThePasswordThatWasMadeOutlivesAReload) {
+    if (outputOf("command -v curl").empty())
+        GTEST_SKIP() << "there is no curl";
+    startWith({"serve", "--listen", "127.0.0.1:0"});
+    static_cast<void>(process().readLine());
+    const std::string command = process().readLine() + " 2>/dev/null";
+    const std::string before = outputOf(command);
+    reload();
+    EXPECT_EQ(outputOf(command), before);
+    EXPECT_NE(before, "");
+}
+
+TEST_F(ServiceUsers, NoPasswordComesIntoTheLog) {
+    logKeys_ = "level = 4\n";
+    start();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(answer(with(basicField("alice", "wrong-one"))), kChallenge);
+    expectedLog_ = {"trace WsdlAdapter::processInput: Request received",
+                    "trace WsdlAdapter::processInput: Request processing completed normally"};
+    const std::string log = process().log();
+    for (const char* const secret : {"secret", "wrong-one", "YWxpY2U6"})
+        EXPECT_EQ(log.find(secret), std::string::npos) << log;
+}
+
+}  // namespace
