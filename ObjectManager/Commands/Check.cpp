@@ -40,7 +40,7 @@ int runCheck(const CheckOptions& options) {
 }
 
 constexpr const char* kFooter =
-    R"(Exit status: 0 when every document is well-formed, 1 when one is not.
+    R"(Exit status: 0 when every document is well-formed, 1 when one is not or cannot be made.
 
 Examples:
   tesk check
@@ -56,8 +56,11 @@ void addCheckCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<CheckOptions>();
     addModelOptions(*command, options->model);
     addFormatOption(*command, options->format);
-    command->add_option("--jobs", options->jobs, "How many classes are checked at once")
-        ->check(CLI::Range(1U, 1024U))
+    command
+        ->add_option("--jobs", options->jobs,
+                     "How many classes are checked at once, 1 to 1024 (default: as many as the "
+                     "machine runs at once)")
+        ->check(CLI::Range(1U, 1024U).description(""))
         ->type_name("N");
     command->callback([&action, options] { action = [options] { return runCheck(*options); }; });
 }

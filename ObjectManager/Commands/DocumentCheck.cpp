@@ -12,6 +12,7 @@
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Inspection/ClassInspector.h"
 #include "ObjectManager/Inspection/DocumentInspector.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
 
@@ -42,6 +43,8 @@ class Checker {
         result.documents = documents_;
         result.bytes = bytes_;
         std::sort(findings_.begin(), findings_.end(), Inspection::isBefore);
+        // A parameter that goes in and out stands in a schema twice.
+        findings_.erase(std::unique(findings_.begin(), findings_.end()), findings_.end());
         result.findings = std::move(findings_);
         return result;
     }
@@ -64,7 +67,11 @@ class Checker {
                 return;
             }
             failure.message =
-                std::string(name) + " is answered with the status " + std::string(answer.status());
+                std::string(name) + " is answered with " +
+                (answer.status().empty() ? "what is no HTTP response"
+                                         : "the status " + std::string(answer.status()));
+        } catch (const TeskBaseException& error) {
+            failure.message = std::string(name + " cannot be made: " + error.getMessage());
         } catch (const std::exception& error) {
             failure.message = std::string(name) + " cannot be made: " + error.what();
         }

@@ -25,30 +25,54 @@ constexpr const char* kFooter = R"(Examples:
   tesk classes root/cimv2 CIM_ComputerSystem
 "tesk COMMAND --help" tells more about a command.)";
 
+std::string commandNames(const CLI::App& program) {
+    std::string names;
+    for (const CLI::App* command : program.get_subcommands({}))
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    return names;
+}
+
 // Says which commands there are, if `word` stands in the place of one and is none.
 bool isUnknownCommand(const CLI::App& program, const std::string& word) {
     if (word.starts_with('-'))
         return false;
-    std::string names;
     for (const CLI::App* command : program.get_subcommands({})) {
         if (command->get_name() == word)
             return false;
-        names += (names.empty() ? "" : ", ") + command->get_name();
     }
-    std::cerr << "tesk: there is no command \"" << word << "\"; there are: " << names << "\n";
+    std::cerr << "tesk: there is no command \"" << word
+              << "\"; there are: " << commandNames(program) << "\n";
     return true;
+}
+
+// What is wrong with the command line, and where to read more.
+std::string usageMessage(const CLI::App* program, const CLI::Error& error) {
+    if (program->get_subcommands().empty() && error.get_name() == "RequiredError")
+        return "tesk: no command is given; there are: " + commandNames(*program) + "\n";
+    std::string command = "tesk";
+    for (const CLI::App* given : program->get_subcommands())
+        command += " " + given->get_name();
+    return command + ": " + error.what() + "\n\"" + command + " --help\" tells more.\n";
+}
+
+void setWording(CLI::App& program) {
+    program.footer(kFooter);
+    program.failure_message(usageMessage);
+    program.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    for (CLI::App* command : program.get_subcommands([](CLI::App*) { return true; }))
+        command->group("Commands");
 }
 
 // What the command line asks for; empty when it was answered already, such as --help.
 Commands::Action parse(CLI::App& program, int argc, char** argv, int& status) {
     Commands::Action action;
-    program.footer(kFooter);
     program.set_version_flag("--version", "tesk " TESK_VERSION, "Prints the version and exits");
     program.require_subcommand(1);
     Commands::addServeCommand(program, action);
     Commands::addCheckCommand(program, action);
     Commands::addClassesCommand(program, action);
     Commands::addPasswdCommand(program, action);
+    setWording(program);
     if (argc > 1 && isUnknownCommand(program, argv[1])) {
         status = kWrongUsage;
         return {};

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Configuration/NamespaceOption.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "ObjectManager/Host/ProgramFolders.h"
@@ -21,12 +22,12 @@ std::vector<NamespaceSource> sampleModel() {
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }
 
-Configuration::Settings configurationOf(const ModelOptions& options) {
+Configuration::Settings configurationOf(const ModelOptions& options, std::ostream& faults) {
     if (options.configuration.empty())
         return {};
     Configuration::SettingsReading reading = Configuration::readSettings(options.configuration);
     for (const Configuration::SettingsError& error : reading.errors)
-        std::cerr << error.toString();
+        faults << error.toString();
     if (!reading.errors.empty()) {
         throw TeskBaseException("settingsOf", "the configuration has errors and is not used",
                                 CIM_ERR_FAILED);
@@ -41,14 +42,15 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
         .add_option("--namespace", options.namespaces,
                     "A namespace and its classes: a MOF file with what it includes, or a folder. "
                     "May be given again; without any, the sample model is used")
+        ->check(checkedBy(Configuration::parseNamespaceOption))
         ->type_name("NAME=PATH")
         ->allow_extra_args(false);
     command.add_option("--config", options.configuration, "The configuration file")
         ->type_name("FILE");
 }
 
-Configuration::Settings settingsOf(const ModelOptions& options) {
-    Configuration::Settings settings = configurationOf(options);
+Configuration::Settings settingsOf(const ModelOptions& options, std::ostream& faults) {
+    Configuration::Settings settings = configurationOf(options, faults);
     if (!options.namespaces.empty())
         settings.namespaces.clear();
     for (const std::string& text : options.namespaces)
@@ -58,16 +60,29 @@ Configuration::Settings settingsOf(const ModelOptions& options) {
     return settings;
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+Configuration::Settings settingsOf(const ModelOptions& options) {
+    return settingsOf(options, std::cerr);
+}
+
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
+                                     std::ostream& faults) {
     const LoadedRepository loaded =
         loadRepository(settings.namespaces, settings.includePath, settings.repository);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
-        std::cerr << diagnostic.toString();
+        faults << diagnostic.toString();
     if (!loaded.repository) {
         throw TeskBaseException("loadModel", "the classes have errors and are not used",
                                 CIM_ERR_FAILED);
     }
+    for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
+        if (nameSpace.classes().empty())
+            std::cerr << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
+    }
     return loaded.repository;
+}
+
+TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+    return loadModel(settings, std::cerr);
 }
 
 }  // namespace Commands

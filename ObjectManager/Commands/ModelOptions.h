@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace Commands {
 
 /// The options by which a command is told about the classes that it works on.
 struct ModelOptions {
-    std::vector<std::string> namespaces;  ///< "NAME=PATH" each
+    std::vector<std::string> namespaces;  ///< "NAME=PATH" each, without a fault
     std::string configuration;            ///< the file; empty for none
 };
 
@@ -23,13 +24,19 @@ struct ModelOptions {
 void addModelOptions(CLI::App& command, ModelOptions& options);
 
 /// What the configuration file says, and the command line in its place. Without any namespace the
-/// sample model's are filled in.
-/// Errors: TeskBaseException for an option that is wrong, or after what is wrong with the file was
-/// written to standard error.
+/// sample model's are filled in. What is wrong with the file is written to `faults`.
+/// Errors: TeskBaseException when there is something, or for an option that is wrong.
+[[nodiscard]] Configuration::Settings settingsOf(const ModelOptions& options, std::ostream& faults);
+
+/// The same for a person at a terminal: faults go to standard error.
 [[nodiscard]] Configuration::Settings settingsOf(const ModelOptions& options);
 
-/// Compiles the classes, and writes what is wrong with them to standard error.
+/// Compiles the classes, and writes what is wrong with them, or that there are none, to `faults`.
 /// Errors: TeskBaseException when there are errors in them.
+[[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
+                                                   std::ostream& faults);
+
+/// The same for a person at a terminal: faults go to standard error.
 [[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings);
 
 }  // namespace Commands

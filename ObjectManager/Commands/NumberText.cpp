@@ -29,11 +29,12 @@ std::string counted(std::size_t number, std::string_view singular, std::string_v
 std::string bytesText(std::size_t bytes) {
     constexpr const char* kUnits[] = {"KB", "MB", "GB", "TB"};
     constexpr double kThousand = 1000;
+    constexpr double kRoundsToThousand = 999.95;
     if (bytes < 1000)
         return counted(bytes, "byte", "bytes");
     double size = static_cast<double>(bytes) / kThousand;
     const char* const* unit = std::begin(kUnits);
-    while (size >= kThousand && unit + 1 != std::end(kUnits)) {
+    while (size >= kRoundsToThousand && unit + 1 != std::end(kUnits)) {
         size /= kThousand;
         ++unit;
     }

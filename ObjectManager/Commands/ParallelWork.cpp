@@ -41,16 +41,26 @@ class Work {
     std::exception_ptr failure_;  // guarded by mutex_ while threads run
 };
 
+// Fewer than `count` where the system lets the process have no more: they do all the work, too.
+std::vector<std::thread> startThreads(std::size_t count, Work& work) {
+    std::vector<std::thread> threads;
+    threads.reserve(count);
+    try {
+        while (threads.size() < count)
+            threads.emplace_back([&work] { work.run(); });
+    } catch (const std::exception&) {
+        return threads;
+    }
+    return threads;
+}
+
 }  // namespace
 
 void workInParallel(std::size_t count, unsigned jobs,
                     const std::function<void(std::size_t)>& work) {
     Work shared(count, work);
-    const std::size_t others = std::min<std::size_t>(jobs, count) - (count > 0 ? 1 : 0);
-    std::vector<std::thread> threads;
-    threads.reserve(others);
-    for (std::size_t number = 0; number < others; ++number)
-        threads.emplace_back([&shared] { shared.run(); });
+    const std::size_t useful = std::max<std::size_t>(1, std::min<std::size_t>(jobs, count));
+    std::vector<std::thread> threads = startThreads(useful - 1, shared);  // besides this one
     shared.run();
     for (std::thread& thread : threads)
         thread.join();

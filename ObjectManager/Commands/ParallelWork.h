@@ -5,7 +5,8 @@
 
 namespace Commands {
 
-/// Calls `work` with each number from 0 to before `count`, in `jobs` threads at once.
+/// Calls `work` with each number from 0 to before `count`, in `jobs` threads at once, or as many as
+/// the system allows.
 /// Errors: the first exception out of `work`, after all threads have ended; numbers that nobody had
 /// begun with are left out then.
 void workInParallel(std::size_t count, unsigned jobs, const std::function<void(std::size_t)>& work);

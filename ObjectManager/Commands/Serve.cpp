@@ -7,17 +7,21 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObjectManager/Commands/LogOutput.h"
 #include "ObjectManager/Commands/ModelOptions.h"
 #include "ObjectManager/Commands/NumberText.h"
+#include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Commands/Service.h"
 #include "ObjectManager/Commands/ServiceUsers.h"
 #include "ObjectManager/Commands/SignalQueue.h"
 #include "ObjectManager/Configuration/Endpoint.h"
 #include "Platform/Util/TSKLog.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
 
@@ -31,8 +35,8 @@ struct ServeOptions {
 };
 
 // The configuration, and what the command line says in its place.
-Configuration::Settings settingsOf(const ServeOptions& options) {
-    Configuration::Settings settings = settingsOf(options.model);
+Configuration::Settings settingsOf(const ServeOptions& options, std::ostream& faults) {
+    Configuration::Settings settings = settingsOf(options.model, faults);
     if (!options.listen.empty())
         settings.server.listen.clear();
     for (const std::string& address : options.listen)
@@ -78,21 +82,35 @@ void announce(const Service& service, const ClassRepository& repository,
     std::cout.flush();
 }
 
+// `faults` is what is to be mended, in lines.
+void logFailedReload(const std::string& faults, std::string_view reason) {
+    std::istringstream lines(faults);
+    for (std::string line; std::getline(lines, line);)
+        log(TeskTraceLog::SeverityError, line);
+    log(TeskTraceLog::SeverityError, "Not reloaded, going on as before: " + std::string(reason));
+}
+
+void readAgain(Service& service, const ServeOptions& options, std::ostream& faults) {
+    const Configuration::Settings settings = settingsOf(options, faults);
+    const TSKSmrPtr<ClassRepository> repository = loadModel(settings, faults);
+    std::optional<Security::UserTable> users;
+    if (!settings.security.passwordFile.empty())
+        users = loadUsers(settings.security).users;
+    service.setRepository(repository);
+    if (users)
+        service.setUsers(*std::move(users));
+    log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
+}
+
 // A service that goes on with what it has is better than one that ends.
 void reload(Service& service, const ServeOptions& options) {
+    std::ostringstream faults;
     try {
-        const Configuration::Settings settings = settingsOf(options);
-        const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
-        std::optional<Security::UserTable> users;
-        if (!settings.security.passwordFile.empty())
-            users = loadUsers(settings.security).users;
-        service.setRepository(repository);
-        if (users)
-            service.setUsers(*std::move(users));
-        log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
+        readAgain(service, options, faults);
+    } catch (const TeskBaseException& error) {
+        logFailedReload(faults.str(), error.getMessage().data());
     } catch (const std::exception& error) {
-        log(TeskTraceLog::SeverityError,
-            std::string("Not reloaded, going on as before: ") + error.what());
+        logFailedReload(faults.str(), error.what());
     }
 }
 
@@ -107,7 +125,7 @@ int stop(Service& service) {
 }
 
 int runServe(const ServeOptions& options) {
-    const Configuration::Settings settings = settingsOf(options);
+    const Configuration::Settings settings = settingsOf(options, std::cerr);
     const SignalQueue signals;
     const LogOutput logOutput(settings.log);
     const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
@@ -142,6 +160,7 @@ void addServeCommand(CLI::App& program, Action& action) {
         ->add_option("--listen", options->listen,
                      "Where to wait for clients, 127.0.0.1:5985 by default; port 0 takes a free "
                      "one. May be given again")
+        ->check(checkedBy(Configuration::parseEndpoint))
         ->type_name("ADDRESS:PORT")
         ->allow_extra_args(false);
     command

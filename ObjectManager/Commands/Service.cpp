@@ -1,7 +1,7 @@
 #include "ObjectManager/Commands/Service.h"
 
 #include <algorithm>
-#include <chrono>
+#include <future>
 #include <iterator>
 #include <utility>
 
@@ -62,14 +62,16 @@ void Service::setUsers(Security::UserTable users) {
 }
 
 bool Service::stop() {
-    // All share one period: each server gets what the ones before have left of it.
-    const auto end = std::chrono::steady_clock::now() + gracePeriod_;
-    bool isIdle = true;
+    // All at once, so that none takes requests while another finishes.
+    std::vector<std::future<bool>> stopping;
+    stopping.reserve(servers_.size());
     for (const std::unique_ptr<Http::Server>& server : servers_) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            end - std::chrono::steady_clock::now());
-        isIdle = server->stop(std::max(left, std::chrono::milliseconds::zero())) && isIdle;
+        stopping.push_back(
+            std::async(std::launch::async, [&] { return server->stop(gracePeriod_); }));
     }
+    bool isIdle = true;
+    for (std::future<bool>& result : stopping)
+        isIdle = result.get() && isIdle;
     return isIdle;
 }
 

@@ -25,6 +25,7 @@ int SignalQueue::wait() const {
 }
 
 void SignalQueue::letThrough() const {
+    std::signal(SIGHUP, SIG_IGN);
     pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
 }
 

@@ -19,8 +19,8 @@ class SignalQueue {
     /// The next signal that has come or will come.
     [[nodiscard]] int wait() const;
 
-    /// From now on the signals do to the process what they do to others: who presses Ctrl-C twice
-    /// does not want to wait.
+    /// From now on SIGTERM and SIGINT do to the process what they do to others: who presses Ctrl-C
+    /// twice does not want to wait. SIGHUP is ignored: what ends reads nothing again.
     void letThrough() const;
 
   private:

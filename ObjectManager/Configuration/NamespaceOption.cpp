@@ -61,7 +61,7 @@ NamespaceSource parseNamespaceOption(std::string_view text) {
     const std::size_t sign = text.find('=');
     if (sign == std::string_view::npos || sign + 1 == text.size()) {
         fail('"' + std::string(text) +
-             "\" is no namespace with a MOF file or folder, such as \"root/cimv2=schema/cim.mof\"");
+             R"(" is no namespace with a MOF file or folder, such as "root/cimv2=schema/cim.mof")");
     }
     return {.name = parseNamespaceName(text.substr(0, sign)),
             .paths = {std::string(text.substr(sign + 1))}};

@@ -20,7 +20,7 @@ namespace Configuration {
 namespace {
 
 // So many times what anybody has to say.
-constexpr std::size_t kMaxFileSize = 1024 * 1024;
+constexpr std::size_t kMaxFileSize = 1'048'576;
 
 constexpr std::chrono::milliseconds kShortestTimeout(1);
 
@@ -92,8 +92,8 @@ void readServer(Table table, ServerSettings& settings) {
     if (!endpoints.empty())
         settings.listen = std::move(endpoints);
     table.readInteger("workers", 0, 1024, settings.workers);
-    table.readInteger("max_request_head", 256, 1024 * 1024, settings.maxRequestHead);
-    table.readInteger("max_request_line", 64, 1024 * 1024, settings.maxRequestLine);
+    table.readInteger("max_request_head", 256, 1'048'576, settings.maxRequestHead);
+    table.readInteger("max_request_line", 64, 1'048'576, settings.maxRequestLine);
     table.readSeconds("head_timeout", kShortestTimeout, settings.headTimeout);
     table.readSeconds("response_timeout", kShortestTimeout, settings.responseTimeout);
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
@@ -128,6 +128,14 @@ void readFile(Table table, const Folder& folder, Settings& settings) {
     readSecurity(table.readTable("security"), folder, settings.security);
     readLog(table.readTable("log"), folder, settings.log);
     table.reportUnknownKeys();
+}
+
+// That it is an error stands in front already.
+std::string withoutRepetition(std::string_view description) {
+    constexpr std::string_view kRepetition = "Error ";
+    if (description.starts_with(kRepetition))
+        description.remove_prefix(kRepetition.size());
+    return std::string(description);
 }
 
 // The text of a file, or why it cannot be read.
@@ -173,7 +181,7 @@ SettingsReading parseSettings(const std::string& path, std::string_view text) {
         const toml::table table = toml::parse(text, path);
         readFile(Table(table, "", report), Folder(path), reading.settings);
     } catch (const toml::parse_error& error) {
-        report.add(error.source(), std::string(error.description()));
+        report.add(error.source(), withoutRepetition(error.description()));
     }
     const auto place = [](const SettingsError& error) {
         return std::tie(error.line, error.column);

@@ -162,9 +162,8 @@ std::vector<std::string> Table::keys() const {
         return std::pair(begin.line, begin.column);
     };
     std::ranges::sort(keys, {}, place);
-    std::vector<std::string> names;
-    for (const toml::key& key : keys)
-        names.emplace_back(key.str());
+    std::vector<std::string> names(keys.size());
+    std::ranges::transform(keys, names.begin(), &toml::key::str);
     return names;
 }
 

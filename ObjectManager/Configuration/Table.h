@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -58,9 +59,8 @@ class Table {
     template <typename Value>
     void readChoice(std::string_view key, const std::vector<Choice<Value>>& choices,
                     Value& target) {
-        std::vector<std::string_view> words;
-        for (const Choice<Value>& choice : choices)
-            words.push_back(choice.word);
+        std::vector<std::string_view> words(choices.size());
+        std::ranges::transform(choices, words.begin(), &Choice<Value>::word);
         if (const auto index = indexOfWord(key, words))
             target = choices[*index].value;
     }

@@ -4,12 +4,24 @@
 
 #include "Platform/Util/TSKValSlistIterator.h"
 
+namespace {
+
+// A URI is the same in any case, with or without a slash at its end.
+std::string keyOf(const TSKString& uri) {
+    TSKString lowered = uri;
+    std::string_view key = lowered.toLower();
+    while (key.ends_with('/'))
+        key.remove_suffix(1);
+    return std::string(key);
+}
+
+}  // namespace
+
 bool HostPluginManager::registerURI(const TSKString& providerName, const TSKString& uri) {
     if (!TeskProviderPluginManager::registerURI(providerName, uri))
         return false;
     const std::lock_guard lock(mutex_);
-    TSKString folded = uri;
-    registeredUris_.insert(folded.toLower());
+    registeredUris_.insert(keyOf(uri));
     if (isNamespace(uri))
         namespaceProviders_.insert(providerName);
     return true;
@@ -18,7 +30,7 @@ bool HostPluginManager::registerURI(const TSKString& providerName, const TSKStri
 void HostPluginManager::setNamespaces(const TSKSmrPtr<ITeskNamespaceList>& namespaces) {
     setNamespaceList(namespaces);
     std::set<TSKString> providers;
-    std::set<TSKString> known;
+    std::set<std::string> known;
     {
         const std::lock_guard lock(mutex_);
         providers = namespaceProviders_;
@@ -28,8 +40,7 @@ void HostPluginManager::setNamespaces(const TSKSmrPtr<ITeskNamespaceList>& names
     TSKValSlistIterator<TSKString> next(names);
     while (next()) {
         const TSKString uri = "/" + next.key();
-        TSKString folded = uri;
-        if (known.contains(folded.toLower()))
+        if (known.contains(keyOf(uri)))
             continue;
         for (const TSKString& provider : providers)
             registerURI(provider, uri);
@@ -37,10 +48,11 @@ void HostPluginManager::setNamespaces(const TSKSmrPtr<ITeskNamespaceList>& names
 }
 
 bool HostPluginManager::isNamespace(const TSKString& uri) const {
+    const std::string key = keyOf(uri);
     const TSKValSlist<TSKString> names = getNamespaceList();
     TSKValSlistIterator<TSKString> next(names);
     while (next()) {
-        if (uri.equalsIgnoreCase("/" + next.key()))
+        if (key == keyOf("/" + next.key()))
             return true;
     }
     return false;

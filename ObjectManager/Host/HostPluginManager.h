@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <set>
+#include <string>
 
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
@@ -22,5 +23,6 @@ class HostPluginManager : public TeskProviderPluginManager {
 
     std::mutex mutex_;
     std::set<TSKString> namespaceProviders_;  // guarded by mutex_
-    std::set<TSKString> registeredUris_;      // guarded by mutex_
+    // In lower case, without a slash at the end.
+    std::set<std::string> registeredUris_;  // guarded by mutex_
 };

@@ -1,5 +1,6 @@
 #include "ObjectManager/Host/MemoryClient.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Platform/Util/TeskBaseException.h"
@@ -8,6 +9,10 @@
 namespace {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
+
+constexpr bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
 
 class NothingToRead : public TSKGenericHTTPIStream {
   public:
@@ -36,11 +41,16 @@ MemoryClient::Answer::Answer(std::string bytes)
 }
 
 std::string_view MemoryClient::Answer::status() const noexcept {
-    constexpr std::string_view kProtocol = "HTTP/1.1 ";
-    const std::string_view bytes = bytes_;
-    return bytes.starts_with("HTTP/1.") && bytes.size() >= kProtocol.size() + 3
-               ? bytes.substr(kProtocol.size(), 3)
-               : std::string_view();
+    constexpr std::string_view kProtocol = "HTTP/1.1 ";  // or 1.0
+    constexpr std::size_t kLength = 3;
+    const std::string_view head = std::string_view(bytes_).substr(0, bodyStart_);
+    if (!head.starts_with("HTTP/1.") || !head.ends_with(kHeadEnd) ||
+        head.find(' ') + 1 != kProtocol.size())
+        return {};
+    const std::string_view status = head.substr(kProtocol.size(), kLength);
+    const bool isNumber =
+        status.size() == kLength && std::all_of(status.begin(), status.end(), isDigit);
+    return isNumber ? status : std::string_view();
 }
 
 std::string_view MemoryClient::Answer::body() const noexcept {

@@ -1,8 +1,10 @@
 #include "ObjectManager/Host/ProviderHost.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/ProviderLibrary.h"
 #include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -19,6 +21,13 @@ class Installation : public ITeskInstallation {
     TSKString folder_;
 };
 
+bool holdsLibrary(const std::filesystem::path& folder) {
+    const auto files = std::filesystem::directory_iterator(folder);
+    return std::any_of(begin(files), end(files), [](const auto& file) {
+        return ProviderLibrary::isLibraryName(file.path().filename().c_str());
+    });
+}
+
 // An object manager without one of its providers would answer 404 for what it ought to serve.
 void requireNone(const TeskProviderPluginManager::Failures& failures) {
     if (failures.empty())
@@ -34,11 +43,11 @@ ProviderHost::ProviderHost(const TSKSmrPtr<ClassRepository>& repository,
                            const std::filesystem::path& installation) {
     manager_->setRepository(repository);
     manager_->setNamespaceList(repository);
-    TeskProviderPluginManager::setTeskProviderPluginManager(manager_);
-    AuthenticationHelper::setAuthenticator(std::move(authenticator));
-    URMAConfigManager::setInstallation(TSKSmrPtr<Installation>::make(installation));
     try {
-        start(installation);
+        TeskProviderPluginManager::setTeskProviderPluginManager(manager_);
+        AuthenticationHelper::setAuthenticator(std::move(authenticator));
+        URMAConfigManager::setInstallation(TSKSmrPtr<Installation>::make(installation));
+        start(installation / "providers");
     } catch (...) {
         stop();
         throw;
@@ -49,8 +58,12 @@ ProviderHost::~ProviderHost() {
     stop();
 }
 
-void ProviderHost::start(const std::filesystem::path& installation) {
-    requireNone(manager_->loadProviders((installation / "providers").c_str()));
+void ProviderHost::start(const std::filesystem::path& folder) {
+    requireNone(manager_->loadProviders(folder.c_str()));
+    if (!holdsLibrary(folder)) {
+        throw TeskBaseException("ProviderHost", TSKString(folder.c_str()) + ": holds no provider",
+                                CIM_ERR_FAILED);
+    }
     requireNone(manager_->startup());
     requireNone(manager_->postStartup());
 }

@@ -30,7 +30,7 @@ class ProviderHost {
     void setRepository(const TSKSmrPtr<ClassRepository>& repository);
 
   private:
-    void start(const std::filesystem::path& installation);
+    void start(const std::filesystem::path& folder);
     void stop() noexcept;
 
     TSKSmrPtr<HostPluginManager> manager_ = TSKSmrPtr<HostPluginManager>::make();

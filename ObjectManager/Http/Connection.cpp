@@ -3,6 +3,7 @@
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
+#include <exception>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -34,7 +35,7 @@ void Connection::start() {
     // The option TCP_NODELAY is not set: an answer is followed by the end of the connection, which
     // sends out what there is.
     socket_.non_blocking(true);
-    readHead();
+    take(&Connection::readHead);
 }
 
 void Connection::closeIfReading() {
@@ -48,13 +49,26 @@ void Connection::abandon() {
         close();
 }
 
+// Every step on the I/O thread is taken here. One that fails ends the connection, which else would
+// stay until its time is over.
+void Connection::take(Step step) {
+    try {
+        (this->*step)();
+    } catch (const std::exception&) {
+        close();
+        throw;
+    }
+}
+
 // Most clients have sent their request by the time their connection is accepted.
 void Connection::readHead() {
     using Progress = RequestHeadScanner::Progress;
+    // One byte more than a head may have, so that the scanner refuses it.
+    const std::size_t most = context_.options.requestLimits.mostHeadBytes + 1;
     for (;;) {
         error_code error;
-        const std::size_t length =
-            socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
+        const std::size_t length = socket_.read_some(
+            boost::asio::buffer(context_.readBuffer, most - received_.size()), error);
         if (error == boost::asio::error::would_block) {
             if (!isLimited_)
                 limitPhase(context_.options.headTime);
@@ -183,17 +197,19 @@ void Connection::closeSocket() noexcept {
     socket_.close(error);
 }
 
-void Connection::waitFor(tcp::socket::wait_type type, Operation next) {
-    socket_.async_wait(type, [self = shared_from_this(), next](error_code /*error*/) {
+// What a phase waits for is of no interest to the next one.
+void Connection::waitFor(tcp::socket::wait_type type, Step next) {
+    const auto onEvent = [self = shared_from_this(), next, phase = phase_](error_code /*error*/) {
         // A failure of the socket shows in what comes next.
-        if (self->phase_ != Phase::kClosed)
-            (self.get()->*next)();
-    });
+        if (self->phase_ == phase)
+            self->take(next);
+    };
+    socket_.async_wait(type, onEvent);
 }
 
-void Connection::continueOnIoThread(Operation next) {
+void Connection::continueOnIoThread(Step next) {
     boost::asio::post(socket_.get_executor(),
-                      [self = shared_from_this(), next] { (self.get()->*next)(); });
+                      [self = shared_from_this(), next] { self->take(next); });
 }
 
 // Ends this phase after that time.
@@ -202,7 +218,7 @@ void Connection::limitPhase(std::chrono::milliseconds most) {
     timer_.expires_after(most);
     timer_.async_wait([self = shared_from_this(), phase = phase_](error_code error) {
         if (!error && self->phase_ == phase)
-            self->onTimeout();
+            self->take(&Connection::onTimeout);
     });
 }
 

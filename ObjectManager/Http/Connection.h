@@ -60,8 +60,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
     /// Enters the connection into the context's set, where it stays while it is open, and begins to
     /// read.
-    /// Errors: std::bad_alloc, boost::system::system_error; the connection closes when it is
-    /// destroyed.
+    /// Errors: std::bad_alloc, boost::system::system_error; the connection is closed then. The
+    /// same passes out of the io_context's run later on.
     void start();
 
     /// Closes if the head of the request has not come in yet.
@@ -74,8 +74,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
     enum class Phase { kReading, kAnswering, kWriting, kDraining, kClosed };
     enum class Sending { kDone, kBlocked, kFailed };
 
-    using Operation = void (Connection::*)();
+    using Step = void (Connection::*)();
 
+    void take(Step step);
     void readHead();
     void takeRequest();
     void refuse(const Refusal& refusal);
@@ -89,8 +90,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void close() noexcept;
     void closeSocket() noexcept;
 
-    void waitFor(boost::asio::ip::tcp::socket::wait_type type, Operation next);
-    void continueOnIoThread(Operation next);
+    void waitFor(boost::asio::ip::tcp::socket::wait_type type, Step next);
+    void continueOnIoThread(Step next);
     void limitPhase(std::chrono::milliseconds most);
     void onTimeout();
 
@@ -99,9 +100,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     boost::asio::ip::tcp::endpoint client_;
     boost::asio::steady_timer timer_;
     Phase phase_ = Phase::kReading;          // read and changed by the I/O thread alone
+    bool isLimited_ = false;                 // the time for a phase is running
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
-
-    bool isLimited_ = false;  // the time for this phase is running
 
     std::string received_;
     RequestHeadScanner scanner_;

@@ -2,14 +2,13 @@
 
 #include <exception>
 #include <optional>
-#include <string>
 #include <string_view>
 
+#include "ObjectManager/Http/ErrorLog.h"
 #include "ObjectManager/Http/LogText.h"
 #include "ObjectManager/Http/MemoryResponse.h"
 #include "ObjectManager/Http/OwnAnswers.h"
 #include "Platform/Http/TSKHTTPException.h"
-#include "Platform/Util/TSKLog.h"
 
 namespace Http {
 
@@ -26,10 +25,8 @@ bool isHead(const TSKHTTPRequest& request) {
 }
 
 Answer failed(const TSKHTTPRequest& request, std::string_view reason) {
-    const std::string line = toLogText(request.getMethod()) + " " + toLogText(request.getUri()) +
-                             ": " + toLogText(reason);
-    TSKLog::log("HttpFrontEnd", TSKString(std::string_view(line)), TeskTraceLog::SeverityError,
-                TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
+    logError(toLogText(request.getMethod()) + " " + toLogText(request.getUri()) + ": " +
+             toLogText(reason));
     return answerOf({.status = 500, .text = "The server failed; its log says why."},
                     isHead(request));
 }

@@ -5,14 +5,14 @@
 #include <boost/system/system_error.hpp>
 #include <cerrno>
 #include <chrono>
+#include <exception>
 #include <fcntl.h>
-#include <string_view>
 #include <sys/socket.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
 
-#include "Platform/Util/TSKLog.h"
+#include "ObjectManager/Http/ErrorLog.h"
 
 namespace Http {
 
@@ -107,21 +107,18 @@ error_code Listener::acceptOne() {
         ::close(descriptor);
         return error;
     }
-    isShort_ = false;
     try {
         accept_(std::move(socket), client);
     } catch (const std::exception&) {
         return boost::asio::error::no_memory;
     }
+    isShort_ = false;
     return {};
 }
 
 void Listener::pause(const error_code& reason) {
-    if (!std::exchange(isShort_, true)) {
-        const std::string line = "Cannot accept connections for now: " + reason.message();
-        TSKLog::log("HttpFrontEnd", TSKString(std::string_view(line)), TeskTraceLog::SeverityError,
-                    TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
-    }
+    if (!std::exchange(isShort_, true))
+        logError("Cannot accept connections for now: " + reason.message());
     pauseEnd_.expires_after(kPause);
     pauseEnd_.async_wait([this](const error_code& error) {
         if (!error)

@@ -2,25 +2,22 @@
 
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/post.hpp>
-#include <exception>
-#include <future>
+#include <chrono>
+#include <memory>
 #include <optional>
 #include <string_view>
-#include <thread>
 #include <utility>
+#include <vector>
 
 #include "ObjectManager/Http/Connection.h"
 #include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
+#include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
 #include "ObjectManager/Http/OwnAnswers.h"
 #include "ObjectManager/Http/UriHost.h"
 #include "ObjectManager/Http/WorkerPool.h"
-#include "Platform/Util/TSKLog.h"
 
 namespace Http {
 
@@ -33,11 +30,6 @@ using std::chrono::steady_clock;
 // What a worker does after the provider has returned takes much less.
 constexpr std::chrono::seconds kSettlingTime{1};
 
-void logFailure(std::string_view reason) {
-    TSKLog::log("HttpFrontEnd", "A connection failed: " + TSKString(reason),
-                TeskTraceLog::SeverityError, TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
-}
-
 }  // namespace
 
 // The members stand in an order in which the threads end before what they use.
@@ -47,16 +39,14 @@ class Server::Implementation {
                    RequestHandler* handler)
         : options_(options),
           dispatcher_(manager, handler),
-          listener_(ioContext_, options.address, options.port),
+          listener_(ioThread_.context(), options.address, options.port),
           address_(toUriHost(listener_.endpoint().address())) {}
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
 
     ~Implementation() {
-        (void)stop(std::chrono::milliseconds(0));
-        ioContext_.stop();
-        if (ioThread_.joinable())
-            ioThread_.join();
+        ioThread_.stop();
+        listener_.close();
     }
 
     [[nodiscard]] const std::string& address() const noexcept { return address_; }
@@ -71,23 +61,23 @@ class Server::Implementation {
         listener_.start([this](tcp::socket socket, const tcp::endpoint& client) {
             accept(std::move(socket), client);
         });
-        ioThread_ = std::thread([this] { runIo(); });
+        ioThread_.start();
     }
 
     bool stop(std::chrono::milliseconds gracePeriod) {
         const steady_clock::time_point deadline = steady_clock::now() + gracePeriod;
-        if (!ioThread_.joinable()) {
+        if (!ioThread_.isRunning()) {
             listener_.close();
             return true;
         }
-        runOnIoThread([this] {
+        ioThread_.call([this] {
             listener_.close();
             for (const auto& connection : connections_.all())
                 connection->closeIfReading();
         });
         if (!connections_.waitUntilEmpty(deadline)) {
             workers_->dropWaiting();
-            runOnIoThread([this] {
+            ioThread_.call([this] {
                 for (const auto& connection : connections_.all())
                     connection->abandon();
             });
@@ -116,36 +106,14 @@ class Server::Implementation {
         socket.write_some(answer.unsent(), error);
     }
 
-    // What a connection throws when there is no memory ends that connection.
-    void runIo() noexcept {
-        for (;;) {
-            try {
-                ioContext_.run();
-                return;
-            } catch (const std::exception& exception) {
-                logFailure(exception.what());
-            }
-        }
-    }
-
-    template <typename Task>
-    void runOnIoThread(const Task& task) {
-        std::packaged_task<void()> waited(task);
-        boost::asio::post(ioContext_, [&waited] { waited(); });
-        waited.get_future().get();
-    }
-
     ServerOptions options_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     std::optional<ConnectionContext> context_;
-    boost::asio::io_context ioContext_{1};
-    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> keepsRunning_ =
-        boost::asio::make_work_guard(ioContext_);
+    IoThread ioThread_;
     Listener listener_;
     std::string address_;
     std::optional<WorkerPool> workers_;
-    std::thread ioThread_;
 };
 
 Server::Server(const ServerOptions& options, const TeskProviderPluginManager& manager,

@@ -32,7 +32,7 @@ class Server {
            RequestHandler* handler = nullptr);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
-    /// Stops without a grace period. Waits for the providers that still run, however long they do.
+    /// Closes all connections; waits for the providers that still run, however long they do.
     ~Server();
 
     /// The address and the port that it listens on; an address as in a URI, IPv6 in brackets.

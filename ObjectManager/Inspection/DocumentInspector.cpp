@@ -30,7 +30,18 @@ const xmlNode* ancestor(const xmlNode& node, int levels) {
     return found != nullptr && isElement(*found) ? found : nullptr;
 }
 
-// The names of the elements around, such as "Stop_INPUT.Force" for a parameter.
+// A method's parameters stand in the elements of its request and its response.
+std::string methodOf(std::string elementName) {
+    for (const std::string_view suffix : {"_INPUT", "_OUTPUT"}) {
+        if (elementName.ends_with(suffix)) {
+            elementName.resize(elementName.size() - suffix.size());
+            break;
+        }
+    }
+    return elementName;
+}
+
+// The property, or the method and the parameter, whose element is around.
 std::string memberAround(const xmlNode& node) {
     std::string member;
     for (const xmlNode* around = &node; around != nullptr && isElement(*around);
@@ -39,7 +50,7 @@ std::string memberAround(const xmlNode& node) {
             continue;
         const std::string name = attribute(*around, "name");
         if (!name.empty())
-            member = member.empty() ? name : name + "." + member;
+            member = member.empty() ? name : methodOf(name) + "." + member;
     }
     return member;
 }

@@ -1,7 +1,9 @@
 #include "ObjectManager/Inspection/XmlDocument.h"
 
+#include <algorithm>
 #include <libxml/parser.h>
 #include <limits>
+#include <mutex>
 #include <new>
 
 namespace Inspection {
@@ -11,16 +13,57 @@ namespace {
 struct DeleteContext {
     void operator()(xmlParserCtxt* context) const noexcept { xmlFreeParserCtxt(context); }
 };
+using Context = std::unique_ptr<xmlParserCtxt, DeleteContext>;
 
-std::string faultOf(xmlParserCtxt& context) {
-    const xmlError* const error = xmlCtxtGetLastError(&context);
-    if (error == nullptr)
-        return "it is empty";
-    std::string message = error->message == nullptr ? "unknown error" : error->message;
-    while (!message.empty() && (message.back() == '\n' || message.back() == ' '))
-        message.pop_back();
-    return "line " + std::to_string(error->line) + ", column " + std::to_string(error->int2) +
-           ": " + message;
+// Keeps the first error of a parser: those that follow are often its consequences.
+class FirstError {
+  public:
+    explicit FirstError(xmlParserCtxt& context) noexcept {
+        context._private = this;
+        context.sax->serror = keep;
+    }
+    FirstError(const FirstError&) = delete;
+    FirstError& operator=(const FirstError&) = delete;
+    ~FirstError() { xmlResetError(&error_); }
+
+    [[nodiscard]] bool hasOccurred() const noexcept { return error_.code != XML_ERR_OK; }
+
+    [[nodiscard]] std::string text() const {
+        std::string message = error_.message == nullptr ? "unknown error" : error_.message;
+        std::replace(message.begin(), message.end(), '\n', ' ');
+        message.erase(message.find_last_not_of(' ') + 1);
+        return "line " + std::to_string(error_.line) + ", column " + std::to_string(error_.int2) +
+               ": " + message;
+    }
+
+  private:
+    // Called by the parser, which no exception may pass through.
+    static void keep(void* context, xmlError* error) noexcept {
+        FirstError& first =
+            *static_cast<FirstError*>(static_cast<xmlParserCtxt*>(context)->_private);
+        // The name of a namespace with letters beyond ASCII is read by everybody.
+        const bool isHarmless = error->level == XML_ERR_WARNING || error->code == XML_WAR_NS_URI;
+        if (!first.hasOccurred() && !isHarmless)
+            xmlCopyError(error, &first.error_);
+    }
+
+    xmlError error_ = {};
+};
+
+void ignoreEntity(void* /*context*/, const xmlChar* /*name*/, int /*type*/,
+                  const xmlChar* /*publicId*/, const xmlChar* /*systemId*/,
+                  xmlChar* /*content*/) noexcept {}
+
+Context makeContext() {
+    // Sets up what all parsers share, before several threads want it.
+    static std::once_flag once;
+    std::call_once(once, xmlInitParser);
+    Context context(xmlNewParserCtxt());
+    if (!context)
+        throw std::bad_alloc();
+    // Entities stand for nothing, so that none is fetched, and a few lines never become gigabytes.
+    context->sax->entityDecl = ignoreEntity;
+    return context;
 }
 
 const xmlChar* asXml(const char* text) noexcept {
@@ -34,23 +77,23 @@ const char* fromXml(const xmlChar* text) noexcept {
 }  // namespace
 
 XmlDocument::XmlDocument(std::string_view text) {
-    const std::unique_ptr<xmlParserCtxt, DeleteContext> context(xmlNewParserCtxt());
-    if (!context)
-        throw std::bad_alloc();
     if (text.size() > std::numeric_limits<int>::max()) {
         fault_ = "it is larger than 2 GiB";
         return;
     }
-    constexpr int kOptions =
-        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE;
+    const Context context = makeContext();
+    const FirstError error(*context);
+    constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE;
     document_.reset(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
                                       nullptr, nullptr, kOptions));
-    if (!document_)
-        fault_ = faultOf(*context);
+    if (error.hasOccurred())
+        fault_ = error.text();
+    else if (!document_)
+        fault_ = "it is empty";
 }
 
 const xmlNode* XmlDocument::root() const noexcept {
-    return document_ ? xmlDocGetRootElement(document_.get()) : nullptr;
+    return fault_ ? nullptr : xmlDocGetRootElement(document_.get());
 }
 
 bool isElement(const xmlNode& node) noexcept {

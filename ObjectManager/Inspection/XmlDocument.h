@@ -8,14 +8,16 @@
 
 namespace Inspection {
 
-/// A text as an XML parser reads it. Nothing is fetched from outside.
+/// A text as an XML parser with namespaces reads it. Nothing is fetched from outside, and entities
+/// that the text declares itself count as undeclared.
 ///
 /// Thread safety: belongs to one thread; several may be read at once.
 class XmlDocument {
   public:
+    /// `text` may be gone afterwards.
     explicit XmlDocument(std::string_view text);
 
-    /// Why the text is not well-formed, with line and column; nothing when it is.
+    /// Why the text is not well-formed: the first fault, with line and column; nothing when it is.
     [[nodiscard]] const std::optional<std::string>& fault() const noexcept { return fault_; }
 
     /// The outermost element; null when the text is not well-formed.

@@ -17,10 +17,16 @@ namespace Mof {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
 
-/// FNV-1a over the folded bytes.
+/// A number that nobody knows before the process runs, and that stays the same while it does.
+[[nodiscard]] std::uint64_t hashKey() noexcept;
+
+/// FNV-1a over the folded bytes. It begins with a key that differs from process to process: names
+/// come from files of others, who could choose them such that all have the same hash.
 struct CaseInsensitiveHash {
+    std::uint64_t key = hashKey();
+
     [[nodiscard]] std::size_t operator()(std::string_view name) const noexcept {
-        std::uint64_t hash = 0xCBF29CE484222325U;
+        std::uint64_t hash = key;
         for (const char byte : name)
             hash = (hash ^ static_cast<unsigned char>(foldedCase(byte))) * 0x100000001B3U;
         return hash;

@@ -20,6 +20,10 @@ struct CompilerOptions {
     /// How many files may include each other in a row. Far more than schemas have; it keeps files
     /// that were made to do harm from exhausting the stack.
     std::size_t deepestInclude = 200;
+
+    /// The length in bytes that a file may have, eight times that of the DMTF's whole schema. What
+    /// is read takes many times its length in memory.
+    std::size_t largestFile = std::size_t{64} << 20U;
 };
 
 /// Reads the MOF files at all of `paths`, whose declarations may need each other: each path is a

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -56,6 +57,19 @@ Value nullValue(const Position& position) {
     return Value{.isArray = false, .position = position, .literals = {null}};
 }
 
+// How many properties, methods, parameters and qualifiers a class declares itself.
+std::size_t countDeclared(const ClassDeclaration& declaration) {
+    std::size_t count = declaration.qualifiers.size();
+    for (const Property& property : declaration.properties)
+        count += 1 + property.qualifiers.size();
+    for (const Method& method : declaration.methods) {
+        count += 1 + method.qualifiers.size();
+        for (const Parameter& parameter : method.parameters)
+            count += 1 + parameter.qualifiers.size();
+    }
+    return count;
+}
+
 // Calls `onRepeated` for each element whose name another one before it has. Most lists are short
 // enough to be compared element by element.
 template <typename Element, typename OnRepeated>
@@ -100,6 +114,8 @@ class DeclarationChecker {
     }
 
   private:
+    using Sizes = std::unordered_map<const ClassDeclaration*, std::size_t>;
+
     void checkClass(ClassDeclaration& declaration) {
         checkQualifiers(declaration.qualifiers);
         findRepeated(declaration.properties, [&](const Property& property) {
@@ -212,12 +228,14 @@ class DeclarationChecker {
         }
         if (missing == 0)
             checkDepths();
+        if (!compilation_.hasErrors())
+            checkSizes();
     }
 
     // How far each class stands below its topmost superclass is found once; a class that is found
     // again while its own superclasses are looked up is one of them.
     void checkDepths() {
-        constexpr std::size_t kLookedUp = static_cast<std::size_t>(-1);
+        constexpr auto kLookedUp = static_cast<std::size_t>(-1);
         std::unordered_map<const ClassDeclaration*, std::size_t> depths;
         depths.reserve(compilation_.classes.size());
         for (const ClassDeclaration& declaration : compilation_.classes) {
@@ -232,8 +250,9 @@ class DeclarationChecker {
                 reportCycle(*current);
             std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
             // Depths mean nothing in a cycle, and it is reported already.
-            for (auto below = line.rbegin(); below != line.rend(); ++below)
-                setDepth(depths[*below], isCyclic ? 0 : depth++, **below);
+            std::reverse(line.begin(), line.end());
+            for (const ClassDeclaration* const below : line)
+                setDepth(depths[below], isCyclic ? 0 : depth++, *below);
         }
     }
 
@@ -259,6 +278,34 @@ class DeclarationChecker {
         if (others > kMostNamed)
             message += " and " + std::to_string(others - kMostNamed) + " more";
         reporter_.error(declaration.superclass.position, std::move(message));
+    }
+
+    void checkSizes() {
+        Sizes sizes;
+        sizes.reserve(compilation_.classes.size());
+        std::size_t total = 0;
+        for (const ClassDeclaration& declaration : compilation_.classes) {
+            total += sizeOf(declaration, sizes);
+            if (total > kMostInherited) {
+                reporter_.error(declaration.name.position,
+                                "up to this class, classes declare and inherit more than " +
+                                    std::to_string(kMostInherited) +
+                                    " properties, methods, parameters and qualifiers");
+                return;
+            }
+        }
+    }
+
+    // What a class declares and inherits. Calls itself no deeper than classes may stand.
+    std::size_t sizeOf(const ClassDeclaration& declaration, Sizes& sizes) const {
+        const auto known = sizes.find(&declaration);
+        if (known != sizes.end())
+            return known->second;
+        const ClassDeclaration* const superclass = superclassOf(declaration);
+        const std::size_t inherited = superclass == nullptr ? 0 : sizeOf(*superclass, sizes);
+        const std::size_t size = countDeclared(declaration) + inherited;
+        sizes.emplace(&declaration, size);
+        return size;
     }
 
     [[nodiscard]] const ClassDeclaration* superclassOf(const ClassDeclaration& declaration) const {

@@ -97,7 +97,7 @@ class FileReader {
 
     void read(const std::string& path, const InputFile& file, const Reading* includedBy) {
         const std::size_t number = compilation_.files.size();
-        compilation_.files.emplace_back(path, file.readAll());
+        compilation_.files.emplace_back(path, file.readAll(options_.largestFile));
         read_.insert(file.identity());
         FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
         moveInto(compilation_.qualifiers, declarations.qualifiers);

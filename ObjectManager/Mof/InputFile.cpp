@@ -16,6 +16,11 @@ namespace {
     throw std::system_error(errno, std::generic_category());
 }
 
+void requireFits(std::size_t length, std::size_t mostBytes) {
+    if (length > mostBytes)
+        throw std::system_error(std::make_error_code(std::errc::file_too_large));
+}
+
 }  // namespace
 
 std::optional<InputFile> InputFile::openIfThere(const std::string& path) {
@@ -51,8 +56,9 @@ InputFile::~InputFile() {
         close(descriptor_);
 }
 
-std::string InputFile::readAll() const {
+std::string InputFile::readAll(std::size_t mostBytes) const {
     constexpr std::size_t kLeastRoom = 4096;
+    requireFits(expectedSize_, mostBytes);
     std::string bytes;
     std::size_t length = 0;
     // One byte more than expected, so that the end is seen without growing.
@@ -62,6 +68,7 @@ std::string InputFile::readAll() const {
         if (count == 0)
             break;
         length += count;
+        requireFits(length, mostBytes);
         if (length == bytes.size())
             bytes.resize(2 * length);
     }

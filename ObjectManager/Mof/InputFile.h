@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -31,9 +32,10 @@ class InputFile {
 
     [[nodiscard]] const Identity& identity() const noexcept { return identity_; }
 
-    /// The bytes from where the file stands up to its end.
-    /// Errors: std::system_error.
-    [[nodiscard]] std::string readAll() const;
+    /// The bytes from where the file stands up to its end, `mostBytes` at most.
+    /// Errors: std::system_error; with std::errc::file_too_large when there are more. Some devices
+    /// have no end.
+    [[nodiscard]] std::string readAll(std::size_t mostBytes) const;
 
   private:
     explicit InputFile(int descriptor) noexcept : descriptor_(descriptor) {}

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-// Where characters begin in a text in UTF-8.
+// Where characters begin and end in a text in UTF-8.
 
 namespace Mof {
 
@@ -22,5 +22,9 @@ namespace Mof {
         --position;
     return position;
 }
+
+/// How many bytes the well-formed character has that `text`, which is not empty, begins with; 0 if
+/// it begins with none.
+[[nodiscard]] std::size_t lengthOfCharacter(std::string_view text) noexcept;
 
 }  // namespace Mof

@@ -1,6 +1,7 @@
 #include "ObjectManager/Repository/CimClass.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "ObjectManager/Mof/CaseInsensitive.h"
@@ -31,8 +32,6 @@ std::vector<const Member*> listOf(const std::vector<Member>& members) {
 template <typename Member>
 std::vector<const Member*> withInherited(const std::vector<const Member*>& inherited,
                                          std::vector<Member>& declared) {
-    if (declared.empty())
-        return inherited;
     Mof::NameMap<Member*> unplaced;
     unplaced.reserve(declared.size());
     for (Member& member : declared)
@@ -63,9 +62,11 @@ void sortByName(std::vector<const CimProperty*>& properties) {
               });
 }
 
+// Pointers into different lists have an order for std::less alone.
 template <typename Member>
 bool isOneOf(const Member& member, const std::vector<Member>& members) {
-    return &member >= members.data() && &member < members.data() + members.size();
+    const std::less<const Member*> isBefore;
+    return !isBefore(&member, members.data()) && isBefore(&member, members.data() + members.size());
 }
 
 }  // namespace
@@ -78,28 +79,35 @@ CimClass::CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> supe
     methods_.declared = makeMembers<CimMethod>(std::move(declaration.methods), options);
     properties_.own = listOf(properties_.declared);
     methods_.own = listOf(methods_.declared);
-    if (superclass_.isNull()) {
-        properties_.all = properties_.own;
-        methods_.all = methods_.own;
-    } else {
+    if (!superclass_.isNull()) {
         inheritQualifiers(*superclass_);
-        properties_.all = withInherited(superclass_->properties_.all, properties_.declared);
-        methods_.all = withInherited(superclass_->methods_.all, methods_.declared);
+        inherit(properties_, superclass_->properties_);
+        inherit(methods_, superclass_->methods_);
     }
     if (options.propertyOrder == PropertyOrder::kName) {
         sortByName(properties_.own);
-        sortByName(properties_.all);
+        sortByName(properties_.merged);
     }
+}
+
+template <typename Member>
+void CimClass::inherit(Members<Member>& members, const Members<Member>& inherited) {
+    if (members.declared.empty()) {
+        members.all = inherited.all;
+        return;
+    }
+    members.merged = withInherited(*inherited.all, members.declared);
+    members.all = &members.merged;
 }
 
 CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> CimClass::getProperties(
     bool includeInherited) const {
-    return iterateOver<urma::IPropertyDef>(includeInherited ? properties_.all : properties_.own);
+    return iterateOver<urma::IPropertyDef>(includeInherited ? *properties_.all : properties_.own);
 }
 
 CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>> CimClass::getMethods(
     bool includeInherited) const {
-    return iterateOver<urma::IMethodDef>(includeInherited ? methods_.all : methods_.own);
+    return iterateOver<urma::IMethodDef>(includeInherited ? *methods_.all : methods_.own);
 }
 
 const CimClass& CimClass::declaringClass(const CimProperty& property) const noexcept {

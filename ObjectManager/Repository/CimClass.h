@@ -29,10 +29,10 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
 
     /// As getProperties and getMethods with what is inherited, without an iterator.
     [[nodiscard]] const std::vector<const CimProperty*>& properties() const noexcept {
-        return properties_.all;
+        return *properties_.all;
     }
     [[nodiscard]] const std::vector<const CimMethod*>& methods() const noexcept {
-        return methods_.all;
+        return *methods_.all;
     }
 
     /// The class that declares what this one lists: itself or a superclass.
@@ -43,9 +43,15 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
     template <typename Member>
     struct Members {
         std::vector<Member> declared;
-        std::vector<const Member*> own;  // the declared ones, in the order in which they are listed
-        std::vector<const Member*> all;  // with the inherited ones
+        // In the order in which they are listed: the declared ones, and with the inherited ones. A
+        // class that declares none, or has no superclass, needs no list of its own.
+        std::vector<const Member*> own;
+        std::vector<const Member*> merged;
+        const std::vector<const Member*>* all = &own;
     };
+
+    template <typename Member>
+    static void inherit(Members<Member>& members, const Members<Member>& inherited);
 
     TSKSmrPtr<CimClass> superclass_;
     Members<CimProperty> properties_;

@@ -48,7 +48,9 @@ class ClassMaker {
 
 CimNamespace::CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
                            const RepositoryOptions& options)
-    : name_(std::move(name)), classes_(ClassMaker(declarations, options).makeAll()) {
+    : name_(std::move(name)),
+      options_(options),
+      classes_(ClassMaker(declarations, options).makeAll()) {
     std::sort(classes_.begin(), classes_.end(),
               [](const TSKSmrPtr<CimClass>& left, const TSKSmrPtr<CimClass>& right) {
                   return left->name() < right->name();

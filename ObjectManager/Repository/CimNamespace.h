@@ -19,6 +19,9 @@ class CimNamespace {
 
     [[nodiscard]] const TSKString& name() const noexcept { return name_; }
 
+    /// What its classes were made with.
+    [[nodiscard]] const RepositoryOptions& options() const noexcept { return options_; }
+
     /// Ascending by name, in byte order.
     [[nodiscard]] const std::vector<TSKSmrPtr<CimClass>>& classes() const noexcept {
         return classes_;
@@ -29,6 +32,7 @@ class CimNamespace {
 
   private:
     TSKString name_;
+    RepositoryOptions options_;
     std::vector<TSKSmrPtr<CimClass>> classes_;
     Mof::NameMap<std::size_t> places_;  // of each class in classes_
 };

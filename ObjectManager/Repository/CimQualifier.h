@@ -27,6 +27,5 @@ class CimQualifier : public urma::IQualifier {
   private:
     TSKString name_;
     bool propagates_;
-    TSKSmrPtr<ITeskValue> value_;
     TSKSmrPtr<ITeskValue> value_;  // made after the name, on which it depends
 };

@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -26,6 +27,8 @@ void require(bool done) {
 
 PseudoTerminal::PseudoTerminal(const std::function<int()>& work) {
     require(openpty(&terminal_, &otherSide_, nullptr, nullptr, nullptr) == 0);
+    // Else the new process would show again what this one has not written yet.
+    std::fflush(nullptr);
     process_ = fork();
     require(process_ >= 0);
     if (process_ == 0) {

@@ -1,21 +1,25 @@
-#include <algorithm>
 #include <atomic>
+#include <boost/asio/io_context.hpp>
 #include <future>
 #include <gtest/gtest.h>
-#include <mutex>
-#include <set>
+#include <memory>
+#include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "ObjectManager/Http/Connection.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Tests/ObjectManager/Http/RunningServer.h"
+#include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
 
+using boost::asio::ip::tcp;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -32,6 +36,52 @@ class ConnectionTest : public RunningServer {
             writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
             writeTo(ostr, large_);
         };
+    }
+
+    // Runs one connection on this thread, with that allocation of it failing. Returns whether it
+    // has, and what the client got.
+    bool failsToAnswer(std::string_view begin, std::string_view rest, std::size_t occurrence,
+                       std::string& answer) {
+        const Http::Dispatcher dispatcher(manager_, nullptr);
+        Http::ConnectionSet connections;
+        Http::WorkerPool workers(1);
+        Http::ConnectionContext context{.options = options_,
+                                        .dispatcher = dispatcher,
+                                        .workers = workers,
+                                        .connections = connections};
+        boost::asio::io_context ioContext;
+        tcp::acceptor acceptor(ioContext, {tcp::v4(), 0});
+        const Client client("127.0.0.1", acceptor.local_endpoint().port());
+        tcp::endpoint endpoint;
+        tcp::socket socket = acceptor.accept(endpoint);
+        EXPECT_TRUE(client.send(begin));
+
+        AllocationProbe::failAt(occurrence);
+        ignoringBadAlloc([&] {
+            std::make_shared<Http::Connection>(context, std::move(socket), endpoint)->start();
+        });
+        socket.close();  // if no connection has taken it
+        (void)client.send(rest);
+        client.endSending();
+        const auto deadline = steady_clock::now() + std::chrono::seconds(30);
+        while (connections.size() != 0 && steady_clock::now() < deadline) {
+            ignoringBadAlloc([&] { ioContext.poll(); });
+            ioContext.restart();
+        }
+        const bool hasFailed = AllocationProbe::hasFailed();
+        AllocationProbe::failAt(0);
+        EXPECT_EQ(connections.size(), 0U);
+        EXPECT_TRUE(workers.waitUntilIdle(deadline));
+        answer = client.readAll();
+        return hasFailed;
+    }
+
+    template <typename Work>
+    static void ignoringBadAlloc(const Work& work) {
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+        }
     }
 
     static constexpr const char* kGetLarge = "GET /test/large HTTP/1.1\r\nHost: a\r\n\r\n";
@@ -166,6 +216,23 @@ TEST_F(ConnectionTest, AHeadThatDoesNotComeInTimeIsAnsweredSo) {
     for (const Client& client : clients)
         EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
     EXPECT_EQ(answer(kGet), kHello);
+}
+
+TEST_F(ConnectionTest, ARequestThatIsCompletedTooLateIsNotServed) {
+    std::atomic<int> lateCalls = 0;
+    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        lateCalls += request.getUri() == "/test/late" ? 1 : 0;
+        writeTo(ostr, kHello);
+    };
+    options_.headTime = milliseconds(50);
+    options_.mostConnections = 1;
+    start();
+    const Client client = sending("GET /test/late HTTP/1.1\r\n");
+    EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
+    EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
+    client.endSending();
+    waitUntilServed();
+    EXPECT_EQ(lateCalls, 0);
 }
 
 TEST_F(ConnectionTest, TheTimeForTheHeadIsForAllOfIt) {
@@ -357,6 +424,22 @@ TEST_F(ConnectionTest, AClientMayGoAwayAtAnyTime) {
         waitUntilServed();
         { const Client client = sending(request); }
         waitUntilServed();
+    }
+}
+
+// Without a Server, so that the I/O thread is this one, whose allocations can be made to fail.
+TEST_F(ConnectionTest, AFailedAllocationClosesTheConnectionAtMost) {
+    for (const char* const rest :
+         {" HTTP/1.1\r\nHost: a\r\n\r\n", " HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n",
+          " HTTP/1.1\r\n\r\n"}) {
+        std::size_t failures = 0;
+        std::string answer;
+        while (failsToAnswer("GET /test", rest, failures + 1, answer)) {
+            ++failures;
+            EXPECT_TRUE(answer.empty() || answer.starts_with("HTTP/1.1 ")) << answer;
+        }
+        EXPECT_GT(failures, 5U) << rest;
+        EXPECT_TRUE(answer.starts_with("HTTP/1.1 ")) << answer;
     }
 }
 

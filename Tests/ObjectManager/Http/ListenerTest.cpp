@@ -1,8 +1,13 @@
+#include <boost/asio/io_context.hpp>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "ObjectManager/Http/Listener.h"
+#include "Tests/ObjectManager/Http/Client.h"
+#include "Tests/Support/RecordingLogSink.h"
 
 namespace {
 
@@ -51,6 +56,33 @@ TEST(Listener, OnlyAnIpAddressIsListenedOn) {
 TEST(Listener, AnAddressOfAnotherMachineIsAnError) {
     EXPECT_EQ(failureOf("192.0.2.7", 0),
               "Cannot listen on 192.0.2.7 port 0: Cannot assign requested address");
+}
+
+TEST(Listener, AConnectionThatCannotBeTakenIsClosedAndTheNextOneIsAcceptedLater) {
+    const LogRecording log;
+    boost::asio::io_context context;
+    Listener listener(context, "127.0.0.1", 0);
+    const std::uint16_t port = listener.endpoint().port();
+    int calls = 0;
+    std::uint16_t clientPort = 0;
+    listener.start(
+        [&](boost::asio::ip::tcp::socket /*socket*/, const boost::asio::ip::tcp::endpoint& client) {
+            if (++calls < 3)
+                throw std::bad_alloc();
+            clientPort = client.port();
+            listener.close();
+        });
+    const Client first("127.0.0.1", port);
+    const Client second("127.0.0.1", port);
+    const Client third("127.0.0.1", port);
+    context.run();
+    EXPECT_EQ(first.readAll(), "");
+    EXPECT_EQ(second.readAll(), "");
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(clientPort, third.port());
+    const std::string line =
+        "HttpFrontEnd|1|2|Cannot accept connections for now: Cannot allocate memory";
+    EXPECT_EQ(log.lines(), std::vector({line}));
 }
 
 }  // namespace

@@ -63,6 +63,22 @@ bool hasIPv6() {
     return binds;
 }
 
+TEST(ServerOptions, TheDefaults) {
+    const Http::ServerOptions options;
+    EXPECT_EQ(options.address, "127.0.0.1");
+    EXPECT_EQ(options.port, 5985);
+    EXPECT_EQ(options.workers, std::max(1U, std::thread::hardware_concurrency()));
+    EXPECT_EQ(options.requestLimits.mostHeadBytes, 16'384U);
+    EXPECT_EQ(options.requestLimits.mostRequestLineBytes, 8'192U);
+    EXPECT_EQ(options.requestLimits.mostFields, 100U);
+    EXPECT_EQ(options.mostConnections, 4'096U);
+    EXPECT_EQ(options.headTime, seconds(10));
+    EXPECT_EQ(options.responseTime, seconds(30));
+    EXPECT_EQ(options.drainTime, seconds(5));
+    EXPECT_EQ(options.mostDrainedBytes, 16'777'216U);
+    EXPECT_EQ(Http::Server::kGracePeriod, seconds(10));
+}
+
 TEST_F(ServerTest, TellsWhereItListens) {
     start();
     EXPECT_EQ(server_->address(), "127.0.0.1");

@@ -483,6 +483,34 @@ TEST_F(MofDeclarationCheckerTest, AClassMayHaveVeryManyMethodsAndAMethodVeryMany
               "      ^\n");
 }
 
+// A class with 9,999 properties and a qualifier, with so many empty classes below it.
+std::string wideClasses(int below) {
+    std::string mof = "[Key] class A_B {\n";
+    for (int number = 1; number <= 9999; ++number)
+        mof += numbered("uint8 p", number) + ";\n";
+    mof += "};\n";
+    for (int number = 1; number <= below; ++number)
+        mof += numbered("class A_", number) + " : A_B {};\n";
+    return mof;
+}
+
+TEST_F(MofDeclarationCheckerTest, ClassesMayInheritTwentyMillionDefinitionsAndNoMore) {
+    const std::string mof = wideClasses(1999);
+    EXPECT_EQ(faults(mof), "");
+    const auto fault = [](const std::string& line, const char* indentation) {
+        return "error: up to this class, classes declare and inherit more than 20000000 "
+               "properties, methods, parameters and qualifiers\n" +
+               line + "\n" + indentation + "^\n";
+    };
+    for (const char* const line : {"class A_X { uint8 p; };", "class A_X { uint8 M(); };"})
+        EXPECT_EQ(faults(mof + line), "a.mof:12001:7: " + fault(line, "      "));
+    EXPECT_EQ(faults(mof + "[Key] class A_X {};"),
+              "a.mof:12001:13: " + fault("[Key] class A_X {};", "            "));
+    EXPECT_EQ(faults(wideClasses(1998) + "class A_X { [Key] uint8 M([Key] uint8 q); };\n" +
+                     "class A_Y : A_B {};"),
+              "a.mof:12001:7: " + fault("class A_Y : A_B {};", "      "));
+}
+
 TEST_F(MofDeclarationCheckerTest, ThereMayBeVeryManyClassesBelowOne) {
     std::string mof = "class A_B {};\n";
     for (int number = 0; number < kVeryMany; ++number)

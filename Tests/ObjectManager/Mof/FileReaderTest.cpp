@@ -281,6 +281,21 @@ TEST_F(MofFileReaderTest, AFileOfAFolderThatCannotBeReadIsAnErrorAndTheOthersAre
     EXPECT_EQ(textOf(compilation), "class A_B\n");
 }
 
+TEST_F(MofFileReaderTest, AFileThatIsTooLargeIsAnError) {
+    write("main.mof", "class A_B {};\n#pragma include (\"b.mof\")");
+    write("b.mof", "// " + std::string(100, '-'));
+    Mof::CompilerOptions options;
+    options.largestFile = 103;
+    EXPECT_EQ(shown(compileFile("main.mof", options)), "");
+    options.largestFile = 102;
+    EXPECT_EQ(shown(compileFile("main.mof", options)),
+              "main.mof:2:1: error: the included file \"b.mof\" cannot be read: File too large\n"
+              "#pragma include (\"b.mof\")\n"
+              "^\n");
+    EXPECT_EQ(shown(compileFile("b.mof", options)),
+              "b.mof: error: cannot be read: File too large\n");
+}
+
 TEST_F(MofFileReaderTest, PragmasAreKnownOrWarnedOf) {
     const Compilation compilation =
         compileText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");

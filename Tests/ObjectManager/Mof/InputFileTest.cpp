@@ -13,6 +13,8 @@ namespace {
 
 using Mof::InputFile;
 
+constexpr std::size_t kNoLimit = 1'000'000;
+
 InputFile opened(const std::string& path) {
     std::optional<InputFile> file = InputFile::openIfThere(path);
     EXPECT_TRUE(file) << path;
@@ -21,9 +23,9 @@ InputFile opened(const std::string& path) {
 
 TEST(InputFile, ReadsAllBytes) {
     const TemporaryFolder folder;
-    for (const std::size_t length : {0, 1, 4095, 4096, 4097, 100'000}) {
+    for (const std::size_t length : {0U, 1U, 4095U, 4096U, 4097U, 100000U}) {
         const std::string content(length, 'x');
-        EXPECT_EQ(opened(folder.write("a.mof", content)).readAll(), content) << length;
+        EXPECT_EQ(opened(folder.write("a.mof", content)).readAll(kNoLimit), content) << length;
     }
 }
 
@@ -33,9 +35,29 @@ TEST(InputFile, ReadsAPipeToItsEnd) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const std::string content(10'000, 'x');
     std::thread writer([&] { folder.write("pipe", content); });
-    const std::string read = opened(path).readAll();
+    const std::string read = opened(path).readAll(kNoLimit);
     writer.join();
     EXPECT_EQ(read, content);
+}
+
+std::error_code failureOfReading(const std::string& path, std::size_t mostBytes) {
+    try {
+        (void)opened(path).readAll(mostBytes);
+    } catch (const std::system_error& error) {
+        return error.code();
+    }
+    return {};
+}
+
+TEST(InputFile, ALargerFileThanAllowedIsNotRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a.mof", std::string(10'000, 'x'));
+    EXPECT_EQ(opened(path).readAll(10'000).size(), 10'000U);
+    EXPECT_EQ(failureOfReading(path, 9'999), std::errc::file_too_large);
+}
+
+TEST(InputFile, AnEndlessDeviceIsNotRead) {
+    EXPECT_EQ(failureOfReading("/dev/zero", kNoLimit), std::errc::file_too_large);
 }
 
 TEST(InputFile, AFileThatIsNotThereIsNone) {
@@ -46,7 +68,7 @@ TEST(InputFile, AFileThatIsNotThereIsNone) {
 
 TEST(InputFile, WhatCannotBeReadThrows) {
     const TemporaryFolder folder;
-    EXPECT_THROW((void)opened(folder.path()).readAll(), std::system_error);
+    EXPECT_THROW((void)opened(folder.path()).readAll(kNoLimit), std::system_error);
     std::filesystem::create_symlink("loop", folder / "loop");
     EXPECT_THROW((void)InputFile::openIfThere(folder / "loop"), std::system_error);
 }

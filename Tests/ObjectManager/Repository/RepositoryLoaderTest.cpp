@@ -123,6 +123,23 @@ TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     }
 }
 
+// Each had a list of its own, which was sorted anew: 5,000 classes took seven seconds.
+TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreAnsweredInAMoment) {
+    constexpr int kMany = 3000;
+    std::string mof = "class A_B {";
+    for (int number = 0; number < kMany; ++number)
+        mof += "uint8 p" + std::to_string(number) + ";";
+    mof += "};\n";
+    for (int number = 0; number < kMany; ++number)
+        mof += "class A_" + std::to_string(number) + " : A_B {};\n";
+    const LoadedRepository loaded =
+        loadRepository({{"root/one", {folder_.write("a.mof", mof)}}}, {}, {});
+    const CimNamespace& nameSpace = *loaded.repository->findNamespace("root/one");
+    EXPECT_EQ(nameSpace.findClass("A_2999")->properties(),
+              nameSpace.findClass("A_B")->properties());
+    EXPECT_EQ(propertiesOf(*nameSpace.findClass("A_2999"), false), "");
+}
+
 // The qualifiers of each level were held against each of the level above.
 TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreAnsweredInAMoment) {
     constexpr int kVeryMany = 20000;

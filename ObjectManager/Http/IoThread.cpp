@@ -1,0 +1,38 @@
+#include "ObjectManager/Http/IoThread.h"
+
+#include <boost/asio/post.hpp>
+#include <exception>
+#include <future>
+
+#include "ObjectManager/Http/ErrorLog.h"
+#include "ObjectManager/Http/LogText.h"
+
+namespace Http {
+
+void IoThread::start() {
+    thread_ = std::thread([this] { run(); });
+}
+
+void IoThread::call(const std::function<void()>& task) {
+    std::packaged_task<void()> waited(task);
+    boost::asio::post(context_, [&waited] { waited(); });
+    waited.get_future().get();
+}
+
+void IoThread::stop() {
+    context_.stop();
+    if (thread_.joinable())
+        thread_.join();
+}
+
+void IoThread::run() noexcept {
+    while (!context_.stopped()) {
+        try {
+            context_.run();
+        } catch (const std::exception& exception) {
+            logError("A connection failed: " + toLogText(exception.what()));
+        }
+    }
+}
+
+}  // namespace Http

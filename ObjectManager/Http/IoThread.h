@@ -1,0 +1,43 @@
+#pragma once
+
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
+#include <functional>
+#include <thread>
+
+namespace Http {
+
+/// A thread that runs an io_context.
+///
+/// Thread safety: belongs to one thread, another than the one that it starts.
+class IoThread {
+  public:
+    IoThread() = default;
+    IoThread(const IoThread&) = delete;
+    IoThread& operator=(const IoThread&) = delete;
+    ~IoThread() { stop(); }
+
+    [[nodiscard]] boost::asio::io_context& context() noexcept { return context_; }
+
+    /// What a handler throws is logged; the next one is run.
+    /// Errors: std::system_error when no thread can be started.
+    void start();
+    [[nodiscard]] bool isRunning() const noexcept { return thread_.joinable(); }
+
+    /// Runs `task` on the thread, which must be running, and returns when it is done.
+    /// Errors: std::bad_alloc, and what the task throws.
+    void call(const std::function<void()>& task);
+
+    /// Runs no further handler; those that wait are destroyed with the io_context.
+    void stop();
+
+  private:
+    void run() noexcept;
+
+    boost::asio::io_context context_{1};
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> keepsRunning_ =
+        boost::asio::make_work_guard(context_);
+    std::thread thread_;
+};
+
+}  // namespace Http

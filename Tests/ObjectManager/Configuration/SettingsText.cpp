@@ -1,0 +1,64 @@
+#include "Tests/ObjectManager/Configuration/SettingsText.h"
+
+namespace {
+
+using namespace Configuration;
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string result;
+    for (const std::string& text : texts)
+        result += " " + text;
+    return result;
+}
+
+std::string line(const std::string& key, std::string_view value) {
+    return key + ":" + (value.empty() || value[0] == ' ' ? "" : " ") + std::string(value) + "\n";
+}
+
+std::string line(const std::string& key, std::size_t value) {
+    return line(key, std::to_string(value));
+}
+
+std::string line(const std::string& key, std::chrono::milliseconds value) {
+    return line(key, std::to_string(value.count()) + " ms");
+}
+
+}  // namespace
+
+std::string textOf(const Settings& settings) {
+    std::string text;
+    for (const NamespaceSource& source : settings.namespaces)
+        text += line("namespace " + source.name, joined(source.paths));
+    text += line("include_path", joined(settings.includePath));
+    text +=
+        line("property_order",
+             settings.repository.propertyOrder == PropertyOrder::kName ? "name" : "declaration");
+    text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
+    const ServerSettings& server = settings.server;
+    std::vector<std::string> endpoints;
+    for (const Endpoint& endpoint : server.listen)
+        endpoints.push_back(endpoint.toString());
+    text += line("listen", joined(endpoints));
+    text += line("workers", std::size_t{server.workers});
+    text += line("max_request_head", server.maxRequestHead);
+    text += line("max_request_line", server.maxRequestLine);
+    text += line("head_timeout", server.headTimeout);
+    text += line("response_timeout", server.responseTimeout);
+    text += line("shutdown_timeout", server.shutdownTimeout);
+    text += line("max_connections", server.maxConnections);
+    text += line("password_file", settings.security.passwordFile);
+    text += line("credential_lifetime", settings.security.credentialLifetime);
+    text += line("level", std::to_string(settings.log.level));
+    return text + line("file", settings.log.file);
+}
+
+std::string errorsOf(const SettingsReading& reading) {
+    std::string text;
+    for (const SettingsError& error : reading.errors)
+        text += error.toString();
+    return text;
+}
+
+std::string textOf(const SettingsReading& reading) {
+    return textOf(reading.settings) + errorsOf(reading);
+}

@@ -1,0 +1,17 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+
+#include "ObjectManager/Host/ProgramFolders.h"
+
+namespace {
+
+// The program lies in the folder "bin" of an installation.
+TEST(ProgramFolders, LieBesideTheFolderOfTheProgram) {
+    const std::filesystem::path prefix =
+        std::filesystem::canonical(PROGRAM_FILE).parent_path().parent_path();
+    const ProgramFolders folders = ProgramFolders::ofThisProgram();
+    EXPECT_EQ(folders.installation, prefix / "lib/tesk");
+    EXPECT_EQ(folders.models, prefix / "share/tesk/models");
+}
+
+}  // namespace

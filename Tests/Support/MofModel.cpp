@@ -1,0 +1,27 @@
+#include "Tests/Support/MofModel.h"
+
+#include <stdexcept>
+#include <string>
+
+#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+MofModel::MofModel(std::string_view mof, const RepositoryOptions& options) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("test.mof", mof);
+    const LoadedRepository loaded = loadRepository(
+        {{.name = "root/test", .paths = {MODELS_FOLDER "/qualifiers.mof", file}}}, {}, options);
+    std::string faults;
+    for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
+        faults += diagnostic.toString();
+    if (!faults.empty())
+        throw std::invalid_argument(faults);
+    repository_ = loaded.repository;
+}
+
+const CimClass& MofModel::cimClass(const char* name) const {
+    const TSKSmrPtr<CimClass> found = nameSpace().findClass(name);
+    if (!found)
+        throw std::invalid_argument(name);
+    return *found;
+}
