@@ -78,6 +78,14 @@ class GuideTest(unittest.TestCase):
         self.checkWayRound("one-create", "dmtf", "root/cimv2/CIM_OpaqueManagementDataService")
 
 
+    def testQualifiedCopiesAreAccepted(self):
+        folder = self.workOn("sample")
+        self.assertEqual(Guide.runCommands(self.guide.text("sh", "qualified"), folder), (0, ""))
+        shutil.rmtree(os.path.join(folder, "documents"))
+        os.rename(os.path.join(folder, "qualified"), os.path.join(folder, "documents"))
+        self.assertEqual(self.faultsOf(folder, "root/cimv2/CIM_ComputerSystem"), [])
+
+
 class GuideReaderTest(unittest.TestCase):
 
     def testBlocksAreFoundByLanguageAndName(self):
