@@ -76,7 +76,7 @@ TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
     }
     for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
         if (nameSpace.classes().empty())
-            std::cerr << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
+            faults << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
     return loaded.repository;
 }

@@ -115,11 +115,12 @@ TEST(ClassesCommand, ShowsNothingOfClassesWithErrors) {
     const ProgramRun run = runTesk("classes --namespace root/acme='" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.errors, file +
-                              ":2:15: error: there is no class \"TST_C\"\n"
-                              "class TST_B : TST_C {};\n"
-                              "              ^\n"
-                              "tesk: the classes have errors and are not used\n");
+    EXPECT_EQ(run.errors,
+              file +
+                  ":2:15: error: the superclass \"TST_C\" of \"TST_B\" is not declared\n"
+                  "class TST_B : TST_C {};\n"
+                  "              ^\n"
+                  "tesk: the classes have errors and are not used\n");
 }
 
 }  // namespace

@@ -31,14 +31,14 @@ TEST(CommandLine, HelpShowsTheCommandsAndExamples) {
             "classes\n"
             "Usage: tesk [OPTIONS] COMMAND\n"))
             << run.output;
-        for (const char* const text : {"\nCommands:\n  check ", "\n  classes ", "\n  passwd ",
-                                       "\nExamples:\n  tesk check --namespace "})
+        for (const char* const text : {"\nCommands:\n  serve ", "\n  check ", "\n  classes ",
+                                       "\n  passwd ", "\nExamples:\n  tesk serve\n"})
             EXPECT_NE(run.output.find(text), std::string::npos) << text;
     }
 }
 
 TEST(CommandLine, HelpOfEachCommandHasExamples) {
-    for (const std::string command : {"check", "classes", "passwd"}) {
+    for (const std::string command : {"serve", "check", "classes", "passwd"}) {
         const ProgramRun run = runTesk(command + " --help");
         EXPECT_EQ(run.end, "status 0");
         EXPECT_EQ(run.errors, "");
@@ -57,13 +57,15 @@ TEST(CommandLine, VersionIsThatOfTheProject) {
 }
 
 TEST(CommandLine, ACommandMustBeGiven) {
-    expectRefusal("", "tesk: no command is given; there are: check, classes, passwd\n");
-    expectRefusal("--frob", "tesk: no command is given; there are: check, classes, passwd\n");
+    expectRefusal("", "tesk: no command is given; there are: serve, check, classes, passwd\n");
+    expectRefusal("--frob",
+                  "tesk: no command is given; there are: serve, check, classes, passwd\n");
     expectRefusal("frob",
-                  "tesk: there is no command \"frob\"; there are: check, classes, passwd\n");
-    expectRefusal("''", "tesk: there is no command \"\"; there are: check, classes, passwd\n");
-    expectRefusal("Check",
-                  "tesk: there is no command \"Check\"; there are: check, classes, passwd\n");
+                  "tesk: there is no command \"frob\"; there are: serve, check, classes, passwd\n");
+    expectRefusal("''",
+                  "tesk: there is no command \"\"; there are: serve, check, classes, passwd\n");
+    expectRefusal(
+        "Check", "tesk: there is no command \"Check\"; there are: serve, check, classes, passwd\n");
 }
 
 TEST(CommandLine, OptionsAndArgumentsMustBeKnown) {
@@ -85,13 +87,17 @@ TEST(CommandLine, ValuesOfOptionsAreChecked) {
     for (const std::string command : {"check", "classes"}) {
         expectUsageError(command, "--format xml", "--format: \"xml\" is neither text nor json");
         expectUsageError(command, "--namespace root/cimv2",
-                         "--namespace: \"root/cimv2\" is not NAME=PATH, such as "
-                         "root/acme=mof/acme.mof");
-        expectUsageError(command, "--namespace /root=mof/",
-                         "--namespace: \"/root\" cannot be the name of a namespace: one is made of "
-                         "letters, digits, _ and -, with single slashes between them, such as "
-                         "root/cimv2");
+                         "--namespace: \"root/cimv2\" is no namespace with a MOF file or folder, "
+                         "such as \"root/cimv2=schema/cim.mof\"");
+        expectUsageError(command, "--namespace root//a=mof/",
+                         "--namespace: \"root//a\" is no name of a namespace, such as "
+                         "\"root/cimv2\": letters, digits, \"_\", \"-\" and \".\", in parts with a "
+                         "\"/\" between them");
     }
+    expectUsageError(
+        "serve", "--listen localhost",
+        "--listen: \"localhost\" is no address and port, such as \"127.0.0.1:5985\" or "
+        "\"[::1]:5985\"");
     for (const std::string value : {"0", "1025", "-1", "x", "1.5"})
         expectUsageError("check", "--jobs " + value,
                          "--jobs: Value " + value + " not in range 1 to 1024");
