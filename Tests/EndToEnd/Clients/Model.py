@@ -1,0 +1,65 @@
+"""The two models whose documents the clients read, each exported into a folder of its own."""
+
+import os
+import shutil
+import unittest
+
+import Environment
+import Guide
+
+# The block of the guide that exports each model.
+EXPORTS = {"sample": "export", "dmtf": "export-dmtf"}
+
+
+class Model:
+    """The exported documents of a model, in the layout that the guide's commands expect."""
+
+    def __init__(self, name):
+        self.name = name
+        self.folder = os.path.join(Environment.WORK_FOLDER, name)
+
+    @staticmethod
+    def ofThisRun():
+        """The exported model that ctest has named; skips the test where it has no data."""
+        Environment.needStandardSchemas()
+        model = Model(os.environ["CLIENTS_MODEL"])
+        model.needMof()
+        return model
+
+    def needMof(self):
+        if self.name == "dmtf" and not os.path.isdir(Environment.CIM_SCHEMA):
+            raise unittest.SkipTest(f"no CIM schema in {Environment.CIM_SCHEMA}; set CIM_SCHEMA_DIR")
+
+    def export(self):
+        """Writes all documents anew; gives what tesk printed."""
+        shutil.rmtree(self.folder, ignore_errors=True)
+        os.makedirs(self.folder)
+        for name, target in (("schemas", Environment.STANDARD_SCHEMAS),
+                             ("cim_schema", Environment.CIM_SCHEMA),
+                             ("Scripts", os.path.join(Environment.REPOSITORY, "Scripts"))):
+            os.symlink(os.path.abspath(target), os.path.join(self.folder, name))
+        commands = Guide.Guide.read().text("sh", EXPORTS[self.name])
+        status, output = Guide.runCommands(commands, self.folder)
+        if status != 0:
+            raise AssertionError(f"the export ended with {status}:\n{output}")
+        return output
+
+    def copyTo(self, folder):
+        """Lays the folder out as the model's own, with documents that may be changed."""
+        shutil.copytree(self.path("documents"), os.path.join(folder, "documents"))
+        for name in ("schemas", "Scripts"):
+            os.symlink(self.path(name), os.path.join(folder, name))
+
+    def documents(self, suffix):
+        """The documents with the suffix, relative to the model's folder, such as
+        documents/root/cimv2/CIM_Component.xsd; at least one."""
+        found = []
+        for folder, _, files in os.walk(os.path.join(self.folder, "documents")):
+            found += [os.path.relpath(os.path.join(folder, file), self.folder)
+                      for file in files if file.endswith(suffix)]
+        if not found:
+            raise AssertionError(f"no {suffix} documents in {self.folder}; was the export run?")
+        return sorted(found)
+
+    def path(self, document):
+        return os.path.join(self.folder, document)
