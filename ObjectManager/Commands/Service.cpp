@@ -39,10 +39,11 @@ Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<ClassRepository>& repository, Security::UserTable users)
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(makeAuthenticator(settings.security, std::move(users))),
-      host_(repository, authenticator_, ProgramFolders::ofThisProgram().installation) {
+      host_(repository, authenticator_, ProgramFolders::ofThisProgram().installation),
+      index_(repository) {
     for (const Configuration::Endpoint& endpoint : settings.server.listen) {
         servers_.push_back(std::make_unique<Http::Server>(serverOptions(settings.server, endpoint),
-                                                          host_.manager()));
+                                                          host_.manager(), &index_));
     }
 }
 
@@ -55,6 +56,7 @@ void Service::start() {
 
 void Service::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
     host_.setRepository(repository);
+    index_.setRepository(repository);
 }
 
 void Service::setUsers(Security::UserTable users) {

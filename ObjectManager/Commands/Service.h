@@ -7,6 +7,7 @@
 #include "ObjectManager/Configuration/Settings.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/Server.h"
+#include "ObjectManager/Index/IndexHandler.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
 #include "Platform/Util/TSKSmrPtr.h"
@@ -14,7 +15,7 @@
 namespace Commands {
 
 /// The object manager in service: providers with the classes that they read, and servers that take
-/// requests for them.
+/// requests for them and for the index page.
 ///
 /// Thread safety: belongs to one thread.
 class Service {
@@ -47,6 +48,7 @@ class Service {
     std::chrono::milliseconds gracePeriod_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     ProviderHost host_;
+    Index::IndexHandler index_;
     std::vector<std::unique_ptr<Http::Server>> servers_;
 };
 

@@ -1,0 +1,71 @@
+#include "ObjectManager/Index/IndexHandler.h"
+
+#include "ObjectManager/Index/IndexPage.h"
+#include "Platform/Http/TSKHTTPException.h"
+#include "Platform/Http/TSKHTTPResponse.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
+
+namespace Index {
+
+namespace {
+
+void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
+                          TSKGenericHTTPOStream& ostr) {
+    TSKSmrPtr<urma::security::ISecurityToken> token;
+    if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
+        throw TSKHTTPException("IndexHandler::handle", "Authentication failed",
+                               TSKHTTPException::kAuthenticationFailed);
+}
+
+void refuseMethod(const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    TSKHTTPResponse response(request.getProtocol(), "405", "Method Not Allowed");
+    response.setHeaderField("Connection", "close", false);
+    response.setHeaderField("Allow", "GET, HEAD", false);
+    response.setContentLength(0);
+    response.writeResponseTo(ostr);
+}
+
+void writePage(const TSKHTTPRequest& request, const std::string& page,
+               TSKGenericHTTPOStream& ostr) {
+    TSKHTTPResponse response(request.getProtocol(), "200", "OK");
+    response.setHeaderField("Connection", "close", false);
+    response.setContentLength(page.size());
+    response.setContentType("text/html; charset=utf-8");
+    response.setHeaderField("Content-Security-Policy", TSKString(contentSecurityPolicy()), false);
+    response.setHeaderField("X-Content-Type-Options", "nosniff", false);
+    response.writeResponseTo(ostr);
+    ostr.write(page.data(), page.size());
+}
+
+}  // namespace
+
+IndexHandler::IndexHandler(const TSKSmrPtr<ClassRepository>& repository)
+    : repository_(repository) {}
+
+void IndexHandler::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
+    const std::lock_guard lock(mutex_);
+    repository_ = repository;
+    page_.reset();
+}
+
+bool IndexHandler::handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
+                          TSKGenericHTTPOStream& ostr) {
+    if (request.getUri() != "/")
+        return false;
+    requireAuthenticated(request, istr, ostr);
+    if (request.getMethod() == "GET" || request.getMethod() == "HEAD")
+        writePage(request, *page(), ostr);
+    else
+        refuseMethod(request, ostr);
+    return true;
+}
+
+// Made when it is first asked for, so that documents need not wait for it when the service starts.
+std::shared_ptr<const std::string> IndexHandler::page() {
+    const std::lock_guard lock(mutex_);
+    if (!page_)
+        page_ = std::make_shared<const std::string>(makeIndexPage(*repository_));
+    return page_;
+}
+
+}  // namespace Index

@@ -1,0 +1,69 @@
+// The page at "/" of `tesk serve`.
+
+#include <gtest/gtest.h>
+
+#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "Tests/EndToEnd/Service/RunningService.h"
+
+namespace {
+
+class ServiceIndexPage : public RunningService {
+  protected:
+    // Of the classes that the model has now.
+    [[nodiscard]] std::string page() const {
+        const LoadedRepository loaded =
+            loadRepository({{.name = "root/test", .paths = {folder_ / "test.mof"}}}, {}, {});
+        return Index::makeIndexPage(*loaded.repository);
+    }
+
+    [[nodiscard]] std::string head() const {
+        return "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
+               std::to_string(page().size()) +
+               "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
+               Index::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
+    }
+};
+
+TEST_F(ServiceIndexPage, IsAnsweredWhole) {
+    start();
+    EXPECT_EQ(answer(get("/")), head() + page());
+    EXPECT_EQ(answer(get("/?a=b")), head() + page());
+    EXPECT_EQ(answer(get("http://" + std::string(kHost))), head() + page());
+}
+
+TEST_F(ServiceIndexPage, HasAHeadOfItsOwn) {
+    start();
+    const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
+    EXPECT_EQ(answer(request("HEAD / HTTP/1.1", fields)), head());
+}
+
+TEST_F(ServiceIndexPage, IsForThoseWhoMayReadTheDocuments) {
+    start();
+    EXPECT_EQ(answer("GET / HTTP/1.1\r\nHost: a\r\n\r\n"), kChallenge);
+}
+
+TEST_F(ServiceIndexPage, CannotBeChanged) {
+    start();
+    const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
+    EXPECT_EQ(answer(request("DELETE / HTTP/1.1", fields)),
+              "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
+              "Content-Length: 0\r\n\r\n");
+}
+
+TEST_F(ServiceIndexPage, IsAtNoOtherPath) {
+    start();
+    EXPECT_EQ(answer(get("/index.html")),
+              refusal("404 Not Found", "There is nothing at this path."));
+}
+
+TEST_F(ServiceIndexPage, ShowsTheClassesOfAReload) {
+    start();
+    const std::string before = answer(get("/"));
+    writeModel("test.mof", "class TST_New {};\n");
+    reload();
+    EXPECT_EQ(answer(get("/")), head() + page());
+    EXPECT_NE(answer(get("/")), before);
+}
+
+}  // namespace
