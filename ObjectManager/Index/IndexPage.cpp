@@ -12,9 +12,9 @@ namespace Index {
 
 namespace {
 
-// About a line of a wide window. The page is loaded as a whole, and full sentences would make it
-// half as large again for a schema of more than a thousand classes; the document has all.
-constexpr std::size_t kMostDescriptionBytes = 80;
+// Longer than a sentence should be. A description that never ends one must not fill the page; the
+// document has all of it.
+constexpr std::size_t kMostDescriptionBytes = 500;
 
 std::string countOf(std::size_t count, const char* singular, const char* plural) {
     return std::to_string(count) + " " + (count == 1 ? singular : plural);
