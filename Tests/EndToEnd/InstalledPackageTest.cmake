@@ -13,6 +13,7 @@ foreach(FILE
     include/tesk/Platform/ProviderFramework/Provider.h
     lib/libTeskPlatform.so
     lib/tesk/providers/libWsdlWebProvider.so
+    share/bash-completion/completions/tesk
     share/man/man1/tesk.1
     share/man/man5/tesk.toml.5
     share/tesk/LICENSE)
