@@ -24,12 +24,12 @@ std::string page() {
 
 // "\(dqname\(dq" as it is shown.
 std::string shown(const std::string& source) {
-    return std::regex_replace(source, std::regex("\\\\\\(dq"), "\"");
+    return std::regex_replace(source, std::regex(R"(\\\(dq)"), "\"");
 }
 
 // The lines "KEY = DEFAULT" of the page, by table; "" for those above all tables.
 std::map<std::string, std::map<std::string, std::string>> documentedDefaults() {
-    const std::regex heading("\\.Ss \\[([a-z]+)\\]\\\\&");
+    const std::regex heading(R"(\.Ss \[([a-z]+)\]\\&)");
     const std::regex item("\\.It Va ([a-z_]+) No = (.+)");
     std::map<std::string, std::map<std::string, std::string>> found;
     std::string table;
@@ -83,9 +83,9 @@ TEST(SettingsManual, HasEveryTableAndEveryKeyAndNoOthers) {
 TEST(SettingsManual, HasTheDefaults) {
     for (const auto& [table, defaults] : documentedDefaults()) {
         for (const auto& [key, value] : defaults) {
-            const std::string heading = table.empty() ? "" : "[" + table + "]\n";
-            const SettingsReading reading =
-                parseSettings("tesk.toml", heading + key + " = " + value + "\n");
+            std::string text = table.empty() ? "" : "[" + table + "]\n";
+            text.append(key).append(" = ").append(value).append("\n");
+            const SettingsReading reading = parseSettings("tesk.toml", text);
             EXPECT_EQ(errorsOf(reading), "");
             EXPECT_EQ(textOf(reading.settings), textOf(Settings())) << key;
         }
