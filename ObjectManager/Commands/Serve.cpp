@@ -193,7 +193,7 @@ void addServeCommand(CLI::App& program, Action& action) {
         ->add_option("--log-level", options->logLevel,
                      "1 errors, 2 warnings, 3 what happens at start and end (default), 4 each "
                      "request")
-        ->check(CLI::Range(1, 4))
+        ->check(CLI::Range(1, 4).description(""))
         ->type_name("LEVEL");
     command->callback([&action, options] { action = [options] { return runServe(*options); }; });
 }
