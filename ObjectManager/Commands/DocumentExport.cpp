@@ -69,8 +69,16 @@ class Exporter {
                                           kExtensions[number % kDocumentsOfAClass], folder);
                            options_.onDocumentDone();
                        });
-        if (options_.prune && !isStopped())
+        if (options_.prune && !isStopped()) {
             removed_ += removeStaleDocuments(folder, *selection.nameSpace);
+            removed_ += removeUnfinishedFiles(folder);
+        }
+    }
+
+    // What stands beside the namespaces is written elsewhere, but by the same means.
+    void pruneTop(const OutputFolder& output) {
+        if (options_.prune && !isStopped())
+            removed_ += removeUnfinishedFiles(output);
     }
 
     // Once stopped, always stopped.
@@ -146,6 +154,7 @@ DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selectio
             break;
         exporter.exportAll(selection, createFolder(output, *selection.nameSpace));
     }
+    exporter.pruneTop(output);
     exporter.takeResult(result);
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

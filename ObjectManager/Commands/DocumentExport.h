@@ -17,7 +17,9 @@ struct DocumentExportOptions {
     unsigned jobs = 1;
 
     /// Whether the documents of classes that are gone are removed from the folders of the selected
-    /// namespaces (see removeStaleDocuments). For whole namespaces: the selection does not count.
+    /// namespaces (see removeStaleDocuments), and the files that nobody will finish from these and
+    /// from the output folder itself (see removeUnfinishedFiles). For whole namespaces: the
+    /// selection does not count.
     bool prune = false;
 
     /// Asked before each document; when it answers true, work stops. In any thread.
@@ -34,8 +36,8 @@ struct DocumentExportResult {
     std::size_t documents = 0;  ///< that were to be written: two a class
     std::size_t written = 0;
     std::size_t unchanged = 0;
-    std::size_t removed = 0;
-    std::size_t bytes = 0;  ///< of the documents that were written or unchanged
+    std::size_t removed = 0;  ///< files of either kind
+    std::size_t bytes = 0;    ///< of the documents that were written or unchanged
     double seconds = 0;
     /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ..."; in
     /// ascending order.

@@ -110,7 +110,8 @@ void addExportOptions(CLI::App& command, ExportOptions& options) {
     command
         .add_flag("--prune", options.prune,
                   "Also removes the documents of classes that are gone from the folders of the "
-                  "namespaces, and no other file")
+                  "namespaces, and what an export that was killed left half-written, and no other "
+                  "file")
         ->excludes(classes);
 }
 

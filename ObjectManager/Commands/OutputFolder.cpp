@@ -1,7 +1,6 @@
 #include "ObjectManager/Commands/OutputFolder.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
@@ -11,6 +10,8 @@
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+
+#include "ObjectManager/Commands/TemporaryName.h"
 
 namespace Commands {
 
@@ -74,17 +75,12 @@ off_t sizeOf(const Descriptor& file) noexcept {
                : -1;
 }
 
-std::string nextTemporaryName() {
-    static std::atomic<unsigned long> lastNumber = 0;
-    return ".tesk-export-" + std::to_string(getpid()) + "-" + std::to_string(++lastNumber);
-}
-
 // Makes a file that was not there; a name that is taken was left behind by a process that was
 // killed, or is in use by another machine.
 int makeNewFile(int folder, std::string& name) {
     int descriptor = -1;
     do {
-        name = nextTemporaryName();
+        name = makeTemporaryName();
         descriptor = openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     } while (descriptor < 0 && errno == EEXIST);
     return descriptor;

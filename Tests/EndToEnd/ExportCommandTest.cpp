@@ -191,6 +191,34 @@ TEST_F(ExportTest, PruneRemovesTheDocumentsOfClassesThatAreGone) {
                            "n/below/A.xsd", "n/below/B.wsdl", "n/below/B.xsd", "n/foreign.xsd"}));
 }
 
+TEST_F(ExportTest, PruneRemovesTheDocumentsUnderTheFormerCaseOfAName) {
+    const std::string before = folder_.write("before.mof", "class TST_A {};");
+    (void)runExport({"--namespace", "n=" + before});
+    const std::string after = folder_.write("after.mof", "class TST_a {};");
+    const ProgramRun run = runExport({"--namespace", "n=" + after, "--prune"});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find(": 2 written, 0 unchanged, 2 removed\n"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/TST_a.wsdl", "n/TST_a.xsd"}));
+}
+
+// A shell stands for the export that was killed: its number is that of a process, and free again.
+TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
+    const std::string mof = folder_.write("one.mof", "class A {};");
+    const std::string leave =
+        "mkdir -p \"$0/n\" && for folder in \"$0\" \"$0/n\"; do "
+        "echo part > \"$folder/.tesk-export-$$-1\"; done";
+    EXPECT_EQ(RunningProgram({"sh", "-c", leave, out()}).waitForEnd().end, "status 0");
+    EXPECT_EQ(files().size(), 2U);
+    EXPECT_EQ(runExport({"--namespace", "n=" + mof}).end, "status 0");
+    EXPECT_EQ(files().size(), 5U);
+    const ProgramRun run = runExport({"--namespace", "n=" + mof, "--prune"});
+    EXPECT_EQ(run.end, "status 0");
+    EXPECT_NE(run.output.find(": 0 written, 2 unchanged, 2 removed\n"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/A.wsdl", "n/A.xsd"}));
+}
+
 TEST_F(ExportTest, AFileInTheWayOfTheFolderIsAnError) {
     folder_.write("out", "a file");
     const ProgramRun run = runExport({});

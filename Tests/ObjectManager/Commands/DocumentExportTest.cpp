@@ -13,6 +13,7 @@
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
+#include "Tests/ObjectManager/Commands/EndedProcess.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/Support/FolderContent.h"
@@ -242,11 +243,27 @@ TEST_F(DocumentExportTest, PrunesTheFoldersOfTheNamespacesAndNoOther) {
                                            "test/b/d/Gone.wsdl", "test/b/d/Gone.xsd"}));
 }
 
+TEST_F(DocumentExportTest, PrunesWhatNobodyWillFinishBesideTheNamespacesToo) {
+    const std::string unfinished = ".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1";
+    for (const std::string folder : {"", "test/", "test/b/", "test/c/"}) {
+        fs::create_directories(folder_ / folder);
+        folder_.write(folder + unfinished, "part");
+    }
+    const TSKSmrPtr<ClassRepository> repository = makeNamedClasses({{"test", {}}, {"test/b", {}}});
+    EXPECT_EQ(run(repository).removed, 0U);
+    EXPECT_EQ(run(repository, {.prune = true}).removed, 3U);
+    EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
+                                        {"test/b", "(folder)"},
+                                        {"test/c", "(folder)"},
+                                        {"test/c/" + unfinished, "part"}}));
+}
+
 TEST_F(DocumentExportTest, PrunesNothingWhenItIsStopped) {
     provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, response("200 OK", "\"/wbem/wscim/1/cim-schema/2/Gone\""));
     };
     (void)run(makeNamedClasses({{"test", {"Gone"}}}));
+    folder_.write(".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1", "part");
     const FolderContent before = content();
     int asked = 0;
     DocumentExportOptions options{.prune = true, .isStopped = [&] { return ++asked > 1; }};

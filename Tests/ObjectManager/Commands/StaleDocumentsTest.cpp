@@ -1,8 +1,10 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <unistd.h>
 
 #include "ObjectManager/Commands/StaleDocuments.h"
+#include "Tests/ObjectManager/Commands/EndedProcess.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/Support/FolderContent.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -12,6 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using Commands::OutputFolder;
 using Commands::removeStaleDocuments;
+using Commands::removeUnfinishedFiles;
 
 class StaleDocumentsTest : public testing::Test {
   protected:
@@ -47,6 +50,20 @@ TEST_F(StaleDocumentsTest, ADocumentInAnotherCaseStays) {
     EXPECT_EQ(prune(0).size(), 1U);
 }
 
+TEST_F(StaleDocumentsTest, ADocumentUnderAFormerCaseIsRemovedBesideThePresentOne) {
+    for (const char* const file : {"CIM_HERE.wsdl", "CIM_HERE.xsd", "cim_here.xsd"})
+        folder_.write(file, documentOf(fs::path(file).stem()));
+    folder_.write("CIM_Here.xsd", documentOf("CIM_Here"));
+    EXPECT_EQ(prune(2), (FolderContent{{"CIM_HERE.wsdl", documentOf("CIM_HERE")},
+                                       {"CIM_Here.xsd", documentOf("CIM_Here")}}));
+}
+
+TEST_F(StaleDocumentsTest, AFileInAnotherCaseThatIsNoDocumentStays) {
+    folder_.write("cim_here.xsd", documentOf("CIM_Gone"));
+    folder_.write("CIM_Here.xsd", documentOf("CIM_Here"));
+    EXPECT_EQ(prune(0).size(), 2U);
+}
+
 TEST_F(StaleDocumentsTest, OtherFilesStay) {
     for (const char* const name : {"CIM_Gone.txt", "CIM_Gone", "CIM_Gone.WSDL", "CIM_Gone.xsd.bak",
                                    "CIM_Gone.xsd~", ".xsd", "index.html"})
@@ -76,6 +93,25 @@ TEST_F(StaleDocumentsTest, FoldersAndLinksStayAndAreNotFollowed) {
     const FolderContent before = contentOf(folder_.path());
     EXPECT_EQ(prune(0), before);
     EXPECT_TRUE(fs::exists(target));
+}
+
+TEST_F(StaleDocumentsTest, FilesThatNobodyWillFinishAreRemoved) {
+    const std::string ended = ".tesk-export-" + std::to_string(idOfEndedProcess()) + "-";
+    const std::string running = ".tesk-export-" + std::to_string(getpid()) + "-";
+    folder_.write(ended + "1", documentOf("CIM_Gone"));
+    folder_.write(ended + "23", "");
+    folder_.write(ended + "1.xsd", "");
+    folder_.write(running + "1", "");
+    folder_.write("CIM_Gone.xsd", documentOf("CIM_Gone"));
+    fs::create_directory(folder_ / (ended + "4"));
+    folder_.write(ended + "4/" + ended + "1", "");
+    EXPECT_EQ(removeUnfinishedFiles(output_), 2U);
+    EXPECT_EQ(contentOf(folder_.path()), (FolderContent{{ended + "1.xsd", ""},
+                                                        {ended + "4", "(folder)"},
+                                                        {ended + "4/" + ended + "1", ""},
+                                                        {running + "1", ""},
+                                                        {"CIM_Gone.xsd", documentOf("CIM_Gone")}}));
+    EXPECT_EQ(removeUnfinishedFiles(output_), 0U);
 }
 
 }  // namespace
