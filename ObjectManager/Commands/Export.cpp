@@ -117,7 +117,8 @@ void addExportOptions(CLI::App& command, ExportOptions& options) {
 
 constexpr const char* kFooter =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
-and DIR/index.html, a page that lists them. A file that would not change is left alone.
+and DIR/index.html, a page that lists them; when a CLASS is given, the page is left as it is.
+A file that would not change is left alone.
 
 Exit status: 0 when everything is written, 1 when something is not, 130 after Ctrl-C.
 

@@ -159,6 +159,9 @@ TEST_F(ExportTest, TheHelpHasExamples) {
     const ProgramRun run = RunningProgram(command({"--help"})).waitForEnd();
     EXPECT_EQ(run.end, "status 0");
     EXPECT_NE(run.output.find("tesk export --output documents"), std::string::npos);
+    EXPECT_NE(run.output.find("when a CLASS is given, the page is left as it is."),
+              std::string::npos)
+        << run.output;
 }
 
 TEST_F(ExportTest, AClassThatCannotBeAFileIsReportedAndTheOthersAreWritten) {
