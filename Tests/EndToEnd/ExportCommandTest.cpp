@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -11,9 +10,9 @@
 #include <string>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <thread>
 #include <vector>
 
+#include "Tests/EndToEnd/ExportedDocument.h"
 #include "Tests/Support/FolderContent.h"
 #include "Tests/Support/RunningProgram.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -24,14 +23,6 @@ namespace fs = std::filesystem;
 
 // Of the sample model: 38 classes of root/cimv2 and 21 of interop.
 constexpr std::size_t kSampleDocuments = 118;
-
-// Whether a document that was exported is all there.
-bool isComplete(const std::string& document) {
-    return document.starts_with("<?xml") &&
-           (document.ends_with("</wsdl:definitions>\n") ||
-            document.ends_with("</wsdl:definitions>") || document.ends_with("</xs:schema>\n") ||
-            document.ends_with("</xs:schema>"));
-}
 
 class ExportTest : public testing::Test {
   protected:
@@ -59,14 +50,6 @@ class ExportTest : public testing::Test {
                 names.push_back(name);
         }
         return names;
-    }
-
-    // A MOF file with classes without members.
-    [[nodiscard]] std::string writeClasses(int count) const {
-        std::string mof;
-        for (int number = 0; number < count; ++number)
-            mof += "class TST_C" + std::to_string(number) + " {};\n";
-        return folder_.write("classes.mof", mof);
     }
 
     TemporaryFolder folder_;
@@ -272,49 +255,6 @@ TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
     EXPECT_GT(written.size(), 2U);
     for (const auto& [name, text] : written)
         EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
-}
-
-// What is pressed while documents are written; there are so many that it is not over before.
-class StoppedExportTest : public ExportTest {
-  protected:
-    void expectStop(int signal, const std::string& name, const std::string& status) {
-        const std::string first = out() + "/n";
-        RunningProgram program(
-            command({"--output", out(), "--namespace", "n=" + writeClasses(30'000)}));
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (!fs::exists(first) || fs::is_empty(first)) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-            std::this_thread::yield();
-        }
-        const auto stopped = std::chrono::steady_clock::now();
-        program.sendSignal(signal);
-        const ProgramRun run = program.waitForEnd();
-        // A document takes milliseconds; the rest is for machines that have much else to do.
-        EXPECT_LT(std::chrono::steady_clock::now() - stopped, std::chrono::seconds(10));
-        EXPECT_EQ(run.end, status);
-        EXPECT_EQ(run.output, "");
-        std::smatch message;
-        ASSERT_TRUE(std::regex_match(run.errors, message,
-                                     std::regex("tesk: stopped by " + name +
-                                                " after ([0-9,]+) of 60,000 documents; those in " +
-                                                out() + " are complete\n")))
-            << run.errors;
-        const FolderContent all = content();
-        EXPECT_LT(all.size(), 60'000U);
-        std::string count = message[1];
-        std::erase(count, ',');
-        EXPECT_EQ(std::to_string(all.size() - 1), count);
-        for (const auto& [file, text] : all)
-            EXPECT_TRUE(text == "(folder)" || isComplete(text)) << file;
-    }
-};
-
-TEST_F(StoppedExportTest, CtrlCLeavesCompleteDocumentsOnly) {
-    expectStop(SIGINT, "SIGINT", "status 130");
-}
-
-TEST_F(StoppedExportTest, AnEndByTheSystemLeavesCompleteDocumentsOnly) {
-    expectStop(SIGTERM, "SIGTERM", "status 143");
 }
 
 TEST_F(ExportTest, WhatCannotBeSaidIsAnError) {
