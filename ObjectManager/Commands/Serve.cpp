@@ -69,8 +69,9 @@ std::string samplePath(const ClassRepository& repository) {
     return "/";
 }
 
-void announce(const Service& service, const ClassRepository& repository,
-              const ServiceUsers& users) {
+// Returns whether it could be said. A password that nobody has read lets nobody in.
+[[nodiscard]] bool announce(const Service& service, const ClassRepository& repository,
+                            const ServiceUsers& users) {
     std::cout << "Serving " << contentsOf(repository) << " on";
     for (const std::string& address : service.addresses())
         std::cout << " " << address;
@@ -81,6 +82,7 @@ void announce(const Service& service, const ClassRepository& repository,
                   << service.addresses().front() << samplePath(repository) << "\n";
     }
     std::cout.flush();
+    return std::cout.good();
 }
 
 void reopenLog(const LogOutput& logOutput) {
@@ -152,7 +154,10 @@ int runServe(const ServeOptions& options) {
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);
     service.start();
-    announce(service, *repository, users);
+    if (!announce(service, *repository, users)) {
+        (void)stop(service);
+        return 1;  // after the message that the program has for all its output
+    }
     while (signals.wait() == SIGHUP) {
         reopenLog(logOutput);
         reload(service, options);

@@ -19,7 +19,8 @@ struct ServiceUsers {
 /// The user for whom a password is made where there is no password file.
 constexpr const char* kMadeUser = "tesk";
 
-/// Those of the password file, or one with a random password, which is kept as a hash alone.
+/// Those of the password file, with a warning in the log when there are none, or one with a random
+/// password, which is kept as a hash alone.
 /// Errors: TeskBaseException when the file cannot be read or is not safe.
 [[nodiscard]] ServiceUsers loadUsers(const Configuration::SecuritySettings& settings);
 

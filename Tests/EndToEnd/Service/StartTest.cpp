@@ -113,6 +113,17 @@ TEST_F(ServiceStart, ALogFileThatCannotBeWritten) {
                    " cannot be written: No such file or directory"});
 }
 
+// A password that was made would be lost.
+TEST_F(ServiceStart, AnOutputThatCannotBeWritten) {
+    TeskProcess process({"-c", "exec \"$0\" serve --listen 127.0.0.1:0 >/dev/full", TESK_PROGRAM},
+                        "", "/bin/sh");
+    EXPECT_EQ(process.wait(), 1);
+    EXPECT_EQ(unusualLines(process.log()), Lines{"tesk: the output cannot be written"});
+    EXPECT_NE(process.log().find("Z information WsdlWebProvider: Shutdown called\n"),
+              std::string::npos)
+        << process.log();
+}
+
 TEST_F(ServiceStart, AnUnknownOption) {
     TeskProcess process({"serve", "--lisen", "127.0.0.1:0"});
     EXPECT_EQ(process.wait(), 2);

@@ -139,6 +139,24 @@ TEST_F(ServiceUsers, ThePasswordThatWasMadeOutlivesAReload) {
     EXPECT_NE(before, "");
 }
 
+TEST_F(ServiceUsers, APasswordFileWithoutUsersIsWarnedOfAtStartAndReload) {
+    const std::string warning = "warning tesk: Nobody is let in: " + (folder_ / "users").string() +
+                                " has no users; \"tesk passwd\" adds them";
+    writeUsers("# Nobody yet\n");
+    start();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(unusualLines(process().log()), Lines{warning});
+    EXPECT_EQ(setPassword("alice", "secret"),
+              "Added the user \"alice\" to " + (folder_ / "users").string() + "\n");
+    reload();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(unusualLines(process().log()), Lines{warning});
+    writeUsers("");
+    reload();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    expectedLog_ = {warning, warning};
+}
+
 TEST_F(ServiceUsers, NoPasswordComesIntoTheLog) {
     logKeys_ = "level = 4\n";
     start();
