@@ -1,17 +1,11 @@
 // The index page in a real browser, Chromium. Skipped where there is none.
 
 #include <algorithm>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "ObjectManager/Index/IndexPage.h"
-#include "ObjectManager/Index/SourceHash.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
-#include "Tests/Support/RunningProgram.h"
+#include "Tests/EndToEnd/Index/BrowserTest.h"
 
 namespace {
 
@@ -22,64 +16,14 @@ constexpr const char* kClasses = R"(
     class TST_Thing {};
     class TST_Tape : TST_Thing {};)";
 
-struct Shown {
-    std::string dom;      // as HTML, when all scripts have run
-    std::string console;  // what the browser's console says, policies that were violated too
-
-    // Of the classes that can be seen.
-    [[nodiscard]] std::vector<std::string> names() const {
-        return found(R"(<li(?: class="")?><a href="[^"]*">([^<]*)</a>)");
-    }
-    [[nodiscard]] std::string title() const { return found("<title>([^<]*)</title>").at(0); }
-    [[nodiscard]] std::string count() const { return found("<output[^>]*>([^<]*)</output>").at(0); }
-
-    [[nodiscard]] std::vector<std::string> found(const char* pattern) const {
-        const std::regex expression(pattern);
-        std::vector<std::string> all;
-        for (std::sregex_iterator match(dom.begin(), dom.end(), expression), end; match != end;
-             ++match)
-            all.push_back((*match)[1]);
-        return all;
-    }
-};
-
 using Names = std::vector<std::string>;
 const Names kAll = {"TST_Disk", "TST_Drive", "TST_Tape", "TST_Thing"};
 
-class IndexPageBrowserTest : public RepositoryTest {
+class IndexPageBrowserTest : public BrowserTest {
   protected:
-    void SetUp() override {
-        if (std::system("command -v chromium > /dev/null") != 0)
-            GTEST_SKIP() << "there is no Chromium";
-    }
-
     [[nodiscard]] std::string page() const { return Index::makeIndexPage(*load(kClasses)); }
-
-    // The page with a script of the test at its end, which the policy allows.
     [[nodiscard]] std::string pageWith(const std::string& script) const {
-        std::string text = page();
-        text.insert(text.find("script-src ") + 11, Index::sourceHash(script) + " ");
-        text.insert(text.find("</body>"), "<script>" + script + "</script>");
-        return text;
-    }
-
-    // `fragment` is the end of the address, such as "#filter=a".
-    [[nodiscard]] Shown show(const std::string& text, const std::string& fragment = "") const {
-        const std::string file = folder_.write("index.html", text);
-        const ProgramRun run =
-            RunningProgram({"chromium", "--headless", "--no-sandbox", "--disable-gpu",
-                            "--disable-dev-shm-usage", "--user-data-dir=" + folder_.path("profile"),
-                            "--enable-logging=stderr", "--virtual-time-budget=5000", "--dump-dom",
-                            "file://" + file + fragment})
-                .waitForEnd();
-        EXPECT_EQ(run.end, "status 0") << run.errors;
-        Shown shown;
-        shown.dom = run.output;
-        const std::regex line("[^\n]*CONSOLE[^\n]*\n");
-        for (std::sregex_iterator match(run.errors.begin(), run.errors.end(), line), last;
-             match != last; ++match)
-            shown.console += match->str();
-        return shown;
+        return withScript(page(), script);
     }
 };
 
@@ -193,6 +137,35 @@ TEST_F(IndexPageBrowserTest, WithoutScriptTheWholeListIsThereAndNoFilter) {
     EXPECT_EQ(shown.names(), kAll);
     EXPECT_EQ(shown.found(R"(<div role="search" id="search" hidden=""()>)").size(), 1U);
     EXPECT_EQ(shown.count(), "");
+}
+
+// As many as there are in a whole schema. The time of the filter is shown when somebody asks for
+// it, in the report of the test.
+TEST_F(IndexPageBrowserTest, FiltersFifteenHundredClasses) {
+    constexpr int kCount = 1500;
+    std::string mof = "[Description (\"What all have.\")] class TST_Base {};\n";
+    Names expected;
+    for (int number = 1; number < kCount; ++number) {
+        const std::string name = "TST_Class" + std::to_string(10'000 + number);
+        mof += "[Description (\"Number " + std::to_string(number) + " of a long row, with words " +
+               "that are searched. And more.\")] class " + name + " : TST_Base {};\n";
+        if (name.starts_with("TST_Class112"))
+            expected.push_back(name);
+    }
+    const Shown shown = show(withScript(Index::makeIndexPage(*load(mof)), R"(
+        const filter = document.getElementById('filter');
+        const begin = performance.now();
+        filter.value = 'long ROW class112';
+        filter.dispatchEvent(new Event('input'));
+        const shown = document.querySelector('main').getBoundingClientRect().height;
+        document.title = `${performance.now() - begin} ms`;)"));
+    EXPECT_EQ(expected.size(), 100U);
+    EXPECT_EQ(shown.names(), expected);
+    EXPECT_EQ(shown.count(), "100 of 1500 classes");
+    EXPECT_EQ(shown.found(R"((<li\b))").size(), 1500U);
+    EXPECT_TRUE(std::regex_match(shown.title(), std::regex("[0-9.]+ ms"))) << shown.title();
+    EXPECT_EQ(shown.console, "");
+    RecordProperty("timeOfTheFilter", shown.title());
 }
 
 }  // namespace
