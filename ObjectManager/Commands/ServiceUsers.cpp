@@ -12,8 +12,8 @@ namespace Commands {
 namespace {
 
 void warnOfNoUsers(const std::string& passwordFile) {
-    const std::string message = "Nobody is let in: " + passwordFile +
-                                " has no users; \"tesk passwd\" adds them";
+    const std::string message =
+        "Nobody is let in: " + passwordFile + " has no users; \"tesk passwd\" adds them";
     TSKLog::log("tesk", TSKString(message), TeskTraceLog::SeverityWarning,
                 TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
 }
