@@ -7,6 +7,7 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/BasicField.h"
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
 #include "Tests/Support/Command.h"
 
 namespace {
@@ -85,6 +86,32 @@ TEST_F(ServiceUsers, AChangedPasswordCountsAfterAReload) {
     EXPECT_EQ(answer(with(basicField("bob", "b"))), found(expected("TST_Nothing.wsdl")));
 }
 
+TEST_F(ServiceUsers, AChangeOfThePasswordFileCountsWithoutAReload) {
+    start();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    (void)setPassword("bob", "b");
+    waitForAnswer(with(basicField("bob", "b")), "HTTP/1.1 200 ");
+    (void)removeUser("alice");
+    waitForAnswer(with(basicField("alice", "secret")), "HTTP/1.1 401 ");
+}
+
+TEST_F(ServiceUsers, APasswordFileThatIsSpoiltKeepsTheUsersUntilItIsMended) {
+    start();
+    writeUsers("alice\n");
+    process().waitForLog("The users stay as they were: ");
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    std::filesystem::remove(folder_ / "users");
+    process().waitForLog("The users stay as they were: ", 2);
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    writeUsers("bob:" + std::string(kSha512OfSecret) + "\n");
+    waitForAnswer(with(basicField("bob", "secret")), "HTTP/1.1 200 ");
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    const std::string kept =
+        "error tesk: The users stay as they were: " + std::string(folder_ / "users");
+    expectedLog_ = {kept + ":1: there is no colon between name and hash",
+                    kept + ": cannot be read: No such file or directory"};
+}
+
 TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMendsIt) {
     std::filesystem::permissions(folder_ / "users", std::filesystem::perms(0644));
     writeConfiguration();
@@ -152,9 +179,10 @@ TEST_F(ServiceUsers, APasswordFileWithoutUsersIsWarnedOfAtStartAndReload) {
     EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(unusualLines(process().log()), Lines{warning});
     writeUsers("");
+    process().waitForLog(warning, 2);  // as the file has changed
     reload();
     EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
-    expectedLog_ = {warning, warning};
+    expectedLog_ = {warning, warning, warning};
 }
 
 TEST_F(ServiceUsers, NoPasswordComesIntoTheLog) {
