@@ -63,6 +63,10 @@ class ExportStopTest : public testing::Test {
         EXPECT_LE(time, kMostTime) << time.count() << " s";
         EXPECT_EQ(run.end, status);
         EXPECT_EQ(run.output, "");
+        expectReport(run, name);
+    }
+
+    void expectReport(const ProgramRun& run, const std::string& name) const {
         std::smatch message;
         ASSERT_TRUE(std::regex_match(run.errors, message,
                                      std::regex("tesk: stopped by " + name +

@@ -139,27 +139,34 @@ TEST_F(IndexPageBrowserTest, WithoutScriptTheWholeListIsThereAndNoFilter) {
     EXPECT_EQ(shown.count(), "");
 }
 
+std::string nameOf(int number) {
+    return "TST_Class" + std::to_string(10'000 + number);
+}
+
+// Classes from TST_Class10001 on, and what all of them extend.
+std::string manyClasses(int count) {
+    std::string mof = "[Description (\"What all have.\")] class TST_Base {};\n";
+    for (int number = 1; number <= count; ++number) {
+        mof += "[Description (\"Number " + std::to_string(number);
+        mof += " of a long row, with words that are searched. And more.\")] class ";
+        mof += nameOf(number) + " : TST_Base {};\n";
+    }
+    return mof;
+}
+
 // As many as there are in a whole schema. The time of the filter is shown when somebody asks for
 // it, in the report of the test.
 TEST_F(IndexPageBrowserTest, FiltersFifteenHundredClasses) {
-    constexpr int kCount = 1500;
-    std::string mof = "[Description (\"What all have.\")] class TST_Base {};\n";
     Names expected;
-    for (int number = 1; number < kCount; ++number) {
-        const std::string name = "TST_Class" + std::to_string(10'000 + number);
-        mof += "[Description (\"Number " + std::to_string(number) + " of a long row, with words " +
-               "that are searched. And more.\")] class " + name + " : TST_Base {};\n";
-        if (name.starts_with("TST_Class112"))
-            expected.push_back(name);
-    }
-    const Shown shown = show(withScript(Index::makeIndexPage(*load(mof)), R"(
+    for (int number = 1200; number < 1300; ++number)
+        expected.push_back(nameOf(number));
+    const Shown shown = show(withScript(Index::makeIndexPage(*load(manyClasses(1499))), R"(
         const filter = document.getElementById('filter');
         const begin = performance.now();
         filter.value = 'long ROW class112';
         filter.dispatchEvent(new Event('input'));
         const shown = document.querySelector('main').getBoundingClientRect().height;
         document.title = `${performance.now() - begin} ms`;)"));
-    EXPECT_EQ(expected.size(), 100U);
     EXPECT_EQ(shown.names(), expected);
     EXPECT_EQ(shown.count(), "100 of 1500 classes");
     EXPECT_EQ(shown.found(R"((<li\b))").size(), 1500U);
