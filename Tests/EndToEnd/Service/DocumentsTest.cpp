@@ -9,13 +9,14 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/Support/FolderContent.h"
 
 namespace {
 
 class ServiceDocuments : public RunningService {
   protected:
     static std::string staticDescription() {
-        return contentOf(installation() / "lib/tesk/providers/STSService.wsdl");
+        return contentOfFile(installation() / "lib/tesk/providers/STSService.wsdl");
     }
 
     static std::filesystem::path installation() {

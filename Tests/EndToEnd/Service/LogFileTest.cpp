@@ -10,6 +10,7 @@
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/Support/FolderContent.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ class ServiceLogFile : public RunningService {
     [[nodiscard]] Lines linesOf(const char* file) const {
         const std::regex own("[-0-9T:.]+Z (.* tesk: .*)");
         Lines lines;
-        std::istringstream stream(contentOf(folder_ / file));
+        std::istringstream stream(contentOfFile(folder_ / file));
         std::smatch match;
         for (std::string line; std::getline(stream, line);) {
             if (std::regex_match(line, match, own))

@@ -9,6 +9,7 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
+#include "Tests/Support/FolderContent.h"
 
 namespace {
 
@@ -140,7 +141,7 @@ TEST_F(ServiceReload, WhatNeedsAStartIsTold) {
 
 TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
     const std::string file = folder_ / "tesk.toml";
-    std::string text = contentOf(file);
+    std::string text = contentOfFile(file);
     const std::string key = "password_file = \"users\"\n";
     ASSERT_NE(text.find(key), std::string::npos);
     folder_.write("tesk.toml", text.erase(text.find(key), key.size()));

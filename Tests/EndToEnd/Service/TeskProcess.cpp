@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/Support/FolderContent.h"
 
 namespace {
 
@@ -164,7 +165,7 @@ bool TeskProcess::readMore() {
 }
 
 std::string TeskProcess::log() const {
-    return contentOf(folder_ / "log");
+    return contentOfFile(folder_ / "log");
 }
 
 void TeskProcess::waitForLog(std::string_view text, int times) const {

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
@@ -8,6 +9,7 @@
 #include "ObjectManager/Security/FileReplacement.h"
 #include "Tests/ObjectManager/Security/Failures.h"
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/Support/FolderContent.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace {
@@ -19,7 +21,7 @@ class FileReplacementTest : public testing::Test {
     // What is in the folder: one file with this content.
     void expectOnlyFile(const std::string& content) const {
         EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
-        EXPECT_EQ(contentOf(path_), content);
+        EXPECT_EQ(contentOfFile(path_), content);
     }
 
     const TemporaryFolder folder_;

@@ -2,21 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Tests/Support/TemporaryFolder.h"
-
-/// What stands in a file.
-inline std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    EXPECT_TRUE(stream) << file;
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 /// The permissions of a file, as chmod takes them.
 inline unsigned modeOf(const std::filesystem::path& file) {

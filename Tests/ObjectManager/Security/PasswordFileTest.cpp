@@ -11,6 +11,7 @@
 #include "Tests/ObjectManager/Security/Failures.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
+#include "Tests/Support/FolderContent.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace {
@@ -170,7 +171,7 @@ TEST_F(PasswordFileOnDiskTest, WhatIsNoRegularFileIsRefused) {
 
 TEST_F(PasswordFileOnDiskTest, AChangeMakesAMissingFile) {
     PasswordFile::change(path_, addBob);
-    EXPECT_EQ(contentOf(path_), "bob:" + kHash + "\n");
+    EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
     EXPECT_EQ(modeOf(path_), 0600U);
     EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
 }
@@ -178,7 +179,7 @@ TEST_F(PasswordFileOnDiskTest, AChangeMakesAMissingFile) {
 TEST_F(PasswordFileOnDiskTest, AChangeKeepsWhatItDoesNotChange) {
     writePrivate(folder_, "users", "# users\nalice:" + kOtherHash + "\n");
     PasswordFile::change(path_, addBob);
-    EXPECT_EQ(contentOf(path_), "# users\nalice:" + kOtherHash + "\nbob:" + kHash + "\n");
+    EXPECT_EQ(contentOfFile(path_), "# users\nalice:" + kOtherHash + "\nbob:" + kHash + "\n");
     EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
 }
 
@@ -187,7 +188,7 @@ TEST_F(PasswordFileOnDiskTest, AChangeThroughALinkKeepsTheLink) {
     std::filesystem::create_symlink("users", folder_ / "link");
     PasswordFile::change(folder_ / "link", addBob);
     EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
-    EXPECT_EQ(contentOf(path_), "bob:" + kHash + "\n");
+    EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
     EXPECT_EQ(namesIn(folder_), (std::vector<std::string>{"link", "users"}));
 }
 
@@ -200,7 +201,7 @@ TEST_F(PasswordFileOnDiskTest, AFailedChangeLeavesTheFile) {
                                           throw std::runtime_error("no");
                                       }),
                  std::runtime_error);
-    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(contentOfFile(path_), text);
     EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
 }
 
@@ -213,7 +214,7 @@ TEST_F(PasswordFileOnDiskTest, AFullDiskLeavesTheFile) {
         failure = failureOf([&] { PasswordFile::change(path_, addBob); });
     }
     EXPECT_EQ(failure, path_ + ": cannot be written: File too large");
-    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(contentOfFile(path_), text);
     EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
 }
 
@@ -222,12 +223,12 @@ TEST_F(PasswordFileOnDiskTest, AWrongFileIsNotChanged) {
     writePrivate(folder_, "users", text);
     EXPECT_EQ(failureOf([&] { PasswordFile::change(path_, addBob); }),
               path_ + ":1: there is no colon between name and hash");
-    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(contentOfFile(path_), text);
     ASSERT_EQ(chmod(path_.c_str(), 0644), 0);
     EXPECT_EQ(
         failureOf([&] { PasswordFile::change(path_, addBob); }),
         path_ + ": others than its owner can read or write it; mend that with: chmod 600 " + path_);
-    EXPECT_EQ(contentOf(path_), text);
+    EXPECT_EQ(contentOfFile(path_), text);
 }
 
 TEST_F(PasswordFileOnDiskTest, ManyProcessesThatChangeItAtOnceLoseNothing) {
