@@ -60,8 +60,11 @@ void workInParallel(std::size_t count, unsigned jobs,
                     const std::function<void(std::size_t)>& work) {
     Work shared(count, work);
     const std::size_t useful = std::max<std::size_t>(1, std::min<std::size_t>(jobs, count));
-    std::vector<std::thread> threads = startThreads(useful - 1, shared);  // besides this one
-    shared.run();
+    // Other threads have memory of their own: that of this one may be in pieces after a large model
+    // was loaded, where trees of XML take several times as long.
+    std::vector<std::thread> threads = startThreads(useful, shared);
+    if (threads.empty())
+        shared.run();
     for (std::thread& thread : threads)
         thread.join();
     shared.rethrowFailure();

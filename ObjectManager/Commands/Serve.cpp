@@ -1,6 +1,7 @@
 #include "ObjectManager/Commands/Serve.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -13,6 +14,7 @@
 #include <sys/resource.h>
 #include <vector>
 
+#include "ObjectManager/Commands/FileStamp.h"
 #include "ObjectManager/Commands/LogOutput.h"
 #include "ObjectManager/Commands/ModelOptions.h"
 #include "ObjectManager/Commands/NumberText.h"
@@ -100,29 +102,82 @@ void logFailedReload(const std::string& faults, std::string_view reason) {
     log(TeskTraceLog::SeverityError, "Not reloaded, going on as before: " + std::string(reason));
 }
 
-void readAgain(Service& service, const ServeOptions& options, std::ostream& faults) {
-    const Configuration::Settings settings = settingsOf(options, faults);
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settings, faults);
-    std::optional<Security::UserTable> users;
-    if (!settings.security.passwordFile.empty())
-        users = loadUsers(settings.security).users;
-    service.setRepository(repository);
-    if (users)
-        service.setUsers(*std::move(users));
-    log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
-}
+// Reads again what a service was started with. What cannot be read is logged, and the service goes
+// on with what it has.
+class Reloader {
+  public:
+    // `passwordFile` is what the file was before the service has read it.
+    Reloader(Service& service, const ServeOptions& options, const Configuration::Settings& settings,
+             const FileStamp& passwordFile)
+        : service_(service), options_(options), settings_(settings), passwordFile_(passwordFile) {}
 
-// A service that goes on with what it has is better than one that ends.
-void reload(Service& service, const ServeOptions& options) {
-    std::ostringstream faults;
-    try {
-        readAgain(service, options, faults);
-    } catch (const TeskBaseException& error) {
-        logFailedReload(faults.str(), error.getMessage().data());
-    } catch (const std::exception& error) {
-        logFailedReload(faults.str(), error.what());
+    void reloadAll() {
+        std::ostringstream faults;
+        const std::optional<std::string> reason = failureOf([&] { readAll(faults); });
+        if (reason)
+            logFailedReload(faults.str(), *reason);
     }
-}
+
+    void reloadUsersIfChanged() {
+        const FileStamp passwordFile = FileStamp::of(settings_.security.passwordFile);
+        if (settings_.security.passwordFile.empty() || passwordFile == passwordFile_)
+            return;
+        passwordFile_ = passwordFile;
+        const std::optional<std::string> reason = failureOf([&] {
+            service_.setUsers(loadUsers(settings_.security).users);
+            log(TeskTraceLog::SeverityInformation, "The users have changed");
+        });
+        if (reason)
+            log(TeskTraceLog::SeverityError, "The users stay as they were: " + *reason);
+    }
+
+  private:
+    template <typename Work>
+    [[nodiscard]] static std::optional<std::string> failureOf(const Work& work) {
+        try {
+            work();
+            return std::nullopt;
+        } catch (const TeskBaseException& error) {
+            return error.getMessage().data();
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+    }
+
+    void readAll(std::ostream& faults) {
+        Configuration::Settings settings = settingsOf(options_, faults);
+        const TSKSmrPtr<ClassRepository> repository = loadModel(settings, faults);
+        if (settings.security.passwordFile.empty() && !settings_.security.passwordFile.empty()) {
+            settings.security.passwordFile = settings_.security.passwordFile;
+            log(TeskTraceLog::SeverityWarning,
+                "No password file is configured any more; the users stay until the next start");
+        }
+        const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
+        std::optional<Security::UserTable> users;
+        if (!settings.security.passwordFile.empty())
+            users = loadUsers(settings.security).users;
+        service_.setRepository(repository);
+        if (users)
+            service_.setUsers(*std::move(users));
+        passwordFile_ = passwordFile;
+        warnOfWhatNeedsAStart(settings);
+        settings_.security.passwordFile = settings.security.passwordFile;
+        log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
+    }
+
+    void warnOfWhatNeedsAStart(const Configuration::Settings& settings) const {
+        if (settings.server != settings_.server || settings.log != settings_.log ||
+            settings.security.credentialLifetime != settings_.security.credentialLifetime)
+            log(TeskTraceLog::SeverityWarning,
+                "What has changed in [server], in [log] or in credential_lifetime takes effect at "
+                "the next start");
+    }
+
+    Service& service_;
+    const ServeOptions& options_;
+    Configuration::Settings settings_;  // with which the service runs
+    FileStamp passwordFile_;
+};
 
 int stop(Service& service) {
     log(TeskTraceLog::SeverityInformation, "Stopping");
@@ -133,6 +188,10 @@ int stop(Service& service) {
     (void)std::fflush(nullptr);
     std::_Exit(1);
 }
+
+// How often it is looked at whether the password file has changed: whoever was just given a
+// password tries it.
+constexpr std::chrono::seconds kLookAtPasswordFile{1};
 
 // Each connection is an open file, and a process may have more of them than it has at first.
 void raiseLimitOfOpenFiles() {
@@ -149,13 +208,19 @@ int runServe(const ServeOptions& options) {
     const SignalQueue signals;
     const LogOutput logOutput(settings.log);
     const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
+    const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);
     service.start();
     announce(service, *repository, users);
-    while (signals.wait() == SIGHUP) {
-        reopenLog(logOutput);
-        reload(service, options);
+    Reloader reloader(service, options, settings, passwordFile);
+    int signal = 0;
+    while ((signal = signals.waitFor(kLookAtPasswordFile)) == 0 || signal == SIGHUP) {
+        if (signal == SIGHUP) {
+            reopenLog(logOutput);
+            reloader.reloadAll();
+        }
+        reloader.reloadUsersIfChanged();
     }
     signals.letThrough();
     return stop(service);
@@ -163,7 +228,8 @@ int runServe(const ServeOptions& options) {
 
 constexpr const char* kFooter =
     R"(Signals: SIGHUP reads classes and password file again and opens the log file anew, SIGTERM and
-SIGINT end the service when running requests are answered.
+SIGINT end the service when running requests are answered. A change of the password file takes
+effect by itself, within about a second.
 
 Examples:
   tesk serve
@@ -193,7 +259,7 @@ void addServeCommand(CLI::App& program, Action& action) {
         ->add_option("--log-level", options->logLevel,
                      "1 errors, 2 warnings, 3 what happens at start and end (default), 4 each "
                      "request")
-        ->check(CLI::Range(1, 4))
+        ->check(CLI::Range(1, 4).description(""))
         ->type_name("LEVEL");
     command->callback([&action, options] { action = [options] { return runServe(*options); }; });
 }

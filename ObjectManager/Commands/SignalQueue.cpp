@@ -1,5 +1,7 @@
 #include "ObjectManager/Commands/SignalQueue.h"
 
+#include <cerrno>
+#include <ctime>
 #include <system_error>
 
 namespace Commands {
@@ -16,12 +18,15 @@ SignalQueue::~SignalQueue() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-int SignalQueue::wait() const {
-    int signal = 0;
-    const int error = sigwait(&signals_, &signal);
-    if (error != 0)
-        throw std::system_error(error, std::generic_category(), "sigwait");
-    return signal;
+int SignalQueue::waitFor(std::chrono::seconds time) const {
+    const timespec timeout = {.tv_sec = time.count(), .tv_nsec = 0};
+    const int signal = sigtimedwait(&signals_, nullptr, &timeout);
+    if (signal >= 0)
+        return signal;
+    // Interrupted when the process was stopped and goes on.
+    if (errno == EAGAIN || errno == EINTR)
+        return 0;
+    throw std::system_error(errno, std::generic_category(), "sigtimedwait");
 }
 
 void SignalQueue::letThrough() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <csignal>
 
 namespace Commands {
@@ -16,8 +17,8 @@ class SignalQueue {
     SignalQueue& operator=(const SignalQueue&) = delete;
     ~SignalQueue();
 
-    /// The next signal that has come or will come.
-    [[nodiscard]] int wait() const;
+    /// The next signal that has come or will come within `time`; 0 when none does.
+    [[nodiscard]] int waitFor(std::chrono::seconds time) const;
 
     /// From now on SIGTERM and SIGINT do to the process what they do to others: who presses Ctrl-C
     /// twice does not want to wait. SIGHUP is ignored: what ends reads nothing again.

@@ -1,11 +1,11 @@
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <optional>
-#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -18,22 +18,15 @@ namespace {
 
 constexpr const char* TAG_SIMPLE_TYPE = "simpleType";
 constexpr const char* TAG_RESTRICTION = "restriction";
-constexpr const char* TAG_BASE = "base";
 constexpr const char* TAG_MIN_INCLUSIVE = "minInclusive";
-constexpr const char* TAG_VALUE = "value";
 constexpr const char* TAG_MAX_INCLUSIVE = "maxInclusive";
 constexpr const char* TAG_UNION = "union";
 constexpr const char* TAG_ENUMERATTION = "enumeration";
 constexpr const char* TAG_MAX_LENGTH = "maxLength";
 constexpr const char* TAG_ELEMENT = "element";
-constexpr const char* TAG_NAME = "name";
-constexpr const char* TAG_TYPE = "type";
 constexpr const char* TAG_COMPLEX_TYPE = "complexType";
 constexpr const char* TAG_SIMPLE_CONTENT = "simpleContent";
-constexpr const char* TAG_MIN_OCCURS = "minOccurs";
-constexpr const char* TAG_MAX_OCCURS = "maxOccurs";
 constexpr const char* TAG_SEQUENCE = "sequence";
-constexpr const char* TAG_TARGET_NS = "targetNamespace";
 constexpr const char* TAG_XS = "xs";
 constexpr const char* TAG_XMLNS = "xmlns";
 constexpr const char* TAG_XS_VALUE = "http://www.w3.org/2001/XMLSchema";
@@ -43,8 +36,6 @@ constexpr const char* TAG_CLASS_VALUE = "http://schemas.dmtf.org/wbem/wscim/1/ci
 constexpr const char* TAG_CIM = "cim";
 constexpr const char* TAG_CIM_VALUE = "http://schemas.dmtf.org/wbem/wscim/1/common";
 constexpr const char* TAG_IMPORT = "import";
-constexpr const char* TAG_NS = "namespace";
-constexpr const char* TAG_SCHEMA_LOCATION = "schemaLocation";
 constexpr const char* TAG_SCHEMA = "schema";
 constexpr const char* TAG_WSMAN_VALUE = "http://schemas.dmtf.org/wbem/wsman/1/wsman";
 constexpr const char* TAG_SOAP12_VALUE = "http://schemas.xmlsoap.org/wsdl/soap12/";
@@ -455,6 +446,21 @@ namespace {
 using Element = TSKSmrPtr<SOAPElement>;
 using Name = TSKSmrPtr<SOAPQName>;
 
+// The names of attributes, made once: documents have thousands of attributes, and an attribute
+// copies its name.
+const Name TAG_BASE(new SOAPQName("base"));
+const Name TAG_VALUE(new SOAPQName("value"));
+const Name TAG_NAME(new SOAPQName("name"));
+const Name TAG_TYPE(new SOAPQName("type"));
+const Name TAG_MIN_OCCURS(new SOAPQName("minOccurs"));
+const Name TAG_MAX_OCCURS(new SOAPQName("maxOccurs"));
+const Name TAG_TARGET_NS(new SOAPQName("targetNamespace"));
+const Name TAG_NS(new SOAPQName("namespace"));
+const Name TAG_SCHEMA_LOCATION(new SOAPQName("schemaLocation"));
+const Name kNillable(new SOAPQName("nillable"));
+const Name kProcessContents(new SOAPQName("processContents"));
+const Name kRef(new SOAPQName("ref"));
+
 // The name of a child: it has its parent's prefix.
 Name childName(const Element& parent, const char* localName) {
     Name name(new SOAPQName(localName));
@@ -473,8 +479,13 @@ Element addChild(const Element& parent, const char* localName) {
     return addChild(parent, childName(parent, localName));
 }
 
+void addAttribute(const Element& element, const Name& name, const Text& value) {
+    element->addAttribute(name, value);
+}
+
+// For a name that is rare.
 void addAttribute(const Element& element, const char* name, const Text& value) {
-    element->addAttribute(TSKSmrPtr<SOAPQName>(new SOAPQName(name)), value);
+    addAttribute(element, Name(new SOAPQName(name)), value);
 }
 
 // What a CIM type is called in XML Schema and in the WS-CIM common schema.
@@ -565,21 +576,18 @@ void addFacet(const Element& restriction, const char* facet, const TSKString& va
 class Enumeration {
   public:
     explicit Enumeration(Element restriction)
-        : restriction_(std::move(restriction)),
-          name_(childName(restriction_, TAG_ENUMERATTION)),
-          valueName_(new SOAPQName(TAG_VALUE)) {}
+        : restriction_(std::move(restriction)), name_(childName(restriction_, TAG_ENUMERATTION)) {}
 
     void add(const Text& value) const { setValue(addElement(), value); }
 
     [[nodiscard]] Element addElement() const { return addChild(restriction_, name_); }
     void setValue(const Element& element, const Text& value) const {
-        element->addAttribute(valueName_, value);
+        addAttribute(element, TAG_VALUE, value);
     }
 
   private:
     Element restriction_;
     Name name_;
-    Name valueName_;
 };
 
 constexpr const char* kDotDot = "..";
@@ -639,7 +647,7 @@ class ValueMapUnion {
             openEnumeration_.emplace(addEnumeration(addChild(topUnion_, TAG_SIMPLE_TYPE)));
         const TSKString value = normalised(entry);
         openEnumeration_->add(value);
-        listedNumbers_.insert(value.atol());
+        listedNumbers_.push_back(value.atol());
     }
 
     // The bound on the open side of a range comes from its neighbour.
@@ -662,6 +670,7 @@ class ValueMapUnion {
         const long number = numberBefore(index);
         const TSKString lower = decimalText(firstAfter(number));
         const TSKString upper = lastBeforeNext(index);
+        sortOnce(listedNumbers_);
         if (static_cast<long>(listedNumbers_.size()) >= firstAfter(number)) {
             addInterval(topUnion_, lower, upper);
             return;
@@ -672,10 +681,15 @@ class ValueMapUnion {
         addInterval(gapUnion, lower, upper);
     }
 
+    static void sortOnce(std::vector<long>& numbers) {
+        std::sort(numbers.begin(), numbers.end());
+        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    }
+
     void addGaps(const Element& member, long end) const {
         const Enumeration gaps = addEnumeration(member);
         for (long number = 0; number < end; ++number) {
-            if (!listedNumbers_.contains(number))
+            if (!std::binary_search(listedNumbers_.begin(), listedNumbers_.end(), number))
                 gaps.add(decimalText(number));
         }
     }
@@ -708,7 +722,7 @@ class ValueMapUnion {
     const ITeskType& type_;
     std::vector<TSKString> entries_;
     std::optional<Enumeration> openEnumeration_;
-    std::set<long> listedNumbers_;
+    std::vector<long> listedNumbers_;  // sorted, and each once, where they are looked at
 };
 
 bool isTrue(const urma::IQualifier* qualifier) {
@@ -736,7 +750,7 @@ void addType(const Element& element, const ITeskType& type, const urma::IQualifi
 }
 
 void addNillable(const Element& element) {
-    addAttribute(element, "nillable", "true");
+    addAttribute(element, kNillable, "true");
 }
 
 // The same, and lets the value be nil unless it is a scalar that must be there.
@@ -840,13 +854,13 @@ void WsdlUtil::addElement(TSKSmrPtr<SOAPElement>& parent, const TSKString& name,
 void WsdlUtil::addAnyAttributeChildElement(TSKSmrPtr<SOAPElement>& parent) {
     Element wildcard = addChild(parent, "anyAttribute");
     addAttribute(wildcard, TAG_NS, "##any");
-    addAttribute(wildcard, "processContents", "lax");
+    addAttribute(wildcard, kProcessContents, "lax");
 }
 
 void WsdlUtil::addOpenContentChildElement(TSKSmrPtr<SOAPElement>& parent) {
     Element wildcard = addChild(parent, "any");
     addAttribute(wildcard, TAG_NS, "##other");
-    addAttribute(wildcard, "processContents", "lax");
+    addAttribute(wildcard, kProcessContents, "lax");
     addAttribute(wildcard, TAG_MIN_OCCURS, "0");
     addAttribute(wildcard, TAG_MAX_OCCURS, "unbounded");
 }
@@ -1008,7 +1022,7 @@ void WsdlUtil::addClassStructureElement(TSKSmrPtr<SOAPElement>& root,
     bool hasProperties = false;
     forEach(cimClass->getProperties(true), [&](const urma::IPropertyDef& property) {
         Element reference = addChild(sequence, TAG_ELEMENT);
-        addAttribute(reference, "ref", "class:" + property.getName());
+        addAttribute(reference, kRef, "class:" + property.getName());
         addElementAttributeMinMaxOccurs(reference, property);
         hasProperties = true;
     });

@@ -13,6 +13,9 @@ foreach(FILE
     include/tesk/Platform/ProviderFramework/Provider.h
     lib/libTeskPlatform.so
     lib/tesk/providers/libWsdlWebProvider.so
+    share/bash-completion/completions/tesk
+    share/man/man1/tesk.1
+    share/man/man5/tesk.toml.5
     share/tesk/LICENSE)
   if(NOT EXISTS ${PREFIX}/${FILE})
     message(FATAL_ERROR "Not installed: ${FILE}")

@@ -1,4 +1,5 @@
-"""Docs/clients.md as the tests read it: its code blocks, by name, and how they are run.
+"""Docs/clients.md and Docs/getting-started.md as the tests read them: their code blocks, by name, and
+how they are run.
 
 A block is fenced by three backticks, the language and the block's name. A block of the language
 "output" follows the block of commands of the same name and says what those print.
@@ -28,8 +29,8 @@ class Guide:
             raise ValueError("a block without language or name, which no test could run")
 
     @staticmethod
-    def read():
-        with open(os.path.join(Environment.REPOSITORY, "Docs", "clients.md"), encoding="utf-8") as file:
+    def read(name="clients.md"):
+        with open(os.path.join(Environment.REPOSITORY, "Docs", name), encoding="utf-8") as file:
             return Guide(file.read())
 
     def names(self, language):

@@ -129,7 +129,7 @@ TEST_F(ServiceDocuments, ANamespaceBelowOneThatIsServedIsNotFoundAndLogged) {
 TEST_F(ServiceDocuments, PathsOfNobodyAreAnsweredByTheFrontEnd) {
     start();
     for (const char* const path :
-         {"/", "/root", "/root/other/TST_Nothing.wsdl", "/root/testing/TST_Nothing.wsdl",
+         {"/root", "/root/other/TST_Nothing.wsdl", "/root/testing/TST_Nothing.wsdl",
           "/TST_Nothing.wsdl", "/other/STSService.wsdl"})
         EXPECT_EQ(answer(get(path)), refusal("404 Not Found", "There is nothing at this path."))
             << path;

@@ -128,6 +128,29 @@ TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
         "is not used"};
 }
 
+TEST_F(ServiceReload, WhatNeedsAStartIsTold) {
+    serverKeys_["max_connections"] = "3";
+    writeConfiguration();
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {
+        "warning tesk: What has changed in [server], in [log] or in credential_lifetime takes "
+        "effect at the next start"};
+}
+
+TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
+    const std::string file = folder_ / "tesk.toml";
+    std::string text = contentOf(file);
+    const std::string key = "password_file = \"users\"\n";
+    ASSERT_NE(text.find(key), std::string::npos);
+    folder_.write("tesk.toml", text.erase(text.find(key), key.size()));
+    reload();
+    expectServedAsBefore();
+    expectedLog_ = {
+        "warning tesk: No password file is configured any more; the users stay until the next "
+        "start"};
+}
+
 // Neither is changed if one of the two cannot be.
 TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     writeModel("test.mof", "class TST_Nothing {};\n");

@@ -67,7 +67,8 @@ std::string RunningService::largeClass() {
 }
 
 void RunningService::writeUsers(std::string_view text) const {
-    static_cast<void>(writePrivate(folder_, "users", text));
+    // The service never sees half of it.
+    std::filesystem::rename(writePrivate(folder_, "users.new", text), folder_ / "users");
 }
 
 void RunningService::writeConfiguration() const {

@@ -7,6 +7,7 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/BasicField.h"
 #include "Tests/ObjectManager/Security/Files.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
 #include "Tests/Support/Command.h"
 
 namespace {
@@ -83,6 +84,32 @@ TEST_F(ServiceUsers, AChangedPasswordCountsAfterAReload) {
     reload();
     EXPECT_EQ(answer(with(basicField("alice", "changed"))), kChallenge);
     EXPECT_EQ(answer(with(basicField("bob", "b"))), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceUsers, AChangeOfThePasswordFileCountsWithoutAReload) {
+    start();
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    (void)setPassword("bob", "b");
+    waitForAnswer(with(basicField("bob", "b")), "HTTP/1.1 200 ");
+    (void)removeUser("alice");
+    waitForAnswer(with(basicField("alice", "secret")), "HTTP/1.1 401 ");
+}
+
+TEST_F(ServiceUsers, APasswordFileThatIsSpoiltKeepsTheUsersUntilItIsMended) {
+    start();
+    writeUsers("alice\n");
+    process().waitForLog("The users stay as they were: ");
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    std::filesystem::remove(folder_ / "users");
+    process().waitForLog("The users stay as they were: ", 2);
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    writeUsers("bob:" + std::string(kSha512OfSecret) + "\n");
+    waitForAnswer(with(basicField("bob", "secret")), "HTTP/1.1 200 ");
+    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    const std::string kept =
+        "error tesk: The users stay as they were: " + std::string(folder_ / "users");
+    expectedLog_ = {kept + ":1: there is no colon between name and hash",
+                    kept + ": cannot be read: No such file or directory"};
 }
 
 TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMendsIt) {

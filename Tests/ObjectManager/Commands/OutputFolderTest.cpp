@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -175,17 +174,18 @@ TEST_F(OutputFolderTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) {
 
 TEST_F(OutputFolderTest, AFileThatCannotBeMadeIsAnError) {
     output_.put("old", "old text");
-    std::array<std::string, 3> errors;
-    {
-        const Limit limit(RLIMIT_NOFILE, 0);
-        errors = {errorOf([&] { output_.put("old", "text"); }),
-                  errorOf([&] { (void)output_.createBelow("below"); }),
-                  errorOf([&] { (void)output_.files(); })};
-    }
-    EXPECT_EQ(errors,
-              (std::array<std::string, 3>{"cannot write OUT/old: Too many open files",
-                                          "cannot make the folder OUT/below: Too many open files",
-                                          "cannot read the folder OUT: Too many open files"}));
+    const auto errorWithoutDescriptors = [&](const auto& work) {
+        return errorOf([&] {
+            const Limit limit(RLIMIT_NOFILE, 0);
+            work();
+        });
+    };
+    EXPECT_EQ(errorWithoutDescriptors([&] { output_.put("old", "text"); }),
+              "cannot write OUT/old: Too many open files");
+    EXPECT_EQ(errorWithoutDescriptors([&] { (void)output_.createBelow("below"); }),
+              "cannot make the folder OUT/below: Too many open files");
+    EXPECT_EQ(errorWithoutDescriptors([&] { (void)output_.files(); }),
+              "cannot read the folder OUT: Too many open files");
     EXPECT_EQ(contentOfFile(folder_ / "old"), "old text");
 }
 

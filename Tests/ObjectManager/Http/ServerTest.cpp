@@ -428,6 +428,9 @@ TEST_F(ServerTest, TwoThousandWhoSendNothingKeepNobodyWaiting) {
 }
 
 TEST_F(ServerTest, GoesOnAfterTheFileDescriptorsHaveRunOut) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
     start();
     const Client client = [&] {
         Client connected = connect();

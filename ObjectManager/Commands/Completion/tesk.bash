@@ -1,0 +1,153 @@
+# Completion of the program tesk in bash: commands, options, files, namespaces and classes. Needs
+# nothing but bash 4.3; `source` it, or install it where the package bash-completion looks for it.
+
+# Sets `words` to the words of the command line up to the cursor, `word` to the one at the cursor,
+# and `skipped` to what of it stands before what bash replaces. Bash cuts words at "=" and ":",
+# which are put together again here: those without a blank between them.
+_tesk_words() {
+  local rest=${COMP_LINE:0:COMP_POINT} blanks piece index
+  words=()
+  for ((index = 0; index <= COMP_CWORD; ++index)); do
+    blanks=${rest%%[![:blank:]]*}
+    rest=${rest#"$blanks"}
+    piece=${COMP_WORDS[index]}
+    ((index < COMP_CWORD)) || piece=$rest
+    rest=${rest#"$piece"}
+    if [[ -z $blanks && $index -gt 0 ]]; then
+      words[-1]+=$piece
+    else
+      words+=("$piece")
+    fi
+  done
+  word=${words[-1]}
+  local breaks=
+  for piece in = :; do
+    [[ $COMP_WORDBREAKS != *"$piece"* ]] || breaks+=$piece
+  done
+  skipped=
+  [[ -z $breaks || $word != *["$breaks"]* ]] || skipped=${word%"${word##*["$breaks"]}"}
+}
+
+# A word without its quotes and the usual sign for the home folder.
+_tesk_unquoted() {
+  local text=${1//[\\\"\']/}
+  [[ $text != \~/* ]] || text=$HOME${text#\~}
+  printf '%s' "$text"
+}
+
+# The options of a command.
+_tesk_options() {
+  case $1 in
+    serve) echo --help --namespace --config --listen --password-file --log-level ;;
+    export) echo --help --output --host --namespace --config --jobs --prune ;;
+    check) echo --help --namespace --config --format --jobs ;;
+    classes) echo --help --namespace --config --format ;;
+    passwd) echo --help --delete ;;
+  esac
+}
+
+# Offers the lines of standard input, which are whole words: what bash replaces of them.
+_tesk_offer() {
+  local line
+  while IFS= read -r line; do
+    COMPREPLY+=("${line#"$skipped"}")
+  done
+}
+
+# Offers the words in $1 that begin as the one at the cursor.
+_tesk_offer_words() {
+  _tesk_offer < <(compgen -W "$1" -- "$word")
+}
+
+# Offers the files, or with -d the folders, whose path follows what $2 says of the word.
+_tesk_offer_files() {
+  local path
+  compopt -o filenames 2> /dev/null
+  path=$(_tesk_unquoted "${word#"$2"}")
+  _tesk_offer < <(compgen "$1" -- "$path" | while IFS= read -r path; do echo "$2$path"; done)
+}
+
+# Offers values of the option $1, which stand in the word behind $2.
+_tesk_offer_values() {
+  case $1 in
+    --config | --password-file) _tesk_offer_files -f "$2" ;;
+    --output) _tesk_offer_files -d "$2" ;;
+    --namespace)
+      local value=${word#"$2"}
+      [[ $value != *=* ]] || _tesk_offer_files -f "$2${value%%=*}="
+      ;;
+    --format) _tesk_offer < <(compgen -P "$2" -W "text json" -- "${word#"$2"}") ;;
+    --log-level) _tesk_offer < <(compgen -P "$2" -W "1 2 3 4" -- "${word#"$2"}") ;;
+  esac
+}
+
+# What `tesk classes` lists of the classes that the command line is about. It runs the program that
+# is about to be run anyway, unless the shell would have to work out what its words mean.
+_tesk_listing() {
+  local text
+  for text in "${words[0]}" "${model[@]}"; do
+    [[ $text != *[\`\$]* ]] || return
+  done
+  local -a arguments=()
+  for text in "${model[@]}" "$@"; do
+    arguments+=("$(_tesk_unquoted "$text")")
+  done
+  "$(_tesk_unquoted "${words[0]}")" classes "${arguments[@]}" < /dev/null 2> /dev/null
+}
+
+# Offers what stands at the place of an argument: `arguments` are those before it.
+_tesk_offer_arguments() {
+  local namespaces='s/^\([^ ]*\)  (.*/\1/p' classes='s/^  \([^ ]*\).*/\1/p'
+  case $command/${#arguments[@]} in
+    export/*) _tesk_offer_words "$(_tesk_listing | sed -n "$classes")" ;;
+    classes/0) _tesk_offer_words "$(_tesk_listing | sed -n "$namespaces")" ;;
+    classes/1) _tesk_offer_words "$(_tesk_listing "${arguments[0]}" | sed -n "$classes")" ;;
+    passwd/0) _tesk_offer_files -f "" ;;
+  esac
+}
+
+# Sorts the words between command and cursor into `arguments` and `model`, the options that say where
+# classes come from; `option` is the one whose value is at the cursor.
+_tesk_sort_words() {
+  local text
+  for text in "${words[@]:2:${#words[@]}-3}"; do
+    if [[ -n $option ]]; then
+      case $option in --namespace | --config) model+=("$option" "$text") ;; esac
+      option=
+      continue
+    fi
+    case $text in
+      --namespace=* | --config=*) model+=("$text") ;;
+      --help | --delete | --prune | -h | --*=*) ;;
+      --*) option=$text ;;
+      *) arguments+=("$text") ;;
+    esac
+  done
+}
+
+_tesk() {
+  local word skipped command option=
+  local -a words=() arguments=() model=()
+  COMPREPLY=()
+  _tesk_words
+  if ((${#words[@]} <= 2)); then
+    case $word in
+      -*) _tesk_offer_words "--help --version" ;;
+      *) _tesk_offer_words "serve export check classes passwd" ;;
+    esac
+    return
+  fi
+  command=${words[1]}
+  _tesk_sort_words
+  if [[ -n $option ]]; then
+    _tesk_offer_values "$option" ""
+  elif [[ $word == --*=* ]]; then
+    _tesk_offer_values "${word%%=*}" "${word%%=*}="
+  elif [[ $word == -* ]]; then
+    _tesk_offer_words "$(_tesk_options "$command")"
+  else
+    _tesk_offer_arguments
+  fi
+}
+
+complete -F _tesk tesk
