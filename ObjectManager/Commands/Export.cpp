@@ -83,7 +83,7 @@ int runExport(const ExportOptions& options) {
 // An ampersand, which RFC 9110 allows in a host, would break the documents: base addresses are
 // inserted as they are.
 std::string faultOfHost(const std::string& host) {
-    if (Http::isHostField(host) && host.find('&') == std::string::npos)
+    if (Http::isHostField(host))
         return {};
     return "\"" + host + "\" is no host with an optional port, such as localhost:5985";
 }

@@ -1,8 +1,5 @@
 #include "ObjectManager/Commands/Service.h"
 
-#include <algorithm>
-#include <future>
-#include <iterator>
 #include <utility>
 
 #include "ObjectManager/Host/ProgramFolders.h"
@@ -12,10 +9,14 @@ namespace Commands {
 namespace {
 
 Http::ServerOptions serverOptions(const Configuration::ServerSettings& settings,
-                                  const Configuration::Endpoint& endpoint) {
+                                  const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
     Http::ServerOptions options;
-    options.address = endpoint.address;
-    options.port = endpoint.port;
+    options.listen.clear();
+    for (const Configuration::Endpoint& endpoint : settings.listen)
+        options.listen.push_back({.address = endpoint.address, .port = endpoint.port});
+    options.isQuick = [authenticator](const TSKHTTPRequest& request) {
+        return authenticator->decidesQuickly(request);
+    };
     if (settings.workers > 0)
         options.workers = settings.workers;
     options.requestLimits.mostHeadBytes = settings.maxRequestHead;
@@ -40,18 +41,13 @@ Service::Service(const Configuration::Settings& settings,
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(makeAuthenticator(settings.security, std::move(users))),
       host_(repository, authenticator_, ProgramFolders::ofThisProgram().installation),
-      index_(repository) {
-    for (const Configuration::Endpoint& endpoint : settings.server.listen) {
-        servers_.push_back(std::make_unique<Http::Server>(serverOptions(settings.server, endpoint),
-                                                          host_.manager(), &index_));
-    }
-}
+      index_(repository),
+      server_(serverOptions(settings.server, authenticator_), host_.manager(), &index_) {}
 
 Service::~Service() = default;
 
 void Service::start() {
-    for (const std::unique_ptr<Http::Server>& server : servers_)
-        server->start();
+    server_.start();
 }
 
 void Service::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
@@ -64,25 +60,13 @@ void Service::setUsers(Security::UserTable users) {
 }
 
 bool Service::stop() {
-    // All at once, so that none takes requests while another finishes.
-    std::vector<std::future<bool>> stopping;
-    stopping.reserve(servers_.size());
-    for (const std::unique_ptr<Http::Server>& server : servers_) {
-        stopping.push_back(
-            std::async(std::launch::async, [&] { return server->stop(gracePeriod_); }));
-    }
-    bool isIdle = true;
-    for (std::future<bool>& result : stopping)
-        isIdle = result.get() && isIdle;
-    return isIdle;
+    return server_.stop(gracePeriod_);
 }
 
 std::vector<std::string> Service::addresses() const {
     std::vector<std::string> addresses;
-    std::transform(servers_.begin(), servers_.end(), std::back_inserter(addresses),
-                   [](const std::unique_ptr<Http::Server>& server) {
-                       return "http://" + server->address() + ":" + std::to_string(server->port());
-                   });
+    for (const auto& [address, port] : server_.addresses())
+        addresses.push_back("http://" + address + ":" + std::to_string(port));
     return addresses;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,8 +14,8 @@
 
 namespace Commands {
 
-/// The object manager in service: providers with the classes that they read, and servers that take
-/// requests for them and for the index page.
+/// The object manager in service: providers with the classes that they read, and a server that
+/// takes requests for them and for the index page.
 ///
 /// Thread safety: belongs to one thread.
 class Service {
@@ -49,7 +49,7 @@ class Service {
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     ProviderHost host_;
     Index::IndexHandler index_;
-    std::vector<std::unique_ptr<Http::Server>> servers_;
+    Http::Server server_;
 };
 
 }  // namespace Commands

@@ -38,6 +38,16 @@ void Connection::start() {
     take(&Connection::readHead);
 }
 
+void Connection::turnAway(const Refusal& refusal) {
+    context_.connections.add(*this);
+    error_code error;  // shows again when the answer is sent
+    socket_.non_blocking(true, error);
+    // Most clients have sent their request already, which tells whether it is of the method HEAD.
+    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
+    received_.assign(context_.readBuffer.data(), length);
+    refuse(refusal);
+}
+
 void Connection::closeIfReading() {
     if (phase_ == Phase::kReading)
         close();
@@ -104,12 +114,26 @@ void Connection::takeRequest() {
     hasMoreToCome_ = request_->announcesBody || received_.size() > scanner_.end();
     timer_.cancel();
     phase_ = Phase::kAnswering;
-    context_.workers.post([self = shared_from_this()] { self->answerRequest(); });
+    if (!postToWorkers())
+        answerWith({.status = 503, .text = "The server has too many requests. Try again later."});
+}
+
+// Whether they take it; the connection is the workers' then.
+bool Connection::postToWorkers() {
+    auto job = [self = shared_from_this()] { self->answerRequest(); };
+    if (!context_.options.isQuick(request_->request))
+        return context_.workers.postSlow(std::move(job));
+    context_.workers.postQuick(std::move(job));
+    return true;
 }
 
 void Connection::refuse(const Refusal& refusal) {
-    answer_ = answerOf(refusal, scanner_.isHeadRequest(received_));
     hasMoreToCome_ = true;  // nobody knows where the request ends
+    answerWith(refusal);
+}
+
+void Connection::answerWith(const Refusal& refusal) {
+    answer_ = answerOf(refusal, scanner_.isHeadRequest(received_));
     beginWriting();
 }
 

@@ -39,7 +39,8 @@ struct ConnectionContext {
 ///
 /// A connection goes through these phases, some of which it may skip:
 ///
-/// - reading: the I/O thread waits for the head.
+/// - reading: the I/O thread waits for the head. When there are too many slow requests already, it
+///   goes on with writing.
 /// - answering: a worker runs the provider and sends what the socket takes at once. If that is all,
 ///   and the client sends nothing more, the worker closes the connection.
 /// - writing: the I/O thread sends the rest as the client takes it.
@@ -64,6 +65,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
     /// same passes out of the io_context's run later on.
     void start();
 
+    /// In place of start(): answers `refusal` at once, whatever the client has sent or will send.
+    /// Errors: as start().
+    void turnAway(const Refusal& refusal);
+
     /// Closes if the head of the request has not come in yet.
     void closeIfReading();
 
@@ -79,7 +84,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void take(Step step);
     void readHead();
     void takeRequest();
+    [[nodiscard]] bool postToWorkers();
     void refuse(const Refusal& refusal);
+    void answerWith(const Refusal& refusal);
     void answerRequest();
     void beginWriting();
     void write();

@@ -13,9 +13,10 @@ namespace {
 
 constexpr std::string_view kHexDigits = "0123456789ABCDEFabcdef";
 
-// Unreserved characters and sub-delimiters of RFC 3986, section 2.
+// Unreserved characters and sub-delimiters of RFC 3986, section 2, without the ampersand: documents
+// hold the host as it was sent, and there an ampersand begins an entity.
 constexpr std::string_view kNameCharacters =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,;=";
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$'()*+,;=";
 
 bool consistsOf(std::string_view text, std::string_view characters) {
     return text.find_first_not_of(characters) == std::string_view::npos;

@@ -1,12 +1,10 @@
 #include "ObjectManager/Http/Server.h"
 
 #include <algorithm>
-#include <boost/asio/buffer.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
 #include <memory>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,7 +13,6 @@
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
-#include "ObjectManager/Http/OwnAnswers.h"
 #include "ObjectManager/Http/UriHost.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
@@ -24,7 +21,6 @@ namespace Http {
 namespace {
 
 using boost::asio::ip::tcp;
-using boost::system::error_code;
 using std::chrono::steady_clock;
 
 // What a worker does after the provider has returned takes much less.
@@ -37,43 +33,50 @@ class Server::Implementation {
   public:
     Implementation(const ServerOptions& options, const TeskProviderPluginManager& manager,
                    RequestHandler* handler)
-        : options_(options),
-          dispatcher_(manager, handler),
-          listener_(ioThread_.context(), options.address, options.port),
-          address_(toUriHost(listener_.endpoint().address())) {}
+        : options_(options), dispatcher_(manager, handler) {
+        for (const auto& [address, port] : options.listen) {
+            const auto& listener = listeners_.emplace_back(
+                std::make_unique<Listener>(ioThread_.context(), address, port));
+            addresses_.push_back({.address = toUriHost(listener->endpoint().address()),
+                                  .port = listener->endpoint().port()});
+        }
+    }
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
 
     ~Implementation() {
         ioThread_.stop();
-        listener_.close();
+        closeListeners();
     }
 
-    [[nodiscard]] const std::string& address() const noexcept { return address_; }
-    [[nodiscard]] std::uint16_t port() const noexcept { return listener_.endpoint().port(); }
+    [[nodiscard]] const std::vector<ListenAddress>& addresses() const noexcept {
+        return addresses_;
+    }
 
     void start() {
-        workers_.emplace(options_.workers);
-        context_.emplace(ConnectionContext{.options = options_,
-                                           .dispatcher = dispatcher_,
-                                           .workers = *workers_,
-                                           .connections = connections_});
-        listener_.start([this](tcp::socket socket, const tcp::endpoint& client) {
-            accept(std::move(socket), client);
-        });
+        workers_.emplace(options_.workers, options_.mostSlowWaiting);
+        context_.emplace(contextOf(connections_));
+        turnedAwayContext_.emplace(contextOf(turnedAway_));
+        for (const std::unique_ptr<Listener>& listener : listeners_) {
+            listener->start([this](tcp::socket socket, const tcp::endpoint& client) {
+                accept(std::move(socket), client);
+            });
+        }
         ioThread_.start();
     }
 
     bool stop(std::chrono::milliseconds gracePeriod) {
         const steady_clock::time_point deadline = steady_clock::now() + gracePeriod;
         if (!ioThread_.isRunning()) {
-            listener_.close();
+            closeListeners();
             return true;
         }
         ioThread_.call([this] {
-            listener_.close();
+            closeListeners();
             for (const auto& connection : connections_.all())
                 connection->closeIfReading();
+            for (const auto& connection : turnedAway_.all())
+                connection->abandon();
         });
         if (!connections_.waitUntilEmpty(deadline)) {
             workers_->dropWaiting();
@@ -86,33 +89,44 @@ class Server::Implementation {
     }
 
   private:
+    [[nodiscard]] ConnectionContext contextOf(ConnectionSet& connections) {
+        return {.options = options_,
+                .dispatcher = dispatcher_,
+                .workers = *workers_,
+                .connections = connections};
+    }
+
+    void closeListeners() {
+        for (const std::unique_ptr<Listener>& listener : listeners_)
+            listener->close();
+    }
+
     void accept(tcp::socket socket, const tcp::endpoint& client) {
         if (connections_.size() < options_.mostConnections)
             std::make_shared<Connection>(*context_, std::move(socket), client)->start();
         else
-            turnAway(std::move(socket));
+            turnAway(std::move(socket), client);
     }
 
-    // One who has sent a request already, and gets the answer although it is not read to its end.
-    void turnAway(tcp::socket socket) {
-        error_code error;  // whatever goes wrong, the connection is closed
-        socket.non_blocking(true, error);
-        std::vector<char>& buffer = context_->readBuffer;
-        const std::size_t length = socket.read_some(boost::asio::buffer(buffer), error);
-        const bool isHead = std::string_view(buffer.data(), length).starts_with("HEAD ");
-        const Answer answer = answerOf(
-            {.status = 503, .text = "The server has too many connections. Try again later."},
-            isHead);
-        socket.write_some(answer.unsent(), error);
+    void turnAway(tcp::socket socket, const tcp::endpoint& client) {
+        const bool mayStay = turnedAway_.size() < options_.mostTurnedAway;
+        const auto connection =
+            std::make_shared<Connection>(*turnedAwayContext_, std::move(socket), client);
+        connection->turnAway(
+            {.status = 503, .text = "The server has too many connections. Try again later."});
+        if (!mayStay)
+            connection->abandon();
     }
 
     ServerOptions options_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
+    ConnectionSet turnedAway_;  // answered, but they may still send
     std::optional<ConnectionContext> context_;
+    std::optional<ConnectionContext> turnedAwayContext_;
     IoThread ioThread_;
-    Listener listener_;
-    std::string address_;
+    std::vector<std::unique_ptr<Listener>> listeners_;
+    std::vector<ListenAddress> addresses_;
     std::optional<WorkerPool> workers_;
 };
 
@@ -122,12 +136,8 @@ Server::Server(const ServerOptions& options, const TeskProviderPluginManager& ma
 
 Server::~Server() = default;
 
-const std::string& Server::address() const noexcept {
-    return implementation_->address();
-}
-
-std::uint16_t Server::port() const noexcept {
-    return implementation_->port();
+const std::vector<ListenAddress>& Server::addresses() const noexcept {
+    return implementation_->addresses();
 }
 
 void Server::start() {

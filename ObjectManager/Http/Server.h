@@ -1,10 +1,10 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <memory>
-#include <string>
+#include <vector>
 
+#include "ObjectManager/Http/ListenAddress.h"
 #include "ObjectManager/Http/RequestHandler.h"
 #include "ObjectManager/Http/ServerOptions.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -13,7 +13,8 @@ namespace Http {
 
 /// The HTTP front end: hands the requests that come in to the providers, and their responses back
 /// to the clients. One thread does the input and output, a pool of workers runs the providers, so
-/// that a client who is slow holds no worker. Every connection carries one request.
+/// that a client who is slow holds no worker. Every connection carries one request. A server
+/// listens at any number of places; its limits and its workers are for all of them together.
 ///
 /// Requests are checked before a provider sees them; see parseRequestHead for what is refused and
 /// Dispatcher for how failures of a provider are answered. A provider sees no body: what a client
@@ -25,9 +26,9 @@ class Server {
     /// Long enough for the largest document, short enough for whoever waits for the process to end.
     static constexpr std::chrono::seconds kGracePeriod{10};
 
-    /// Listens from now on; connections wait until start(). `manager` and `handler` must outlive
-    /// the server; `handler` is asked before the providers and may be null.
-    /// Errors: std::system_error that names address and port when it cannot listen there.
+    /// Listens from now on, at all places or at none; connections wait until start(). `manager` and
+    /// `handler` must outlive the server; `handler` is asked before the providers and may be null.
+    /// Errors: std::system_error that names address and port when it cannot listen at one of them.
     Server(const ServerOptions& options, const TeskProviderPluginManager& manager,
            RequestHandler* handler = nullptr);
     Server(const Server&) = delete;
@@ -35,9 +36,9 @@ class Server {
     /// Closes all connections; waits for the providers that still run, however long they do.
     ~Server();
 
-    /// The address and the port that it listens on; an address as in a URI, IPv6 in brackets.
-    [[nodiscard]] const std::string& address() const noexcept;
-    [[nodiscard]] std::uint16_t port() const noexcept;
+    /// The addresses and ports that it listens on, in the order of the options; addresses as in a
+    /// URI, IPv6 in brackets.
+    [[nodiscard]] const std::vector<ListenAddress>& addresses() const noexcept;
 
     /// Serves requests from now on, on threads of its own. To be called once.
     /// Errors: std::system_error when a thread cannot be started.

@@ -5,7 +5,26 @@
 
 namespace Http {
 
-WorkerPool::WorkerPool(unsigned threads) {
+namespace {
+
+// Takes the first job out, runs it without the lock and destroys it.
+void runFirst(std::deque<WorkerPool::Job>& waiting, std::unique_lock<std::mutex>& lock) {
+    WorkerPool::Job job = std::move(waiting.front());
+    waiting.pop_front();
+    lock.unlock();
+    try {
+        job();
+    } catch (...) {
+        // The job has told whom it concerns, or there is no memory to do so.
+    }
+    job = nullptr;
+    lock.lock();
+}
+
+}  // namespace
+
+WorkerPool::WorkerPool(unsigned threads, std::size_t mostSlowWaiting)
+    : mostSlowWaiting_(mostSlowWaiting), mostSlowRunning_(threads > 1 ? threads - 1 : 1) {
     const unsigned count = std::max(1U, threads);
     threads_.reserve(count);
     try {
@@ -22,48 +41,68 @@ WorkerPool::~WorkerPool() {
     join();
 }
 
-void WorkerPool::post(Job job) {
+void WorkerPool::postQuick(Job job) {
     {
         const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(job));
+        quick_.push_back(std::move(job));
     }
     jobWaits_.notify_one();
 }
 
+bool WorkerPool::postSlow(Job job) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (slow_.size() >= mostSlowWaiting_)
+            return false;
+        slow_.push_back(std::move(job));
+    }
+    jobWaits_.notify_one();
+    return true;
+}
+
 void WorkerPool::dropWaiting() {
-    std::deque<Job> dropped;  // destroyed without the lock, since a job may hold anything
+    std::deque<Job> dropped[2];  // destroyed without the lock, since a job may hold anything
     const std::lock_guard lock(mutex_);
-    dropped.swap(waiting_);
-    if (running_ == 0)
+    dropped[0].swap(quick_);
+    dropped[1].swap(slow_);
+    if (isIdle())
         idle_.notify_all();
 }
 
 bool WorkerPool::waitUntilIdle(std::chrono::steady_clock::time_point deadline) {
     std::unique_lock lock(mutex_);
-    return idle_.wait_until(lock, deadline, [this] { return waiting_.empty() && running_ == 0; });
+    return idle_.wait_until(lock, deadline, [this] { return isIdle(); });
 }
 
+// A thread that is woken looks for a job of either kind, and looks again after each job: so none is
+// overlooked, although a slow one may wake a thread that must not run it.
 void WorkerPool::runJobs() {
     std::unique_lock lock(mutex_);
     for (;;) {
-        jobWaits_.wait(lock, [this] { return isEnding_ || !waiting_.empty(); });
+        jobWaits_.wait(lock, [this] { return isEnding_ || !quick_.empty() || mayRunSlow(); });
         if (isEnding_)
             return;
-        Job job = std::move(waiting_.front());
-        waiting_.pop_front();
-        ++running_;
-        lock.unlock();
-        try {
-            job();
-        } catch (...) {
-            // The job has told whom it concerns, or there is no memory to do so.
-        }
-        job = nullptr;
-        lock.lock();
-        --running_;
-        if (running_ == 0 && waiting_.empty())
+        if (isSlowNext())
+            runSlow(lock);
+        else
+            runQuick(lock);
+        if (isIdle())
             idle_.notify_all();
     }
+}
+
+void WorkerPool::runQuick(std::unique_lock<std::mutex>& lock) {
+    quickInARow_ = mayRunSlow() ? quickInARow_ + 1 : 0;
+    ++quickRunning_;
+    runFirst(quick_, lock);
+    --quickRunning_;
+}
+
+void WorkerPool::runSlow(std::unique_lock<std::mutex>& lock) {
+    quickInARow_ = 0;
+    ++slowRunning_;
+    runFirst(slow_, lock);
+    --slowRunning_;
 }
 
 void WorkerPool::join() {
@@ -74,6 +113,18 @@ void WorkerPool::join() {
     jobWaits_.notify_all();
     for (std::thread& thread : threads_)
         thread.join();
+}
+
+bool WorkerPool::mayRunSlow() const {
+    return !slow_.empty() && slowRunning_ < mostSlowRunning_;
+}
+
+bool WorkerPool::isSlowNext() const {
+    return mayRunSlow() && (quick_.empty() || quickInARow_ >= kMostQuickInARow);
+}
+
+bool WorkerPool::isIdle() const {
+    return quick_.empty() && slow_.empty() && quickRunning_ == 0 && slowRunning_ == 0;
 }
 
 }  // namespace Http

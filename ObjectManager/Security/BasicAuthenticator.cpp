@@ -36,11 +36,10 @@ std::optional<BasicCredentials> credentialsOf(const TSKHTTPRequest& request) {
 }  // namespace
 
 BasicAuthenticator::BasicAuthenticator(UserTable users, CredentialCheckerOptions options)
-    : options_(std::move(options)),
-      checker_(std::make_shared<CredentialChecker>(std::move(users), options_)) {}
+    : checker_(std::make_shared<CredentialChecker>(std::move(users), std::move(options))) {}
 
 void BasicAuthenticator::setUsers(UserTable users) {
-    auto checker = std::make_shared<CredentialChecker>(std::move(users), options_);
+    auto checker = std::make_shared<CredentialChecker>(std::move(users), *this->checker());
     const std::lock_guard lock(mutex_);
     checker_.swap(checker);
 }
@@ -54,6 +53,11 @@ bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,
         return false;
     token = TSKSmrPtr<UserToken>::make(credentials->user);
     return true;
+}
+
+bool BasicAuthenticator::decidesQuickly(const TSKHTTPRequest& request) const {
+    const std::optional<BasicCredentials> credentials = credentialsOf(request);
+    return !credentials || checker()->decidesQuickly(credentials->user, credentials->password);
 }
 
 std::shared_ptr<CredentialChecker> BasicAuthenticator::checker() const {

@@ -9,10 +9,24 @@ CredentialCache::CredentialCache(std::chrono::milliseconds lifetime, std::size_t
                                  Clock clock)
     : lifetime_(lifetime), capacity_(capacity), clock_(std::move(clock)) {}
 
+CredentialCache::CredentialCache(const CredentialCache& former)
+    : lifetime_(former.lifetime_), capacity_(former.capacity_), clock_(former.clock_) {
+    const TimePoint now = clock_();
+    const std::shared_lock lock(former.mutex_);
+    order_ = former.order_;
+    for (const CredentialDigest& digest : order_)
+        expiry_.emplace(digest, now);
+}
+
 bool CredentialCache::contains(const CredentialDigest& digest) const {
     const std::shared_lock lock(mutex_);
     const auto entry = expiry_.find(digest);
     return entry != expiry_.end() && clock_() < entry->second;
+}
+
+bool CredentialCache::hasHeld(const CredentialDigest& digest) const {
+    const std::shared_lock lock(mutex_);
+    return expiry_.contains(digest);
 }
 
 void CredentialCache::remember(const CredentialDigest& digest) {
@@ -20,18 +34,20 @@ void CredentialCache::remember(const CredentialDigest& digest) {
         return;
     const TimePoint now = clock_();
     const std::unique_lock lock(mutex_);
-    while (!order_.empty() && order_.front().expiry <= now)
-        forgetFirst();
-    if (expiry_.contains(digest))
-        return;
+    if (const auto entry = expiry_.find(digest); entry != expiry_.end()) {
+        if (now < entry->second)
+            return;
+        std::erase(order_, digest);
+        expiry_.erase(entry);
+    }
     if (order_.size() == capacity_)
         forgetFirst();
-    order_.push_back({digest, now + lifetime_});
+    order_.push_back(digest);
     expiry_.emplace(digest, now + lifetime_);
 }
 
 void CredentialCache::forgetFirst() {
-    expiry_.erase(order_.front().digest);
+    expiry_.erase(order_.front());
     order_.pop_front();
 }
 

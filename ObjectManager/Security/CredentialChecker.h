@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <semaphore>
 #include <string>
 #include <string_view>
@@ -47,15 +48,35 @@ class CredentialChecker {
     /// Errors: TeskBaseException when the system gives no random bytes.
     explicit CredentialChecker(UserTable users, CredentialCheckerOptions options = {});
 
+    /// Checks against other users, with the options of `former`. What that remembered must be
+    /// verified again, but is still known to have been right: see decidesQuickly(). The digests
+    /// that say so are of the hashes, too, so that they hold for users who are the same.
+    /// Errors: std::bad_alloc.
+    CredentialChecker(UserTable users, const CredentialChecker& former);
+
     /// Errors: TeskBaseException when there is no memory to compute a hash.
     [[nodiscard]] bool check(std::string_view user, const SecretText& password);
 
+    /// Whether check() will compute no hash, or only that of a credential that was right before.
+    /// Costs the same for every user and password that is not.
+    /// Errors: TeskBaseException without memory.
+    [[nodiscard]] bool decidesQuickly(std::string_view user, const SecretText& password) const;
+
   private:
+    // What is checked for a name and a password.
+    struct Claim {
+        const std::string& passwordHash;
+        bool isOfUser;
+        CredentialDigest digest;
+    };
+
+    // Where there are users.
+    [[nodiscard]] Claim claimOf(std::string_view user, const SecretText& password) const;
     [[nodiscard]] bool verify(const SecretText& password, const std::string& passwordHash);
 
     const UserTable users_;
     const CredentialCheckerOptions options_;
-    const CredentialKey key_;
+    const std::shared_ptr<const CredentialKey> key_;
     CredentialCache remembered_;
     JoinedChecks checks_;
     std::counting_semaphore<> freeHashes_;

@@ -214,6 +214,13 @@ TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {
     EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
                              "Host: a\"><script>\r\n" + std::string(kAlice))),
               refusal("400 Bad Request", "The Host field is not a host with an optional port."));
+    EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+                             "Host: a&b\r\n" + std::string(kAlice))),
+              refusal("400 Bad Request", "The Host field is not a host with an optional port."));
+    EXPECT_EQ(answer(request("GET http://a&b/root/test/TST_Nothing.wsdl HTTP/1.1",
+                             "Host: a\r\n" + std::string(kAlice))),
+              refusal("400 Bad Request",
+                      "The request target does not name a host with an optional port."));
     EXPECT_EQ(answer(std::string("\x16\x03\x01\x02\x00\x01\x00", 7)),
               refusal("400 Bad Request", "The head of the request holds a control character."));
     EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));

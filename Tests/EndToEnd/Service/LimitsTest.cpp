@@ -1,10 +1,14 @@
 // What the service bears of a single client, each limit set small.
 
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <vector>
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
+#include "Tests/ObjectManager/Security/BasicField.h"
+#include "Tests/ObjectManager/Security/Hashes.h"
 
 namespace {
 
@@ -85,6 +89,60 @@ TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
         EXPECT_TRUE(client->send(request));
         EXPECT_EQ(withoutDate(client->readAll()), found(expected("TST_Nothing.wsdl")));
     }
+}
+
+TEST_F(ServiceLimits, TheLimitOfClientsIsForAllAddressesTogether) {
+    listen_ = {"127.0.0.1:0", "127.0.0.1:0"};
+    serverKeys_["max_connections"] = "2";
+    start();
+    const Client first = connect();
+    EXPECT_EQ(answer(get("/root/test/TST_None.wsdl")), kNotFound);  // the first is accepted
+    const Client second("127.0.0.1", port(1));
+    const Client third("127.0.0.1", port(1));
+    EXPECT_EQ(withoutDate(third.readAll()),
+              refusal("503 Service Unavailable",
+                      "The server has too many connections. Try again later."));
+    EXPECT_TRUE(second.send(get("/root/test/TST_Nothing.wsdl")));
+    EXPECT_EQ(withoutDate(second.readAll()), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceLimits, TheWorkersAreForAllAddressesTogether) {
+    const auto countThreads = [&] {
+        const std::filesystem::path tasks = "/proc/" + std::to_string(process().id()) + "/task";
+        return std::distance(std::filesystem::directory_iterator(tasks), {});
+    };
+    serverKeys_["workers"] = "5";
+    start();
+    const auto threads = countThreads();
+    EXPECT_GE(threads, 5);
+    listen_ = {"127.0.0.1:0", "127.0.0.1:0", "127.0.0.1:0"};
+    start();
+    EXPECT_EQ(countThreads(), threads);
+}
+
+// Of several workers one is always there for those whose passwords need not be hashed.
+TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
+    constexpr std::size_t kStrangers = 12;
+    // A hash that takes long: some 0.3 s.
+    writeUsers("alice:" + std::string(kSha512OfSecret) + "\nmallory:$6$rounds=500000$saltsalt$" +
+               std::string(86, 'a') + "\n");
+    serverKeys_["workers"] = "2";
+    start();
+    const std::string hers = get("/root/test/TST_Nothing.wsdl");
+    EXPECT_EQ(answer(hers), found(expected("TST_Nothing.wsdl")));
+    std::vector<Client> strangers;
+    for (std::size_t count = 0; count < kStrangers; ++count) {
+        const std::string password = "wrong" + std::to_string(count);
+        strangers.push_back(sending(
+            request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+                    "Host: a\r\nAuthorization: " + basicField("mallory", password) + "\r\n")));
+    }
+    for (int count = 0; count < 5; ++count)
+        EXPECT_EQ(answer(hers), found(expected("TST_Nothing.wsdl")));
+    // She did not wait for half of the hashes, though all of them were asked for before.
+    EXPECT_FALSE(strangers[kStrangers / 2].hasInput());
+    for (const Client& stranger : strangers)
+        EXPECT_EQ(withoutDate(stranger.readAll()), kChallenge);
 }
 
 }  // namespace

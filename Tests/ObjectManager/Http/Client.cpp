@@ -101,6 +101,11 @@ std::string Client::read(std::size_t length) const {
     return text;
 }
 
+bool Client::hasInput() const {
+    pollfd waited{.fd = descriptor_, .events = POLLIN, .revents = 0};
+    return poll(&waited, 1, 0) == 1;
+}
+
 std::string Client::readAll() const {
     return read(std::numeric_limits<std::size_t>::max());
 }

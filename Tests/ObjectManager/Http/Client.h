@@ -30,6 +30,9 @@ class Client {
     /// Reads until the server ends the connection.
     [[nodiscard]] std::string readAll() const;
 
+    /// Whether there is something to read, or the server has ended the connection.
+    [[nodiscard]] bool hasInput() const;
+
     /// Whether the server has reset the connection instead of ending it.
     [[nodiscard]] bool wasReset() const noexcept { return wasReset_; }
 

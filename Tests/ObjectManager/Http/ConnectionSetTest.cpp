@@ -24,7 +24,7 @@ class ConnectionSetTest : public testing::Test {
     Http::ConnectionSet set_;
     TeskProviderPluginManager manager_;
     Http::Dispatcher dispatcher_{manager_, nullptr};
-    Http::WorkerPool workers_{1};
+    Http::WorkerPool workers_{1, 1};
     Http::ServerOptions options_;
     Http::ConnectionContext context_{
         .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};

@@ -44,7 +44,7 @@ class ConnectionTest : public RunningServer {
                        std::string& answer) {
         const Http::Dispatcher dispatcher(manager_, nullptr);
         Http::ConnectionSet connections;
-        Http::WorkerPool workers(1);
+        Http::WorkerPool workers(1, options_.mostSlowWaiting);
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,
@@ -407,6 +407,7 @@ TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsAnswer) {
     client.reset();
     gone.set_value();
     EXPECT_EQ(answer(kGet), kHello);
+    server_.reset();  // waits for the provider, which uses what stands above
 }
 
 TEST_F(ConnectionTest, AClientMayGoAwayAtAnyTime) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
@@ -23,7 +24,7 @@ class RunningServer : public testing::Test {
     static constexpr const char* kGet = "GET /test HTTP/1.1\r\nHost: a\r\n\r\n";
 
     RunningServer() {
-        options_.port = 0;
+        options_.listen.front().port = 0;
         provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, kHello);
         };
@@ -40,9 +41,11 @@ class RunningServer : public testing::Test {
         server_->start();
     }
 
+    [[nodiscard]] std::uint16_t port() const { return server_->addresses().front().port; }
+
     [[nodiscard]] Client connect() const {
-        const bool isIPv6 = server_->address().starts_with('[');
-        return {isIPv6 ? "::1" : "127.0.0.1", server_->port()};
+        const bool isIPv6 = server_->addresses().front().address.starts_with('[');
+        return {isIPv6 ? "::1" : "127.0.0.1", port()};
     }
 
     /// A client who has sent that.

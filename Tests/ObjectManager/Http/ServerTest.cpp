@@ -3,6 +3,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <stdexcept>
 #include <string>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -33,6 +34,52 @@ class ServerTest : public RunningServer {
         };
     }
 
+    // Has the provider answer "/test/slow" when the test lets it, and all else at once.
+    void serveSlowly(const std::atomic<bool>& goesOn) {
+        provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+            if (request.getUri() == "/test/slow") {
+                ++calls_;
+                calls_.notify_all();
+                goesOn.wait(false);
+            }
+            writeTo(ostr, kHello);
+        };
+        options_.isQuick = [this](const TSKHTTPRequest& request) {
+            const bool isSlow = request.getUri() == "/test/slow";
+            slowRequests_ += isSlow ? 1 : 0;
+            slowRequests_.notify_all();
+            return !isSlow;
+        };
+    }
+
+    // A client whose slow request the server has read.
+    [[nodiscard]] Client sendingSlow() {
+        const int before = slowRequests_;
+        Client client = sending("GET /test/slow HTTP/1.1\r\nHost: a\r\n\r\n");
+        slowRequests_.wait(before);
+        return client;
+    }
+
+    // Whether the server still reads what comes from one whom it has turned away. It sends the end
+    // before it closes, but it has closed by the time that it turns another one away. The first
+    // bytes after it has closed are answered by a reset, of which the next ones tell.
+    [[nodiscard]] bool takesMore(const Client& client) const {
+        EXPECT_EQ(connect().readAll().substr(0, 12), "HTTP/1.1 503");
+        return client.send("x") && client.send("x");
+    }
+
+    // Asks again and again until the server has room to wait for one whom it turns away.
+    void waitUntilSomeoneIsWaitedFor() const {
+        const auto deadline = steady_clock::now() + seconds(30);
+        bool isWaitedFor = false;
+        while (!isWaitedFor && steady_clock::now() < deadline) {
+            const Client client = connect();
+            EXPECT_EQ(client.readAll().substr(0, 12), "HTTP/1.1 503");
+            isWaitedFor = takesMore(client);
+        }
+        EXPECT_TRUE(isWaitedFor);
+    }
+
     // Whether nobody listens there.
     [[nodiscard]] static bool refusesConnections(std::uint16_t port) {
         try {
@@ -46,6 +93,7 @@ class ServerTest : public RunningServer {
     std::promise<void> begun_;
     std::promise<void> goOn_;
     std::atomic<int> calls_ = 0;
+    std::atomic<int> slowRequests_ = 0;
     std::atomic<bool> hasReturned_ = false;
 };
 
@@ -65,13 +113,14 @@ bool hasIPv6() {
 
 TEST(ServerOptions, TheDefaults) {
     const Http::ServerOptions options;
-    EXPECT_EQ(options.address, "127.0.0.1");
-    EXPECT_EQ(options.port, 5985);
+    EXPECT_EQ(options.listen, (std::vector<Http::ListenAddress>{{"127.0.0.1", 5985}}));
     EXPECT_EQ(options.workers, std::max(1U, std::thread::hardware_concurrency()));
     EXPECT_EQ(options.requestLimits.mostHeadBytes, 16'384U);
     EXPECT_EQ(options.requestLimits.mostRequestLineBytes, 8'192U);
     EXPECT_EQ(options.requestLimits.mostFields, 100U);
+    EXPECT_EQ(options.mostSlowWaiting, 256U);
     EXPECT_EQ(options.mostConnections, 4'096U);
+    EXPECT_EQ(options.mostTurnedAway, 64U);
     EXPECT_EQ(options.headTime, seconds(10));
     EXPECT_EQ(options.responseTime, seconds(30));
     EXPECT_EQ(options.drainTime, seconds(5));
@@ -81,8 +130,8 @@ TEST(ServerOptions, TheDefaults) {
 
 TEST_F(ServerTest, TellsWhereItListens) {
     start();
-    EXPECT_EQ(server_->address(), "127.0.0.1");
-    EXPECT_NE(server_->port(), 0);
+    EXPECT_EQ(server_->addresses().front().address, "127.0.0.1");
+    EXPECT_NE(port(), 0);
 }
 
 TEST_F(ServerTest, ServesThoseWhoCameBeforeItStarted) {
@@ -94,12 +143,13 @@ TEST_F(ServerTest, ServesThoseWhoCameBeforeItStarted) {
 
 TEST_F(ServerTest, APortThatIsInUseIsAnError) {
     start();
-    options_.port = server_->port();
+    options_.listen.front().port = this->port();
     try {
         const Http::Server second(options_, manager_);
         FAIL();
     } catch (const std::system_error& error) {
-        EXPECT_EQ(error.what(), "Cannot listen on 127.0.0.1 port " + std::to_string(options_.port) +
+        EXPECT_EQ(error.what(), "Cannot listen on 127.0.0.1 port " +
+                                    std::to_string(options_.listen.front().port) +
                                     ": Address already in use");
         EXPECT_EQ(error.code(), std::errc::address_in_use);
     }
@@ -107,7 +157,7 @@ TEST_F(ServerTest, APortThatIsInUseIsAnError) {
 
 TEST_F(ServerTest, APortCanBeTakenOverAfterARestart) {
     start();
-    options_.port = server_->port();
+    options_.listen.front().port = this->port();
     const Client client = sending(kGet);
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     server_.reset();
@@ -126,9 +176,9 @@ TEST_F(ServerTest, ListensOnIPv6) {
         seen = host.data();
         writeTo(ostr, kHello);
     };
-    options_.address = "::1";
+    options_.listen.front().address = "::1";
     start();
-    EXPECT_EQ(server_->address(), "[::1]");
+    EXPECT_EQ(server_->addresses().front().address, "[::1]");
     EXPECT_EQ(answer(kGet), kHello);
     EXPECT_EQ(seen, "[::1]");
 }
@@ -144,12 +194,12 @@ TEST_F(ServerTest, EveryIPv6AddressIncludesIPv4) {
         seen = host.data();
         writeTo(ostr, kHello);
     };
-    options_.address = "::";
+    options_.listen.front().address = "::";
     start();
-    EXPECT_EQ(server_->address(), "[::]");
+    EXPECT_EQ(server_->addresses().front().address, "[::]");
     EXPECT_EQ(answer(kGet), kHello);
     EXPECT_EQ(seen, "[::1]");
-    const Client client("127.0.0.1", server_->port());
+    const Client client("127.0.0.1", port());
     EXPECT_TRUE(client.send(kGet));
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     EXPECT_EQ(seen, "127.0.0.1");
@@ -207,6 +257,153 @@ TEST_F(ServerTest, WhoIsTurnedAwayIsAnsweredAfterTheRequest) {
               "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 54\r\n\r\n");
     EXPECT_FALSE(second.wasReset());
     EXPECT_FALSE(third.wasReset());
+}
+
+TEST_F(ServerTest, WhoIsTurnedAwayWhileSendingStillGetsTheAnswer) {
+    options_.mostConnections = 1;
+    start();
+    const Client first = connect();
+    for (const char* const begin : {"", "GET /test HTTP/1.1\r\n"}) {
+        const Client client = sending(begin);
+        const std::string status = client.read(12);
+        EXPECT_TRUE(client.send("Host: a\r\n"));
+        EXPECT_TRUE(client.send("\r\n"));
+        EXPECT_EQ(withoutDate(status + client.readAll()),
+                  refusal("503 Service Unavailable",
+                          "The server has too many connections. Try again later."));
+        EXPECT_FALSE(client.wasReset());
+    }
+}
+
+TEST_F(ServerTest, FewWhoAreTurnedAwayAreWaitedFor) {
+    options_.mostConnections = 1;
+    options_.mostTurnedAway = 2;
+    start();
+    const Client first = connect();
+    std::vector<Client> waitedFor;
+    for (int count = 0; count < 2; ++count) {
+        waitedFor.push_back(connect());
+        EXPECT_EQ(waitedFor.back().readAll().substr(0, 12), "HTTP/1.1 503");
+    }
+    const Client closed = connect();
+    EXPECT_EQ(closed.readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_FALSE(closed.wasReset());
+    EXPECT_FALSE(takesMore(closed));
+    for (const Client& client : waitedFor)
+        EXPECT_TRUE(takesMore(client));
+    waitedFor.clear();
+    waitUntilSomeoneIsWaitedFor();
+}
+
+TEST_F(ServerTest, WhoIsTurnedAwayIsNotWaitedForForever) {
+    options_.mostConnections = 1;
+    options_.mostTurnedAway = 1;
+    options_.drainTime = milliseconds(50);
+    start();
+    const Client first = connect();
+    const Client silent = connect();
+    EXPECT_EQ(silent.readAll().substr(0, 12), "HTTP/1.1 503");
+    waitUntilSomeoneIsWaitedFor();
+    EXPECT_FALSE(takesMore(silent));
+}
+
+TEST_F(ServerTest, ItsEndWaitsForNobodyWhoWasTurnedAway) {
+    options_.mostConnections = 1;
+    options_.drainTime = seconds(300);
+    start();
+    const Client first = connect();
+    const Client turnedAway = connect();
+    EXPECT_EQ(turnedAway.readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_TRUE(server_->stop(seconds(60)));
+    EXPECT_FALSE(turnedAway.send("x") && turnedAway.send("x"));
+}
+
+TEST_F(ServerTest, ListensAtSeveralPlaces) {
+    options_.listen.assign(3, {.address = "127.0.0.1", .port = 0});
+    start();
+    ASSERT_EQ(server_->addresses().size(), 3U);
+    for (const auto& [address, port] : server_->addresses()) {
+        EXPECT_EQ(address, "127.0.0.1");
+        const Client client("127.0.0.1", port);
+        EXPECT_TRUE(client.send(kGet));
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    }
+    const std::vector<Http::ListenAddress> addresses = server_->addresses();
+    EXPECT_TRUE(server_->stop());
+    for (const Http::ListenAddress& address : addresses)
+        EXPECT_TRUE(refusesConnections(address.port));
+}
+
+TEST_F(ServerTest, TheLimitOfConnectionsIsForAllPlacesTogether) {
+    options_.listen.assign(3, {.address = "127.0.0.1", .port = 0});
+    options_.mostConnections = 2;
+    start();
+    const auto connectTo = [&](std::size_t index) {
+        return Client("127.0.0.1", server_->addresses().at(index).port);
+    };
+    const Client first = connectTo(0);
+    EXPECT_EQ(answer(kGet), kHello);  // the first client has been accepted before this one
+    const Client second = connectTo(1);
+    EXPECT_EQ(connectTo(1).readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_EQ(connectTo(2).readAll().substr(0, 12), "HTTP/1.1 503");
+    EXPECT_TRUE(second.send(kGet));
+    EXPECT_EQ(withoutDate(second.readAll()), kHello);
+}
+
+TEST_F(ServerTest, QuickRequestsAreAnsweredWhateverSlowOnesDo) {
+    std::atomic<bool> goesOn = false;
+    serveSlowly(goesOn);
+    options_.workers = 2;
+    start();
+    std::vector<Client> slow;
+    for (int count = 0; count < 10; ++count)
+        slow.push_back(sendingSlow());
+    for (int count = 0; count < 10; ++count)
+        EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(calls_, 1);  // of the slow ones one is answered at a time
+    goesOn = true;
+    goesOn.notify_all();
+    for (const Client& client : slow)
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(calls_, 10);
+}
+
+TEST_F(ServerTest, OneSlowRequestTooManyIsRefused) {
+    std::atomic<bool> goesOn = false;
+    serveSlowly(goesOn);
+    options_.workers = 2;
+    options_.mostSlowWaiting = 2;
+    start();
+    std::vector<Client> slow;
+    slow.push_back(sendingSlow());
+    calls_.wait(0);
+    slow.push_back(sendingSlow());
+    slow.push_back(sendingSlow());
+    EXPECT_EQ(withoutDate(sendingSlow().readAll()),
+              refusal("503 Service Unavailable",
+                      "The server has too many requests. Try again "
+                      "later."));
+    EXPECT_EQ(answer(kGet), kHello);
+    goesOn = true;
+    goesOn.notify_all();
+    for (const Client& client : slow)
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(withoutDate(sendingSlow().readAll()), kHello);
+}
+
+TEST_F(ServerTest, WhatFailsToTellQuickFromSlowClosesOneConnection) {
+    options_.isQuick = [](const TSKHTTPRequest& request) -> bool {
+        if (request.getUri() == "/test/bad")
+            throw std::runtime_error("reason");
+        return true;
+    };
+    start();
+    const Client client = sending("GET /test/bad HTTP/1.1\r\n");
+    EXPECT_EQ(answer(kGet), kHello);  // the client has been accepted before this one
+    EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
+    EXPECT_EQ(client.readAll(), "");
+    EXPECT_EQ(answer(kGet), kHello);
+    expectedLog_ = {"HttpFrontEnd|1|2|A connection failed: reason"};
 }
 
 TEST_F(ServerTest, TwoThousandWhoSendNothingKeepNobodyWaiting) {
@@ -267,14 +464,14 @@ TEST_F(ServerTest, GoesOnAfterTheFileDescriptorsHaveRunOut) {
 TEST_F(ServerTest, StopsWhenNobodyIsThere) {
     start();
     EXPECT_TRUE(server_->stop());
-    EXPECT_TRUE(refusesConnections(server_->port()));
+    EXPECT_TRUE(refusesConnections(port()));
     EXPECT_TRUE(server_->stop());
 }
 
 TEST_F(ServerTest, StopsBeforeItHasStarted) {
     server_.emplace(options_, manager_);
     EXPECT_TRUE(server_->stop());
-    EXPECT_TRUE(refusesConnections(server_->port()));
+    EXPECT_TRUE(refusesConnections(port()));
 }
 
 TEST_F(ServerTest, ClosesThoseWhoseRequestHasNotComeInWhenItStops) {
@@ -294,7 +491,7 @@ TEST_F(ServerTest, LetsWhatRunsFinishWhenItStops) {
     const Client client = sending(kGet);
     begun_.get_future().wait();
     std::future<bool> stopped = std::async(std::launch::async, [&] { return server_->stop(); });
-    while (!refusesConnections(server_->port()))
+    while (!refusesConnections(port()))
         std::this_thread::yield();
     goOn_.set_value();
     EXPECT_TRUE(stopped.get());
@@ -355,7 +552,7 @@ TEST_F(ServerTest, AnAnswerIsTakenWithinTheGracePeriod) {
     const std::string begin = client.read(12);
     std::future<bool> stopped =
         std::async(std::launch::async, [&] { return server_->stop(seconds(60)); });
-    while (!refusesConnections(server_->port()))
+    while (!refusesConnections(port()))
         std::this_thread::yield();
     EXPECT_EQ(withoutDate(begin + client.readAll()),
               "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large);
@@ -367,7 +564,7 @@ TEST_F(ServerTest, ItsEndWaitsForTheProvider) {
     start();
     const Client client = sending(kGet);
     begun_.get_future().wait();
-    std::thread releasing([this, port = server_->port()] {
+    std::thread releasing([this, port = this->port()] {
         while (!refusesConnections(port))
             std::this_thread::yield();
         goOn_.set_value();

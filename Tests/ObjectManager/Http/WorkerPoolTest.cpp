@@ -1,9 +1,11 @@
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <future>
 #include <gtest/gtest.h>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "ObjectManager/Http/WorkerPool.h"
@@ -13,15 +15,17 @@ namespace {
 using Http::WorkerPool;
 using std::chrono::steady_clock;
 
+constexpr std::size_t kMostSlow = 256;
+
 steady_clock::time_point soon() {
     return steady_clock::now() + std::chrono::seconds(30);
 }
 
 TEST(WorkerPool, RunsEveryJob) {
     std::atomic<int> sum = 0;
-    WorkerPool pool(3);
+    WorkerPool pool(3, kMostSlow);
     for (int number = 1; number <= 1000; ++number)
-        pool.post([&sum, number] { sum += number; });
+        pool.postQuick([&sum, number] { sum += number; });
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
     EXPECT_EQ(sum, 500'500);
 }
@@ -29,9 +33,9 @@ TEST(WorkerPool, RunsEveryJob) {
 TEST(WorkerPool, OneThreadRunsTheJobsInTheirOrder) {
     std::vector<int> numbers;
     std::vector<int> expected;
-    WorkerPool pool(1);
+    WorkerPool pool(1, kMostSlow);
     for (int number = 0; number < 100; ++number) {
-        pool.post([&numbers, number] { numbers.push_back(number); });
+        pool.postQuick([&numbers, number] { numbers.push_back(number); });
         expected.push_back(number);
     }
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
@@ -39,21 +43,21 @@ TEST(WorkerPool, OneThreadRunsTheJobsInTheirOrder) {
 }
 
 TEST(WorkerPool, HasAtLeastOneThread) {
-    WorkerPool pool(0);
+    WorkerPool pool(0, kMostSlow);
     std::promise<void> ran;
-    pool.post([&] { ran.set_value(); });
+    pool.postQuick([&] { ran.set_value(); });
     ran.get_future().wait();
 }
 
 TEST(WorkerPool, ThreadsRunJobsAtTheSameTime) {
-    WorkerPool pool(2);
+    WorkerPool pool(2, kMostSlow);
     std::promise<void> first;
     std::promise<void> second;
-    pool.post([&] {
+    pool.postQuick([&] {
         first.set_value();
         second.get_future().wait();
     });
-    pool.post([&] {
+    pool.postQuick([&] {
         first.get_future().wait();
         second.set_value();
     });
@@ -61,27 +65,27 @@ TEST(WorkerPool, ThreadsRunJobsAtTheSameTime) {
 }
 
 TEST(WorkerPool, AJobThatThrowsEndsAlone) {
-    WorkerPool pool(1);
+    WorkerPool pool(1, kMostSlow);
     std::atomic<int> ran = 0;
-    pool.post([] { throw std::runtime_error("reason"); });
-    pool.post([] { throw 42; });
-    pool.post([&] { ++ran; });
+    pool.postQuick([] { throw std::runtime_error("reason"); });
+    pool.postQuick([] { throw 42; });
+    pool.postQuick([&] { ++ran; });
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
     EXPECT_EQ(ran, 1);
 }
 
 TEST(WorkerPool, AJobIsDestroyedBeforeThePoolIsIdle) {
-    WorkerPool pool(1);
+    WorkerPool pool(1, kMostSlow);
     const auto held = std::make_shared<int>(0);
-    pool.post([held] {});
+    pool.postQuick([held] {});
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
     EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST(WorkerPool, IsNotIdleWhileAJobRuns) {
-    WorkerPool pool(1);
+    WorkerPool pool(1, kMostSlow);
     std::promise<void> goOn;
-    pool.post([&] { goOn.get_future().wait(); });
+    pool.postQuick([&] { goOn.get_future().wait(); });
     EXPECT_FALSE(pool.waitUntilIdle(steady_clock::now()));
     EXPECT_FALSE(pool.waitUntilIdle(steady_clock::now() + std::chrono::milliseconds(1)));
     goOn.set_value();
@@ -89,17 +93,18 @@ TEST(WorkerPool, IsNotIdleWhileAJobRuns) {
 }
 
 TEST(WorkerPool, DropsWhatWaits) {
-    WorkerPool pool(1);
+    WorkerPool pool(1, kMostSlow);
     std::promise<void> begun;
     std::promise<void> goOn;
     std::atomic<int> ran = 0;
     const auto held = std::make_shared<int>(0);
-    pool.post([&] {
+    pool.postQuick([&] {
         begun.set_value();
         goOn.get_future().wait();
     });
     begun.get_future().wait();
-    pool.post([&ran, held] { ++ran; });
+    pool.postQuick([&ran, held] { ++ran; });
+    EXPECT_TRUE(pool.postSlow([&ran, held] { ++ran; }));
     pool.dropWaiting();
     EXPECT_EQ(held.use_count(), 1);
     goOn.set_value();
@@ -107,13 +112,143 @@ TEST(WorkerPool, DropsWhatWaits) {
     EXPECT_EQ(ran, 0);
 }
 
+// A job that waits until the test lets it go on. Belongs to the test.
+class Blockade {
+  public:
+    WorkerPool::Job job() {
+        return [this] {
+            ++begun_;
+            begun_.notify_all();
+            ended_.wait(false);
+        };
+    }
+    void waitUntilBegun() const { begun_.wait(0); }
+    [[nodiscard]] int begun() const { return begun_; }
+    void end() {
+        ended_ = true;
+        ended_.notify_all();
+    }
+
+  private:
+    std::atomic<int> begun_ = 0;
+    std::atomic<bool> ended_ = false;
+};
+
+// Whether the pool runs a quick job.
+bool runsQuickJob(WorkerPool& pool) {
+    const auto ran = std::make_shared<std::promise<void>>();
+    pool.postQuick([ran] { ran->set_value(); });
+    return ran->get_future().wait_until(soon()) == std::future_status::ready;
+}
+
+TEST(WorkerPool, QuickJobsRunWhileAnyNumberOfSlowOnesTakesLong) {
+    for (const unsigned threads : {2U, 3U}) {
+        Blockade blockade;
+        WorkerPool pool(threads, kMostSlow);
+        for (int count = 0; count < 10; ++count)
+            EXPECT_TRUE(pool.postSlow(blockade.job()));
+        for (int count = 0; count < 10; ++count)
+            EXPECT_TRUE(runsQuickJob(pool)) << "of " << threads << " threads none is free";
+        blockade.end();
+        EXPECT_TRUE(pool.waitUntilIdle(soon()));
+        EXPECT_EQ(blockade.begun(), 10);
+    }
+}
+
+TEST(WorkerPool, AllThreadsButOneRunSlowJobsAtTheSameTime) {
+    WorkerPool pool(3, kMostSlow);
+    std::promise<void> first;
+    std::promise<void> second;
+    EXPECT_TRUE(pool.postSlow([&] {
+        first.set_value();
+        second.get_future().wait();
+    }));
+    EXPECT_TRUE(pool.postSlow([&] {
+        first.get_future().wait();
+        second.set_value();
+    }));
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+}
+
+TEST(WorkerPool, AllThreadsRunQuickJobsAtTheSameTime) {
+    WorkerPool pool(2, kMostSlow);
+    Blockade blockades[2];
+    for (Blockade& blockade : blockades)
+        pool.postQuick(blockade.job());
+    for (Blockade& blockade : blockades)
+        blockade.waitUntilBegun();
+    for (Blockade& blockade : blockades)
+        blockade.end();
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+}
+
+TEST(WorkerPool, ASingleThreadRunsQuickJobsFirstAndSlowOnesInTheirTurn) {
+    Blockade blockade;
+    std::string order;
+    WorkerPool pool(1, kMostSlow);
+    pool.postQuick(blockade.job());
+    blockade.waitUntilBegun();
+    for (const char slow : {'1', '2', '3'})
+        EXPECT_TRUE(pool.postSlow([&order, slow] { order += slow; }));
+    for (unsigned count = 0; count < 2 * WorkerPool::kMostQuickInARow + 1; ++count)
+        pool.postQuick([&order] { order += 'q'; });
+    blockade.end();
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+    const std::string row(WorkerPool::kMostQuickInARow, 'q');
+    EXPECT_EQ(order, row + "1" + row + "2" + "q" + "3");
+}
+
+TEST(WorkerPool, RefusesASlowJobWhenTooManyWait) {
+    Blockade blockade;
+    std::atomic<int> ran = 0;
+    const auto held = std::make_shared<int>(0);
+    WorkerPool pool(2, 3);
+    EXPECT_TRUE(pool.postSlow(blockade.job()));
+    blockade.waitUntilBegun();
+    for (int count = 0; count < 3; ++count)
+        EXPECT_TRUE(pool.postSlow([&] { ++ran; }));
+    EXPECT_FALSE(pool.postSlow([&ran, held] { ++ran; }));
+    EXPECT_EQ(held.use_count(), 1);
+    pool.postQuick([&] { ++ran; });
+    blockade.end();
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+    EXPECT_EQ(ran, 4);
+    EXPECT_TRUE(pool.postSlow([&] { ++ran; }));
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+    EXPECT_EQ(ran, 5);
+}
+
+TEST(WorkerPool, RunsEveryJobOfBothKinds) {
+    constexpr int kJobs = 2000;
+    std::atomic<int> quick = 0;
+    std::atomic<int> slow = 0;
+    std::atomic<int> slowRunning = 0;
+    std::atomic<int> tooMany = 0;
+    const auto slowJob = [&] {
+        tooMany += ++slowRunning > 2 ? 1 : 0;
+        ++slow;
+        --slowRunning;
+    };
+    WorkerPool pool(3, kJobs);
+    int refused = 0;
+    for (int count = 0; count < kJobs; ++count) {
+        pool.postQuick([&] { ++quick; });
+        refused += pool.postSlow(slowJob) ? 0 : 1;
+    }
+    EXPECT_EQ(refused, 0);
+    EXPECT_TRUE(pool.waitUntilIdle(soon()));
+    EXPECT_EQ(quick, kJobs);
+    EXPECT_EQ(slow, kJobs);
+    EXPECT_EQ(tooMany, 0);
+}
+
 TEST(WorkerPool, ItsEndDropsWhatWaitsAndWaitsForWhatRuns) {
     std::atomic<int> ran = 0;
     std::promise<void> begun;
     std::promise<void> dropped;
     {
-        WorkerPool pool(1);
-        pool.post([&] {
+        WorkerPool pool(1, kMostSlow);
+        pool.postQuick([&] {
             begun.set_value();
             dropped.get_future().wait();
             ++ran;
@@ -123,7 +258,8 @@ TEST(WorkerPool, ItsEndDropsWhatWaitsAndWaitsForWhatRuns) {
             delete number;
             dropped.set_value();
         };
-        pool.post([&ran, held = std::shared_ptr<int>(new int(0), tellsItsEnd)] { ran += 100; });
+        pool.postQuick(
+            [&ran, held = std::shared_ptr<int>(new int(0), tellsItsEnd)] { ran += 100; });
     }
     EXPECT_EQ(ran, 1);
 }

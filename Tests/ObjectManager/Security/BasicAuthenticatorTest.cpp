@@ -59,6 +59,15 @@ class BasicAuthenticatorTest : public testing::Test {
         return authenticate(authenticator, {{"Authorization", basicField(user, password)}});
     }
 
+    // Whether a request with these fields is decided on quickly.
+    [[nodiscard]] bool isQuick(
+        const std::vector<std::pair<const char*, std::string>>& fields) const {
+        TSKHTTPRequest request("GET", "/", "HTTP/1.1");
+        for (const auto& [name, value] : fields)
+            request.setHeaderField(name, TSKString(value), true);
+        return authenticator_.decidesQuickly(request);
+    }
+
     std::atomic<int> hashes_ = 0;
     BasicAuthenticator authenticator_{
         UserTable(
@@ -122,6 +131,30 @@ TEST_F(BasicAuthenticatorTest, ForgetsWhatItVerifiedWhenTheUsersChange) {
     authenticator_.setUsers(UserTable({User{"bob", cheapHash("new")}}));
     EXPECT_EQ(authenticate(authenticator_, "alice", "new"), "refused");
     EXPECT_EQ(authenticate(authenticator_, "bob", "new"), "bob");
+}
+
+TEST_F(BasicAuthenticatorTest, DecidesQuicklyWhereThereIsNothingToHash) {
+    const std::string field = basicField("alice", "wrong");
+    EXPECT_TRUE(isQuick({}));
+    EXPECT_TRUE(isQuick({{"Authorization", "Bearer YWxpY2U6c2VjcmV0"}}));
+    EXPECT_TRUE(isQuick({{"Authorization", field}, {"Authorization", field}}));
+    EXPECT_FALSE(isQuick({{"Authorization", field}}));
+    EXPECT_EQ(hashes_, 0);
+}
+
+TEST_F(BasicAuthenticatorTest, DecidesQuicklyOnUsersThatItHasLetInBefore) {
+    const std::string right = basicField("alice", "secret");
+    const std::string wrong = basicField("alice", "wrong");
+    EXPECT_FALSE(isQuick({{"Authorization", right}}));
+    EXPECT_EQ(authenticate(authenticator_, "alice", "secret"), "alice");
+    EXPECT_EQ(authenticate(authenticator_, "alice", "wrong"), "refused");
+    EXPECT_TRUE(isQuick({{"Authorization", right}}));
+    EXPECT_FALSE(isQuick({{"Authorization", wrong}}));
+
+    authenticator_.setUsers(UserTable({{"alice", kSha512OfSecret}, {"bob", cheapHash("another")}}));
+    EXPECT_TRUE(isQuick({{"Authorization", right}}));
+    authenticator_.setUsers(UserTable({User{"alice", cheapHash("secret")}}));
+    EXPECT_FALSE(isQuick({{"Authorization", right}}));
 }
 
 TEST_F(BasicAuthenticatorTest, CanBeInstalled) {

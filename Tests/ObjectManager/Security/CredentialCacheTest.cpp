@@ -84,6 +84,39 @@ TEST_F(CredentialCacheTest, WhatHasExpiredMakesRoomFirst) {
     EXPECT_EQ(remembered(), "2 3 4");
 }
 
+TEST_F(CredentialCacheTest, KnowsWhatHasExpiredUntilOthersTakeItsPlace) {
+    EXPECT_FALSE(cache_.hasHeld(digest(1)));
+    cache_.remember(digest(1));
+    EXPECT_TRUE(cache_.hasHeld(digest(1)));
+    now_ += 1h;
+    EXPECT_FALSE(cache_.contains(digest(1)));
+    EXPECT_TRUE(cache_.hasHeld(digest(1)));
+    cache_.remember(digest(2));
+    cache_.remember(digest(1));  // is the last one now
+    cache_.remember(digest(3));
+    cache_.remember(digest(4));
+    EXPECT_FALSE(cache_.hasHeld(digest(2)));
+    EXPECT_EQ(remembered(), "1 3 4");
+    cache_.remember(digest(5));
+    EXPECT_FALSE(cache_.hasHeld(digest(1)));
+}
+
+TEST_F(CredentialCacheTest, ASuccessorKnowsTheSameAndRemembersNothing) {
+    for (int number = 0; number < 3; ++number)
+        cache_.remember(digest(number));
+    CredentialCache successor(cache_);
+    for (int number = 0; number < 3; ++number) {
+        EXPECT_FALSE(successor.contains(digest(number)));
+        EXPECT_TRUE(successor.hasHeld(digest(number)));
+    }
+    successor.remember(digest(3));
+    EXPECT_FALSE(successor.hasHeld(digest(0)));
+    now_ += 10s - 1ns;
+    EXPECT_TRUE(successor.contains(digest(3)));
+    now_ += 1ns;
+    EXPECT_FALSE(successor.contains(digest(3)));
+}
+
 TEST_F(CredentialCacheTest, NothingIsRememberedForNoTimeOrWithoutRoom) {
     CredentialCache shortLived(0s, 3, [this] { return now_; });
     shortLived.remember(digest(1));

@@ -120,6 +120,45 @@ TEST_F(CredentialCheckerTest, ARightPasswordIsHashedOnceInItsLifetime) {
     EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
 }
 
+TEST_F(CredentialCheckerTest, DecidesQuicklyOnWhatWasRightBefore) {
+    CredentialChecker checker(users(), options());
+    const auto isQuick = [&](std::string_view user, std::string_view password) {
+        return checker.decidesQuickly(user, SecretText(password));
+    };
+    EXPECT_FALSE(isQuick("alice", "a"));
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_FALSE(check(checker, "alice", "x"));
+    EXPECT_FALSE(check(checker, "nobody", "a"));
+    takeVerified();
+    now_ += 1h;
+    EXPECT_TRUE(isQuick("alice", "a"));
+    EXPECT_FALSE(isQuick("alice", "x"));
+    EXPECT_FALSE(isQuick("bob", "b"));
+    EXPECT_FALSE(isQuick("nobody", "a"));
+    EXPECT_EQ(takeVerified(), Texts{});
+}
+
+TEST_F(CredentialCheckerTest, WhereThereAreNoUsersItDecidesQuickly) {
+    const CredentialChecker checker(UserTable(), options());
+    EXPECT_TRUE(checker.decidesQuickly("alice", SecretText("a")));
+}
+
+TEST_F(CredentialCheckerTest, ASuccessorVerifiesAgainAndKnowsWhatWasRight) {
+    CredentialChecker former(UserTable({{"alice", "hash of a"}, {"bob", "hash of b"}}), options());
+    EXPECT_TRUE(check(former, "alice", "a"));
+    EXPECT_TRUE(check(former, "bob", "b"));
+    takeVerified();
+    CredentialChecker checker(UserTable({{"alice", "hash of a"}, {"bob", "hash of c"}}), former);
+    EXPECT_TRUE(checker.decidesQuickly("alice", SecretText("a")));
+    EXPECT_FALSE(checker.decidesQuickly("bob", SecretText("b")));
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    EXPECT_FALSE(check(checker, "bob", "b"));
+    EXPECT_EQ(takeVerified(), (Texts{"a against hash of a", "b against hash of c"}));
+    CredentialChecker withoutBob(UserTable({User{"alice", "hash of a"}}), former);
+    EXPECT_FALSE(withoutBob.decidesQuickly("bob", SecretText("b")));
+    EXPECT_FALSE(check(withoutBob, "bob", "b"));
+}
+
 TEST_F(CredentialCheckerTest, AWrongPasswordIsHashedEachTime) {
     CredentialChecker checker(users(), options());
     EXPECT_TRUE(check(checker, "alice", "a"));
