@@ -1,6 +1,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 
 #include "ObjectManager/Mof/FileReader.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
@@ -264,6 +266,59 @@ TEST_F(MofFileReaderTest, AFolderMayHoldAFileThatIncludesTheOthers) {
     const Compilation compilation = readFile(folder_.path());
     EXPECT_EQ(shown(compilation), "");
     EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+// As the DMTF's schema has it, whose main file stands in the middle.
+TEST_F(MofFileReaderTest, TheOrderOfAFolderMakesNoDifferenceToAFileThatIncludesTheOthers) {
+    write("a.mof", "class A_A {};");
+    write("main.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("more.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("z.mof", "class A_Z {};");
+    const Compilation compilation = readFile(folder_.path());
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_A\nclass A_Z\n");
+}
+
+TEST_F(MofFileReaderTest, AFileOutsideAFolderThatIsIncludedTwiceIsWarnedOf) {
+    write("folder/a.mof", "#pragma include (\"../b.mof\")\n#pragma include (\"../b.mof\")");
+    write("b.mof", "class A_B {};");
+    EXPECT_EQ(shown(readFile(folder_ / "folder")),
+              "folder/a.mof:2:1: warning: the file \"../b.mof\" is included already and not read "
+              "again\n"
+              "#pragma include (\"../b.mof\")\n"
+              "^\n");
+}
+
+// Nobody ever writes to it.
+TEST_F(MofFileReaderTest, APipeInAFolderOrIncludedIsAnErrorAndNotWaitedFor) {
+    write("folder/b.mof", "#pragma include (\"../pipe\")");
+    for (const char* const name : {"pipe", "folder/a.mof"})
+        ASSERT_EQ(mkfifo((folder_ / name).c_str(), 0600), 0);
+    EXPECT_EQ(shown(readFile(folder_ / "folder")),
+              "folder/a.mof: error: cannot be read: it is no regular file\n"
+              "folder/b.mof:1:1: error: the included file \"../pipe\" cannot be read: it is no "
+              "regular file\n"
+              "#pragma include (\"../pipe\")\n"
+              "^\n");
+}
+
+TEST_F(MofFileReaderTest, APipeThatIsNamedOnPurposeIsRead) {
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { folder_.write("pipe", "class A_B {};"); });
+    const Compilation compilation = readFile(pipe);
+    writer.join();
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(MofFileReaderTest, AnIncludedFolderIsAnError) {
+    write("folder/b.mof", "");
+    write("main.mof", "#pragma include (\"folder\")");
+    EXPECT_EQ(shown(compileFile("main.mof")),
+              "main.mof:1:1: error: the included file \"folder\" cannot be read: Is a directory\n"
+              "#pragma include (\"folder\")\n"
+              "^\n");
 }
 
 TEST_F(MofFileReaderTest, AFileThatCannotBeReadIsAnError) {
