@@ -46,7 +46,7 @@ class Listing {
             const std::string folder = std::move(folders_.back());
             folders_.pop_back();
             const std::optional<Target> target = targetOf(folder);
-            if (target && seen_.insert(target->identity).second)
+            if (!target || seen_.insert(target->identity).second)
                 lookInto(folder);
             if (folders_.empty())
                 followLinks();
