@@ -12,17 +12,17 @@ using Inspection::Finding;
 using Inspection::FindingKind;
 
 constexpr FindingKind kKinds[] = {
-    FindingKind::kNoDocument,        FindingKind::kNotWellFormed, FindingKind::kUnmappedType,
-    FindingKind::kLengthAndValueMap, FindingKind::kManyGaps,      FindingKind::kDuplicateMessage,
-    FindingKind::kNoXmlName,
+    FindingKind::kNoDocument,       FindingKind::kTooManyGaps,       FindingKind::kNotWellFormed,
+    FindingKind::kUnmappedType,     FindingKind::kLengthAndValueMap, FindingKind::kManyGaps,
+    FindingKind::kDuplicateMessage, FindingKind::kNoXmlName,
 };
 
 TEST(Finding, KindsHaveNamesForPrograms) {
     std::vector<std::string> names;
     for (const FindingKind kind : kKinds)
         names.emplace_back(Inspection::nameOf(kind));
-    EXPECT_EQ(names, std::vector<std::string>({"no-document", "not-well-formed", "unmapped-type",
-                                               "length-and-value-map", "many-gaps",
+    EXPECT_EQ(names, std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed",
+                                               "unmapped-type", "length-and-value-map", "many-gaps",
                                                "duplicate-message", "no-xml-name"}));
 }
 
@@ -32,7 +32,8 @@ TEST(Finding, IsAnErrorWhereThereIsNoUsableDocument) {
         if (Inspection::isError(kind))
             errors.emplace_back(Inspection::nameOf(kind));
     }
-    EXPECT_EQ(errors, std::vector<std::string>({"no-document", "not-well-formed"}));
+    EXPECT_EQ(errors,
+              std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed"}));
 }
 
 TEST(Finding, IsShownWithItsPlace) {
