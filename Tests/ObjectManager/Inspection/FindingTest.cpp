@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -34,6 +36,23 @@ TEST(Finding, IsAnErrorWhereThereIsNoUsableDocument) {
     }
     EXPECT_EQ(errors,
               std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed"}));
+}
+
+// In the order of seriousness.
+TEST(Finding, EveryKindIsDocumentedWithItsSeverity) {
+    std::string expected;
+    for (const FindingKind kind : kKinds) {
+        expected += std::string("| `") + Inspection::nameOf(kind) + "` | " +
+                    (Inspection::isError(kind) ? "error" : "warning") + "\n";
+    }
+    std::ifstream page(DOCS_FOLDER "/checking.md");
+    std::string documented;
+    for (std::string line; std::getline(page, line);) {
+        std::smatch row;
+        if (std::regex_search(line, row, std::regex("^(\\| `[a-z-]+` \\| (error|warning)) \\| ")))
+            documented += row.str(1) + "\n";
+    }
+    EXPECT_EQ(documented, expected);
 }
 
 TEST(Finding, IsShownWithItsPlace) {
