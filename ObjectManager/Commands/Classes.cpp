@@ -9,6 +9,7 @@
 #include "ObjectManager/Commands/ClassListing.h"
 #include "ObjectManager/Commands/ModelOptions.h"
 #include "ObjectManager/Commands/OutputFormat.h"
+#include "ObjectManager/Configuration/NamespaceOption.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -24,13 +25,14 @@ struct ClassesOptions {
 };
 
 const CimNamespace& findNamespace(const ClassRepository& repository, const std::string& name) {
-    const CimNamespace* const found = repository.findNamespace(TSKString(name));
+    const std::string bareName = Configuration::parseNamespaceName(name);
+    const CimNamespace* const found = repository.findNamespace(TSKString(bareName));
     if (found != nullptr)
         return *found;
     std::string names;
     for (const CimNamespace& nameSpace : repository.namespaces())
         names += (names.empty() ? "" : ", ") + std::string(nameSpace.name());
-    const std::string message = "there is no namespace \"" + name + "\"; there are: " + names;
+    const std::string message = "there is no namespace \"" + bareName + "\"; there are: " + names;
     throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_NAMESPACE);
 }
 

@@ -27,8 +27,13 @@ class Checker {
 
     void check(const CimNamespace& nameSpace, const CimClass& cimClass) {
         std::vector<Finding> found = Inspection::inspectClass(cimClass);
-        inspectDocument(nameSpace, cimClass, ".xsd", Inspection::inspectSchema, found);
-        inspectDocument(nameSpace, cimClass, ".wsdl", Inspection::inspectWsdl, found);
+        const bool mayBeMade = std::ranges::none_of(found, [](const Finding& finding) {
+            return finding.kind == FindingKind::kTooManyGaps;
+        });
+        if (mayBeMade) {
+            inspectDocument(nameSpace, cimClass, ".xsd", Inspection::inspectSchema, found);
+            inspectDocument(nameSpace, cimClass, ".wsdl", Inspection::inspectWsdl, found);
+        }
         for (Finding& finding : found) {
             finding.nameSpace = nameSpace.name().data();
             finding.className = cimClass.name().data();

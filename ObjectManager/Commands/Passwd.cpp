@@ -66,7 +66,7 @@ std::string setPassword(const PasswdRequest& request, const PasswordSource& read
 
 void addPasswdCommand(CLI::App& program, Action& action) {
     CLI::App* const command =
-        program.add_subcommand("passwd", "Set a user's password, or remove a user");
+        program.add_subcommand("passwd", "Sets a user's password, or removes a user");
     const auto request = std::make_shared<PasswdRequest>();
     command->add_option("FILE", request->file, "The password file; made when it is missing")
         ->required();

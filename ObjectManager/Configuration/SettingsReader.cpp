@@ -57,7 +57,7 @@ void readNamespaces(Table table, const Folder& folder, std::vector<NamespaceSour
             continue;
         }
         NamespaceSource source;
-        table.readTexts(key, "a MOF file, a folder", 1, [&](const std::string& path) {
+        table.readTexts(key, "a MOF file or a folder", 1, [&](const std::string& path) {
             source.paths.push_back(folder.resolve(path));
         });
         try {

@@ -36,6 +36,15 @@ std::string decimal(Number number) {
     return stream.str();
 }
 
+// "a file, a folder or a list of such" for "a file or a folder".
+std::string orList(std::string_view expected) {
+    constexpr std::string_view kOr = " or ";
+    std::string text(expected);
+    if (const std::size_t at = text.find(kOr); at != std::string::npos)
+        text.replace(at, kOr.size(), ", ");
+    return text + " or a list of such";
+}
+
 // A string as it is shown, unless it would spoil the message.
 std::string described(const std::string& text) {
     constexpr std::size_t kMostShown = 60;
@@ -141,7 +150,7 @@ void Table::readTexts(std::string_view key, std::string_view expected, std::size
     const toml::node* const node = find(key);
     if (node == nullptr)
         return;
-    const std::string expectedList = std::string(expected) + " or a list of such";
+    const std::string expectedList = orList(expected);
     if (!node->is_array()) {
         takeText(key, *node, expectedList, take);
         return;

@@ -7,8 +7,13 @@
 
 namespace Inspection {
 
+/// As many values the ".." of all ValueMaps of a class may be written as. Its documents take
+/// several hundred megabytes to make and to read then.
+constexpr unsigned long kMostGapsOfClass = 1'000'000;
+
 /// What of a class its documents cannot show rightly. The namespace and the class are left for the
-/// caller to fill in.
+/// caller to fill in. After a finding of FindingKind::kTooManyGaps the documents must not be asked
+/// for.
 [[nodiscard]] std::vector<Finding> inspectClass(const CimClass& cimClass);
 
 }  // namespace Inspection

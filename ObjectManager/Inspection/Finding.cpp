@@ -5,13 +5,16 @@
 namespace Inspection {
 
 bool isError(FindingKind kind) noexcept {
-    return kind == FindingKind::kNoDocument || kind == FindingKind::kNotWellFormed;
+    return kind == FindingKind::kNoDocument || kind == FindingKind::kTooManyGaps ||
+           kind == FindingKind::kNotWellFormed;
 }
 
 const char* nameOf(FindingKind kind) noexcept {
     switch (kind) {
         case FindingKind::kNoDocument:
             return "no-document";
+        case FindingKind::kTooManyGaps:
+            return "too-many-gaps";
         case FindingKind::kNotWellFormed:
             return "not-well-formed";
         case FindingKind::kUnmappedType:

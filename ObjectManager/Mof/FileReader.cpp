@@ -1,6 +1,5 @@
 #include "ObjectManager/Mof/FileReader.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <optional>
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include "ObjectManager/Mof/FileParser.h"
+#include "ObjectManager/Mof/FolderFiles.h"
 #include "ObjectManager/Mof/InputFile.h"
 
 namespace Mof {
@@ -31,6 +31,11 @@ std::string besides(std::string_view file, const std::string& name) {
     return std::string(file.substr(0, folderEnd + 1)) + name;
 }
 
+std::string reasonOf(const std::system_error& error) {
+    return error.code() == std::errc::not_supported ? "it is no regular file"
+                                                    : error.code().message();
+}
+
 // Reads a file and what it includes. Since declarations may stand in any order, an included file is
 // read after the one that includes it.
 class FileReader {
@@ -49,12 +54,15 @@ class FileReader {
 
     // Reads a file or a folder.
     void readAll(const std::string& path) {
-        for (const std::string& file : filesAt(path)) {
-            try {
-                readUnlessIncluded(file);
-            } catch (const std::system_error& error) {
-                addUnreadable(file, error);
-            }
+        try {
+            if (fs::is_directory(path))
+                readFolder(path);
+            else
+                readUnlessIncluded(path, InputFile::Kind::kAny);
+        } catch (const fs::filesystem_error& error) {
+            addUnreadable(error.path1(), error);
+        } catch (const std::system_error& error) {
+            addUnreadable(path, error);
         }
     }
 
@@ -66,31 +74,27 @@ class FileReader {
         std::size_t depth;
     };
 
-    std::vector<std::string> filesAt(const std::string& path) {
-        std::vector<std::string> files;
-        try {
-            if (!fs::is_directory(path))
-                return {path};
-            for (const fs::directory_entry& entry : fs::recursive_directory_iterator(path)) {
-                if (entry.path().extension() == ".mof" && !entry.is_directory())
-                    files.push_back(entry.path());
+    void readFolder(const std::string& path) {
+        const std::vector<FolderFile> files = filesOfFolder(path);
+        for (const FolderFile& file : files)
+            ofFolders_.insert(file.identity);
+        for (const FolderFile& file : files) {
+            try {
+                readUnlessIncluded(file.path, InputFile::Kind::kRegular);
+            } catch (const std::system_error& error) {
+                addUnreadable(file.path, error);
             }
-        } catch (const std::system_error& error) {
-            addUnreadable(path, error);
         }
-        std::sort(files.begin(), files.end());
-        return files;
     }
 
     void addUnreadable(const std::string& path, const std::system_error& error) {
-        reporter_.errorOfFile(path, "cannot be read: " + error.code().message());
+        reporter_.errorOfFile(path, "cannot be read: " + reasonOf(error));
     }
 
-    void readUnlessIncluded(const std::string& path) {
-        const std::optional<InputFile> file = InputFile::openIfThere(path);
+    void readUnlessIncluded(const std::string& path, InputFile::Kind kind) {
+        const std::optional<InputFile> file = InputFile::openIfThere(path, kind);
         if (!file)
-            throw fs::filesystem_error(path,
-                                       std::make_error_code(std::errc::no_such_file_or_directory));
+            throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory));
         if (!read_.contains(file->identity()))
             read(path, *file, nullptr);
     }
@@ -114,19 +118,20 @@ class FileReader {
             findAndRead(include, includedBy);
         } catch (const std::system_error& error) {
             reporter_.error(include.position, "the included file \"" + include.path +
-                                                  "\" cannot be read: " + error.code().message());
+                                                  "\" cannot be read: " + reasonOf(error));
         }
     }
 
     void findAndRead(const Include& include, const Reading& includedBy) {
+        constexpr auto kKind = InputFile::Kind::kRegular;
         const std::string& includingFile = compilation_.files[include.position.file].name();
         std::string path = besides(includingFile, include.path);
-        std::optional<InputFile> file = InputFile::openIfThere(path);
+        std::optional<InputFile> file = InputFile::openIfThere(path, kKind);
         for (const std::string& folder : options_.includePath) {
             if (file)
                 break;
             path = besides(folder + "/", include.path);
-            file = InputFile::openIfThere(path);
+            file = InputFile::openIfThere(path, kKind);
         }
         if (!file) {
             reporter_.error(include.position,
@@ -148,8 +153,7 @@ class FileReader {
             }
         }
         if (read_.contains(file.identity())) {
-            reporter_.warning(include.position, "the file \"" + include.path +
-                                                    "\" is included already and not read again");
+            warnUnlessOfFolder(include, file);
             return false;
         }
         if (includedBy.depth == options_.deepestInclude) {
@@ -159,6 +163,14 @@ class FileReader {
             return false;
         }
         return true;
+    }
+
+    // A folder may hold a file that includes the others, in whatever order they are read.
+    void warnUnlessOfFolder(const Include& include, const InputFile& file) {
+        if (!ofFolders_.contains(file.identity())) {
+            reporter_.warning(include.position, "the file \"" + include.path +
+                                                    "\" is included already and not read again");
+        }
     }
 
     // Whatever is parsed, it is the file that was added last.
@@ -171,6 +183,7 @@ class FileReader {
     Reporter& reporter_;
     FileParser parser_;
     std::set<InputFile::Identity> read_;
+    std::set<InputFile::Identity> ofFolders_;  // read, or about to be
 };
 
 }  // namespace

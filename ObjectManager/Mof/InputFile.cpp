@@ -23,8 +23,9 @@ void requireFits(std::size_t length, std::size_t mostBytes) {
 
 }  // namespace
 
-std::optional<InputFile> InputFile::openIfThere(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+std::optional<InputFile> InputFile::openIfThere(const std::string& path, Kind kind) {
+    const int waiting = kind == Kind::kRegular ? O_NONBLOCK : 0;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR))
         return std::nullopt;
     if (descriptor < 0)
@@ -33,6 +34,9 @@ std::optional<InputFile> InputFile::openIfThere(const std::string& path) {
     struct stat status = {};
     if (fstat(descriptor, &status) != 0)
         fail();
+    // Of a folder, the attempt to read it says what it is.
+    if (kind == Kind::kRegular && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
+        throw std::system_error(std::make_error_code(std::errc::not_supported));
     file.identity_ = {.device = status.st_dev, .number = status.st_ino};
     if (S_ISREG(status.st_mode))
         file.expectedSize_ = static_cast<std::size_t>(status.st_size);

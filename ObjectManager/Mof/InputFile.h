@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -27,9 +28,17 @@ class InputFile {
         }
     };
 
+    /// What may be opened. Of a pipe it is known only whether somebody is going to write to it when
+    /// somebody does, so only who names one on purpose can wait for that.
+    enum class Kind : std::uint8_t {
+        kAny,      ///< waits for the writer of a pipe
+        kRegular,  ///< waits for nothing
+    };
+
     /// Opens a file; none where no file has that path.
-    /// Errors: std::system_error when it is there and cannot be read.
-    [[nodiscard]] static std::optional<InputFile> openIfThere(const std::string& path);
+    /// Errors: std::system_error when it is there and cannot be read; with std::errc::not_supported
+    /// when it is not of that kind.
+    [[nodiscard]] static std::optional<InputFile> openIfThere(const std::string& path, Kind kind);
 
     InputFile(InputFile&& other) noexcept;
     InputFile& operator=(InputFile&& other) noexcept;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -119,21 +120,32 @@ class Unescaper {
 
     // \x and one to four hexadecimal digits; characters beyond the basic plane are two of them.
     void readCodePoint(TSKString& result, std::size_t start) {
-        CodePoint code = readHexadecimal(start);
-        if (isHighSurrogate(code) && text_.substr(position_, 2) == "\\x") {
-            const std::size_t second = position_;
-            position_ += 2;
-            const CodePoint low = readHexadecimal(second);
-            if (isLowSurrogate(low))
-                code = 0x10000 + ((code - 0xD800) << 10U) + (low - 0xDC00);
+        const std::optional<CodePoint> first = readHexadecimal();
+        if (!first) {
+            onError_(offset_ + start, "\\x needs hexadecimal digits");
+            return;
         }
+        const CodePoint code = isHighSurrogate(*first) ? joinedToNext(*first) : *first;
         if (code == 0 || isHighSurrogate(code) || isLowSurrogate(code))
             onError_(offset_ + start, "this escape stands for no character");
         else
             appendUtf8(result, code);
     }
 
-    CodePoint readHexadecimal(std::size_t start) {
+    // The character of which the second half follows; `high` where that is something else.
+    CodePoint joinedToNext(CodePoint high) {
+        const std::string_view escape = text_.substr(position_, 2);
+        if (escape == "\\x" || escape == "\\X") {
+            position_ += 2;
+            const std::optional<CodePoint> low = readHexadecimal();
+            if (low && isLowSurrogate(*low))
+                return 0x10000 + ((high - 0xD800) << 10U) + (*low - 0xDC00);
+        }
+        return high;
+    }
+
+    // None without a digit.
+    std::optional<CodePoint> readHexadecimal() {
         constexpr std::size_t kMostDigits = 4;
         const std::string_view digits = text_.substr(position_, kMostDigits);
         CodePoint code = 0;
@@ -141,7 +153,7 @@ class Unescaper {
             std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
         position_ += static_cast<std::size_t>(end - digits.data());
         if (error != std::errc())
-            onError_(offset_ + start, "\\x needs hexadecimal digits");
+            return std::nullopt;
         return code;
     }
 
@@ -189,8 +201,10 @@ Literal integerLiteral(std::string_view text, std::size_t offset, const ReportFa
         std::from_chars(digits.text.data(), digits.text.data() + digits.text.size(),
                         literal.magnitude, digits.radix);
     constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63U;
-    if (error != std::errc() || (literal.isNegative && literal.magnitude > kMostNegative))
+    if (error != std::errc() || (literal.isNegative && literal.magnitude > kMostNegative)) {
+        literal.magnitude = std::numeric_limits<std::uint64_t>::max();
         onError(offset, "this number does not fit into 64 bits");
+    }
     return literal;
 }
 
@@ -212,9 +226,10 @@ std::size_t lengthOfString(std::string_view text) noexcept {
         // Nothing behind the next quotation mark is looked at: there may be many strings on a line,
         // and many quotation marks in a string.
         const std::size_t quote = std::min(text.find('"', start), text.size());
-        const std::size_t end = std::min(text.substr(0, quote).find('\n', start), quote);
+        const std::size_t lineEnd = std::min(text.substr(0, quote).find('\n', start), quote);
+        const std::size_t end = std::min(text.substr(0, lineEnd).find('\r', start), lineEnd);
         const bool isEscaped = endsWithEscape(text.substr(0, end));
-        if (end == text.size() || text[end] == '\n')
+        if (end == text.size() || text[end] != '"')
             return isEscaped ? end - 1 : end;
         if (!isEscaped)
             return end + 1;
@@ -231,8 +246,13 @@ TSKString unescape(std::string_view text, std::size_t offset, const ReportFault&
 Literal characterLiteral(std::string_view text, std::size_t offset, const ReportFault& onError) {
     Literal literal;
     literal.kind = Literal::Kind::kCharacter;
-    const CodePoint code = onlyCharacter(unescape(text, offset, onError));
-    if (code == 0)
+    bool hasFault = false;
+    const ReportFault onEscapeError = [&](std::size_t place, const std::string& message) {
+        hasFault = true;
+        onError(place, message);
+    };
+    const CodePoint code = onlyCharacter(unescape(text, offset, onEscapeError));
+    if (code == 0 && !hasFault)
         onError(offset, "a char16 literal holds one character of the basic plane");
     literal.character = static_cast<std::uint16_t>(code);
     return literal;

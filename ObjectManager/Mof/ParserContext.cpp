@@ -2,11 +2,20 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace Mof {
 
 namespace {
+
+constexpr const char* kInclude = "include";
+constexpr const char* kNamespace = "namespace";
+constexpr const char* kLocale = "locale";
+
+std::string unknownPragma(const Pragma& pragma) {
+    return std::string("the pragma \"") + pragma.name.data() + "\" is not known and is ignored";
+}
 
 // Returns whether the two agree.
 bool combine(std::optional<bool>& flavor, const std::optional<bool>& more) {
@@ -20,7 +29,17 @@ bool combine(std::optional<bool>& flavor, const std::optional<bool>& more) {
 }  // namespace
 
 ParserContext::ParserContext(ReportFault onErrorFound, ReportFault onWarningFound)
-    : onError(std::move(onErrorFound)), onWarning(std::move(onWarningFound)) {}
+    : onError([this, report = std::move(onErrorFound)](std::size_t at, const std::string& message) {
+          if (isQuiet)
+              return;
+          lastError_ = at;
+          report(at, message);
+      }),
+      onWarning(
+          [this, report = std::move(onWarningFound)](std::size_t at, const std::string& message) {
+              if (!isQuiet)
+                  report(at, message);
+          }) {}
 
 void ParserContext::begin(std::size_t file, std::string_view text, void* flex) {
     file_ = file;
@@ -28,6 +47,12 @@ void ParserContext::begin(std::size_t file, std::string_view text, void* flex) {
     scanner = flex;
     offset = 0;
     result = {};
+    fault = {};
+    openBraces = 0;
+    skipping = Skipping::kNothing;
+    isQuiet = false;
+    skippedToEnd = false;
+    lastError_.reset();
 }
 
 Literal ParserContext::textLiteral(const Range& range, Literal::Kind kind, TSKString text) const {
@@ -71,19 +96,28 @@ Flavors ParserContext::combined(const Range& range, Flavors flavors, const Flavo
     return flavors;
 }
 
-void ParserContext::addPragma(const Range& range, const TSKString& name, const TSKString& value) {
-    if (name.equalsIgnoreCase("include")) {
-        Include include{.path = value.data(), .position = position(range)};
+void ParserContext::addPragma(const Range& range, const Pragma& pragma) {
+    if (pragma.name.equalsIgnoreCase(kInclude)) {
+        Include include{.path = pragma.value.data(), .position = position(range)};
         std::replace(include.path.begin(), include.path.end(), '\\', '/');
         result.includes.push_back(std::move(include));
-    } else if (name.equalsIgnoreCase("namespace")) {
+    } else if (pragma.name.equalsIgnoreCase(kNamespace)) {
         onWarning(range.begin,
                   "the pragma \"namespace\" is ignored: the command says which namespace the "
                   "classes belong to");
-    } else if (!name.equalsIgnoreCase("locale")) {
-        onWarning(range.begin,
-                  std::string("the pragma \"") + name.data() + "\" is not known and is ignored");
+    } else if (!pragma.name.equalsIgnoreCase(kLocale)) {
+        onWarning(range.begin, unknownPragma(pragma));
     }
+}
+
+void ParserContext::reportIncomplete(const Range& range, const Pragma& pragma) const {
+    const bool isUnknown = !pragma.name.isEmpty() && !pragma.name.equalsIgnoreCase(kInclude) &&
+                           !pragma.name.equalsIgnoreCase(kNamespace) &&
+                           !pragma.name.equalsIgnoreCase(kLocale);
+    if (isUnknown)
+        onWarning(range.begin, unknownPragma(pragma));
+    else
+        onError(range.begin, "the pragma is not complete; a pragma is: #pragma NAME (\"VALUE\")");
 }
 
 }  // namespace Mof

@@ -35,8 +35,23 @@ bool isSame(const Flavors& left, const Flavors& right) {
            left.translatable == right.translatable;
 }
 
+// Whether a value is that of a boolean qualifier that is written without one.
+bool isImplied(const Value& value) {
+    if (value.isArray)
+        return false;
+    const Literal& literal = value.literals.front();
+    return literal.kind == Literal::Kind::kBoolean && literal.truth;
+}
+
+bool haveSameValue(const Qualifier& left, const Qualifier& right) {
+    if (left.value && right.value)
+        return isSame(*left.value, *right.value);
+    const std::optional<Value>& written = left.value ? left.value : right.value;
+    return !written || isImplied(*written);
+}
+
 bool isSame(const Qualifier& left, const Qualifier& right) {
-    return isSame(left.name, right.name) && areSame(left.value, right.value) &&
+    return isSame(left.name, right.name) && haveSameValue(left, right) &&
            isSame(left.flavors, right.flavors);
 }
 

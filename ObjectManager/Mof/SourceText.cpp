@@ -13,6 +13,10 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+constexpr bool isLineEnd(char byte) noexcept {
+    return byte == '\r' || byte == '\n';
+}
+
 // Almost all of a schema is ASCII, which is stepped over a word at a time.
 std::size_t asciiLength(std::string_view text) noexcept {
     constexpr std::uint64_t kHighBits = 0x8080808080808080U;
@@ -41,6 +45,18 @@ bool isUtf8(std::string_view text) noexcept {
 std::size_t countCharacters(std::string_view text) noexcept {
     return static_cast<std::size_t>(
         std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
+}
+
+// CR, LF, or the two in a row.
+std::size_t countLineEnds(std::string_view text) noexcept {
+    std::size_t count = 0;
+    char last = 0;
+    for (const char byte : text) {
+        if (byte == '\r' || (byte == '\n' && last != '\r'))
+            ++count;
+        last = byte;
+    }
+    return count;
 }
 
 std::string fromLatin1(std::string_view bytes) {
@@ -72,12 +88,23 @@ SourceText::SourceText(std::string name, std::string bytes)
     turnIntoUtf8(text_);
 }
 
+bool SourceText::looksLikeUtf16() const noexcept {
+    constexpr std::string_view kLittleEndianMark = "\xC3\xBF\xC3\xBE";  // FF FE, as Latin-1
+    constexpr std::string_view kBigEndianMark = "\xC3\xBE\xC3\xBF";
+    const std::string_view start = text();
+    if (start.starts_with(kLittleEndianMark) || start.starts_with(kBigEndianMark))
+        return true;
+    // Letters of ASCII without a mark.
+    return start.size() >= 4 && (start[0] == '\0') != (start[1] == '\0') &&
+           (start[0] == '\0') == (start[2] == '\0') && (start[1] == '\0') == (start[3] == '\0');
+}
+
 LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
     const std::string_view before = text().substr(0, offset);
     const std::size_t lineStart = startOfLine(offset);
     const std::string_view inLine = before.substr(lineStart);
     return {
-        .line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
+        .line = 1 + countLineEnds(text().substr(0, lineStart)),
         .column = 1 + countCharacters(inLine),
     };
 }
@@ -97,17 +124,20 @@ LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
 }
 
 std::string_view SourceText::lineAt(std::size_t offset) const noexcept {
-    std::string_view line = text().substr(startOfLine(offset));
-    line = line.substr(0, line.find('\n'));
-    if (line.ends_with('\r'))
-        line.remove_suffix(1);
-    return line;
+    const std::string_view line = text().substr(startOfLine(offset));
+    const auto end = std::find_if(line.begin(), line.end(), isLineEnd);
+    return line.substr(0, static_cast<std::size_t>(end - line.begin()));
 }
 
 std::size_t SourceText::startOfLine(std::size_t offset) const noexcept {
-    const std::string_view before = text().substr(0, offset);
-    const std::size_t newline = before.rfind('\n');
-    return newline == std::string_view::npos ? 0 : newline + 1;
+    const std::string_view all = text();
+    std::size_t start = std::min(offset, all.size());
+    // Between the two bytes of one end the line is not over.
+    if (start > 0 && all[start - 1] == '\r' && all.substr(start).starts_with('\n'))
+        --start;
+    while (start > 0 && !isLineEnd(all[start - 1]))
+        --start;
+    return start;
 }
 
 }  // namespace Mof

@@ -6,7 +6,8 @@
 
 namespace Mof {
 
-/// A place in a source text, as a person counts: from 1, columns in characters.
+/// A place in a source text, as a person counts: from 1, columns in characters. A line ends with
+/// LF, CR LF, or CR alone, as old files have it.
 struct LineAndColumn {
     std::size_t line = 1;
     std::size_t column = 1;
@@ -30,6 +31,9 @@ class SourceText {
 
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] std::string_view text() const noexcept { return text_; }
+
+    /// Whether the bytes were text after all, in UTF-16. Only for a text with zero bytes.
+    [[nodiscard]] bool looksLikeUtf16() const noexcept;
 
     /// Where the byte at `offset` stands; the end of the text for an offset behind it.
     [[nodiscard]] LineAndColumn locate(std::size_t offset) const noexcept;

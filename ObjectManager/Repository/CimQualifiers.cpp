@@ -31,7 +31,7 @@ const CimQualifier* CimQualifiers::find(const TSKString& name,
                          : all_.begin() + static_cast<std::ptrdiff_t>(written_.size());
     const auto found = std::find_if(
         all_.begin(), end, [&](const CimQualifier* qualifier) { return qualifier->isNamed(name); });
-    return found == end ? nullptr : *found;
+    return found == end || !(*found)->hasValue() ? nullptr : *found;
 }
 
 CI_AutoPtr_U<urma::Iterator<const urma::IQualifier&>> CimQualifiers::iterate(

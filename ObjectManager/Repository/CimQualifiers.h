@@ -27,7 +27,8 @@ class CimQualifiers {
     /// once at most.
     void inherit(const CimQualifiers& overridden);
 
-    /// In any case; null when there is none.
+    /// In any case; null when there is none, or it is written with the value null: that takes away
+    /// what the overridden definition propagates. The iterator shows it nevertheless.
     [[nodiscard]] const CimQualifier* find(const TSKString& name,
                                            bool includePropagated) const noexcept;
 

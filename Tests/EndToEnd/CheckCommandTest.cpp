@@ -109,17 +109,13 @@ TEST_F(CheckCommand, GoesOnAfterWarningsAboutMof) {
     const ProgramRun run = runTesk(
         "check --namespace " +
         write("odd.mof", std::string(kQualifiers) + "class TST_A { [ValueMap] uint8 Count; };\n"));
-    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(shown(run.errors),
               "odd.mof:2:16: warning: the qualifier \"ValueMap\" has no value\n"
               "class TST_A { [ValueMap] uint8 Count; };\n"
               "               ^\n");
-    EXPECT_EQ(withoutTime(run.output),
-              "error: root/test:TST_A: TST_A.wsdl cannot be made: There is no object behind the "
-              "pointer\n"
-              "error: root/test:TST_A: TST_A.xsd cannot be made: There is no object behind the "
-              "pointer\n"
-              "1 class in 1 namespace, 0 documents, 0 bytes, TIME: 2 errors, 0 warnings\n");
+    EXPECT_TRUE(run.output.starts_with("1 class in 1 namespace, 2 documents, ")) << run.output;
+    EXPECT_TRUE(run.output.ends_with(": 0 errors, 0 warnings\n")) << run.output;
 }
 
 TEST_F(CheckCommand, NeedsAPathThatIsThere) {

@@ -37,6 +37,15 @@ TEST(ClassesCommand, ListsOneNamespaceInAnyCase) {
     EXPECT_EQ(outputOf("classes InterOp"), interop);
 }
 
+// As --namespace does, and as the paths of documents have them.
+TEST(ClassesCommand, TakesSlashesAroundANamespace) {
+    EXPECT_EQ(outputOf("classes /interop/"), outputOf("classes interop"));
+    EXPECT_EQ(outputOf("classes /root/cimv2/ CIM_System"),
+              outputOf("classes root/cimv2 CIM_System"));
+    EXPECT_EQ(runTesk("classes /root/acme/").errors,
+              "tesk: there is no namespace \"root/acme\"; there are: root/cimv2, interop\n");
+}
+
 TEST(ClassesCommand, DescribesOneClassInAnyCase) {
     const std::string output = outputOf("classes root/cimv2 CIM_System");
     EXPECT_EQ(outputOf("classes Root/CIMV2 cim_SYSTEM"), output);

@@ -69,11 +69,10 @@ TEST(DocumentCheck, SortsWhatItFindsBySeverityAndPlace) {
             "class TST_B { uint32 Get([In, Out, ValueMap{\"0\", \"20000\", \"..\"}] "
             "uint32 Code); };\n"
             "class TST_A\xC3\x97 { uint32 Go([In, MaxLen(1), ValueMap{\"a\"}] string P); };\n"
-            "class TST_N { [MaxLen(null)] string Name; };\n")),
-        "error: root/test:TST_N: TST_N.wsdl cannot be made: There is no object behind the "
-        "pointer\n"
-        "error: root/test:TST_N: TST_N.xsd cannot be made: There is no object behind the "
-        "pointer\n"
+            "class TST_N { [ValueMap{\"4294967295\", \"..\"}] uint32 Code; };\n")),
+        "error: root/test:TST_N.Code: the \"..\" of its ValueMap stands for 4294967295 values; "
+        "with "
+        "more than 1000000 the documents of a class are not made\n"
         "error: root/test:TST_Y: TST_Y.wsdl is not well-formed: line 26, column 35: invalid "
         "character in attribute value\n"
         "error: root/test:TST_Y: TST_Y.xsd is not well-formed: line 8, column 35: invalid "
@@ -89,6 +88,32 @@ TEST(DocumentCheck, SortsWhatItFindsBySeverityAndPlace) {
         "warning: root/test:TST_B: the WSDL has two messages \"Get_OutputMessage\", since a "
         "method is named like another operation\n"
         "warning: root/test:TST_A\xC3\x97: the name is none that XML allows\n");
+}
+
+// It takes away what is propagated.
+TEST(DocumentCheck, ANullIsAsNoQualifierAtAll) {
+    const CheckResult result = check(MofModel(
+        "class TST_A { [MaxLen(5), ValueMap{\"a\"}] string Name; };\n"
+        "class TST_B : TST_A { [MaxLen(null), ValueMap(null), Key(null), Description(null)]\n"
+        "  string Name; };\n"
+        "class TST_C { uint32 Go([In, MaxLen(null), ValueMap(null)] string P,\n"
+        "  [In(null)] string Q); };\n"));
+    EXPECT_EQ(result.documents, 6U);
+    EXPECT_TRUE(result.findings.empty()) << toText(result);
+}
+
+// The documents of the class would take all memory.
+TEST(DocumentCheck, DoesNotAskForDocumentsOfTooManyGaps) {
+    const CheckResult result =
+        check(MofModel("class TST_A { [ValueMap{\"0xFFFFFFFFFFFF\", \"..\"}] uint64 Code; };\n"
+                       "class TST_B {};\n"));
+    EXPECT_EQ(result.documents, 2U);
+    EXPECT_EQ(result.countErrors(), 1U);
+    ASSERT_EQ(result.findings.size(), 1U);
+    EXPECT_EQ(toText(result.findings.front()),
+              "error: root/test:TST_A.Code: the \"..\" of its ValueMap stands for "
+              "281474976710655 values; with more than 1000000 the documents of a class are not "
+              "made");
 }
 
 // Raw descriptions are markup, for better or worse.

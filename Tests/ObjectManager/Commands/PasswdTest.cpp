@@ -235,7 +235,7 @@ TEST_F(PasswdCommandTest, WrongUsageIsReported) {
 TEST_F(PasswdCommandTest, ItsHelpShowsHowItIsUsed) {
     EXPECT_EQ(parse({"passwd", "--help"}),
               "This should be caught in your main function, see examples");
-    EXPECT_EQ(program_.help(), R"(Set a user's password, or remove a user
+    EXPECT_EQ(program_.help(), R"(Sets a user's password, or removes a user
 Usage: tesk passwd [OPTIONS] FILE USER
 
 Positionals:

@@ -282,6 +282,9 @@ TEST(SettingsReader, WrongNamespacesAreRefused) {
         errorsIn("a = []"),
         "tesk.toml:2:5: error: \"a\" in [namespaces] must be a MOF file, a folder or a list of "
         "such, not a list\n");
+    EXPECT_EQ(
+        errorsIn("a = ['a.mof', 5]"),
+        "tesk.toml:2:15: error: \"a\" in [namespaces] must be a MOF file or a folder, not 5\n");
     EXPECT_EQ(errorsIn("a = ['a.mof', '']"),
               "tesk.toml:2:15: error: \"a\" in [namespaces]: a path must have at least one "
               "character, and no zero byte\n");

@@ -62,6 +62,59 @@ TEST(ClassInspector, FindsParametersOfTwoTypes) {
               twoTypes("Stop.A") + twoTypes("Stop.B") + twoTypes("Go.A"));
 }
 
+// It stands in no schema.
+TEST(ClassInspector, FindsNothingInAParameterThatGoesNeitherInNorOut) {
+    EXPECT_EQ(
+        findingsOf("class TST_Sub {\n"
+                   "  uint32 Stop([MaxLen(3), ValueMap{\"a\"}] string A,\n"
+                   "              [In(false), Out(null), MaxLen(3), ValueMap{\"a\"}] string B,\n"
+                   "              [ValueMap{\"2000000\", \"..\"}] uint32 C);\n"
+                   "};\n"),
+        "");
+}
+
+std::string tooManyGaps(const std::string& member, unsigned long count) {
+    return "too-many-gaps " + member + ": the \"..\" of its ValueMap stands for " +
+           std::to_string(count) +
+           " values; with more than 1000000 the documents of a class are not made\n";
+}
+
+TEST(ClassInspector, AMillionGapsMayBeWrittenAndNoMore) {
+    EXPECT_EQ(findingsOf("class TST_A { [ValueMap{\"1000000\", \"..\"}] uint32 P; };"), "");
+    EXPECT_EQ(findingsOf("class TST_A { [ValueMap{\"1000001\", \"..\"}] uint32 P; };"),
+              tooManyGaps("P", 1'000'001));
+    EXPECT_EQ(findingsOf("class TST_A { [ValueMap{\"0xFFFFFFFF\", \"..\"}] uint32 P; };"),
+              tooManyGaps("P", 4'294'967'295));
+}
+
+// A parameter that goes in and out stands in the schema twice.
+TEST(ClassInspector, TheGapsOfAClassAddUp) {
+    EXPECT_EQ(findingsOf("class TST_A {\n"
+                         "  [ValueMap{\"500000\", \"..\"}] uint32 P;\n"
+                         "  uint32 Go([In, ValueMap{\"500000\", \"..\"}] uint32 A);\n"
+                         "};"),
+              "");
+    EXPECT_EQ(
+        findingsOf("class TST_A {\n"
+                   "  [ValueMap{\"400000\", \"..\"}] uint32 P;\n"
+                   "  [ValueMap{\"1\", \"..\"}] uint32 Few;\n"
+                   "  uint32 Go([In, Out, ValueMap{\"300000\", \"..\"}] uint32 A);\n"
+                   "};"),
+        tooManyGaps("P", 400'000) + tooManyGaps("Go.A", 300'000) + tooManyGaps("Go.A", 300'000));
+}
+
+// So many of them that they are too many, none of which is worth a word by itself.
+TEST(ClassInspector, NamesTheMembersThatHaveMostOfManySmallGaps) {
+    std::string mof = "class TST_A {\n";
+    for (int number = 0; number < 99; ++number)
+        mof += "[ValueMap{\"9999\", \"..\"}] uint32 P" + std::to_string(number) + ";\n";
+    EXPECT_EQ(findingsOf(mof + "};"), "");
+    EXPECT_EQ(findingsOf(mof + "[ValueMap{\"10000\", \"..\"}] uint32 Q;\n};"), "");
+    EXPECT_EQ(findingsOf(mof + "[ValueMap{\"10000\", \"..\"}] uint32 Q;\n"
+                               "[ValueMap{\"200\", \"..\"}] uint32 R;\n};"),
+              tooManyGaps("Q", 10'000));
+}
+
 // As the documents see them: a propagated MaxLen, but no propagated ValueMap.
 TEST(ClassInspector, LooksAtQualifiersAsTheDocumentsDo) {
     EXPECT_EQ(findingsOf("class TST_Base {\n"

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,17 +14,17 @@ using Inspection::Finding;
 using Inspection::FindingKind;
 
 constexpr FindingKind kKinds[] = {
-    FindingKind::kNoDocument,        FindingKind::kNotWellFormed, FindingKind::kUnmappedType,
-    FindingKind::kLengthAndValueMap, FindingKind::kManyGaps,      FindingKind::kDuplicateMessage,
-    FindingKind::kNoXmlName,
+    FindingKind::kNoDocument,       FindingKind::kTooManyGaps,       FindingKind::kNotWellFormed,
+    FindingKind::kUnmappedType,     FindingKind::kLengthAndValueMap, FindingKind::kManyGaps,
+    FindingKind::kDuplicateMessage, FindingKind::kNoXmlName,
 };
 
 TEST(Finding, KindsHaveNamesForPrograms) {
     std::vector<std::string> names;
     for (const FindingKind kind : kKinds)
         names.emplace_back(Inspection::nameOf(kind));
-    EXPECT_EQ(names, std::vector<std::string>({"no-document", "not-well-formed", "unmapped-type",
-                                               "length-and-value-map", "many-gaps",
+    EXPECT_EQ(names, std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed",
+                                               "unmapped-type", "length-and-value-map", "many-gaps",
                                                "duplicate-message", "no-xml-name"}));
 }
 
@@ -32,7 +34,25 @@ TEST(Finding, IsAnErrorWhereThereIsNoUsableDocument) {
         if (Inspection::isError(kind))
             errors.emplace_back(Inspection::nameOf(kind));
     }
-    EXPECT_EQ(errors, std::vector<std::string>({"no-document", "not-well-formed"}));
+    EXPECT_EQ(errors,
+              std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed"}));
+}
+
+// In the order of seriousness.
+TEST(Finding, EveryKindIsDocumentedWithItsSeverity) {
+    std::string expected;
+    for (const FindingKind kind : kKinds) {
+        expected += std::string("| `") + Inspection::nameOf(kind) + "` | " +
+                    (Inspection::isError(kind) ? "error" : "warning") + "\n";
+    }
+    std::ifstream page(DOCS_FOLDER "/checking.md");
+    std::string documented;
+    for (std::string line; std::getline(page, line);) {
+        std::smatch row;
+        if (std::regex_search(line, row, std::regex("^(\\| `[a-z-]+` \\| (error|warning)) \\| ")))
+            documented += row.str(1) + "\n";
+    }
+    EXPECT_EQ(documented, expected);
 }
 
 TEST(Finding, IsShownWithItsPlace) {

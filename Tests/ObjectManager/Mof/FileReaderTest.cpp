@@ -1,6 +1,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 
 #include "ObjectManager/Mof/FileReader.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
@@ -266,6 +268,59 @@ TEST_F(MofFileReaderTest, AFolderMayHoldAFileThatIncludesTheOthers) {
     EXPECT_EQ(textOf(compilation), "class A_B\n");
 }
 
+// As the DMTF's schema has it, whose main file stands in the middle.
+TEST_F(MofFileReaderTest, TheOrderOfAFolderMakesNoDifferenceToAFileThatIncludesTheOthers) {
+    write("a.mof", "class A_A {};");
+    write("main.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("more.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("z.mof", "class A_Z {};");
+    const Compilation compilation = readFile(folder_.path());
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_A\nclass A_Z\n");
+}
+
+TEST_F(MofFileReaderTest, AFileOutsideAFolderThatIsIncludedTwiceIsWarnedOf) {
+    write("folder/a.mof", "#pragma include (\"../b.mof\")\n#pragma include (\"../b.mof\")");
+    write("b.mof", "class A_B {};");
+    EXPECT_EQ(shown(readFile(folder_ / "folder")),
+              "folder/a.mof:2:1: warning: the file \"../b.mof\" is included already and not read "
+              "again\n"
+              "#pragma include (\"../b.mof\")\n"
+              "^\n");
+}
+
+// Nobody ever writes to it.
+TEST_F(MofFileReaderTest, APipeInAFolderOrIncludedIsAnErrorAndNotWaitedFor) {
+    write("folder/b.mof", "#pragma include (\"../pipe\")");
+    for (const char* const name : {"pipe", "folder/a.mof"})
+        ASSERT_EQ(mkfifo((folder_ / name).c_str(), 0600), 0);
+    EXPECT_EQ(shown(readFile(folder_ / "folder")),
+              "folder/a.mof: error: cannot be read: it is no regular file\n"
+              "folder/b.mof:1:1: error: the included file \"../pipe\" cannot be read: it is no "
+              "regular file\n"
+              "#pragma include (\"../pipe\")\n"
+              "^\n");
+}
+
+TEST_F(MofFileReaderTest, APipeThatIsNamedOnPurposeIsRead) {
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { folder_.write("pipe", "class A_B {};"); });
+    const Compilation compilation = readFile(pipe);
+    writer.join();
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(MofFileReaderTest, AnIncludedFolderIsAnError) {
+    write("folder/b.mof", "");
+    write("main.mof", "#pragma include (\"folder\")");
+    EXPECT_EQ(shown(compileFile("main.mof")),
+              "main.mof:1:1: error: the included file \"folder\" cannot be read: Is a directory\n"
+              "#pragma include (\"folder\")\n"
+              "^\n");
+}
+
 TEST_F(MofFileReaderTest, AFileThatCannotBeReadIsAnError) {
     const Compilation compilation = compileFile("missing.mof");
     EXPECT_EQ(shown(compilation),
@@ -336,6 +391,175 @@ TEST_F(MofFileReaderTest, GoesOnWithTheNextDeclaration) {
     EXPECT_EQ(textOf(compilation), "class A_B\n  uint8 b\nclass A_C\n  uint8 c\n");
 }
 
+struct OneFault {
+    const char* mof;
+    const char* place;
+    const char* declared;
+};
+
+// The texts have one fault each: what follows is read, and nothing right is found fault with.
+TEST_F(MofFileReaderTest, OneFaultIsOneMessageAndTheNextDeclarationIsRead) {
+    for (const auto& [mof, place, declared] : {
+             // In the head of a class.
+             OneFault{"class A_B : 5 { uint8 b; string c = \"}\"; };\nclass A_C {};", "1:13",
+                      "class A_C\n"},
+             {"class A_B A_D { [Values {\"a\"}] uint8 b[] = {1, 2}; };\nclass A_C {};", "1:11",
+              "class A_C\n"},
+             {"class ;\nclass A_C {};", "1:7", "class A_C\n"},
+             {"class A_B };\nclass A_C {};", "1:11", "class A_C\n"},
+             // In its qualifiers.
+             {"[Description(\"a \"quoted\" word\"), Values {\"a\", \"b\"}]\n"
+              "class A_B {\n uint8 b;\n uint8 c[] = {1};\n};\nclass A_C {};",
+              "1:18", "class A_B\n  uint8 b\n  uint8 c[] = {1}\nclass A_C\n"},
+             {"[Description(\"a \"class\" word\")] class A_B { uint8 b; };\nclass A_C {};", "1:18",
+              "class A_C\n"},
+             {"[Values {\"a\" 5, \"b\"}] class A_B { uint8 b; };\nclass A_C {};", "1:14",
+              "class A_C\n"},
+             {"[Values {\"a\", \"b\"]\nclass A_B { uint8 b; };\nclass A_C {};", "1:18",
+              "class A_B\n  uint8 b\nclass A_C\n"},
+             {"[Description(\"a\"]\nclass A_B {};\nclass A_C {};", "1:17",
+              "class A_B\nclass A_C\n"},
+             // In a declaration of a qualifier.
+             {"Qualifier Key boolean;\nclass A_C {};", "1:15", "class A_C\n"},
+             {"Qualifier Key : boolean = false, Scope (nothing,\nqualifier, any);\nclass A_C {};",
+              "1:41", "class A_C\n"},
+             // Without its end.
+             {"Qualifier Key : boolean = false, Scope (any)\nclass A_C {};", "2:1", "class A_C\n"},
+             {"Qualifier Key : boolean = false\n[Key] class A_C {};", "2:1", "[Key] class A_C\n"},
+             {"Qualifier Key : boolean = false Qualifier Max : uint8;", "1:33",
+              "qualifier uint8 Max scopes 0\n"},
+             {"class A_B {}\n#pragma locale (\"en\")\nclass A_C {};", "2:1", "class A_C\n"},
+             {"class A_B {} class A_C {};", "1:14", "class A_C\n"},
+             {"class A_B {\n uint8 b;\n[Key]\nclass A_C {\n uint8 c;\n};\nclass A_D {};", "4:7",
+              "class A_B\n  uint8 b\nclass A_D\n"},
+             // In a member.
+             {"class A_B {\n [Description(\"a \"b\" c\"), Values {\"a\"}] uint8 b;\n uint8 c;\n};",
+              "2:19", "class A_B\n  uint8 c\n"},
+             {"class A_B {\n [Values {\"a\" \"b\", 5, }] uint8 b;\n uint8 c;\n};", "2:23",
+              "class A_B\n  uint8 c\n"},
+             {"class A_B {\n uint8 b = {1;\n uint8 c;\n}; class A_C {};", "2:14",
+              "class A_B\n  uint8 c\nclass A_C\n"},
+             {"class A_B {\n uint8 b = 5\n uint8 c;\n uint8 d;\n};", "3:2",
+              "class A_B\n  uint8 c\n  uint8 d\n"},
+             {"class A_B {\n uint8 b\n};\nclass A_C {};", "3:1", "class A_B\nclass A_C\n"},
+             {"class A_B {\n uint8 b(uint8);\n uint8 c;\n};", "2:15", "class A_B\n  uint8 c\n"},
+             // In an instance.
+             {"instance of A_B { a = 1 };\nclass A_C {};", "1:25", "class A_C\n"},
+             {"instance of A_B {\n a = 1\n b = {2};\n};\nclass A_C {};", "3:2", "class A_C\n"},
+             {"instance of A_B { a = {1, }; b = 2; };\nclass A_C {};", "1:27", "class A_C\n"},
+             {"instance A_B {\n a = 1;\n b = {2};\n};\nclass A_C {};", "1:10", "class A_C\n"},
+             // Left over.
+             {"class A_B {}; };\nclass A_C {};", "1:15", "class A_B\nclass A_C\n"},
+             {"x y z;\nclass A_C {};", "1:1", "class A_C\n"},
+             // Up to the end.
+             {"class A_C {};\n[Description(\"a\" b)]", "2:18", "class A_C\n"},
+             {"class A_B {\n uint8 b uint8 c", "2:10", ""},
+         }) {
+        const Compilation compilation = compileText(mof);
+        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << shown(compilation);
+        const Mof::LineAndColumn at = compilation.diagnostics[0].place;
+        EXPECT_EQ(std::to_string(at.line) + ":" + std::to_string(at.column), place) << mof;
+        EXPECT_EQ(textOf(compilation), declared) << mof;
+    }
+}
+
+// The errors of all are shown at once.
+TEST_F(MofFileReaderTest, EveryFaultOfSeveralDeclarationsIsReported) {
+    const Compilation compilation = compileText(
+        "[Description(\"a \"b\" c\")]\n"
+        "class A_B { uint8 = 5; uint8 b; };\n"
+        "Qualifier Key boolean;\n"
+        "instance of A_B { a 1; b = 2; c 3; };\n"
+        "class A_C { uint8 c };\n"
+        "class A_D {\n");
+    std::string places;
+    for (const Mof::Diagnostic& diagnostic : compilation.diagnostics)
+        places += std::to_string(diagnostic.place.line) + ":" +
+                  std::to_string(diagnostic.place.column) + " ";
+    EXPECT_EQ(places, "1:18 2:19 3:15 4:21 4:33 5:21 7:1 ");
+    EXPECT_EQ(textOf(compilation), "class A_B\n  uint8 b\nclass A_C\n");
+}
+
+// The scanner and the parser do not both speak of it.
+TEST_F(MofFileReaderTest, WhatIsNoTokenIsOneFault) {
+    for (const auto& [mof, place, declared] : {
+             OneFault{"class 1A {};\nclass A_C {};", "1:7", "class A_C\n"},
+             {"class A_B { uint8 a[99999999999999999999]; };", "1:21",
+              "class A_B\n  uint8 a[18446744073709551615]\n"},
+             {"class A_B { string s = \"\\xZZ\"; };", "1:25", "class A_B\n  string s = \"ZZ\"\n"},
+             {"class A_B { char16 c = '\\x0'; };", "1:25", "class A_B\n  char16 c = '0'\n"},
+             {"class \"abc\nclass A_C {};", "1:7", "class A_C\n"},
+         }) {
+        const Compilation compilation = compileText(mof);
+        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << shown(compilation);
+        const Mof::LineAndColumn at = compilation.diagnostics[0].place;
+        EXPECT_EQ(std::to_string(at.line) + ":" + std::to_string(at.column), place) << mof;
+        EXPECT_EQ(textOf(compilation), declared) << mof;
+    }
+}
+
+TEST_F(MofFileReaderTest, LinesEndWithCarriageReturnsInOldFiles) {
+    EXPECT_EQ(declared("// foo\rclass A_B {};\r/* b */\rclass A_C {};\r"),
+              "class A_B\nclass A_C\n");
+    EXPECT_EQ(faults("class A_B {\r  string s = \"abc;\r};\r"),
+              "a.mof:2:14: error: the string is not closed on its line\n"
+              "  string s = \"abc;\n"
+              "             ^\n"
+              "a.mof:3:1: error: found \"}\", expected \";\" or a string\n"
+              "};\n"
+              "^\n");
+}
+
+TEST_F(MofFileReaderTest, APragmaMayHoldComments) {
+    EXPECT_EQ(declared("#pragma /* a */ locale // b\n  ( /* ( */ \"en\" // )\r ) class A_B {};"),
+              "class A_B\n");
+}
+
+TEST_F(MofFileReaderTest, APragmaThatIsNotCompleteIsOneErrorWhereItBegins) {
+    for (const char* const pragma :
+         {"#pragma", "#pragma include", "#pragma include (", "#pragma include (\"b.mof\"",
+          "#pragma include (\"b.mof)", "#pragma include (b.mof)", "#pragma locale \"en\"",
+          "#pragma Namespace // (", "#pragma include /* (\"b.mof\")", "#pragma (\"b\")"}) {
+        EXPECT_EQ(faults(" " + std::string(pragma) + "\nclass A_B {};"),
+                  "a.mof:1:2: error: the pragma is not complete; a pragma is: #pragma NAME "
+                  "(\"VALUE\")\n " +
+                      std::string(pragma) + "\n ^\n");
+    }
+}
+
+// Who made it up may write it as he likes.
+TEST_F(MofFileReaderTest, AnUnknownPragmaOfAnotherFormIsAWarningAndItsLineIsLeftOut) {
+    for (const char* const pragma : {"#pragma odd", "#pragma odd (1, 2)", "#pragma odd \"x\"; {"}) {
+        const Compilation compilation = compileText(std::string(pragma) + "\nclass A_B {};");
+        EXPECT_EQ(shown(compilation),
+                  "a.mof:1:1: warning: the pragma \"odd\" is not known and is ignored\n" +
+                      std::string(pragma) + "\n^\n");
+        EXPECT_FALSE(compilation.hasErrors());
+        EXPECT_EQ(textOf(compilation), "class A_B\n");
+    }
+}
+
+TEST_F(MofFileReaderTest, APragmaInAClassIsAnError) {
+    EXPECT_EQ(faults("class A_B {\n#pragma locale (\"en\")\n};"),
+              "a.mof:2:1: error: found \"#pragma\", expected \"}\", \"[\", a name or a data type\n"
+              "#pragma locale (\"en\")\n"
+              "^\n");
+}
+
+TEST_F(MofFileReaderTest, AFileInUtf16IsAnErrorThatSaysWhatToDo) {
+    using namespace std::string_literals;
+    const std::string message =
+        "the file looks like UTF-16: convert it to UTF-8, for example with \"iconv -f UTF-16 -t "
+        "UTF-8\"";
+    for (const std::string& mof : {"\xFF\xFE/\0/\0"s, "\xFE\xFF\0/\0/"s, "/\0/\0"s}) {
+        const Compilation compilation = compileText(mof);
+        ASSERT_EQ(compilation.diagnostics.size(), 1U);
+        EXPECT_EQ(compilation.diagnostics[0].message, message);
+        EXPECT_EQ(compilation.diagnostics[0].place.line, 1U);
+        EXPECT_EQ(compilation.diagnostics[0].place.column, 1U);
+    }
+}
+
 TEST_F(MofFileReaderTest, AnUnclosedStringIsAnErrorWhereItBegins) {
     EXPECT_EQ(faults("class A_B {\n    string s = \"abc;\n    uint8 x;\n};"),
               "a.mof:2:16: error: the string is not closed on its line\n"
@@ -362,7 +586,7 @@ TEST_F(MofFileReaderTest, ANumberOutOfRangeIsAnErrorAtItsPlace) {
 
 TEST_F(MofFileReaderTest, WhatIsNoNumberIsAnError) {
     EXPECT_EQ(faults("class A_B { uint8 x = 12ab; };"),
-              "a.mof:1:23: error: this is not a number\n"
+              "a.mof:1:23: error: this is neither a number nor a name\n"
               "class A_B { uint8 x = 12ab; };\n"
               "                      ^\n");
     EXPECT_EQ(faults("class A_B { uint8 x = 089; };"),

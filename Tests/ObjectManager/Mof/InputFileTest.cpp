@@ -16,7 +16,7 @@ using Mof::InputFile;
 constexpr std::size_t kNoLimit = 1'000'000;
 
 InputFile opened(const std::string& path) {
-    std::optional<InputFile> file = InputFile::openIfThere(path);
+    std::optional<InputFile> file = InputFile::openIfThere(path, InputFile::Kind::kAny);
     EXPECT_TRUE(file) << path;
     return std::move(*file);
 }
@@ -62,15 +62,34 @@ TEST(InputFile, AnEndlessDeviceIsNotRead) {
 
 TEST(InputFile, AFileThatIsNotThereIsNone) {
     const TemporaryFolder folder;
-    EXPECT_FALSE(InputFile::openIfThere(folder / "missing"));
-    EXPECT_FALSE(InputFile::openIfThere(folder.write("a.mof", "") / "below"));
+    EXPECT_FALSE(InputFile::openIfThere(folder / "missing", InputFile::Kind::kAny));
+    EXPECT_FALSE(
+        InputFile::openIfThere(folder.write("a.mof", "") / "below", InputFile::Kind::kAny));
 }
 
 TEST(InputFile, WhatCannotBeReadThrows) {
     const TemporaryFolder folder;
     EXPECT_THROW((void)opened(folder.path()).readAll(kNoLimit), std::system_error);
     std::filesystem::create_symlink("loop", folder / "loop");
-    EXPECT_THROW((void)InputFile::openIfThere(folder / "loop"), std::system_error);
+    EXPECT_THROW((void)InputFile::openIfThere(folder / "loop", InputFile::Kind::kAny),
+                 std::system_error);
+}
+
+// Which nobody ever writes to.
+TEST(InputFile, APipeIsNotWaitedForWhereARegularFileIsWanted) {
+    const TemporaryFolder folder;
+    const std::string pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {pipe, std::string("/dev/null")}) {
+        try {
+            (void)InputFile::openIfThere(path, InputFile::Kind::kRegular);
+            ADD_FAILURE() << path << " is opened";
+        } catch (const std::system_error& error) {
+            EXPECT_EQ(error.code(), std::errc::not_supported);
+        }
+    }
+    const std::string file = folder.write("a.mof", "x");
+    EXPECT_EQ(InputFile::openIfThere(file, InputFile::Kind::kRegular)->readAll(kNoLimit), "x");
 }
 
 TEST(InputFile, IsTheSameByEveryPath) {

@@ -83,6 +83,7 @@ TEST_F(LiteralsTest, EveryEscapeStandsForItsCharacter) {
     EXPECT_EQ(text(R"(\xFC\X20ac.)"), "\xC3\xBC\xE2\x82\xAC.");
     EXPECT_EQ(text(R"(\x00411)"), "A1");  // four digits at the most
     EXPECT_EQ(text(R"(\xD83D\xDE00)"), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(text(R"(\XD83D\XDE00\xd83d\Xde00)"), "\xF0\x9F\x98\x80\xF0\x9F\x98\x80");
     EXPECT_EQ(faults_, Faults());
 }
 
@@ -94,14 +95,14 @@ TEST_F(LiteralsTest, EscapesThatMeanNothingAreFaults) {
     EXPECT_EQ(text(R"(\xD83D)"), "");
     EXPECT_EQ(text(R"(\xDE00)"), "");
     EXPECT_EQ(text(R"(\xD83D\x41)"), "");
-    EXPECT_EQ(
-        faults_,
-        Faults(
-            {"101 this escape does not exist", "100 \\x needs hexadecimal digits",
-             "100 this escape stands for no character", "100 \\x needs hexadecimal digits",
-             "100 this escape stands for no character", "100 this escape stands for no character",
-             "100 this escape stands for no character", "100 this escape stands for no character",
-             "100 this escape stands for no character"}));
+    EXPECT_EQ(text(R"(\xD83D\xg)"), "g");
+    EXPECT_EQ(faults_,
+              Faults({"101 this escape does not exist", "100 \\x needs hexadecimal digits",
+                      "100 \\x needs hexadecimal digits", "100 this escape stands for no character",
+                      "100 this escape stands for no character",
+                      "100 this escape stands for no character",
+                      "100 this escape stands for no character",
+                      "100 this escape stands for no character"}));
 }
 
 TEST_F(LiteralsTest, CharactersAreOneOfTheBasicPlane) {
@@ -116,14 +117,25 @@ TEST_F(LiteralsTest, CharactersAreOneOfTheBasicPlane) {
     EXPECT_EQ(faults_, Faults(2, "100 a char16 literal holds one character of the basic plane"));
 }
 
+TEST_F(LiteralsTest, AnEscapeThatMeansNothingIsTheOnlyFaultOfACharacter) {
+    (void)character(R"(\x0)");
+    (void)character(R"(\q)");
+    EXPECT_EQ(faults_, Faults({"100 this escape stands for no character",
+                               "100 this escape does not exist"}));
+}
+
+bool isLineEnd(char byte) {
+    return byte == '\n' || byte == '\r';
+}
+
 // As lengthOfString, a byte after the other.
 std::size_t plainLengthOfString(std::string_view text) {
     std::size_t position = 1;
-    while (position < text.size() && text[position] != '\n') {
+    while (position < text.size() && !isLineEnd(text[position])) {
         if (text[position] == '"')
             return position + 1;
         const bool isEscape = text[position] == '\\';
-        if (isEscape && (position + 1 == text.size() || text[position + 1] == '\n'))
+        if (isEscape && (position + 1 == text.size() || isLineEnd(text[position + 1])))
             return position;
         position += isEscape ? 2 : 1;
     }
@@ -131,8 +143,8 @@ std::size_t plainLengthOfString(std::string_view text) {
 }
 
 TEST(LengthOfString, EndsAtTheFirstQuotationMarkThatIsNotEscapedOrWithTheLine) {
-    constexpr std::string_view kBytes = "a\"\\\n";
-    constexpr std::size_t kLongest = 8;
+    constexpr std::string_view kBytes = "a\"\\\n\r";
+    constexpr std::size_t kLongest = 7;
     std::vector<std::string> texts = {"\""};
     for (std::size_t index = 0; index < texts.size(); ++index) {
         const std::string text = texts[index];

@@ -60,6 +60,8 @@ TEST(SameDeclaration, CaseOfNamesBlanksCommentsAndSpellingOfValuesMakeNoDifferen
              {": A_C", ":a_c"},
              {"Description", "DESCRIPTION"},
              {"[Key]", "/* the key */ [ KEY ] // it is\n"},
+             {"[Key]", "[Key (true)]"},
+             {"Flag", "Flag (TRUE)"},
              {"Text", "tEXT"},
              {"\"text\"", "\"te\" \"xt\""},
              {"\"text\"", "\"te\\x78t\""},
@@ -93,6 +95,9 @@ TEST(SameDeclaration, EveryDifferenceOfTheClassItselfCounts) {
              {"\"a\", \"b\"", "\"a\", \"b\", \"c\""},
              {", Flag", ""},
              {"Flag", "Flag (false)"},
+             {"Flag", "Flag (null)"},
+             {"Flag", "Flag { true }"},
+             {"Flag", "Flag (1)"},
              {"Flag", "Flag, Other"},
          })
         EXPECT_FALSE(isSameClass(change)) << change.from << " -> " << change.to;

@@ -47,6 +47,31 @@ TEST(SourceText, PlacesCountLinesAndCharactersFromOne) {
     EXPECT_EQ(placeOf(source, 1000), "4:1");
 }
 
+TEST(SourceText, ALineEndsWithCarriageReturnAloneToo) {
+    const SourceText source("a", "one\rtwo\r\nthree\r\rfive\n\rseven");
+    EXPECT_EQ(placeOf(source, 3), "1:4");
+    EXPECT_EQ(placeOf(source, 4), "2:1");
+    EXPECT_EQ(placeOf(source, 7), "2:4");
+    EXPECT_EQ(placeOf(source, 8), "2:5");  // between the two bytes of one end
+    EXPECT_EQ(placeOf(source, 9), "3:1");
+    EXPECT_EQ(placeOf(source, 15), "4:1");
+    EXPECT_EQ(placeOf(source, 16), "5:1");
+    EXPECT_EQ(placeOf(source, 22), "7:1");
+}
+
+TEST(SourceText, TellsUtf16FromOtherTextWithZeroBytes) {
+    using namespace std::string_literals;
+    EXPECT_TRUE(SourceText("a", "\xFF\xFE/\0/\0"s).looksLikeUtf16());
+    EXPECT_TRUE(SourceText("a", "\xFE\xFF\0/\0/"s).looksLikeUtf16());
+    EXPECT_TRUE(SourceText("a", "/\0/\0"s).looksLikeUtf16());
+    EXPECT_TRUE(SourceText("a", "\0/\0/"s).looksLikeUtf16());
+    EXPECT_FALSE(SourceText("a", "/\0//"s).looksLikeUtf16());
+    EXPECT_FALSE(SourceText("a", "\0\0\0\0"s).looksLikeUtf16());
+    EXPECT_FALSE(SourceText("a", "/\0/"s).looksLikeUtf16());
+    EXPECT_FALSE(SourceText("a", "class\0"s).looksLikeUtf16());
+    EXPECT_FALSE(SourceText("a", "").looksLikeUtf16());
+}
+
 // An excerpt as "SKIPPED:TEXT", with "+" behind it where the line continues.
 std::string excerptOf(const SourceText& source, std::size_t offset) {
     const Mof::LineExcerpt excerpt = source.excerptAt(offset);
@@ -63,6 +88,7 @@ TEST(SourceText, GivesTheLineOfAPlaceWithoutItsEnd) {
     EXPECT_EQ(excerptOf(source, 12), "0:four");
     EXPECT_EQ(excerptOf(source, 1000), "0:four");
     EXPECT_EQ(excerptOf(SourceText("a", ""), 0), "0:");
+    EXPECT_EQ(excerptOf(SourceText("a", "one\rtwo\r"), 4), "0:two");
 }
 
 TEST(SourceText, GivesWhatSurroundsAPlaceInALongLine) {

@@ -117,6 +117,18 @@ TEST_F(CimQualifiersTest, ANullIsWrittenAndHidesWhatIsPropagated) {
     EXPECT_EQ(qualifiersOf(*found, false), "");
 }
 
+// Who looks a qualifier up wants its value.
+TEST_F(CimQualifiersTest, ANullIsNotFound) {
+    const TSKSmrPtr<ClassRepository> repository = load(
+        "class A_B { [Note (\"top\")] uint8 p; }; class A_C : A_B { [Note (null)] uint8 p; };\n"
+        "class A_D : A_C { uint8 p; };");
+    for (const char* const name : {"A_C", "A_D"}) {
+        const TSKSmrPtr<ITeskClass> found = repository->getClass("root/test", name);
+        EXPECT_EQ(propertyOf(*found, "p").getQualifier("Note", true), nullptr) << name;
+        EXPECT_EQ(propertyOf(*found, "p").getQualifier("Note", false), nullptr) << name;
+    }
+}
+
 TEST_F(CimQualifiersTest, LevelsWithoutTheDefinitionLieBetweenAnOverrideAndTheOverridden) {
     const TSKSmrPtr<ITeskClass> found = classOf(
         "class A_B { [Note (\"top\"), Version (\"1\")] uint8 p; }; class A_C : A_B {};\n"
