@@ -59,14 +59,23 @@ Compilation compile(const std::vector<std::string>& texts) {
     return compilation;
 }
 
+// How long the end of a line at `at` is: CR LF, CR or LF.
+std::size_t lengthOfLineEnd(std::string_view text, std::size_t at) {
+    return text.substr(at, 2) == "\r\n" ? 2 : 1;
+}
+
 // Line `number` of a text, counted from 1; requires that there is one.
 std::string_view lineOf(std::string_view text, std::size_t number) {
+    constexpr std::string_view kLineEnds = "\r\n";
     for (; number > 1; --number) {
-        const std::size_t newline = text.find('\n');
-        require(newline != std::string_view::npos, "a diagnostic is about a line of the text");
-        text.remove_prefix(newline + 1);
+        const std::size_t end = text.find_first_of(kLineEnds);
+        require(end != std::string_view::npos, "a diagnostic is about a line of the text");
+        text.remove_prefix(end + lengthOfLineEnd(text, end));
     }
-    return text.substr(0, text.find('\n'));
+    const std::size_t end = text.find_first_of(kLineEnds);
+    // A place may be between the two bytes of an end.
+    return end == std::string_view::npos ? text
+                                         : text.substr(0, end + lengthOfLineEnd(text, end) - 1);
 }
 
 void checkDiagnostic(const Mof::Diagnostic& diagnostic, const Mof::SourceText& source) {

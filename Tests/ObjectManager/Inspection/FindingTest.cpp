@@ -49,7 +49,7 @@ TEST(Finding, EveryKindIsDocumentedWithItsSeverity) {
     std::string documented;
     for (std::string line; std::getline(page, line);) {
         std::smatch row;
-        if (std::regex_search(line, row, std::regex("^(\\| `[a-z-]+` \\| (error|warning)) \\| ")))
+        if (std::regex_search(line, row, std::regex(R"(^(\| `[a-z-]+` \| (error|warning)) \| )")))
             documented += row.str(1) + "\n";
     }
     EXPECT_EQ(documented, expected);
