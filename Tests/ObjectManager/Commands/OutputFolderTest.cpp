@@ -112,7 +112,7 @@ TEST_F(OutputFolderTest, AFileIsReplacedWhenItWouldChange) {
 
 TEST_F(OutputFolderTest, AnUnchangedFileKeepsItsTimeStamp) {
     // Around the length of what is compared at once.
-    for (const std::size_t length : {0, 1, 32767, 32768, 32769, 100'000}) {
+    for (const std::size_t length : {0U, 1U, 32767U, 32768U, 32769U, 100'000U}) {
         const std::string text(length, 'x');
         output_.put("a", text);
         const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
@@ -159,7 +159,7 @@ TEST_F(OutputFolderTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) {
     const std::string text(100'000, 'x');
     output_.put("old", "old text");
     const FolderContent before = content();
-    for (const rlim_t most : {0, 1, 4096, 99'999}) {
+    for (const rlim_t most : {0U, 1U, 4096U, 99'999U}) {
         const Limit limit(RLIMIT_FSIZE, most);
         EXPECT_EQ(errorOf([&] { output_.put("old", text); }),
                   "cannot write OUT/old: File too large");
