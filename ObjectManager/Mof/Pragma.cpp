@@ -9,6 +9,14 @@ namespace {
 
 constexpr std::string_view kLineEnds = "\r\n";
 
+// How far the end of a comment is looked for: a file may have pragmas by the thousand, and none of
+// them may take as long as the file is.
+constexpr std::size_t kLongestComment = 1000;
+
+bool holdsLineEnd(std::string_view text) {
+    return text.find_first_of(kLineEnds) != std::string_view::npos;
+}
+
 bool isNameByte(char byte) {
     const auto code = static_cast<unsigned char>(byte);
     return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z') ||
@@ -37,7 +45,7 @@ class Pieces {
         if (!takeSign('"'))
             return std::nullopt;
         const std::size_t end = text_.find('"');
-        if (end == std::string_view::npos || text_.find_first_of(kLineEnds) < end)
+        if (end == std::string_view::npos || holdsLineEnd(text_.substr(0, end)))
             return std::nullopt;
         const std::string_view value = take(end);
         (void)take(1);
@@ -57,15 +65,21 @@ class Pieces {
         constexpr std::string_view kBlanks = " \t\r\n\f\v\x1A";
         while (true) {
             (void)take(std::min(text_.find_first_not_of(kBlanks), text_.size()));
-            if (text_.starts_with("//")) {
-                (void)take(std::min(text_.find_first_of(kLineEnds), text_.size()));
-            } else if (const std::size_t end = text_.find("*/", 2);
-                       text_.starts_with("/*") && end != std::string_view::npos) {
-                (void)take(end + 2);
-            } else {
+            const std::size_t length = lengthOfComment();
+            if (length == 0)
                 return;
-            }
+            (void)take(length);
         }
+    }
+
+    // 0 where there is none that ends.
+    [[nodiscard]] std::size_t lengthOfComment() const {
+        if (text_.starts_with("//"))
+            return std::min(text_.find_first_of(kLineEnds), text_.size());
+        if (!text_.starts_with("/*"))
+            return 0;
+        const std::size_t end = text_.substr(0, kLongestComment).find("*/", 2);
+        return end == std::string_view::npos ? 0 : end + 2;
     }
 
     std::string_view text_;
@@ -75,22 +89,22 @@ class Pieces {
 
 PragmaText readPragma(std::string_view text) {
     constexpr std::string_view kKeyword = "#pragma";
-    PragmaText result;
-    result.length = std::min(text.find_first_of(kLineEnds), text.size());
     Pieces pieces(text.substr(kKeyword.size()));
     const std::string_view name = pieces.takeName();
+    const std::string_view upToName = text.substr(0, text.size() - pieces.left());
+    std::optional<std::string_view> value;
+    if (!name.empty() && pieces.takeSign('('))
+        value = pieces.takeValue();
+    if (value && pieces.takeSign(')'))
+        return {.pragma = {.name = TSKString(name), .value = TSKString(*value)},
+                .length = text.size() - pieces.left(),
+                .isComplete = true};
+    PragmaText incomplete;
     // What stands on the next line is the name of a complete one alone.
-    if (text.size() - pieces.left() <= result.length)
-        result.pragma.name = TSKString(name);
-    if (name.empty() || !pieces.takeSign('('))
-        return result;
-    const std::optional<std::string_view> value = pieces.takeValue();
-    if (!value || !pieces.takeSign(')'))
-        return result;
-    result.pragma = {.name = TSKString(name), .value = TSKString(*value)};
-    result.length = text.size() - pieces.left();
-    result.isComplete = true;
-    return result;
+    if (!holdsLineEnd(upToName))
+        incomplete.pragma.name = TSKString(name);
+    incomplete.length = std::min(text.find_first_of(kLineEnds), text.size());
+    return incomplete;
 }
 
 }  // namespace Mof

@@ -515,6 +515,14 @@ TEST_F(MofFileReaderTest, APragmaMayHoldComments) {
               "class A_B\n");
 }
 
+TEST_F(MofFileReaderTest, ACommentInAPragmaHasALimit) {
+    const auto pragma = [](std::size_t length) {
+        return "#pragma /*" + std::string(length - 4, '*') + "*/ locale (\"en\")\n";
+    };
+    EXPECT_EQ(declared(pragma(1000) + "class A_B {};"), "class A_B\n");
+    EXPECT_TRUE(compileText(pragma(1001) + "class A_B {};").hasErrors());
+}
+
 TEST_F(MofFileReaderTest, APragmaThatIsNotCompleteIsOneErrorWhereItBegins) {
     for (const char* const pragma :
          {"#pragma", "#pragma include", "#pragma include (", "#pragma include (\"b.mof\"",
