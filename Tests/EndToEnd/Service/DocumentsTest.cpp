@@ -2,11 +2,9 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include "Tests/EndToEnd/Service/RunningService.h"
+#include "Tests/ObjectManager/Http/HasIPv6.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/Support/FolderContent.h"
@@ -150,19 +148,6 @@ TEST_F(ServiceDocuments, AClientWithoutHostFieldGetsItsOwnAddress) {
     start();
     EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.0", kAlice)),
               found(expected("TST_Nothing.wsdl", "127.0.0.1"), "HTTP/1.0"));
-}
-
-bool hasIPv6() {
-    const int descriptor = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0)
-        return false;
-    sockaddr_in6 address{};
-    address.sin6_family = AF_INET6;
-    address.sin6_addr = in6addr_loopback;
-    const bool binds =
-        bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(descriptor);
-    return binds;
 }
 
 TEST_F(ServiceDocuments, AClientOfIPv6WithoutHostFieldGetsItsOwnAddressInBrackets) {

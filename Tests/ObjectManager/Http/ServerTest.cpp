@@ -2,17 +2,16 @@
 #include <atomic>
 #include <future>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 #include "ObjectManager/Http/Server.h"
+#include "Tests/ObjectManager/Http/HasIPv6.h"
 #include "Tests/ObjectManager/Http/RunningServer.h"
 
 namespace {
@@ -96,20 +95,6 @@ class ServerTest : public RunningServer {
     std::atomic<int> slowRequests_ = 0;
     std::atomic<bool> hasReturned_ = false;
 };
-
-// Whether the machine has IPv6.
-bool hasIPv6() {
-    const int descriptor = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0)
-        return false;
-    sockaddr_in6 address{};
-    address.sin6_family = AF_INET6;
-    address.sin6_addr = in6addr_loopback;
-    const bool binds =
-        bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(descriptor);
-    return binds;
-}
 
 TEST(ServerOptions, TheDefaults) {
     const Http::ServerOptions options;
