@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <utility>
 
+#include "ObjectManager/Mof/CaseInsensitive.h"
+
 namespace Mof {
 
 namespace {
@@ -18,9 +20,7 @@ namespace fs = std::filesystem;
 bool isNamedMof(const fs::path& path) {
     constexpr std::string_view kExtension = ".mof";
     const std::string extension = path.extension();
-    return std::ranges::equal(extension, kExtension, [](char letter, char lowerCase) {
-        return letter == lowerCase || (letter >= 'A' && letter <= 'Z' && letter + 32 == lowerCase);
-    });
+    return std::ranges::equal(extension, kExtension, {}, foldedCase);
 }
 
 // Of what a path leads to, over links.
