@@ -38,7 +38,7 @@ struct ExportOptions {
 DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const TSKSmrPtr<ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
-                                    const OutputFolder& output) {
+                                    const OutputFolder& output, const StopSignals& stopSignals) {
     const ProviderHost host(repository, TSKSmrPtr<LocalAuthenticator>::make(),
                             ProgramFolders::ofThisProgram().installation);
     const MemoryClient client(host.manager(), TSKString(options.host));
@@ -46,13 +46,12 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     DocumentExportOptions exportOptions;
     exportOptions.jobs = options.jobs;
     exportOptions.prune = options.prune;
-    exportOptions.isStopped = [] { return StopSignals::received() != 0; };
+    exportOptions.isStopped = [&stopSignals] { return stopSignals.received() != 0; };
     exportOptions.onDocumentDone = [&progress] { progress.step(); };
     return exportDocuments(selections, client, output, exportOptions);
 }
 
-int reportStop(const DocumentExportResult& result, const OutputFolder& output) {
-    const int signal = StopSignals::received();
+int reportStop(int signal, const DocumentExportResult& result, const OutputFolder& output) {
     std::cerr << "tesk: stopped by " << StopSignals::nameOf(signal) << " after "
               << groupedDigits(result.written + result.unchanged) << " of "
               << counted(result.documents, "document", "documents") << "; those in "
@@ -70,10 +69,11 @@ int runExport(const ExportOptions& options) {
     // Until here there is nothing to bring to a good end.
     const StopSignals stopSignals;
     const OutputFolder output = OutputFolder::create(options.output);
-    const DocumentExportResult result = writeDocuments(options, repository, selections, output);
+    const DocumentExportResult result =
+        writeDocuments(options, repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
-        return reportStop(result, output);
+        return reportStop(stopSignals.received(), result, output);
     if (all)
         output.put("index.html", Index::makeIndexPage(*repository));
     std::cout << summaryText(result);

@@ -1,6 +1,6 @@
 #include "ObjectManager/Commands/StopSignals.h"
 
-#include <atomic>
+#include <ctime>
 #include <utility>
 
 namespace Commands {
@@ -10,39 +10,43 @@ namespace {
 constexpr std::pair<int, const char*> kSignals[] = {
     {SIGINT, "SIGINT"}, {SIGTERM, "SIGTERM"}, {SIGHUP, "SIGHUP"}};
 
-std::atomic<int> firstSignal = 0;
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may not wait for a lock");
+bool isIgnored(int signal) noexcept {
+    struct sigaction action = {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
 
-extern "C" void rememberSignal(int signal) {
-    int none = 0;
-    firstSignal.compare_exchange_strong(none, signal);
+// One of the blocked `signals` that has come, which is taken; none when not positive.
+int take(const sigset_t& signals) noexcept {
+    const timespec noTime = {};
+    return sigtimedwait(&signals, nullptr, &noTime);
 }
 
 }  // namespace
 
 StopSignals::StopSignals() {
-    firstSignal = 0;
+    sigemptyset(&signals_);
     for (const auto& [signal, name] : kSignals) {
-        struct sigaction action = {};
-        action.sa_handler = rememberSignal;
-        // Reads and writes that are under way go on; work is stopped between two documents.
-        action.sa_flags = SA_RESTART;
-        struct sigaction before = {};
-        sigaction(signal, nullptr, &before);
-        if (before.sa_handler == SIG_IGN)
-            continue;
-        sigaction(signal, &action, nullptr);
-        replaced_.push_back({signal, before});
+        // A signal that is blocked waits even where it is ignored.
+        if (!isIgnored(signal))
+            sigaddset(&signals_, signal);
     }
+    pthread_sigmask(SIG_BLOCK, &signals_, &before_);
 }
 
 StopSignals::~StopSignals() {
-    for (const Replaced& replaced : replaced_)
-        sigaction(replaced.signal, &replaced.action, nullptr);
+    while (take(signals_) > 0) {
+    }
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-int StopSignals::received() noexcept {
-    return firstSignal;
+int StopSignals::received() const noexcept {
+    if (first_ == 0) {
+        const int signal = take(signals_);
+        int none = 0;
+        if (signal > 0)
+            first_.compare_exchange_strong(none, signal);
+    }
+    return first_;
 }
 
 std::string StopSignals::nameOf(int signal) {

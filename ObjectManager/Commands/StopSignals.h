@@ -1,14 +1,15 @@
 #pragma once
 
+#include <atomic>
 #include <csignal>
 #include <string>
-#include <vector>
 
 namespace Commands {
 
 /// While this lives, the signals by which users and systems end a program (SIGINT, SIGTERM, SIGHUP)
-/// do not end it: they are remembered, so that work comes to a good end. One of them that is
-/// ignored, as in the background of a shell or under nohup, stays ignored. One at a time.
+/// do not end it: they wait until somebody asks for them, so that work comes to a good end. One of
+/// them that is ignored, as in the background of a shell or under nohup, stays ignored. To be made
+/// before other threads, which inherit that.
 ///
 /// Thread safety: made and destroyed by one thread; received() may be called by several threads at
 /// once.
@@ -17,24 +18,22 @@ class StopSignals {
     StopSignals();
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
+    /// Signals that came and nobody asked for are forgotten.
     ~StopSignals();
 
-    /// The number of the first signal that came; 0 while none has.
-    [[nodiscard]] static int received() noexcept;
+    /// The number of the signal that was found first; 0 while none has come.
+    [[nodiscard]] int received() const noexcept;
 
-    /// "SIGINT"; "signal 42" for one that is not remembered.
+    /// "SIGINT"; "signal 42" for one that is not waited for.
     [[nodiscard]] static std::string nameOf(int signal);
 
     /// The exit status of a program that `signal` ended, by the custom of shells.
     [[nodiscard]] static int exitStatus(int signal) noexcept { return 128 + signal; }
 
   private:
-    struct Replaced {
-        int signal;
-        struct sigaction action;
-    };
-
-    std::vector<Replaced> replaced_;
+    sigset_t signals_ = {};
+    sigset_t before_ = {};
+    mutable std::atomic<int> first_ = 0;
 };
 
 }  // namespace Commands

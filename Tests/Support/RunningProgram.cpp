@@ -70,6 +70,12 @@ void RunningProgram::sendSignal(int signal) const {
     require(kill(process_, signal) == 0);
 }
 
+void RunningProgram::pause() const {
+    sendSignal(SIGSTOP);
+    siginfo_t stopped = {};
+    require(waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED) == 0);
+}
+
 std::string RunningProgram::waitForStatus() {
     // By its number: the header of glibc 2.36 declares pidfd_open in a way that C++ cannot link.
     const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process_, 0));

@@ -23,6 +23,9 @@ class RunningProgram {
 
     void sendSignal(int signal) const;
 
+    /// Stops the program and waits until it stands still; SIGCONT lets it go on.
+    void pause() const;
+
     /// Waits up to two minutes. A program that runs longer is killed, and its end tells so.
     [[nodiscard]] ProgramRun waitForEnd();
 

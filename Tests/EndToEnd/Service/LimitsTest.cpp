@@ -139,8 +139,8 @@ TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
     }
     for (int count = 0; count < 5; ++count)
         EXPECT_EQ(answer(hers), found(expected("TST_Nothing.wsdl")));
-    // She did not wait for half of the hashes, though all of them were asked for before.
-    EXPECT_FALSE(strangers[kStrangers / 2].hasInput());
+    // She did not wait for the hashes that were asked for before; one worker may be at the last.
+    EXPECT_FALSE(strangers[kStrangers - 3].hasInput());
     for (const Client& stranger : strangers)
         EXPECT_EQ(withoutDate(stranger.readAll()), kChallenge);
 }
