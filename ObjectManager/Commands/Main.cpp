@@ -1,9 +1,11 @@
 // The program `tesk`.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "ObjectManager/Commands/Action.h"
 #include "ObjectManager/Commands/Check.h"
@@ -34,6 +36,10 @@ std::string commandNames(const CLI::App& program) {
     return names;
 }
 
+std::string whereToReadMore(const std::string& command) {
+    return "\n\"" + command + " --help\" tells more.\n";
+}
+
 // Says which commands there are, if `word` stands in the place of one and is none.
 bool isUnknownCommand(const CLI::App& program, const std::string& word) {
     if (word.starts_with('-'))
@@ -43,18 +49,34 @@ bool isUnknownCommand(const CLI::App& program, const std::string& word) {
             return false;
     }
     std::cerr << "tesk: there is no command \"" << word
-              << "\"; there are: " << commandNames(program) << "\n";
+              << "\"; there are: " << commandNames(program) << whereToReadMore("tesk");
     return true;
+}
+
+// The first word that looks like an option and is none of the command; empty if there is none.
+std::string unknownOption(const CLI::App& program) {
+    const std::vector<std::string> unused = program.remaining(true);
+    const auto option = std::find_if(unused.begin(), unused.end(),
+                                     [](const std::string& word) { return word.starts_with('-'); });
+    return option == unused.end() ? std::string() : option->substr(0, option->find('='));
+}
+
+std::string faultOf(const CLI::App& program, const CLI::Error& error) {
+    // A mistyped option is what the user wants to hear of, even if something is missing, too.
+    const std::string unknown = unknownOption(program);
+    if (!unknown.empty())
+        return "there is no option \"" + unknown + "\"";
+    if (program.get_subcommands().empty() && error.get_name() == "RequiredError")
+        return "no command is given; there are: " + commandNames(program);
+    return error.what();
 }
 
 // What is wrong with the command line, and where to read more.
 std::string usageMessage(const CLI::App* program, const CLI::Error& error) {
-    if (program->get_subcommands().empty() && error.get_name() == "RequiredError")
-        return "tesk: no command is given; there are: " + commandNames(*program) + "\n";
     std::string command = "tesk";
     for (const CLI::App* given : program->get_subcommands())
         command += " " + given->get_name();
-    return command + ": " + error.what() + "\n\"" + command + " --help\" tells more.\n";
+    return command + ": " + faultOf(*program, error) + whereToReadMore(command);
 }
 
 void setWording(CLI::App& program) {

@@ -58,19 +58,28 @@ TEST(CommandLine, VersionIsThatOfTheProject) {
 }
 
 TEST(CommandLine, ACommandMustBeGiven) {
-    const std::string commands = "; there are: serve, export, check, classes, passwd\n";
+    const std::string commands =
+        "; there are: serve, export, check, classes, passwd\n\"tesk --help\" tells more.\n";
     expectRefusal("", "tesk: no command is given" + commands);
-    expectRefusal("--frob", "tesk: no command is given" + commands);
     expectRefusal("frob", "tesk: there is no command \"frob\"" + commands);
     expectRefusal("''", "tesk: there is no command \"\"" + commands);
     expectRefusal("Check", "tesk: there is no command \"Check\"" + commands);
 }
 
 TEST(CommandLine, OptionsAndArgumentsMustBeKnown) {
-    expectUsageError("check", "--frob", "The following argument was not expected: --frob");
+    expectRefusal("--frob", "tesk: there is no option \"--frob\"\n\"tesk --help\" tells more.\n");
+    expectUsageError("check", "--frob", "there is no option \"--frob\"");
+    expectUsageError("check", "--nmaespace a=b", "there is no option \"--nmaespace\"");
+    expectUsageError("check", "--nmaespace=a=b", "there is no option \"--nmaespace\"");
     expectUsageError("check", "cimv2", "The following argument was not expected: cimv2");
     expectUsageError("check", "classes", "The following argument was not expected: classes");
     expectUsageError("classes", "a b c", "The following argument was not expected: c");
+}
+
+TEST(CommandLine, AMistypedOptionIsToldBeforeWhatIsMissingThen) {
+    expectUsageError("export", "--ouput documents", "there is no option \"--ouput\"");
+    expectUsageError("export", "", "--output is required");
+    expectUsageError("passwd", "--delte users", "there is no option \"--delte\"");
 }
 
 TEST(CommandLine, OptionsNeedValues) {
