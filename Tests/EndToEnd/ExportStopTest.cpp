@@ -1,18 +1,17 @@
 // The real program: how tesk export ends when it is told to.
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
-#include <thread>
 
 #include "Tests/EndToEnd/ExportedDocument.h"
 #include "Tests/Support/FolderContent.h"
 #include "Tests/Support/RunningProgram.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -30,11 +29,7 @@ class ExportStopTest : public testing::Test {
     }
 
     void waitForFirstDocument() const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (countDocuments() == 0) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-            std::this_thread::yield();
-        }
+        ASSERT_TRUE(waitUntil([&] { return countDocuments() != 0; }));
     }
 
     [[nodiscard]] long countDocuments() const {

@@ -14,9 +14,9 @@
 #include <utility>
 #include <utmp.h>
 
-namespace {
+#include "Tests/Support/WaitUntil.h"
 
-constexpr int kMinute = 60'000;  // milliseconds
+namespace {
 
 void require(bool done) {
     if (!done)
@@ -90,7 +90,7 @@ std::string PseudoTerminal::waitForEnd() {
 
 bool PseudoTerminal::readMore() {
     pollfd file = {.fd = terminal_, .events = POLLIN, .revents = 0};
-    if (poll(&file, 1, kMinute) != 1)
+    if (poll(&file, 1, kPatienceMilliseconds) != 1)
         return false;
     std::array<char, 4096> buffer = {};
     const ssize_t count = read(terminal_, buffer.data(), buffer.size());

@@ -16,7 +16,7 @@ class PseudoTerminal {
     /// Ends the process if it runs.
     ~PseudoTerminal();
 
-    /// Waits until `text` is shown. Returns whether it was before a minute had passed.
+    /// Waits until `text` is shown. Returns whether it was while anybody is patient.
     [[nodiscard]] bool waitFor(std::string_view text);
 
     void type(std::string_view text) const;

@@ -10,10 +10,10 @@
 #include <unistd.h>
 
 #include "Tests/Support/FolderContent.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
-constexpr int kDeadline = 120'000;  // milliseconds
 constexpr int kNotStarted = 127;
 
 void require(bool done) {
@@ -81,7 +81,7 @@ std::string RunningProgram::waitForStatus() {
     const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process_, 0));
     require(descriptor >= 0);
     pollfd ended = {.fd = descriptor, .events = POLLIN, .revents = 0};
-    const bool hasEnded = poll(&ended, 1, kDeadline) == 1;
+    const bool hasEnded = poll(&ended, 1, kPatienceMilliseconds) == 1;
     close(descriptor);
     if (!hasEnded)
         kill(process_, SIGKILL);

@@ -26,7 +26,7 @@ class RunningProgram {
     /// Stops the program and waits until it stands still; SIGCONT lets it go on.
     void pause() const;
 
-    /// Waits up to two minutes. A program that runs longer is killed, and its end tells so.
+    /// A program that runs longer than anybody is patient is killed, and its end tells so.
     [[nodiscard]] ProgramRun waitForEnd();
 
   private:

@@ -1,7 +1,6 @@
 // Whether people can read and use the index page on a phone, in the dark and without a mouse, as
 // Chromium shows it. Skipped where there is none.
 
-#include <chrono>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/EndToEnd/Index/BrowserTest.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -114,11 +114,11 @@ class IndexPageAccessTest : public BrowserTest {
     [[nodiscard]] Names focusOrder(const std::string& page,
                                    const std::string& fragment = "") const {
         const std::string text = withScript(page, kMoveFocus);
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         std::string title;
-        do {
+        (void)waitUntil([&] {
             title = show(text, fragment).title();
-        } while (title == "no focus" && std::chrono::steady_clock::now() < deadline);
+            return title != "no focus";
+        });
         return partsOf(title);
     }
 

@@ -1,13 +1,11 @@
 // Many clients at once, slow ones among them, and whether anything is left of them afterwards.
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <thread>
 
 #include "ObjectManager/Host/LocalAuthenticator.h"
 #include "ObjectManager/Host/MemoryClient.h"
@@ -16,6 +14,7 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/Support/Threads.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -44,10 +43,7 @@ class ServiceLoad : public RunningService {
     }
 
     void waitForOpenFiles(long count) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (openFiles() != count && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::yield();
-        EXPECT_EQ(openFiles(), count);
+        EXPECT_TRUE(waitUntil([&] { return openFiles() == count; })) << openFiles();
     }
 
     // Sends so many requests, eight at a time.

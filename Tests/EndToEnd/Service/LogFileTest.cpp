@@ -1,16 +1,15 @@
 // The log in a file, which those who keep logs for a while move away.
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
 #include <sstream>
-#include <thread>
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/Support/FolderContent.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -35,10 +34,8 @@ class ServiceLogFile : public RunningService {
     }
 
     void waitForLines(const char* file, const Lines& lines) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while ((!std::filesystem::exists(folder_ / file) || linesOf(file) != lines) &&
-               std::chrono::steady_clock::now() < deadline)
-            std::this_thread::yield();
+        (void)waitUntil(
+            [&] { return std::filesystem::exists(folder_ / file) && linesOf(file) == lines; });
         EXPECT_EQ(linesOf(file), lines);
     }
 };

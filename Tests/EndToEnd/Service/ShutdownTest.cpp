@@ -1,15 +1,14 @@
 // SIGTERM and SIGINT: what runs is finished, then everything ends.
 
-#include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <system_error>
-#include <thread>
 
 #include "Tests/EndToEnd/Service/Hammer.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -44,11 +43,8 @@ class ServiceShutdown : public RunningService {
     }
 
     void waitUntilRefused(std::size_t index) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!refusesConnections(index)) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline)
-                << "connections are still accepted";
-        }
+        ASSERT_TRUE(waitUntil([&] { return refusesConnections(index); }))
+            << "connections are still accepted";
     }
 
     void expectProvidersShutDown() {

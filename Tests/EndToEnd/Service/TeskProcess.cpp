@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,15 +10,13 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/Support/FolderContent.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
-
-constexpr int kMostMilliseconds = 60'000;
 
 void require(int error, const char* what) {
     if (error != 0)
@@ -153,8 +150,8 @@ std::string TeskProcess::readRest() {
 }
 
 bool TeskProcess::readMore() {
-    if (!waitFor(output_, kMostMilliseconds)) {
-        ADD_FAILURE() << "nothing was written for " << kMostMilliseconds << " ms";
+    if (!waitFor(output_, kPatienceMilliseconds)) {
+        ADD_FAILURE() << "nothing was written for " << kPatience.count() << " minutes";
         return false;
     }
     std::array<char, 4096> buffer{};
@@ -169,16 +166,9 @@ std::string TeskProcess::log() const {
 }
 
 void TeskProcess::waitForLog(std::string_view text, int times) const {
-    using std::chrono::milliseconds;
-    using std::chrono::steady_clock;
-    const auto deadline = steady_clock::now() + milliseconds(kMostMilliseconds);
-    while (count(log(), text) < times) {
-        if (steady_clock::now() > deadline) {
-            ADD_FAILURE() << "the log does not come to say \"" << text << "\", but:\n" << log();
-            return;
-        }
-        std::this_thread::sleep_for(milliseconds(2));
-    }
+    EXPECT_TRUE(waitUntil([&] { return count(log(), text) >= times; }))
+        << "the log does not come to say \"" << text << "\", but:\n"
+        << log();
 }
 
 void TeskProcess::signal(int signal) const {
@@ -190,10 +180,10 @@ bool TeskProcess::isRunning() {
 }
 
 int TeskProcess::wait() {
-    if (!hasEndedWithin(kMostMilliseconds)) {
+    if (!hasEndedWithin(kPatienceMilliseconds)) {
         ADD_FAILURE() << "the process does not end; its log is:\n" << log();
         kill(id_, SIGKILL);
-        static_cast<void>(hasEndedWithin(kMostMilliseconds));
+        static_cast<void>(hasEndedWithin(kPatienceMilliseconds));
     }
     return status_;
 }

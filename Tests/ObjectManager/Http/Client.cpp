@@ -13,9 +13,9 @@
 #include <unistd.h>
 #include <utility>
 
-namespace {
+#include "Tests/Support/WaitUntil.h"
 
-constexpr int kMostMilliseconds = 30'000;
+namespace {
 
 // The addresses are numbers; nothing is looked up.
 struct Addresses {
@@ -40,9 +40,9 @@ bool waitFor(int descriptor, short event) {
     pollfd waited{.fd = descriptor, .events = event, .revents = 0};
     int result = 0;
     do {
-        result = poll(&waited, 1, kMostMilliseconds);
+        result = poll(&waited, 1, kPatienceMilliseconds);
     } while (result < 0 && errno == EINTR);
-    EXPECT_EQ(result, 1) << "nothing happened for " << kMostMilliseconds << " ms";
+    EXPECT_EQ(result, 1) << "nothing happened for " << kPatience.count() << " minutes";
     return result == 1;
 }
 

@@ -16,6 +16,7 @@
 #include "Tests/ObjectManager/Http/RunningServer.h"
 #include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Threads.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -63,15 +64,15 @@ class ConnectionTest : public RunningServer {
         socket.close();  // if no connection has taken it
         (void)client.send(rest);
         client.endSending();
-        const auto deadline = steady_clock::now() + std::chrono::seconds(30);
-        while (connections.size() != 0 && steady_clock::now() < deadline) {
+        const bool isOver = waitUntil([&] {
             ignoringBadAlloc([&] { ioContext.poll(); });
             ioContext.restart();
-        }
+            return connections.size() == 0;
+        });
         const bool hasFailed = AllocationProbe::hasFailed();
         AllocationProbe::failAt(0);
-        EXPECT_EQ(connections.size(), 0U);
-        EXPECT_TRUE(workers.waitUntilIdle(deadline));
+        EXPECT_TRUE(isOver);
+        EXPECT_TRUE(workers.waitUntilIdle(steady_clock::now() + kPatience));
         answer = client.readAll();
         return hasFailed;
     }
@@ -240,14 +241,12 @@ TEST_F(ConnectionTest, TheTimeForTheHeadIsForAllOfIt) {
     options_.drainTime = milliseconds(50);
     start();
     const Client client = sending("GET /test HTTP/1.1\r\nHost: a\r\nX: ");
-    const auto deadline = steady_clock::now() + std::chrono::seconds(30);
     std::string other;
-    bool isOpen = true;
     std::thread reading([&] { other = client.readAll(); });
-    while (isOpen && steady_clock::now() < deadline) {
-        isOpen = client.send("x");
+    EXPECT_TRUE(waitUntil([&] {
         EXPECT_EQ(answer(kGet), kHello);
-    }
+        return !client.send("x");
+    }));
     reading.join();
     EXPECT_EQ(withoutDate(other), refusal("408 Request Timeout", kTimeout));
 }

@@ -13,6 +13,7 @@
 #include "ObjectManager/Http/Server.h"
 #include "Tests/ObjectManager/Http/HasIPv6.h"
 #include "Tests/ObjectManager/Http/RunningServer.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -69,14 +70,11 @@ class ServerTest : public RunningServer {
 
     // Asks again and again until the server has room to wait for one whom it turns away.
     void waitUntilSomeoneIsWaitedFor() const {
-        const auto deadline = steady_clock::now() + seconds(30);
-        bool isWaitedFor = false;
-        while (!isWaitedFor && steady_clock::now() < deadline) {
+        EXPECT_TRUE(waitUntil([&] {
             const Client client = connect();
             EXPECT_EQ(client.readAll().substr(0, 12), "HTTP/1.1 503");
-            isWaitedFor = takesMore(client);
-        }
-        EXPECT_TRUE(isWaitedFor);
+            return takesMore(client);
+        }));
     }
 
     // Whether nobody listens there.
@@ -299,7 +297,7 @@ TEST_F(ServerTest, ItsEndWaitsForNobodyWhoWasTurnedAway) {
     const Client first = connect();
     const Client turnedAway = connect();
     EXPECT_EQ(turnedAway.readAll().substr(0, 12), "HTTP/1.1 503");
-    EXPECT_TRUE(server_->stop(seconds(60)));
+    EXPECT_TRUE(server_->stop(kPatience));
     EXPECT_FALSE(turnedAway.send("x") && turnedAway.send("x"));
 }
 
@@ -434,9 +432,7 @@ TEST_F(ServerTest, GoesOnAfterTheFileDescriptorsHaveRunOut) {
     close(taken.back());  // for the client's side
     taken.pop_back();
     const Client waiting = sending(kGet);
-    const auto deadline = steady_clock::now() + seconds(30);
-    while (log_.lines().empty() && steady_clock::now() < deadline)
-        std::this_thread::yield();
+    EXPECT_TRUE(waitUntil([&] { return !log_.lines().empty(); }));
     EXPECT_TRUE(client.send(kGet));
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     for (const int descriptor : taken)
@@ -465,7 +461,7 @@ TEST_F(ServerTest, ClosesThoseWhoseRequestHasNotComeInWhenItStops) {
     const Client silent = connect();
     const Client begun = sending("GET /test HTTP/1.1\r\n");
     EXPECT_EQ(answer(kGet), kHello);  // all have been accepted
-    EXPECT_TRUE(server_->stop(seconds(60)));
+    EXPECT_TRUE(server_->stop(kPatience));
     EXPECT_EQ(silent.readAll(), "");
     EXPECT_EQ(begun.readAll(), "");
 }
@@ -536,7 +532,7 @@ TEST_F(ServerTest, AnAnswerIsTakenWithinTheGracePeriod) {
     const Client client = sending(kGet);
     const std::string begin = client.read(12);
     std::future<bool> stopped =
-        std::async(std::launch::async, [&] { return server_->stop(seconds(60)); });
+        std::async(std::launch::async, [&] { return server_->stop(kPatience); });
     while (!refusesConnections(port()))
         std::this_thread::yield();
     EXPECT_EQ(withoutDate(begin + client.readAll()),

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ObjectManager/Http/WorkerPool.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ using std::chrono::steady_clock;
 constexpr std::size_t kMostSlow = 256;
 
 steady_clock::time_point soon() {
-    return steady_clock::now() + std::chrono::seconds(30);
+    return steady_clock::now() + kPatience;
 }
 
 TEST(WorkerPool, RunsEveryJob) {
