@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "ObjectManager/Commands/NumberText.h"
 #include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Configuration/NamespaceOption.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
@@ -83,6 +84,11 @@ TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
 
 TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
     return loadModel(settings, std::cerr);
+}
+
+std::string contentText(const ClassRepository& repository) {
+    return counted(repository.countClasses(), "class", "classes") + " in " +
+           counted(repository.namespaces().size(), "namespace", "namespaces");
 }
 
 }  // namespace Commands

@@ -39,4 +39,7 @@ void addModelOptions(CLI::App& command, ModelOptions& options);
 /// The same for a person at a terminal: faults go to standard error.
 [[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings);
 
+/// "1,438 classes in 1 namespace".
+[[nodiscard]] std::string contentText(const ClassRepository& repository);
+
 }  // namespace Commands

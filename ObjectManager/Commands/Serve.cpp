@@ -4,26 +4,23 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <exception>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
-#include <string_view>
 #include <sys/resource.h>
 #include <vector>
 
 #include "ObjectManager/Commands/FileStamp.h"
 #include "ObjectManager/Commands/LogOutput.h"
 #include "ObjectManager/Commands/ModelOptions.h"
-#include "ObjectManager/Commands/NumberText.h"
 #include "ObjectManager/Commands/OptionCheck.h"
+#include "ObjectManager/Commands/Reloader.h"
 #include "ObjectManager/Commands/Service.h"
+#include "ObjectManager/Commands/ServiceLog.h"
 #include "ObjectManager/Commands/ServiceUsers.h"
 #include "ObjectManager/Commands/SignalQueue.h"
 #include "ObjectManager/Configuration/Endpoint.h"
-#include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
@@ -49,16 +46,6 @@ Configuration::Settings settingsOf(const ServeOptions& options, std::ostream& fa
     return settings;
 }
 
-void log(TeskTraceLog::Severity severity, const std::string& message) {
-    TSKLog::log("tesk", TSKString(message), severity, TeskTraceLog::VerbosityNormal, 0,
-                TSKLog::CIMOMLOG);
-}
-
-std::string contentsOf(const ClassRepository& repository) {
-    return counted(repository.countClasses(), "class", "classes") + " in " +
-           counted(repository.namespaces().size(), "namespace", "namespaces");
-}
-
 // A path that is worth a try: that of a class which everybody knows, else of any.
 std::string samplePath(const ClassRepository& repository) {
     for (const CimNamespace& nameSpace : repository.namespaces()) {
@@ -74,7 +61,7 @@ std::string samplePath(const ClassRepository& repository) {
 // Returns whether it could be said. A password that nobody has read lets nobody in.
 [[nodiscard]] bool announce(const Service& service, const ClassRepository& repository,
                             const ServiceUsers& users) {
-    std::cout << "Serving " << contentsOf(repository) << " on";
+    std::cout << "Serving " << contentText(repository) << " on";
     for (const std::string& address : service.addresses())
         std::cout << " " << address;
     std::cout << "\n";
@@ -91,102 +78,17 @@ void reopenLog(const LogOutput& logOutput) {
     try {
         logOutput.reopen();
     } catch (const TeskBaseException& error) {
-        log(TeskTraceLog::SeverityError,
-            "The log goes on as before: " + std::string(error.getMessage().data()));
+        logService(TeskTraceLog::SeverityError,
+                   "The log goes on as before: " + std::string(error.getMessage().data()));
     }
 }
-
-// `faults` is what is to be mended, in lines.
-void logFailedReload(const std::string& faults, std::string_view reason) {
-    std::istringstream lines(faults);
-    for (std::string line; std::getline(lines, line);)
-        log(TeskTraceLog::SeverityError, line);
-    log(TeskTraceLog::SeverityError, "Not reloaded, going on as before: " + std::string(reason));
-}
-
-// Reads again what a service was started with. What cannot be read is logged, and the service goes
-// on with what it has.
-class Reloader {
-  public:
-    // `passwordFile` is what the file was before the service has read it.
-    Reloader(Service& service, const ServeOptions& options, const Configuration::Settings& settings,
-             const FileStamp& passwordFile)
-        : service_(service), options_(options), settings_(settings), passwordFile_(passwordFile) {}
-
-    void reloadAll() {
-        std::ostringstream faults;
-        const std::optional<std::string> reason = failureOf([&] { readAll(faults); });
-        if (reason)
-            logFailedReload(faults.str(), *reason);
-    }
-
-    void reloadUsersIfChanged() {
-        const FileStamp passwordFile = FileStamp::of(settings_.security.passwordFile);
-        if (settings_.security.passwordFile.empty() || passwordFile == passwordFile_)
-            return;
-        passwordFile_ = passwordFile;
-        const std::optional<std::string> reason = failureOf([&] {
-            service_.setUsers(loadUsers(settings_.security).users);
-            log(TeskTraceLog::SeverityInformation, "The users have changed");
-        });
-        if (reason)
-            log(TeskTraceLog::SeverityError, "The users stay as they were: " + *reason);
-    }
-
-  private:
-    template <typename Work>
-    [[nodiscard]] static std::optional<std::string> failureOf(const Work& work) {
-        try {
-            work();
-            return std::nullopt;
-        } catch (const TeskBaseException& error) {
-            return error.getMessage().data();
-        } catch (const std::exception& error) {
-            return error.what();
-        }
-    }
-
-    void readAll(std::ostream& faults) {
-        Configuration::Settings settings = settingsOf(options_, faults);
-        const TSKSmrPtr<ClassRepository> repository = loadModel(settings, faults);
-        if (settings.security.passwordFile.empty() && !settings_.security.passwordFile.empty()) {
-            settings.security.passwordFile = settings_.security.passwordFile;
-            log(TeskTraceLog::SeverityWarning,
-                "No password file is configured any more; the users stay until the next start");
-        }
-        const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
-        std::optional<Security::UserTable> users;
-        if (!settings.security.passwordFile.empty())
-            users = loadUsers(settings.security).users;
-        service_.setRepository(repository);
-        if (users)
-            service_.setUsers(*std::move(users));
-        passwordFile_ = passwordFile;
-        warnOfWhatNeedsAStart(settings);
-        settings_.security.passwordFile = settings.security.passwordFile;
-        log(TeskTraceLog::SeverityInformation, "Reloaded: " + contentsOf(*repository));
-    }
-
-    void warnOfWhatNeedsAStart(const Configuration::Settings& settings) const {
-        if (settings.server != settings_.server || settings.log != settings_.log ||
-            settings.security.credentialLifetime != settings_.security.credentialLifetime)
-            log(TeskTraceLog::SeverityWarning,
-                "What has changed in [server], in [log] or in credential_lifetime takes effect at "
-                "the next start");
-    }
-
-    Service& service_;
-    const ServeOptions& options_;
-    Configuration::Settings settings_;  // with which the service runs
-    FileStamp passwordFile_;
-};
 
 int stop(Service& service) {
-    log(TeskTraceLog::SeverityInformation, "Stopping");
+    logService(TeskTraceLog::SeverityInformation, "Stopping");
     if (service.stop())
         return 0;
     // A provider that still runs would use what is taken from it.
-    log(TeskTraceLog::SeverityError, "A provider does not end; the process ends without it");
+    logService(TeskTraceLog::SeverityError, "A provider does not end; the process ends without it");
     (void)std::fflush(nullptr);
     std::_Exit(1);
 }
@@ -218,7 +120,9 @@ int runServe(const ServeOptions& options) {
         (void)stop(service);
         return 1;  // after the message that the program has for all its output
     }
-    Reloader reloader(service, options, settings, passwordFile);
+    Reloader reloader(
+        service, [&options](std::ostream& faults) { return settingsOf(options, faults); }, settings,
+        passwordFile);
     int signal = 0;
     while ((signal = signals.waitFor(kLookAtPasswordFile)) == 0 || signal == SIGHUP) {
         if (signal == SIGHUP) {

@@ -2,20 +2,18 @@
 
 #include <utility>
 
+#include "ObjectManager/Commands/ServiceLog.h"
 #include "ObjectManager/Security/PasswordFile.h"
 #include "ObjectManager/Security/PasswordHash.h"
 #include "ObjectManager/Security/RandomPassword.h"
-#include "Platform/Util/TSKLog.h"
 
 namespace Commands {
 
 namespace {
 
 void warnOfNoUsers(const std::string& passwordFile) {
-    const std::string message =
-        "Nobody is let in: " + passwordFile + " has no users; \"tesk passwd\" adds them";
-    TSKLog::log("tesk", TSKString(message), TeskTraceLog::SeverityWarning,
-                TeskTraceLog::VerbosityNormal, 0, TSKLog::CIMOMLOG);
+    logService(TeskTraceLog::SeverityWarning,
+               "Nobody is let in: " + passwordFile + " has no users; \"tesk passwd\" adds them");
 }
 
 }  // namespace
