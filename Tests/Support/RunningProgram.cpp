@@ -73,7 +73,9 @@ void RunningProgram::sendSignal(int signal) const {
 void RunningProgram::pause() const {
     sendSignal(SIGSTOP);
     siginfo_t stopped = {};
-    require(waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED) == 0);
+    // One that has ended does not keep anybody waiting either.
+    require(waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED | WEXITED | WNOWAIT) ==
+            0);
 }
 
 std::string RunningProgram::waitForStatus() {

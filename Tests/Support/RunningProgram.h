@@ -23,7 +23,7 @@ class RunningProgram {
 
     void sendSignal(int signal) const;
 
-    /// Stops the program and waits until it stands still; SIGCONT lets it go on.
+    /// Stops the program and waits until it stands still, or has ended; SIGCONT lets it go on.
     void pause() const;
 
     /// A program that runs longer than anybody is patient is killed, and its end tells so.
