@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "ObjectManager/Commands/ModelOptions.h"
-#include "ObjectManager/Commands/NumberText.h"
 #include "ObjectManager/Commands/ServiceLog.h"
 #include "ObjectManager/Commands/ServiceUsers.h"
 #include "Platform/Util/TeskBaseException.h"

@@ -109,7 +109,8 @@ void raiseLimitOfOpenFiles() {
 int runServe(const ServeOptions& options) {
     const Configuration::Settings settings = settingsOf(options, std::cerr);
     raiseLimitOfOpenFiles();
-    const SignalQueue signals;
+    (void)std::signal(SIGPIPE, SIG_IGN);  // a client that goes away ends nothing
+    const SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
     const LogOutput logOutput(settings.log);
     const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
     const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
@@ -131,6 +132,8 @@ int runServe(const ServeOptions& options) {
         }
         reloader.reloadUsersIfChanged();
     }
+    // Who presses Ctrl-C twice does not want to wait; what ends reads nothing again.
+    (void)std::signal(SIGHUP, SIG_IGN);
     signals.letThrough();
     return stop(service);
 }

@@ -6,12 +6,11 @@
 
 namespace Commands {
 
-SignalQueue::SignalQueue() {
+SignalQueue::SignalQueue(const std::vector<int>& signals) {
     sigemptyset(&signals_);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+    for (const int signal : signals)
         sigaddset(&signals_, signal);
     pthread_sigmask(SIG_BLOCK, &signals_, &before_);
-    (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
 SignalQueue::~SignalQueue() {
@@ -30,7 +29,6 @@ int SignalQueue::waitFor(std::chrono::seconds time) const {
 }
 
 void SignalQueue::letThrough() const {
-    (void)std::signal(SIGHUP, SIG_IGN);
     pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
 }
 

@@ -2,26 +2,28 @@
 
 #include <chrono>
 #include <csignal>
+#include <vector>
 
 namespace Commands {
 
-/// Takes the signals that steer a service out of the way of its threads, so that one thread waits
-/// for them. To be made before other threads, which inherit that.
+/// While this lives, some signals do nothing to the process: they wait until somebody asks for
+/// them. To be made before other threads, which inherit that.
 ///
-/// Thread safety: made and waited for by one thread.
+/// Thread safety: made, changed and destroyed by one thread; waitFor() may be called by several
+/// threads at once, of which one gets a signal.
 class SignalQueue {
   public:
-    /// SIGTERM, SIGINT and SIGHUP. SIGPIPE is ignored: a client that goes away ends nothing.
-    SignalQueue();
+    /// Takes `signals` out of the way of the threads.
+    explicit SignalQueue(const std::vector<int>& signals);
     SignalQueue(const SignalQueue&) = delete;
     SignalQueue& operator=(const SignalQueue&) = delete;
+    /// A signal that still waits has its effect now.
     ~SignalQueue();
 
-    /// The next signal that has come or will come within `time`; 0 when none does.
+    /// A signal that has come or will come within `time`; 0 when none does.
     [[nodiscard]] int waitFor(std::chrono::seconds time) const;
 
-    /// From now on SIGTERM and SIGINT do to the process what they do to others: who presses Ctrl-C
-    /// twice does not want to wait. SIGHUP is ignored: what ends reads nothing again.
+    /// From now on they do to the process what they do to others.
     void letThrough() const;
 
   private:

@@ -1,7 +1,9 @@
 #include "ObjectManager/Commands/StopSignals.h"
 
-#include <ctime>
+#include <chrono>
+#include <csignal>
 #include <utility>
+#include <vector>
 
 namespace Commands {
 
@@ -15,36 +17,31 @@ bool isIgnored(int signal) noexcept {
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-// One of the blocked `signals` that has come, which is taken; none when not positive.
-int take(const sigset_t& signals) noexcept {
-    const timespec noTime = {};
-    return sigtimedwait(&signals, nullptr, &noTime);
+// A signal that is blocked waits even where it is ignored.
+std::vector<int> signalsThatEnd() {
+    std::vector<int> signals;
+    for (const auto& [signal, name] : kSignals) {
+        if (!isIgnored(signal))
+            signals.push_back(signal);
+    }
+    return signals;
 }
+
+constexpr std::chrono::seconds kAtOnce(0);
 
 }  // namespace
 
-StopSignals::StopSignals() {
-    sigemptyset(&signals_);
-    for (const auto& [signal, name] : kSignals) {
-        // A signal that is blocked waits even where it is ignored.
-        if (!isIgnored(signal))
-            sigaddset(&signals_, signal);
-    }
-    pthread_sigmask(SIG_BLOCK, &signals_, &before_);
-}
+StopSignals::StopSignals() : queue_(signalsThatEnd()) {}
 
 StopSignals::~StopSignals() {
-    while (take(signals_) > 0) {
+    while (queue_.waitFor(kAtOnce) != 0) {
     }
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-int StopSignals::received() const noexcept {
+int StopSignals::received() const {
     if (first_ == 0) {
-        const int signal = take(signals_);
         int none = 0;
-        if (signal > 0)
-            first_.compare_exchange_strong(none, signal);
+        first_.compare_exchange_strong(none, queue_.waitFor(kAtOnce));
     }
     return first_;
 }

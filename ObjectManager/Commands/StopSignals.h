@@ -1,8 +1,9 @@
 #pragma once
 
 #include <atomic>
-#include <csignal>
 #include <string>
+
+#include "ObjectManager/Commands/SignalQueue.h"
 
 namespace Commands {
 
@@ -22,7 +23,7 @@ class StopSignals {
     ~StopSignals();
 
     /// The number of the signal that was found first; 0 while none has come.
-    [[nodiscard]] int received() const noexcept;
+    [[nodiscard]] int received() const;
 
     /// "SIGINT"; "signal 42" for one that is not waited for.
     [[nodiscard]] static std::string nameOf(int signal);
@@ -31,8 +32,7 @@ class StopSignals {
     [[nodiscard]] static int exitStatus(int signal) noexcept { return 128 + signal; }
 
   private:
-    sigset_t signals_ = {};
-    sigset_t before_ = {};
+    SignalQueue queue_;
     mutable std::atomic<int> first_ = 0;
 };
 
