@@ -1,12 +1,12 @@
 // `tesk check` as its users run it.
 
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "Tests/EndToEnd/TeskProgram.h"
+#include "Tests/Support/CimSchema.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace {
@@ -233,12 +233,10 @@ TEST_F(CheckCommand, ShowsWhatIsWrongWithAConfiguration) {
 // Its method Create is named like an operation of every class; no other method of the schema is
 // named like one.
 TEST_F(CheckCommand, FindsNoErrorInTheDmtfSchema) {
-    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-    if (!std::filesystem::exists(schema))
-        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
-    const ProgramRun run = runTesk("check --namespace root/cimv2='" +
-                                   (schema / "cim_schema_2.41.0.mof").string() + "'");
+    const std::string schema = cimSchemaFile();
+    if (schema.empty())
+        GTEST_SKIP() << kNoCimSchema;
+    const ProgramRun run = runTesk("check --namespace root/cimv2='" + schema + "'");
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(withoutTime(run.output),

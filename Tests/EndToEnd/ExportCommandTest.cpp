@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "Tests/EndToEnd/ExportedDocument.h"
+#include "Tests/Support/CimSchema.h"
 #include "Tests/Support/FolderContent.h"
 #include "Tests/Support/RunningProgram.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -265,12 +265,10 @@ TEST_F(ExportTest, WhatCannotBeSaidIsAnError) {
 }
 
 TEST_F(ExportTest, TheDmtfSchemaIsWrittenWithoutAFailure) {
-    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-    const fs::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-    if (!fs::exists(schema))
-        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
-    const ProgramRun run =
-        runExport({"--namespace", "root/cimv2=" + (schema / "cim_schema_2.41.0.mof").string()});
+    const std::string schema = cimSchemaFile();
+    if (schema.empty())
+        GTEST_SKIP() << kNoCimSchema;
+    const ProgramRun run = runExport({"--namespace", "root/cimv2=" + schema});
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
     EXPECT_NE(run.output.find("1,438 classes in 1 namespace, 2,876 documents, "),

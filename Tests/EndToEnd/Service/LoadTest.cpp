@@ -1,7 +1,6 @@
 // Many clients at once, slow ones among them, and whether anything is left of them afterwards.
 
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
+#include "Tests/Support/CimSchema.h"
 #include "Tests/Support/Threads.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -90,14 +90,12 @@ class DirectDocuments {
 };
 
 TEST_F(ServiceLoad, SixtyFourClientsGetEveryDocumentOfTheDmtfSchema) {
-    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-    if (!std::filesystem::exists(schema))
-        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
-    namespaces_ = {{"root/cimv2", schema / "cim_schema_2.41.0.mof"}};
+    const std::string schema = cimSchemaFile();
+    if (schema.empty())
+        GTEST_SKIP() << kNoCimSchema;
+    namespaces_ = {{"root/cimv2", schema}};
     start();
-    const DirectDocuments documents(
-        {.name = "root/cimv2", .paths = {schema / "cim_schema_2.41.0.mof"}});
+    const DirectDocuments documents({.name = "root/cimv2", .paths = {schema}});
     const std::vector<std::string> paths = documents.paths();
     ASSERT_EQ(paths.size(), 2 * 1438U);
     std::atomic<std::size_t> next = 0;

@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
@@ -8,6 +7,7 @@
 #include "ObjectManager/Index/SourceHash.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/CimSchema.h"
 
 namespace {
 
@@ -168,14 +168,11 @@ TEST_F(IndexPageTest, IsTheSameEachTime) {
 }
 
 TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
-    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-    if (!std::filesystem::exists(schema))
-        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
+    const std::string schema = cimSchemaFile();
+    if (schema.empty())
+        GTEST_SKIP() << kNoCimSchema;
     const TSKSmrPtr<ClassRepository> repository =
-        loadRepository({{.name = "root/cimv2", .paths = {schema / "cim_schema_2.41.0.mof"}}}, {},
-                       {})
-            .repository;
+        loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
     const std::string page = Index::makeIndexPage(*repository);
     std::size_t classes = 0;

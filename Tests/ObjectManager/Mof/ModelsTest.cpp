@@ -1,13 +1,13 @@
 // Whole schemas: the sample model, and the DMTF's schema where it is there.
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
 #include "ObjectManager/Mof/Compiler.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
+#include "Tests/Support/CimSchema.h"
 
 namespace {
 
@@ -36,11 +36,10 @@ TEST(Models, TheSampleModelOfInteropHasNoFaults) {
 
 // The schema has a main file, two files of qualifiers, and one file a class.
 TEST(Models, TheDmtfSchemaHasNoFaults) {
-    const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-    const std::filesystem::path schema = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-    if (!std::filesystem::exists(schema))
-        GTEST_SKIP() << "no CIM schema in " << schema << "; set CIM_SCHEMA_DIR";
-    const Compilation compilation = Mof::compile({schema / "cim_schema_2.41.0.mof"});
+    const std::string schema = cimSchemaFile();
+    if (schema.empty())
+        GTEST_SKIP() << kNoCimSchema;
+    const Compilation compilation = Mof::compile({schema});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.files.size(), 1441U);
     EXPECT_EQ(compilation.classes.size(), compilation.files.size() - 3);

@@ -2,13 +2,13 @@
 // counted in the MOF files by hand.
 
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/ObjectManager/Repository/RepositoryText.h"
+#include "Tests/Support/CimSchema.h"
 
 namespace {
 
@@ -56,17 +56,15 @@ std::string valueOf(const urma::IQualified& definition, const char* qualifier) {
 class DmtfSchema : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        const char* const folder = std::getenv("CIM_SCHEMA_DIR");
-        folder_ = folder != nullptr ? folder : DEFAULT_CIM_SCHEMA_FOLDER;
-        const fs::path file = folder_ / "cim_schema_2.41.0.mof";
-        if (fs::exists(file))
+        const std::string file = cimSchemaFile();
+        if (!file.empty())
             loaded_ = loadRepository({{.name = "root/cimv2", .paths = {file}}}, {}, {});
     }
     static void TearDownTestSuite() { loaded_ = {}; }
 
     void SetUp() override {
-        if (!fs::exists(folder_))
-            GTEST_SKIP() << "no CIM schema in " << folder_ << "; set CIM_SCHEMA_DIR";
+        if (cimSchemaFile().empty())
+            GTEST_SKIP() << kNoCimSchema;
         ASSERT_TRUE(loaded_.repository);
     }
 
@@ -81,7 +79,6 @@ class DmtfSchema : public testing::Test {
         EXPECT_EQ(count(found->getMethods(true)), methods);
     }
 
-    static inline fs::path folder_;
     static inline LoadedRepository loaded_;
 };
 
@@ -93,9 +90,10 @@ TEST_F(DmtfSchema, LoadsWithoutDiagnostics) {
 // Each class stands in a file of its name, in a folder of its subject.
 TEST_F(DmtfSchema, EveryClassIsFoundInAnyCase) {
     int classes = 0;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_)) {
+    const fs::path folder = fs::path(cimSchemaFile()).parent_path();
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
         if (entry.path().extension() != ".mof" ||
-            fs::equivalent(entry.path().parent_path(), folder_))
+            fs::equivalent(entry.path().parent_path(), folder))
             continue;
         const std::string name = entry.path().stem();
         ASSERT_TRUE(classNamed(name)) << name;
