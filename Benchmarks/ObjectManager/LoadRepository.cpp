@@ -37,8 +37,8 @@ long peakMemory() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    NamespaceSource source = {.name = "root/cimv2", .paths = {argv + 1, argv + argc}};
-    const LoadedRepository loaded = loadRepository({source}, {}, {});
+    Repository::NamespaceSource source = {.name = "root/cimv2", .paths = {argv + 1, argv + argc}};
+    const Repository::LoadedRepository loaded = Repository::loadRepository({source}, {}, {});
     if (!loaded.repository) {
         for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
             std::fputs(diagnostic.toString().c_str(), stderr);

@@ -76,7 +76,7 @@ BENCHMARK(loadGeneratedModel)
 void findClass(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const TemporaryFolder folder;
-    const LoadedRepository loaded = loadRepository(
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{.name = "root/cimv2", .paths = {writeGeneratedModel(folder.path(), count)}}}, {}, {});
     // In lower case, as paths of requests are asked for.
     std::vector<TSKString> names;

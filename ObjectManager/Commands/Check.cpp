@@ -25,10 +25,10 @@ struct CheckOptions {
 };
 
 CheckResult checkAll(const CheckOptions& options) {
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
-    const ProviderHost host(repository, TSKSmrPtr<LocalAuthenticator>::make(),
-                            ProgramFolders::ofThisProgram().installation);
-    const MemoryClient client(host.manager(), "localhost");
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settingsOf(options.model));
+    const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                  Host::ProgramFolders::ofThisProgram().installation);
+    const Host::MemoryClient client(host.manager(), "localhost");
     ProgressBar progress(stderr, repository->countClasses(), "classes");
     return checkDocuments(*repository, client, options.jobs, [&] { progress.step(); });
 }

@@ -14,7 +14,7 @@ std::string jsonText(const Json& json) {
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-std::string superclassName(const CimClass& cimClass) {
+std::string superclassName(const Repository::CimClass& cimClass) {
     return cimClass.superclass() == nullptr ? "" : cimClass.superclass()->name().data();
 }
 
@@ -41,17 +41,17 @@ std::string marks(const urma::IQualified& definition,
     return text.empty() ? text : text + "] ";
 }
 
-std::string parameterText(const CimParameter& parameter) {
+std::string parameterText(const Repository::CimParameter& parameter) {
     return marks(parameter, {"In", "Out", "Required"}) +
            typeText(parameter.getType(), parameter.referencedClass()) + " " +
            parameter.name().data();
 }
 
-std::string signatureText(const CimMethod& method) {
+std::string signatureText(const Repository::CimMethod& method) {
     std::string text =
         typeText(method.getReturnType(), method.referencedClass()) + " " + method.name().data();
     text += "(";
-    for (const CimParameter& parameter : method.parameters()) {
+    for (const Repository::CimParameter& parameter : method.parameters()) {
         if (&parameter != &method.parameters().front())
             text += ", ";
         text += parameterText(parameter);
@@ -60,29 +60,31 @@ std::string signatureText(const CimMethod& method) {
 }
 
 // Says where an inherited member comes from.
-std::string originText(const CimClass& cimClass, const CimClass& declaring) {
+std::string originText(const Repository::CimClass& cimClass,
+                       const Repository::CimClass& declaring) {
     return &cimClass == &declaring ? "\n" : std::string("  (") + declaring.name().data() + ")\n";
 }
 
-std::string describeAsText(const CimNamespace& nameSpace, const CimClass& cimClass) {
+std::string describeAsText(const Repository::CimNamespace& nameSpace,
+                           const Repository::CimClass& cimClass) {
     std::string text = std::string(nameSpace.name()) + ":" + cimClass.name().data();
     if (cimClass.superclass() != nullptr)
         text += " : " + superclassName(cimClass);
     text += "\n\n" + counted(cimClass.properties().size(), "property", "properties") + "\n";
-    for (const CimProperty* property : cimClass.properties()) {
+    for (const Repository::CimProperty* property : cimClass.properties()) {
         text += "  " + marks(*property, {"Key", "Required"}) +
                 typeText(property->getType(), property->referencedClass()) + " " +
                 property->name().data() + originText(cimClass, cimClass.declaringClass(*property));
     }
     text += "\n" + counted(cimClass.methods().size(), "method", "methods") + "\n";
-    for (const CimMethod* method : cimClass.methods()) {
+    for (const Repository::CimMethod* method : cimClass.methods()) {
         text +=
             "  " + signatureText(*method) + originText(cimClass, cimClass.declaringClass(*method));
     }
     return text;
 }
 
-Json jsonOf(const CimClass& cimClass, const CimProperty& property) {
+Json jsonOf(const Repository::CimClass& cimClass, const Repository::CimProperty& property) {
     return {{"name", property.name().data()},
             {"type", typeText(property.getType(), property.referencedClass())},
             {"key", isTrue(property, "Key")},
@@ -90,7 +92,7 @@ Json jsonOf(const CimClass& cimClass, const CimProperty& property) {
             {"declaredBy", cimClass.declaringClass(property).name().data()}};
 }
 
-Json jsonOf(const CimParameter& parameter) {
+Json jsonOf(const Repository::CimParameter& parameter) {
     return {{"name", parameter.name().data()},
             {"type", typeText(parameter.getType(), parameter.referencedClass())},
             {"in", isTrue(parameter, "In")},
@@ -98,9 +100,9 @@ Json jsonOf(const CimParameter& parameter) {
             {"required", isTrue(parameter, "Required")}};
 }
 
-Json jsonOf(const CimClass& cimClass, const CimMethod& method) {
+Json jsonOf(const Repository::CimClass& cimClass, const Repository::CimMethod& method) {
     Json parameters = Json::array();
-    for (const CimParameter& parameter : method.parameters())
+    for (const Repository::CimParameter& parameter : method.parameters())
         parameters.push_back(jsonOf(parameter));
     return {{"name", method.name().data()},
             {"returnType", typeText(method.getReturnType(), method.referencedClass())},
@@ -108,12 +110,13 @@ Json jsonOf(const CimClass& cimClass, const CimMethod& method) {
             {"declaredBy", cimClass.declaringClass(method).name().data()}};
 }
 
-std::string describeAsJson(const CimNamespace& nameSpace, const CimClass& cimClass) {
+std::string describeAsJson(const Repository::CimNamespace& nameSpace,
+                           const Repository::CimClass& cimClass) {
     Json properties = Json::array();
-    for (const CimProperty* property : cimClass.properties())
+    for (const Repository::CimProperty* property : cimClass.properties())
         properties.push_back(jsonOf(cimClass, *property));
     Json methods = Json::array();
-    for (const CimMethod* method : cimClass.methods())
+    for (const Repository::CimMethod* method : cimClass.methods())
         methods.push_back(jsonOf(cimClass, *method));
     return jsonText({{"namespace", nameSpace.name().data()},
                      {"name", cimClass.name().data()},
@@ -122,12 +125,12 @@ std::string describeAsJson(const CimNamespace& nameSpace, const CimClass& cimCla
                      {"methods", methods}});
 }
 
-std::string listAsText(const std::vector<const CimNamespace*>& namespaces) {
+std::string listAsText(const std::vector<const Repository::CimNamespace*>& namespaces) {
     std::string text;
-    for (const CimNamespace* nameSpace : namespaces) {
+    for (const Repository::CimNamespace* nameSpace : namespaces) {
         text += std::string(nameSpace->name()) + "  (" +
                 counted(nameSpace->classes().size(), "class", "classes") + ")\n";
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace->classes()) {
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace->classes()) {
             text += std::string("  ") + cimClass->name().data();
             if (cimClass->superclass() != nullptr)
                 text += " : " + superclassName(*cimClass);
@@ -137,11 +140,11 @@ std::string listAsText(const std::vector<const CimNamespace*>& namespaces) {
     return text;
 }
 
-std::string listAsJson(const std::vector<const CimNamespace*>& namespaces) {
+std::string listAsJson(const std::vector<const Repository::CimNamespace*>& namespaces) {
     Json list = Json::array();
-    for (const CimNamespace* nameSpace : namespaces) {
+    for (const Repository::CimNamespace* nameSpace : namespaces) {
         Json classes = Json::array();
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace->classes())
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace->classes())
             classes.push_back(
                 {{"name", cimClass->name().data()}, {"superclass", superclassName(*cimClass)}});
         list.push_back({{"name", nameSpace->name().data()}, {"classes", classes}});
@@ -151,12 +154,13 @@ std::string listAsJson(const std::vector<const CimNamespace*>& namespaces) {
 
 }  // namespace
 
-std::string listClasses(const std::vector<const CimNamespace*>& namespaces, OutputFormat format) {
+std::string listClasses(const std::vector<const Repository::CimNamespace*>& namespaces,
+                        OutputFormat format) {
     return format == OutputFormat::kJson ? listAsJson(namespaces) : listAsText(namespaces);
 }
 
-std::string describeClass(const CimNamespace& nameSpace, const CimClass& cimClass,
-                          OutputFormat format) {
+std::string describeClass(const Repository::CimNamespace& nameSpace,
+                          const Repository::CimClass& cimClass, OutputFormat format) {
     return format == OutputFormat::kJson ? describeAsJson(nameSpace, cimClass)
                                          : describeAsText(nameSpace, cimClass);
 }

@@ -11,11 +11,11 @@
 namespace Commands {
 
 /// The classes of the namespaces, with their superclasses.
-[[nodiscard]] std::string listClasses(const std::vector<const CimNamespace*>& namespaces,
-                                      OutputFormat format);
+[[nodiscard]] std::string listClasses(
+    const std::vector<const Repository::CimNamespace*>& namespaces, OutputFormat format);
 
 /// One class with its properties and methods, inherited ones too.
-[[nodiscard]] std::string describeClass(const CimNamespace& nameSpace, const CimClass& cimClass,
-                                        OutputFormat format);
+[[nodiscard]] std::string describeClass(const Repository::CimNamespace& nameSpace,
+                                        const Repository::CimClass& cimClass, OutputFormat format);
 
 }  // namespace Commands

@@ -11,25 +11,27 @@ namespace Commands {
 
 namespace {
 
-std::vector<const CimClass*> classesNamed(const CimNamespace& nameSpace, const std::string& name) {
-    std::vector<const CimClass*> found;
+std::vector<const Repository::CimClass*> classesNamed(const Repository::CimNamespace& nameSpace,
+                                                      const std::string& name) {
+    std::vector<const Repository::CimClass*> found;
     if (!isNamePattern(name)) {
-        const TSKSmrPtr<CimClass> cimClass = nameSpace.findClass(TSKString(name));
+        const TSKSmrPtr<Repository::CimClass> cimClass = nameSpace.findClass(TSKString(name));
         if (!cimClass.isNull())
             found.push_back(cimClass.get());
         return found;
     }
-    for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes()) {
+    for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes()) {
         if (matchesNamePattern(cimClass->name(), name))
             found.push_back(cimClass.get());
     }
     return found;
 }
 
-void sortOnce(std::vector<const CimClass*>& classes) {
-    std::sort(classes.begin(), classes.end(), [](const CimClass* left, const CimClass* right) {
-        return left->name() < right->name();
-    });
+void sortOnce(std::vector<const Repository::CimClass*>& classes) {
+    std::sort(classes.begin(), classes.end(),
+              [](const Repository::CimClass* left, const Repository::CimClass* right) {
+                  return left->name() < right->name();
+              });
     classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
 }
 
@@ -47,25 +49,25 @@ void requireNone(const std::vector<std::string>& unknown) {
 
 }  // namespace
 
-std::vector<ClassSelection> selectAllClasses(const ClassRepository& repository) {
+std::vector<ClassSelection> selectAllClasses(const Repository::ClassRepository& repository) {
     std::vector<ClassSelection> selections;
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
         ClassSelection& selection =
             selections.emplace_back(ClassSelection{.nameSpace = &nameSpace, .classes = {}});
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes())
             selection.classes.push_back(cimClass.get());
     }
     return selections;
 }
 
-std::vector<ClassSelection> selectClasses(const ClassRepository& repository,
+std::vector<ClassSelection> selectClasses(const Repository::ClassRepository& repository,
                                           const std::vector<std::string>& names) {
     std::vector<ClassSelection> selections;
     std::vector<std::string> unknown = names;
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
         ClassSelection selection{.nameSpace = &nameSpace, .classes = {}};
         for (const std::string& name : names) {
-            const std::vector<const CimClass*> found = classesNamed(nameSpace, name);
+            const std::vector<const Repository::CimClass*> found = classesNamed(nameSpace, name);
             if (!found.empty())
                 std::erase(unknown, name);
             selection.classes.insert(selection.classes.end(), found.begin(), found.end());

@@ -24,22 +24,23 @@ struct ClassesOptions {
     std::string className;  // empty for all
 };
 
-const CimNamespace& findNamespace(const ClassRepository& repository, const std::string& name) {
+const Repository::CimNamespace& findNamespace(const Repository::ClassRepository& repository,
+                                              const std::string& name) {
     const std::string bareName = Configuration::parseNamespaceName(name);
-    const CimNamespace* const found = repository.findNamespace(TSKString(bareName));
+    const Repository::CimNamespace* const found = repository.findNamespace(TSKString(bareName));
     if (found != nullptr)
         return *found;
     std::string names;
-    for (const CimNamespace& nameSpace : repository.namespaces())
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces())
         names += (names.empty() ? "" : ", ") + std::string(nameSpace.name());
     const std::string message = "there is no namespace \"" + bareName + "\"; there are: " + names;
     throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_NAMESPACE);
 }
 
-std::string list(const ClassRepository& repository, const ClassesOptions& options) {
-    std::vector<const CimNamespace*> namespaces;
+std::string list(const Repository::ClassRepository& repository, const ClassesOptions& options) {
+    std::vector<const Repository::CimNamespace*> namespaces;
     if (options.nameSpace.empty()) {
-        for (const CimNamespace& nameSpace : repository.namespaces())
+        for (const Repository::CimNamespace& nameSpace : repository.namespaces())
             namespaces.push_back(&nameSpace);
     } else {
         namespaces.push_back(&findNamespace(repository, options.nameSpace));
@@ -47,9 +48,10 @@ std::string list(const ClassRepository& repository, const ClassesOptions& option
     return listClasses(namespaces, options.format);
 }
 
-std::string describe(const ClassRepository& repository, const ClassesOptions& options) {
-    const CimNamespace& nameSpace = findNamespace(repository, options.nameSpace);
-    const TSKSmrPtr<CimClass> cimClass = nameSpace.findClass(TSKString(options.className));
+std::string describe(const Repository::ClassRepository& repository, const ClassesOptions& options) {
+    const Repository::CimNamespace& nameSpace = findNamespace(repository, options.nameSpace);
+    const TSKSmrPtr<Repository::CimClass> cimClass =
+        nameSpace.findClass(TSKString(options.className));
     if (!cimClass) {
         const std::string message = "the namespace \"" + std::string(nameSpace.name()) +
                                     "\" has no class \"" + options.className +
@@ -61,7 +63,7 @@ std::string describe(const ClassRepository& repository, const ClassesOptions& op
 }
 
 int runClasses(const ClassesOptions& options) {
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settingsOf(options.model));
     std::cout << (options.className.empty() ? list(*repository, options)
                                             : describe(*repository, options));
     return 0;

@@ -23,9 +23,9 @@ using Inspection::FindingKind;
 // Collects what the threads find.
 class Checker {
   public:
-    explicit Checker(const MemoryClient& client) : client_(client) {}
+    explicit Checker(const Host::MemoryClient& client) : client_(client) {}
 
-    void check(const CimNamespace& nameSpace, const CimClass& cimClass) {
+    void check(const Repository::CimNamespace& nameSpace, const Repository::CimClass& cimClass) {
         std::vector<Finding> found = Inspection::inspectClass(cimClass);
         const bool mayBeMade = std::ranges::none_of(found, [](const Finding& finding) {
             return finding.kind == FindingKind::kTooManyGaps;
@@ -56,8 +56,9 @@ class Checker {
   private:
     using Inspect = std::vector<Finding> (*)(std::string_view name, std::string_view text);
 
-    void inspectDocument(const CimNamespace& nameSpace, const CimClass& cimClass,
-                         const char* extension, Inspect inspect, std::vector<Finding>& found) {
+    void inspectDocument(const Repository::CimNamespace& nameSpace,
+                         const Repository::CimClass& cimClass, const char* extension,
+                         Inspect inspect, std::vector<Finding>& found) {
         const TSKString name = cimClass.name() + extension;
         const RequestedDocument document = requestDocument(client_, nameSpace, name);
         if (!document.answer) {
@@ -74,7 +75,7 @@ class Checker {
         found.insert(found.end(), faults.begin(), faults.end());
     }
 
-    const MemoryClient& client_;
+    const Host::MemoryClient& client_;
     std::atomic<std::size_t> documents_ = 0;
     std::atomic<std::size_t> bytes_ = 0;
     std::mutex mutex_;
@@ -89,12 +90,13 @@ std::size_t CheckResult::countErrors() const {
                       [](const Finding& finding) { return Inspection::isError(finding.kind); }));
 }
 
-CheckResult checkDocuments(const ClassRepository& repository, const MemoryClient& client,
-                           unsigned jobs, const std::function<void()>& onClassDone) {
+CheckResult checkDocuments(const Repository::ClassRepository& repository,
+                           const Host::MemoryClient& client, unsigned jobs,
+                           const std::function<void()>& onClassDone) {
     const auto start = std::chrono::steady_clock::now();
-    std::vector<std::pair<const CimNamespace*, const CimClass*>> classes;
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+    std::vector<std::pair<const Repository::CimNamespace*, const Repository::CimClass*>> classes;
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes())
             classes.emplace_back(&nameSpace, cimClass.get());
     }
     Checker checker(client);

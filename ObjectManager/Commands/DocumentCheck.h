@@ -25,8 +25,8 @@ struct CheckResult {
 
 /// Has both documents of every class made, in `jobs` threads, and inspects them. Calls
 /// `onClassDone` after each class, in any thread.
-[[nodiscard]] CheckResult checkDocuments(const ClassRepository& repository,
-                                         const MemoryClient& client, unsigned jobs,
+[[nodiscard]] CheckResult checkDocuments(const Repository::ClassRepository& repository,
+                                         const Host::MemoryClient& client, unsigned jobs,
                                          const std::function<void()>& onClassDone);
 
 /// The findings, a line each, and a summary.

@@ -34,7 +34,7 @@ std::vector<std::string> foldersOf(std::string_view nameSpace) {
     }
 }
 
-void requireFolderNames(const CimNamespace& nameSpace) {
+void requireFolderNames(const Repository::CimNamespace& nameSpace) {
     for (const std::string& folder : foldersOf(nameSpace.name())) {
         const std::string_view fault = faultOfFileName(folder);
         if (fault.empty())
@@ -45,7 +45,7 @@ void requireFolderNames(const CimNamespace& nameSpace) {
     }
 }
 
-OutputFolder createFolder(const OutputFolder& output, const CimNamespace& nameSpace) {
+OutputFolder createFolder(const OutputFolder& output, const Repository::CimNamespace& nameSpace) {
     const std::vector<std::string> folders = foldersOf(nameSpace.name());
     OutputFolder folder = output.createBelow(folders.front());
     for (auto below = folders.begin() + 1; below != folders.end(); ++below)
@@ -56,7 +56,7 @@ OutputFolder createFolder(const OutputFolder& output, const CimNamespace& nameSp
 // Counts what the threads have done.
 class Exporter {
   public:
-    Exporter(const MemoryClient& client, const DocumentExportOptions& options)
+    Exporter(const Host::MemoryClient& client, const DocumentExportOptions& options)
         : client_(client), options_(options) {}
 
     void exportAll(const ClassSelection& selection, const OutputFolder& folder) {
@@ -99,8 +99,9 @@ class Exporter {
     }
 
   private:
-    void exportDocument(const CimNamespace& nameSpace, const CimClass& cimClass,
-                        const char* extension, const OutputFolder& folder) {
+    void exportDocument(const Repository::CimNamespace& nameSpace,
+                        const Repository::CimClass& cimClass, const char* extension,
+                        const OutputFolder& folder) {
         const TSKString file = cimClass.name() + extension;
         const std::string_view fault = faultOfFileName(file);
         if (!fault.empty()) {
@@ -118,14 +119,14 @@ class Exporter {
         bytes_ += content.size();
     }
 
-    void addFailure(const CimNamespace& nameSpace, const CimClass& cimClass,
+    void addFailure(const Repository::CimNamespace& nameSpace, const Repository::CimClass& cimClass,
                     const std::string& reason) {
         const std::lock_guard lock(mutex_);
         failures_.push_back(std::string(nameSpace.name()) + ":" + std::string(cimClass.name()) +
                             ": " + reason);
     }
 
-    const MemoryClient& client_;
+    const Host::MemoryClient& client_;
     const DocumentExportOptions& options_;
     std::atomic<std::size_t> written_ = 0;
     std::atomic<std::size_t> unchanged_ = 0;
@@ -139,7 +140,7 @@ class Exporter {
 }  // namespace
 
 DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
-                                     const MemoryClient& client, const OutputFolder& output,
+                                     const Host::MemoryClient& client, const OutputFolder& output,
                                      const DocumentExportOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     for (const ClassSelection& selection : selections)

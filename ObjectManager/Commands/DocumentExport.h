@@ -51,7 +51,7 @@ struct DocumentExportResult {
 /// Errors: TeskBaseException when a namespace's name cannot be a path, before anything is written;
 /// std::system_error when a folder or a file cannot be written, after which no more are.
 [[nodiscard]] DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
-                                                   const MemoryClient& client,
+                                                   const Host::MemoryClient& client,
                                                    const OutputFolder& output,
                                                    const DocumentExportOptions& options);
 

@@ -10,7 +10,7 @@ namespace Commands {
 namespace {
 
 // Why an answer is no document; empty for one that is.
-std::string faultOf(const MemoryClient::Answer& answer) {
+std::string faultOf(const Host::MemoryClient::Answer& answer) {
     if (answer.status().empty())
         return "what is no HTTP response";
     if (answer.status() != "200")
@@ -20,11 +20,12 @@ std::string faultOf(const MemoryClient::Answer& answer) {
 
 }  // namespace
 
-RequestedDocument requestDocument(const MemoryClient& client, const CimNamespace& nameSpace,
+RequestedDocument requestDocument(const Host::MemoryClient& client,
+                                  const Repository::CimNamespace& nameSpace,
                                   const TSKString& document) {
     const std::string name(document);
     try {
-        MemoryClient::Answer answer = client.get("/" + nameSpace.name() + "/" + document);
+        Host::MemoryClient::Answer answer = client.get("/" + nameSpace.name() + "/" + document);
         const std::string fault = faultOf(answer);
         if (fault.empty())
             return {.answer = std::move(answer), .failure = {}};

@@ -36,12 +36,12 @@ struct ExportOptions {
 };
 
 DocumentExportResult writeDocuments(const ExportOptions& options,
-                                    const TSKSmrPtr<ClassRepository>& repository,
+                                    const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
                                     const OutputFolder& output, const StopSignals& stopSignals) {
-    const ProviderHost host(repository, TSKSmrPtr<LocalAuthenticator>::make(),
-                            ProgramFolders::ofThisProgram().installation);
-    const MemoryClient client(host.manager(), TSKString(options.host));
+    const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                  Host::ProgramFolders::ofThisProgram().installation);
+    const Host::MemoryClient client(host.manager(), TSKString(options.host));
     ProgressBar progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;
     exportOptions.jobs = options.jobs;
@@ -62,7 +62,7 @@ int reportStop(int signal, const DocumentExportResult& result, const OutputFolde
 int runExport(const ExportOptions& options) {
     // A file over the limit of the process is an error like a full disk, not the end.
     (void)std::signal(SIGXFSZ, SIG_IGN);
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settingsOf(options.model));
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settingsOf(options.model));
     const bool all = options.classes.empty();
     const std::vector<ClassSelection> selections =
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);

@@ -17,8 +17,8 @@ namespace Commands {
 
 namespace {
 
-std::vector<NamespaceSource> sampleModel() {
-    const std::filesystem::path models = ProgramFolders::ofThisProgram().models;
+std::vector<Repository::NamespaceSource> sampleModel() {
+    const std::filesystem::path models = Host::ProgramFolders::ofThisProgram().models;
     return {{.name = "root/cimv2", .paths = {models / "cimv2/cimv2.mof"}},
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }
@@ -65,28 +65,28 @@ Configuration::Settings settingsOf(const ModelOptions& options) {
     return settingsOf(options, std::cerr);
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
-                                     std::ostream& faults) {
-    const LoadedRepository loaded =
-        loadRepository(settings.namespaces, settings.includePath, settings.repository);
+TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& settings,
+                                                 std::ostream& faults) {
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository(settings.namespaces, settings.includePath, settings.repository);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         faults << diagnostic.toString();
     if (!loaded.repository) {
         throw TeskBaseException("loadModel", "the classes have errors and are not used",
                                 CIM_ERR_FAILED);
     }
-    for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
+    for (const Repository::CimNamespace& nameSpace : loaded.repository->namespaces()) {
         if (nameSpace.classes().empty())
             faults << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
     return loaded.repository;
 }
 
-TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings) {
+TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& settings) {
     return loadModel(settings, std::cerr);
 }
 
-std::string contentText(const ClassRepository& repository) {
+std::string contentText(const Repository::ClassRepository& repository) {
     return counted(repository.countClasses(), "class", "classes") + " in " +
            counted(repository.namespaces().size(), "namespace", "namespaces");
 }

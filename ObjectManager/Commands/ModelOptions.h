@@ -33,13 +33,14 @@ void addModelOptions(CLI::App& command, ModelOptions& options);
 
 /// Compiles the classes, and writes what is wrong with them, or that there are none, to `faults`.
 /// Errors: TeskBaseException when there are errors in them.
-[[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings,
-                                                   std::ostream& faults);
+[[nodiscard]] TSKSmrPtr<Repository::ClassRepository> loadModel(
+    const Configuration::Settings& settings, std::ostream& faults);
 
 /// The same for a person at a terminal: faults go to standard error.
-[[nodiscard]] TSKSmrPtr<ClassRepository> loadModel(const Configuration::Settings& settings);
+[[nodiscard]] TSKSmrPtr<Repository::ClassRepository> loadModel(
+    const Configuration::Settings& settings);
 
 /// "1,438 classes in 1 namespace".
-[[nodiscard]] std::string contentText(const ClassRepository& repository);
+[[nodiscard]] std::string contentText(const Repository::ClassRepository& repository);
 
 }  // namespace Commands

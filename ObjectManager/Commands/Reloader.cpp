@@ -66,7 +66,7 @@ void Reloader::reloadUsersIfChanged() {
 
 void Reloader::readAll(std::ostream& faults) {
     Configuration::Settings settings = readSettings_(faults);
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settings, faults);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, faults);
     keepPasswordFile(settings);
     const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
     std::optional<Security::UserTable> users;

@@ -47,9 +47,9 @@ Configuration::Settings settingsOf(const ServeOptions& options, std::ostream& fa
 }
 
 // A path that is worth a try: that of a class which everybody knows, else of any.
-std::string samplePath(const ClassRepository& repository) {
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
-        TSKSmrPtr<CimClass> cimClass = nameSpace.findClass("CIM_ComputerSystem");
+std::string samplePath(const Repository::ClassRepository& repository) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
+        TSKSmrPtr<Repository::CimClass> cimClass = nameSpace.findClass("CIM_ComputerSystem");
         if (!cimClass && !nameSpace.classes().empty())
             cimClass = nameSpace.classes().front();
         if (cimClass)
@@ -59,7 +59,7 @@ std::string samplePath(const ClassRepository& repository) {
 }
 
 // Returns whether it could be said. A password that nobody has read lets nobody in.
-[[nodiscard]] bool announce(const Service& service, const ClassRepository& repository,
+[[nodiscard]] bool announce(const Service& service, const Repository::ClassRepository& repository,
                             const ServiceUsers& users) {
     std::cout << "Serving " << contentText(repository) << " on";
     for (const std::string& address : service.addresses())
@@ -112,7 +112,7 @@ int runServe(const ServeOptions& options) {
     (void)std::signal(SIGPIPE, SIG_IGN);  // a client that goes away ends nothing
     const SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
     const LogOutput logOutput(settings.log);
-    const TSKSmrPtr<ClassRepository> repository = loadModel(settings);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings);
     const FileStamp passwordFile = FileStamp::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);

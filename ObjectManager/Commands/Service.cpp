@@ -37,10 +37,11 @@ TSKSmrPtr<Security::BasicAuthenticator> makeAuthenticator(
 }  // namespace
 
 Service::Service(const Configuration::Settings& settings,
-                 const TSKSmrPtr<ClassRepository>& repository, Security::UserTable users)
+                 const TSKSmrPtr<Repository::ClassRepository>& repository,
+                 Security::UserTable users)
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(makeAuthenticator(settings.security, std::move(users))),
-      host_(repository, authenticator_, ProgramFolders::ofThisProgram().installation),
+      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation),
       index_(repository),
       server_(serverOptions(settings.server, authenticator_), host_.manager(), &index_) {}
 
@@ -50,7 +51,7 @@ void Service::start() {
     server_.start();
 }
 
-void Service::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
+void Service::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     host_.setRepository(repository);
     index_.setRepository(repository);
 }

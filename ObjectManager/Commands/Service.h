@@ -23,8 +23,8 @@ class Service {
     /// Starts the providers and listens; nobody is answered before start().
     /// Errors: TeskBaseException when a provider fails, std::system_error when an address cannot be
     /// listened on.
-    Service(const Configuration::Settings& settings, const TSKSmrPtr<ClassRepository>& repository,
-            Security::UserTable users);
+    Service(const Configuration::Settings& settings,
+            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
     /// Shuts the providers down; to be stopped before.
@@ -34,7 +34,7 @@ class Service {
     void start();
 
     /// Requests that begin from now on see these classes and users.
-    void setRepository(const TSKSmrPtr<ClassRepository>& repository);
+    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
     void setUsers(Security::UserTable users);
 
     /// Takes no further requests and finishes those that run, as long as the settings say. Returns
@@ -47,7 +47,7 @@ class Service {
   private:
     std::chrono::milliseconds gracePeriod_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
-    ProviderHost host_;
+    Host::ProviderHost host_;
     Index::IndexHandler index_;
     Http::Server server_;
 };

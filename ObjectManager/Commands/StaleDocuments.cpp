@@ -33,8 +33,8 @@ bool describesClass(const OutputFolder& folder, const std::string& file,
 // that is called so but for the case has given the file up when there is one of its present name,
 // too; where names of files ignore case there is but one, and that is the document.
 bool isGivenUp(const std::vector<std::string>& files, const std::string& file,
-               std::string_view className, const CimNamespace& nameSpace) {
-    const TSKSmrPtr<CimClass> cimClass = nameSpace.findClass(TSKString(className));
+               std::string_view className, const Repository::CimNamespace& nameSpace) {
+    const TSKSmrPtr<Repository::CimClass> cimClass = nameSpace.findClass(TSKString(className));
     if (!cimClass)
         return true;
     const std::string present = std::string(cimClass->name()) + file.substr(className.size());
@@ -43,7 +43,8 @@ bool isGivenUp(const std::vector<std::string>& files, const std::string& file,
 
 }  // namespace
 
-std::size_t removeStaleDocuments(const OutputFolder& folder, const CimNamespace& nameSpace) {
+std::size_t removeStaleDocuments(const OutputFolder& folder,
+                                 const Repository::CimNamespace& nameSpace) {
     std::size_t removed = 0;
     const std::vector<std::string> files = folder.files();
     for (const std::string& file : files) {

@@ -13,7 +13,8 @@ namespace Commands {
 /// describes that class; every other file stays, and so do folders and what is in them.
 /// Returns how many files were removed.
 /// Errors: std::system_error that names the file or the folder.
-std::size_t removeStaleDocuments(const OutputFolder& folder, const CimNamespace& nameSpace);
+std::size_t removeStaleDocuments(const OutputFolder& folder,
+                                 const Repository::CimNamespace& nameSpace);
 
 /// Removes from `folder` the files that a process began and did not live to finish: those that are
 /// named so (see isAbandonedName), and no other. Returns how many were removed.

@@ -57,7 +57,7 @@ bool isSameNamespace(std::string_view name, std::string_view other) noexcept {
     return std::ranges::equal(name, other, {}, lowerCase, lowerCase);
 }
 
-NamespaceSource parseNamespaceOption(std::string_view text) {
+Repository::NamespaceSource parseNamespaceOption(std::string_view text) {
     const std::size_t sign = text.find('=');
     if (sign == std::string_view::npos || sign + 1 == text.size()) {
         fail('"' + std::string(text) +

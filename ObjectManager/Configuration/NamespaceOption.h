@@ -16,6 +16,6 @@ namespace Configuration {
 
 /// Reads "NAME=PATH", as the command line gives a namespace.
 /// Errors: TeskBaseException, whose message says what is right.
-[[nodiscard]] NamespaceSource parseNamespaceOption(std::string_view text);
+[[nodiscard]] Repository::NamespaceSource parseNamespaceOption(std::string_view text);
 
 }  // namespace Configuration

@@ -69,13 +69,13 @@ struct LogSettings {
 /// What a person can decide about the object manager. Relative paths are relative to the current
 /// folder, wherever they came from.
 struct Settings {
-    std::vector<NamespaceSource> namespaces;  ///< in the order of their names
+    std::vector<Repository::NamespaceSource> namespaces;  ///< in the order of their names
 
     /// The folders in which included MOF files are looked for that do not stand beside the file
     /// that includes them.
     std::vector<std::string> includePath;
 
-    RepositoryOptions repository;
+    Repository::RepositoryOptions repository;
     ServerSettings server;
     SecuritySettings security;
     LogSettings log;

@@ -48,7 +48,8 @@ class Folder {
     std::filesystem::path path_;
 };
 
-void readNamespaces(Table table, const Folder& folder, std::vector<NamespaceSource>& namespaces) {
+void readNamespaces(Table table, const Folder& folder,
+                    std::vector<Repository::NamespaceSource>& namespaces) {
     for (const std::string& key : table.keys()) {
         // A heading reaches to the next one.
         if (key == "include_path") {
@@ -56,7 +57,7 @@ void readNamespaces(Table table, const Folder& folder, std::vector<NamespaceSour
                          "\"include_path\" must stand above [namespaces] and all other tables");
             continue;
         }
-        NamespaceSource source;
+        Repository::NamespaceSource source;
         table.readTexts(key, "a MOF file or a folder", 1, [&](const std::string& path) {
             source.paths.push_back(folder.resolve(path));
         });
@@ -66,7 +67,7 @@ void readNamespaces(Table table, const Folder& folder, std::vector<NamespaceSour
             table.reject(key, exception.getMessage().data());
             continue;
         }
-        const auto isSame = [&](const NamespaceSource& other) {
+        const auto isSame = [&](const Repository::NamespaceSource& other) {
             return isSameNamespace(other.name, source.name);
         };
         if (std::ranges::any_of(namespaces, isSame))
@@ -76,10 +77,11 @@ void readNamespaces(Table table, const Folder& folder, std::vector<NamespaceSour
     }
 }
 
-void readRepository(Table table, RepositoryOptions& settings) {
-    table.readChoice<PropertyOrder>(
+void readRepository(Table table, Repository::RepositoryOptions& settings) {
+    table.readChoice<Repository::PropertyOrder>(
         "property_order",
-        {{"name", PropertyOrder::kName}, {"declaration", PropertyOrder::kDeclaration}},
+        {{"name", Repository::PropertyOrder::kName},
+         {"declaration", Repository::PropertyOrder::kDeclaration}},
         settings.propertyOrder);
     table.readBoolean("escape_descriptions", settings.escapeDescriptions);
     table.reportUnknownKeys();

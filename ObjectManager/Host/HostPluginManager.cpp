@@ -4,6 +4,8 @@
 
 #include "Platform/Util/TSKValSlistIterator.h"
 
+namespace Host {
+
 namespace {
 
 // A URI is the same in any case, with or without a slash at its end.
@@ -57,3 +59,5 @@ bool HostPluginManager::isNamespace(const TSKString& uri) const {
     }
     return false;
 }
+
+}  // namespace Host

@@ -6,6 +6,8 @@
 
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
+namespace Host {
+
 /// A plug-in manager that remembers which providers serve the namespaces, so that they get the
 /// requests for namespaces that appear later, too.
 ///
@@ -26,3 +28,5 @@ class HostPluginManager : public TeskProviderPluginManager {
     // In lower case, without a slash at the end.
     std::set<std::string> registeredUris_;  // guarded by mutex_
 };
+
+}  // namespace Host

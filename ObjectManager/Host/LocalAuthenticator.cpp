@@ -1,5 +1,7 @@
 #include "ObjectManager/Host/LocalAuthenticator.h"
 
+namespace Host {
+
 namespace {
 
 class LocalToken : public urma::security::ISecurityToken {
@@ -16,3 +18,5 @@ bool LocalAuthenticator::authenticateRequest(TSKHTTPRequest& /*request*/,
     token = TSKSmrPtr<LocalToken>::make();
     return true;
 }
+
+}  // namespace Host

@@ -2,6 +2,8 @@
 
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
 
+namespace Host {
+
 /// Lets everybody in, as the user "local": for requests that the program makes itself, in memory,
 /// where no stranger can call.
 ///
@@ -12,3 +14,5 @@ class LocalAuthenticator : public ITeskAuthenticator {
                              TSKGenericHTTPOStream& ostr,
                              TSKSmrPtr<urma::security::ISecurityToken>& token) override;
 };
+
+}  // namespace Host

@@ -6,6 +6,8 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
+namespace Host {
+
 namespace {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
@@ -74,3 +76,5 @@ MemoryClient::Answer MemoryClient::get(const TSKString& path) const {
     provider->processHTTPRequest(input, output, request, handled, nullptr);
     return Answer(output.takeBytes());
 }
+
+}  // namespace Host

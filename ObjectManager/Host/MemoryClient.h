@@ -5,6 +5,8 @@
 
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
+namespace Host {
+
 /// Asks the providers for documents as a client does over HTTP, but in memory: the same entry, the
 /// same path, the same bytes.
 ///
@@ -37,3 +39,5 @@ class MemoryClient {
     const TeskProviderPluginManager& manager_;
     TSKString host_;
 };
+
+}  // namespace Host

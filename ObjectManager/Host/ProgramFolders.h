@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+namespace Host {
+
 /// Where the program finds what is installed with it. Found from where the program file lies, so
 /// that an installation can be moved, and the build folder has the same layout.
 ///
@@ -14,3 +16,5 @@ struct ProgramFolders {
     /// Errors: std::system_error when the system does not say which file that is.
     [[nodiscard]] static ProgramFolders ofThisProgram();
 };
+
+}  // namespace Host

@@ -9,6 +9,8 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
+namespace Host {
+
 namespace {
 
 class Installation : public ITeskInstallation {
@@ -38,7 +40,7 @@ void requireNone(const TeskProviderPluginManager::Failures& failures) {
 
 }  // namespace
 
-ProviderHost::ProviderHost(const TSKSmrPtr<ClassRepository>& repository,
+ProviderHost::ProviderHost(const TSKSmrPtr<Repository::ClassRepository>& repository,
                            TSKSmrPtr<ITeskAuthenticator> authenticator,
                            const std::filesystem::path& installation) {
     manager_->setRepository(repository);
@@ -75,7 +77,9 @@ void ProviderHost::stop() noexcept {
     URMAConfigManager::setInstallation(nullptr);
 }
 
-void ProviderHost::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
+void ProviderHost::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     manager_->setRepository(repository);
     manager_->setNamespaces(repository);
 }
+
+}  // namespace Host

@@ -7,6 +7,8 @@
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
+namespace Host {
+
 /// Everything that providers reach of the object manager, installed for the process while this
 /// lives, and the providers themselves, started and in the end shut down. One at a time.
 ///
@@ -17,7 +19,7 @@ class ProviderHost {
     /// Loads the libraries in the folder "providers" of `installation` and starts them.
     /// Errors: TeskBaseException, with the library and the reason, when a provider cannot be loaded
     /// or started, or there is none.
-    ProviderHost(const TSKSmrPtr<ClassRepository>& repository,
+    ProviderHost(const TSKSmrPtr<Repository::ClassRepository>& repository,
                  TSKSmrPtr<ITeskAuthenticator> authenticator,
                  const std::filesystem::path& installation);
     ProviderHost(const ProviderHost&) = delete;
@@ -27,7 +29,7 @@ class ProviderHost {
     [[nodiscard]] const TeskProviderPluginManager& manager() const { return *manager_; }
 
     /// Lets requests that begin from now on see other classes.
-    void setRepository(const TSKSmrPtr<ClassRepository>& repository);
+    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
   private:
     void start(const std::filesystem::path& folder);
@@ -35,3 +37,5 @@ class ProviderHost {
 
     TSKSmrPtr<HostPluginManager> manager_ = TSKSmrPtr<HostPluginManager>::make();
 };
+
+}  // namespace Host

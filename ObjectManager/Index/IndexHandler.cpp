@@ -39,10 +39,10 @@ void writePage(const TSKHTTPRequest& request, const std::string& page,
 
 }  // namespace
 
-IndexHandler::IndexHandler(const TSKSmrPtr<ClassRepository>& repository)
+IndexHandler::IndexHandler(const TSKSmrPtr<Repository::ClassRepository>& repository)
     : repository_(repository) {}
 
-void IndexHandler::setRepository(const TSKSmrPtr<ClassRepository>& repository) {
+void IndexHandler::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     const std::lock_guard lock(mutex_);
     repository_ = repository;
     page_.reset();

@@ -16,10 +16,10 @@ namespace Index {
 /// Thread safety: may be used by several threads at once.
 class IndexHandler final : public Http::RequestHandler {
   public:
-    explicit IndexHandler(const TSKSmrPtr<ClassRepository>& repository);
+    explicit IndexHandler(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
     /// Requests that begin from now on see these classes.
-    void setRepository(const TSKSmrPtr<ClassRepository>& repository);
+    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
     /// Errors: TSKHTTPException with kAuthenticationFailed.
     [[nodiscard]] bool handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
@@ -29,7 +29,7 @@ class IndexHandler final : public Http::RequestHandler {
     [[nodiscard]] std::shared_ptr<const std::string> page();
 
     std::mutex mutex_;
-    TSKSmrPtr<ClassRepository> repository_;    // guarded by mutex_
+    TSKSmrPtr<Repository::ClassRepository> repository_;  // guarded by mutex_
     std::shared_ptr<const std::string> page_;  // guarded by mutex_; null until somebody asks
 };
 

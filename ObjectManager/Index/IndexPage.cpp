@@ -21,7 +21,8 @@ std::string countOf(std::size_t count, const char* singular, const char* plural)
 }
 
 // The written one: what is inherited tells about the superclass.
-std::string descriptionOf(const CimClass& cimClass, const RepositoryOptions& options) {
+std::string descriptionOf(const Repository::CimClass& cimClass,
+                          const Repository::RepositoryOptions& options) {
     const urma::IQualifier* const qualifier = cimClass.getQualifier("Description", false);
     if (qualifier == nullptr || !qualifier->hasValue())
         return {};
@@ -32,8 +33,8 @@ std::string descriptionOf(const CimClass& cimClass, const RepositoryOptions& opt
 
 // HTML lets the tags out that end items and paragraphs, and the quotes around such links: with a
 // thousand classes that counts.
-void appendClass(std::string& page, const CimNamespace& nameSpace, const std::string& folder,
-                 const CimClass& cimClass) {
+void appendClass(std::string& page, const Repository::CimNamespace& nameSpace,
+                 const std::string& folder, const Repository::CimClass& cimClass) {
     const std::string document = folder + percentEncodedPath(cimClass.name());
     page += "<li><a href=" + document + ".wsdl>" + htmlText(cimClass.name()) + "</a>";
     if (cimClass.superclass() != nullptr)
@@ -45,20 +46,21 @@ void appendClass(std::string& page, const CimNamespace& nameSpace, const std::st
     page += "\n";
 }
 
-void appendNamespace(std::string& page, const CimNamespace& nameSpace, std::size_t number) {
+void appendNamespace(std::string& page, const Repository::CimNamespace& nameSpace,
+                     std::size_t number) {
     page += "<section>\n<h2 id=namespace-" + std::to_string(number) + ">" +
             htmlText(nameSpace.name()) + " <small>" +
             countOf(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
     const std::string folder = percentEncodedPath(nameSpace.name()) + "/";
-    for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+    for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes())
         appendClass(page, nameSpace, folder, *cimClass);
     page += "</ul>\n</section>\n";
 }
 
 // Of use where there is more than one namespace.
-std::string linksToNamespaces(const ClassRepository& repository) {
+std::string linksToNamespaces(const Repository::ClassRepository& repository) {
     std::string links;
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
         const std::size_t number =
             static_cast<std::size_t>(&nameSpace - repository.namespaces().data()) + 1;
         links += "<a href=#namespace-" + std::to_string(number) + ">" + htmlText(nameSpace.name()) +
@@ -109,7 +111,7 @@ constexpr std::string_view kFilter = R"(<div role="search" id="search" hidden>
 
 }  // namespace
 
-std::string makeIndexPage(const ClassRepository& repository) {
+std::string makeIndexPage(const Repository::ClassRepository& repository) {
     std::string page = head();
     page += "<body>\n<header>\n<h1>WSDL and XML Schema of CIM classes</h1>\n<p>" +
             countOf(repository.countClasses(), "class", "classes") + " in " +
@@ -119,7 +121,7 @@ std::string makeIndexPage(const ClassRepository& repository) {
     page += kFilter;
     page += "<main>\n";
     std::size_t number = 0;
-    for (const CimNamespace& nameSpace : repository.namespaces())
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces())
         appendNamespace(page, nameSpace, ++number);
     page += "</main>\n<script>";
     page += kPageScript;

@@ -13,7 +13,7 @@ namespace Index {
 /// The links are relative ("root/cimv2/CIM_Foo.wsdl"), so that the page works in a folder of
 /// exported documents as well as at the root of the service. The fragment "#filter=WORDS" fills in
 /// the filter, so that a filtered list can be linked to.
-[[nodiscard]] std::string makeIndexPage(const ClassRepository& repository);
+[[nodiscard]] std::string makeIndexPage(const Repository::ClassRepository& repository);
 
 /// The value for a field "Content-Security-Policy" that goes with the page. The page itself holds
 /// the same policy but for `frame-ancestors`, which browsers accept in the field alone.

@@ -15,13 +15,13 @@ namespace {
 
 class Inspector {
   public:
-    std::vector<Finding> inspect(const CimClass& cimClass) {
+    std::vector<Finding> inspect(const Repository::CimClass& cimClass) {
         lookAtName(cimClass.name(), "");
-        for (const CimProperty* property : cimClass.properties()) {
+        for (const Repository::CimProperty* property : cimClass.properties()) {
             lookAtName(property->name(), property->name());
             noteGaps(property->name(), property->getQualifier("ValueMap", false));
         }
-        for (const CimMethod* method : cimClass.methods())
+        for (const Repository::CimMethod* method : cimClass.methods())
             lookAtMethod(*method);
         reportGaps();
         return std::move(findings_);
@@ -33,9 +33,9 @@ class Inspector {
         unsigned long count;
     };
 
-    void lookAtMethod(const CimMethod& method) {
+    void lookAtMethod(const Repository::CimMethod& method) {
         lookAtName(method.name(), method.name());
-        for (const CimParameter& parameter : method.parameters()) {
+        for (const Repository::CimParameter& parameter : method.parameters()) {
             const TSKString member = method.name() + "." + parameter.name();
             const int places = isTrue(parameter, "In") + isTrue(parameter, "Out");
             lookAtName(parameter.name(), member);
@@ -47,7 +47,7 @@ class Inspector {
     }
 
     // Of a parameter that stands in the schema.
-    void lookAtType(const CimParameter& parameter, const TSKString& member) {
+    void lookAtType(const Repository::CimParameter& parameter, const TSKString& member) {
         if (parameter.getQualifier("MaxLen", true) != nullptr &&
             parameter.getQualifier("ValueMap", false) != nullptr) {
             add(FindingKind::kLengthAndValueMap, member,
@@ -55,7 +55,7 @@ class Inspector {
         }
     }
 
-    static bool isTrue(const CimParameter& parameter, const char* name) {
+    static bool isTrue(const Repository::CimParameter& parameter, const char* name) {
         const urma::IQualifier* const qualifier = parameter.getQualifier(name, true);
         return qualifier != nullptr && qualifier->getValue()->toBoolean();
     }
@@ -102,7 +102,7 @@ class Inspector {
 
 }  // namespace
 
-std::vector<Finding> inspectClass(const CimClass& cimClass) {
+std::vector<Finding> inspectClass(const Repository::CimClass& cimClass) {
     return Inspector().inspect(cimClass);
 }
 

@@ -14,6 +14,6 @@ constexpr unsigned long kMostGapsOfClass = 1'000'000;
 /// What of a class its documents cannot show rightly. The namespace and the class are left for the
 /// caller to fill in. After a finding of FindingKind::kTooManyGaps the documents must not be asked
 /// for.
-[[nodiscard]] std::vector<Finding> inspectClass(const CimClass& cimClass);
+[[nodiscard]] std::vector<Finding> inspectClass(const Repository::CimClass& cimClass);
 
 }  // namespace Inspection

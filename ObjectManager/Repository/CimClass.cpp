@@ -7,6 +7,8 @@
 #include "ObjectManager/Mof/CaseInsensitive.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
+namespace Repository {
+
 namespace {
 
 template <typename Member, typename Declaration>
@@ -124,3 +126,5 @@ const CimClass& CimClass::declaringClass(const CimMethod& method) const noexcept
         declaring = declaring->superclass();
     return *declaring;
 }
+
+}  // namespace Repository

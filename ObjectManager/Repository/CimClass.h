@@ -9,6 +9,8 @@
 #include "Platform/Util/TSKReferenceCount.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
+namespace Repository {
+
 /// A class with what it inherits. It owns what it declares itself and shares the rest with its
 /// superclass, which it keeps alive.
 ///
@@ -57,3 +59,5 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
     Members<CimProperty> properties_;
     Members<CimMethod> methods_;
 };
+
+}  // namespace Repository

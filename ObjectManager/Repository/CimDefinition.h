@@ -5,6 +5,8 @@
 #include "ObjectManager/Repository/CimQualifiers.h"
 #include "Platform/Cim/IQualified.h"
 
+namespace Repository {
+
 /// What classes, properties, methods and parameters have in common: `Interface` as far as its name
 /// and its qualifiers go.
 ///
@@ -39,3 +41,5 @@ class CimDefinition : public Interface {
     TSKString name_;
     CimQualifiers qualifiers_;
 };
+
+}  // namespace Repository

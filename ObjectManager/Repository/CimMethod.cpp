@@ -6,6 +6,8 @@
 #include "ObjectManager/Mof/CaseInsensitive.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
+namespace Repository {
+
 CimMethod::CimMethod(Mof::Method&& method, const RepositoryOptions& options)
     : CimDefinition(std::move(method.name.text), std::move(method.qualifiers), options),
       returnType_(CimType::of(method.returnType.dataType, method.returnType.isArray)),
@@ -31,3 +33,5 @@ void CimMethod::override(const CimMethod& overridden) {
             parameter.override(*found->second);
     }
 }
+
+}  // namespace Repository

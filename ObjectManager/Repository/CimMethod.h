@@ -7,6 +7,8 @@
 #include "ObjectManager/Repository/CimType.h"
 #include "Platform/Cim/IMethodDef.h"
 
+namespace Repository {
+
 /// A method that a class declares.
 ///
 /// Thread safety: immutable once its class is made, may be used by several threads at once then.
@@ -37,3 +39,5 @@ class CimMethod : public CimDefinition<urma::IMethodDef> {
     std::vector<CimParameter> parameters_;
     std::vector<const CimParameter*> parameterList_;
 };
+
+}  // namespace Repository

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace Repository {
+
 namespace {
 
 // Makes each class after its superclass.
@@ -64,3 +66,5 @@ TSKSmrPtr<CimClass> CimNamespace::findClass(const TSKString& name) const {
     const auto found = places_.find(name);
     return found == places_.end() ? TSKSmrPtr<CimClass>() : classes_[found->second];
 }
+
+}  // namespace Repository

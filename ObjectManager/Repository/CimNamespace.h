@@ -8,6 +8,8 @@
 #include "ObjectManager/Repository/CimClass.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"
 
+namespace Repository {
+
 /// A namespace and its classes.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
@@ -36,3 +38,5 @@ class CimNamespace {
     std::vector<TSKSmrPtr<CimClass>> classes_;
     Mof::NameMap<std::size_t> places_;  // of each class in classes_
 };
+
+}  // namespace Repository

@@ -6,6 +6,8 @@
 #include "ObjectManager/Repository/CimType.h"
 #include "Platform/Cim/IParameterDef.h"
 
+namespace Repository {
+
 /// A parameter of a method.
 ///
 /// Thread safety: immutable once its class is made, may be used by several threads at once then.
@@ -29,3 +31,5 @@ class CimParameter : public CimDefinition<urma::IParameterDef> {
     const TSKSmrPtr<ITeskType>& type_;
     TSKString referencedClass_;
 };
+
+}  // namespace Repository

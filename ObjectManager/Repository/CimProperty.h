@@ -6,6 +6,8 @@
 #include "ObjectManager/Repository/CimType.h"
 #include "Platform/Cim/IPropertyDef.h"
 
+namespace Repository {
+
 /// A property that a class declares.
 ///
 /// Thread safety: immutable once its class is made, may be used by several threads at once then.
@@ -29,3 +31,5 @@ class CimProperty : public CimDefinition<urma::IPropertyDef> {
     const TSKSmrPtr<ITeskType>& type_;
     TSKString referencedClass_;
 };
+
+}  // namespace Repository

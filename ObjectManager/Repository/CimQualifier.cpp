@@ -4,6 +4,8 @@
 
 #include "ObjectManager/Repository/CimValue.h"
 
+namespace Repository {
+
 namespace {
 
 TSKString escaped(const TSKString& text) {
@@ -54,3 +56,5 @@ CimQualifier::CimQualifier(Mof::Qualifier&& qualifier, const RepositoryOptions& 
     : name_(std::move(qualifier.name.text)),
       propagates_(qualifier.propagates),
       value_(valueOf(name_, qualifier, options)) {}
+
+}  // namespace Repository

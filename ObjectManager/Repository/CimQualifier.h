@@ -4,6 +4,8 @@
 #include "ObjectManager/Repository/RepositoryOptions.h"
 #include "Platform/Cim/IQualifier.h"
 
+namespace Repository {
+
 /// A qualifier that is written on a declaration.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
@@ -29,3 +31,5 @@ class CimQualifier : public urma::IQualifier {
     bool propagates_;
     TSKSmrPtr<ITeskValue> value_;  // made after the name, on which it depends
 };
+
+}  // namespace Repository

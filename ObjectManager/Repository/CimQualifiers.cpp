@@ -6,6 +6,8 @@
 #include "ObjectManager/Mof/CaseInsensitive.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
+namespace Repository {
+
 CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions& options) {
     written_.reserve(written.size());
     all_.reserve(written.size());
@@ -38,3 +40,5 @@ CI_AutoPtr_U<urma::Iterator<const urma::IQualifier&>> CimQualifiers::iterate(
     bool includePropagated) const {
     return iterateOver<urma::IQualifier>(all_, includePropagated ? all_.size() : written_.size());
 }
+
+}  // namespace Repository

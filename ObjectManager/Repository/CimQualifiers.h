@@ -9,6 +9,8 @@
 #include "Platform/Cim/Iterator.h"
 #include "Platform/Util/CI_AutoPtr_U.h"
 
+namespace Repository {
+
 /// The qualifiers of a definition: those written on it, and those that the overridden definition
 /// propagates, which stay the overridden definition's.
 ///
@@ -41,3 +43,5 @@ class CimQualifiers {
     std::vector<CimQualifier> written_;
     std::vector<const CimQualifier*> all_;  // the written ones first
 };
+
+}  // namespace Repository

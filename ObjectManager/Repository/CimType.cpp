@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace Repository {
+
 namespace {
 
 constexpr auto kLastDataType = static_cast<std::size_t>(Mof::DataType::kReference);
@@ -24,3 +26,5 @@ const TSKSmrPtr<ITeskType>& CimType::of(Mof::DataType dataType, bool isArray) {
     static const std::vector<TSKSmrPtr<ITeskType>> kTypes = allTypes();
     return kTypes[2 * static_cast<std::size_t>(dataType) + (isArray ? 1 : 0)];
 }
+
+}  // namespace Repository

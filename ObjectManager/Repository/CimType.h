@@ -4,6 +4,8 @@
 #include "Platform/Cim/ITeskType.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
+namespace Repository {
+
 /// A data type. There are few, so each exists once.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
@@ -26,3 +28,5 @@ class CimType : public ITeskType {
     bool isArray_;
     TSKString name_;
 };
+
+}  // namespace Repository

@@ -6,6 +6,8 @@
 
 #include "ObjectManager/Repository/CimType.h"
 
+namespace Repository {
+
 namespace {
 
 using Mof::DataType;
@@ -108,3 +110,5 @@ TSKSmrPtr<ITeskValue> CimValue::from(Mof::Value&& value, std::optional<DataType>
         array->elements_->append(fromLiteral(std::move(literal), dataType));
     return array;
 }
+
+}  // namespace Repository

@@ -6,6 +6,8 @@
 #include "Platform/Cim/ITeskValue.h"
 #include "Platform/Util/TSKReferenceCount.h"
 
+namespace Repository {
+
 /// A value of a qualifier: a literal, or an array of them. The text of an array is empty.
 ///
 /// Thread safety: immutable, may be used by several threads at once.
@@ -34,3 +36,5 @@ class CimValue : public ITeskValue, public TSKReferenceCount {
     bool truth_;
     TSKSmrPtr<TSKValSlist<TSKSmrPtr<ITeskValue>>> elements_;
 };
+
+}  // namespace Repository

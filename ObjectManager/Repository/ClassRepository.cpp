@@ -5,6 +5,8 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
+namespace Repository {
+
 ClassRepository::ClassRepository(std::vector<CimNamespace> namespaces)
     : namespaces_(std::move(namespaces)) {
     for (std::size_t place = 0; place < namespaces_.size(); ++place)
@@ -39,3 +41,5 @@ std::size_t ClassRepository::countClasses() const noexcept {
         count += nameSpace.classes().size();
     return count;
 }
+
+}  // namespace Repository

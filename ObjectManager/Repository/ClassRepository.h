@@ -7,6 +7,8 @@
 #include "Platform/Cim/ITeskRepository.h"
 #include "Platform/ProviderFramework/ITeskNamespaceList.h"
 
+namespace Repository {
+
 /// All namespaces with their classes, as they were when they were loaded. What it hands out stays
 /// valid after it is gone.
 ///
@@ -39,3 +41,5 @@ class ClassRepository : public ITeskRepository, public ITeskNamespaceList {
     std::vector<CimNamespace> namespaces_;
     Mof::NameMap<std::size_t> places_;  // of each namespace in namespaces_
 };
+
+}  // namespace Repository

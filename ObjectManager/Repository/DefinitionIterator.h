@@ -7,6 +7,8 @@
 #include "Platform/Cim/Iterator.h"
 #include "Platform/Util/CI_AutoPtr_U.h"
 
+namespace Repository {
+
 /// Walks a list of pointers to definitions. The list must outlive it.
 ///
 /// Thread safety: belongs to one thread.
@@ -40,3 +42,5 @@ template <typename Interface, typename Definition>
     const std::vector<const Definition*>& definitions) {
     return iterateOver<Interface>(definitions, definitions.size());
 }
+
+}  // namespace Repository

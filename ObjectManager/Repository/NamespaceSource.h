@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace Repository {
+
 /// A CIM namespace, and where its classes are declared.
 struct NamespaceSource {
     std::string name;  ///< "root/cimv2", without a `/` at either end
@@ -12,3 +14,5 @@ struct NamespaceSource {
 
     friend bool operator==(const NamespaceSource&, const NamespaceSource&) = default;
 };
+
+}  // namespace Repository

@@ -7,6 +7,8 @@
 #include "ObjectManager/Mof/CaseInsensitive.h"
 #include "ObjectManager/Mof/Compiler.h"
 
+namespace Repository {
+
 namespace {
 
 // One source a namespace, named as it is first.
@@ -48,3 +50,5 @@ LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
         loaded.repository = TSKSmrPtr<ClassRepository>::make(std::move(namespaces));
     return loaded;
 }
+
+}  // namespace Repository

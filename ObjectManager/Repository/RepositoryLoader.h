@@ -9,6 +9,8 @@
 #include "ObjectManager/Repository/RepositoryOptions.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
+namespace Repository {
+
 struct LoadedRepository {
     TSKSmrPtr<ClassRepository> repository;  ///< null when there are errors
     std::vector<Mof::Diagnostic> diagnostics;
@@ -19,3 +21,5 @@ struct LoadedRepository {
 [[nodiscard]] LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                               const std::vector<std::string>& includePath,
                                               const RepositoryOptions& options);
+
+}  // namespace Repository

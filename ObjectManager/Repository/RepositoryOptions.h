@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+namespace Repository {
+
 /// The order in which a class lists its properties.
 enum class PropertyOrder : std::uint8_t {
     /// Ascending by name, in byte order: as the published class schemas do, and as WS-Management
@@ -21,3 +23,5 @@ struct RepositoryOptions {
 
     friend bool operator==(const RepositoryOptions&, const RepositoryOptions&) = default;
 };
+
+}  // namespace Repository

@@ -6,10 +6,10 @@
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-MofModel::MofModel(std::string_view mof, const RepositoryOptions& options) {
+MofModel::MofModel(std::string_view mof, const Repository::RepositoryOptions& options) {
     const TemporaryFolder folder;
     const std::string file = folder.write("test.mof", mof);
-    const LoadedRepository loaded = loadRepository(
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{.name = "root/test", .paths = {MODELS_FOLDER "/qualifiers.mof", file}}}, {}, options);
     std::string faults;
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
@@ -19,8 +19,8 @@ MofModel::MofModel(std::string_view mof, const RepositoryOptions& options) {
     repository_ = loaded.repository;
 }
 
-const CimClass& MofModel::cimClass(const char* name) const {
-    const TSKSmrPtr<CimClass> found = nameSpace().findClass(name);
+const Repository::CimClass& MofModel::cimClass(const char* name) const {
+    const TSKSmrPtr<Repository::CimClass> found = nameSpace().findClass(name);
     if (!found)
         throw std::invalid_argument(name);
     return *found;

@@ -11,18 +11,18 @@
 class MofModel {
   public:
     /// Errors: std::invalid_argument with what the compiler says, when there is something wrong.
-    explicit MofModel(std::string_view mof, const RepositoryOptions& options = {});
+    explicit MofModel(std::string_view mof, const Repository::RepositoryOptions& options = {});
 
-    [[nodiscard]] const TSKSmrPtr<ClassRepository>& repository() const noexcept {
+    [[nodiscard]] const TSKSmrPtr<Repository::ClassRepository>& repository() const noexcept {
         return repository_;
     }
-    [[nodiscard]] const CimNamespace& nameSpace() const {
+    [[nodiscard]] const Repository::CimNamespace& nameSpace() const {
         return repository_->namespaces().front();
     }
 
     /// Errors: std::invalid_argument when there is no such class.
-    [[nodiscard]] const CimClass& cimClass(const char* name) const;
+    [[nodiscard]] const Repository::CimClass& cimClass(const char* name) const;
 
   private:
-    TSKSmrPtr<ClassRepository> repository_;
+    TSKSmrPtr<Repository::ClassRepository> repository_;
 };

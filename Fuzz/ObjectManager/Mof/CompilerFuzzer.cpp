@@ -134,8 +134,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     checkPromises(compilation);
     checkSecondReading(text, compilation);
-    std::vector<CimNamespace> namespaces;
-    namespaces.emplace_back("root/cimv2", std::move(compilation.classes), RepositoryOptions());
-    readBack(ClassRepository(std::move(namespaces)));
+    std::vector<Repository::CimNamespace> namespaces;
+    namespaces.emplace_back("root/cimv2", std::move(compilation.classes),
+                            Repository::RepositoryOptions());
+    readBack(Repository::ClassRepository(std::move(namespaces)));
     return 0;
 }

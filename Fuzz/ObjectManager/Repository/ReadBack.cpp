@@ -127,7 +127,7 @@ void requireAmong(const std::vector<TSKString>& some, const std::vector<TSKStrin
             "what a class declares or inherits is listed");
 }
 
-void readClass(const CimClass& cimClass) {
+void readClass(const Repository::CimClass& cimClass) {
     readDefinition(cimClass);
     const std::vector<TSKString> properties = readProperties(cimClass, true);
     const std::vector<TSKString> methods = readMethods(cimClass, true);
@@ -141,9 +141,9 @@ void readClass(const CimClass& cimClass) {
 
 }  // namespace
 
-void readBack(const ClassRepository& repository) {
-    for (const CimNamespace& nameSpace : repository.namespaces()) {
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes()) {
+void readBack(const Repository::ClassRepository& repository) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes()) {
             const TSKSmrPtr<ITeskClass> found =
                 repository.getClass(nameSpace.name(), cimClass->name());
             require(found.get() == cimClass.get(), "a class is found by its name");

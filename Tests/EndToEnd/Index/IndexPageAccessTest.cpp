@@ -102,10 +102,10 @@ class IndexPageAccessTest : public BrowserTest {
     // All with the same classes.
     [[nodiscard]] std::string pageOfNamespaces(const Names& names, const std::string& mof) const {
         const std::string file = folder_.write("classes.mof", mof);
-        std::vector<NamespaceSource> sources;
+        std::vector<Repository::NamespaceSource> sources;
         for (const std::string& name : names)
             sources.push_back({.name = name, .paths = {file}});
-        const LoadedRepository loaded = loadRepository(sources, {}, {});
+        const Repository::LoadedRepository loaded = Repository::loadRepository(sources, {}, {});
         return Index::makeIndexPage(*loaded.repository);
     }
 

@@ -12,8 +12,8 @@ class ServiceIndexPage : public RunningService {
   protected:
     // Of the classes that the model has now.
     [[nodiscard]] std::string page() const {
-        const LoadedRepository loaded =
-            loadRepository({{.name = "root/test", .paths = {folder_ / "test.mof"}}}, {}, {});
+        const Repository::LoadedRepository loaded = Repository::loadRepository(
+            {{.name = "root/test", .paths = {folder_ / "test.mof"}}}, {}, {});
         return Index::makeIndexPage(*loaded.repository);
     }
 

@@ -60,15 +60,15 @@ class ServiceLoad : public RunningService {
 // Makes the documents in this process, by the same plug-in.
 class DirectDocuments {
   public:
-    explicit DirectDocuments(const NamespaceSource& source)
-        : repository_(loadRepository({source}, {}, {}).repository),
-          host_(repository_, TSKSmrPtr<LocalAuthenticator>::make(),
+    explicit DirectDocuments(const Repository::NamespaceSource& source)
+        : repository_(Repository::loadRepository({source}, {}, {}).repository),
+          host_(repository_, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                 std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() / "lib/tesk"),
           client_(host_.manager(), "192.0.2.1:5985") {}
 
     [[nodiscard]] std::vector<std::string> paths() const {
         std::vector<std::string> paths;
-        for (const CimNamespace& nameSpace : repository_->namespaces()) {
+        for (const Repository::CimNamespace& nameSpace : repository_->namespaces()) {
             for (const auto& cimClass : nameSpace.classes()) {
                 const std::string path =
                     "/" + std::string(nameSpace.name()) + "/" + cimClass->name().data();
@@ -84,9 +84,9 @@ class DirectDocuments {
     }
 
   private:
-    TSKSmrPtr<ClassRepository> repository_;
-    ProviderHost host_;
-    MemoryClient client_;
+    TSKSmrPtr<Repository::ClassRepository> repository_;
+    Host::ProviderHost host_;
+    Host::MemoryClient client_;
 };
 
 TEST_F(ServiceLoad, SixtyFourClientsGetEveryDocumentOfTheDmtfSchema) {

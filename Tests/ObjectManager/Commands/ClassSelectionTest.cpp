@@ -16,7 +16,7 @@ std::vector<std::string> textOf(const std::vector<ClassSelection>& selections) {
     std::vector<std::string> text;
     for (const ClassSelection& selection : selections) {
         std::string line = std::string(selection.nameSpace->name()) + ":";
-        for (const CimClass* cimClass : selection.classes)
+        for (const Repository::CimClass* cimClass : selection.classes)
             line += " " + std::string(cimClass->name());
         text.push_back(line);
     }
@@ -37,7 +37,7 @@ class ClassSelectionTest : public testing::Test {
         }
     }
 
-    TSKSmrPtr<ClassRepository> repository_ = makeNamedClasses(
+    TSKSmrPtr<Repository::ClassRepository> repository_ = makeNamedClasses(
         {{"root/a", {"CIM_Disk", "CIM_Fan", "CIM_Fans"}}, {"root/b", {"CIM_Fan"}}, {"empty", {}}});
 };
 

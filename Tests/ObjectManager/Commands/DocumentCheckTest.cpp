@@ -20,9 +20,9 @@ using Commands::CheckResult;
 // The result of a check by the real plug-in, which took no time.
 CheckResult check(const MofModel& model, unsigned jobs = 2) {
     const LogRecording log(TeskTraceLog::SeverityError);
-    const ProviderHost host(model.repository(), TSKSmrPtr<LocalAuthenticator>::make(),
-                            INSTALLATION_FOLDER);
-    const MemoryClient client(host.manager(), "localhost");
+    const Host::ProviderHost host(model.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                  INSTALLATION_FOLDER);
+    const Host::MemoryClient client(host.manager(), "localhost");
     CheckResult result = Commands::checkDocuments(*model.repository(), client, jobs, [] {});
     EXPECT_GT(result.seconds, 0);
     EXPECT_EQ(log.lines(), std::vector<std::string>());
@@ -56,7 +56,7 @@ TEST(DocumentCheck, TellsOfEachClassThatIsDone) {
     const MofModel model("class TST_A {}; class TST_B {}; class TST_C {};");
     const TeskProviderPluginManager manager;
     std::atomic<int> done = 0;
-    (void)Commands::checkDocuments(*model.repository(), MemoryClient(manager, "localhost"), 2,
+    (void)Commands::checkDocuments(*model.repository(), Host::MemoryClient(manager, "localhost"), 2,
                                    [&] { ++done; });
     EXPECT_EQ(done, 3);
 }
@@ -150,8 +150,8 @@ std::string reportOn(const std::function<std::string(const std::string& path)>& 
     TeskProviderPluginManager manager;
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
     EXPECT_TRUE(manager.registerURI("hooked", "/root/test"));
-    CheckResult result =
-        Commands::checkDocuments(*model.repository(), MemoryClient(manager, "localhost"), 1, [] {});
+    CheckResult result = Commands::checkDocuments(
+        *model.repository(), Host::MemoryClient(manager, "localhost"), 1, [] {});
     result.seconds = 0;
     return toText(result);
 }
@@ -182,8 +182,8 @@ TEST(DocumentCheck, ReportsWhatAProviderThrows) {
 TEST(DocumentCheck, ReportsNamespacesThatNobodyServes) {
     const MofModel model("class TST_A {};");
     const TeskProviderPluginManager manager;
-    CheckResult result =
-        Commands::checkDocuments(*model.repository(), MemoryClient(manager, "localhost"), 1, [] {});
+    CheckResult result = Commands::checkDocuments(
+        *model.repository(), Host::MemoryClient(manager, "localhost"), 1, [] {});
     result.seconds = 0.5;
     EXPECT_EQ(toText(result),
               "error: root/test:TST_A: TST_A.wsdl cannot be made: no provider serves "

@@ -42,9 +42,9 @@ class DocumentExportTest : public testing::Test {
         provider_.addTo(manager_);
     }
 
-    [[nodiscard]] DocumentExportResult run(const TSKSmrPtr<ClassRepository>& repository,
+    [[nodiscard]] DocumentExportResult run(const TSKSmrPtr<Repository::ClassRepository>& repository,
                                            const DocumentExportOptions& options = {}) const {
-        const MemoryClient client(manager_, "host:1");
+        const Host::MemoryClient client(manager_, "host:1");
         return exportDocuments(Commands::selectAllClasses(*repository), client,
                                OutputFolder::create(folder_.path()), options);
     }
@@ -81,9 +81,9 @@ TEST_F(DocumentExportTest, WritesBothDocumentsOfEachClassIntoTheNamespacesFolder
 }
 
 TEST_F(DocumentExportTest, WritesOnlyWhatIsSelected) {
-    const TSKSmrPtr<ClassRepository> repository =
+    const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B"}}, {"test/b", {"C"}}});
-    const MemoryClient client(manager_, "host");
+    const Host::MemoryClient client(manager_, "host");
     const DocumentExportResult result =
         exportDocuments(Commands::selectClasses(*repository, {"b"}), client,
                         OutputFolder::create(folder_.path()), {});
@@ -95,7 +95,8 @@ TEST_F(DocumentExportTest, WritesOnlyWhatIsSelected) {
 }
 
 TEST_F(DocumentExportTest, CountsWhatDoesNotChange) {
-    const TSKSmrPtr<ClassRepository> repository = makeNamedClasses({{"test", {"A", "B"}}});
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        makeNamedClasses({{"test", {"A", "B"}}});
     (void)run(repository);
     fs::remove(folder_ / "test/A.xsd");
     folder_.write("test/B.xsd", "other");
@@ -112,7 +113,7 @@ TEST_F(DocumentExportTest, TellsOfEachDocumentThatIsDone) {
     DocumentExportOptions options;
     options.jobs = 3;
     options.onDocumentDone = [&] { ++done; };
-    const TSKSmrPtr<ClassRepository> repository =
+    const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B", "C"}}, {"test/b", {"A"}}});
     EXPECT_EQ(countDocuments(Commands::selectAllClasses(*repository)), 8U);
     (void)run(repository, options);
@@ -199,7 +200,7 @@ TEST_F(DocumentExportTest, AFileThatCannotBeWrittenEndsTheExport) {
 }
 
 TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
-    const TSKSmrPtr<ClassRepository> repository =
+    const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B"}}, {"test/b", {"C"}}});
     // Asked once a document, once before each namespace, and once after each before pruning.
     for (std::size_t documents = 0; documents < 6; ++documents) {
@@ -208,7 +209,7 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
         DocumentExportOptions options;
         options.isStopped = [&] { return done >= documents; };
         options.onDocumentDone = [&] { ++done; };
-        const MemoryClient client(manager_, "host");
+        const Host::MemoryClient client(manager_, "host");
         const DocumentExportResult result =
             exportDocuments(Commands::selectAllClasses(*repository), client,
                             OutputFolder::create(folder.path()), options);
@@ -230,7 +231,8 @@ TEST_F(DocumentExportTest, PrunesTheFoldersOfTheNamespacesAndNoOther) {
                                 {"test/c", {"Gone"}},
                                 {"test/b/d", {"Gone"}}}));
     folder_.write("Gone.xsd", "\"/wbem/wscim/1/cim-schema/2/Gone\"");
-    const TSKSmrPtr<ClassRepository> later = makeNamedClasses({{"test", {"Here"}}, {"test/b", {}}});
+    const TSKSmrPtr<Repository::ClassRepository> later =
+        makeNamedClasses({{"test", {"Here"}}, {"test/b", {}}});
     EXPECT_EQ(run(later).removed, 0U);
     EXPECT_EQ(run(later, {.prune = true}).removed, 4U);
     std::set<std::string> left;
@@ -249,7 +251,8 @@ TEST_F(DocumentExportTest, PrunesWhatNobodyWillFinishBesideTheNamespacesToo) {
         fs::create_directories(folder_ / folder);
         folder_.write(folder + unfinished, "part");
     }
-    const TSKSmrPtr<ClassRepository> repository = makeNamedClasses({{"test", {}}, {"test/b", {}}});
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        makeNamedClasses({{"test", {}}, {"test/b", {}}});
     EXPECT_EQ(run(repository).removed, 0U);
     EXPECT_EQ(run(repository, {.prune = true}).removed, 3U);
     EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
@@ -279,7 +282,7 @@ TEST_F(DocumentExportTest, PruningKeepsTheDocumentsOfClassesThatFail) {
     provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, response("200 OK", "\"/wbem/wscim/1/cim-schema/2/A\""));
     };
-    const TSKSmrPtr<ClassRepository> repository = makeNamedClasses({{"test", {"A"}}});
+    const TSKSmrPtr<Repository::ClassRepository> repository = makeNamedClasses({{"test", {"A"}}});
     (void)run(repository);
     const FolderContent before = content();
     provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream&) {
@@ -307,14 +310,14 @@ TEST_F(DocumentExportTest, TheSummaryIsALine) {
 
 // With the real plug-in: what is exported is what is served.
 TEST(DocumentExport, TheBytesAreThoseThatTheProviderAnswersFor) {
-    const LoadedRepository loaded =
-        loadRepository({{.name = "root/cimv2", .paths = {MODELS_FOLDER "/cimv2/cimv2.mof"}},
-                        {.name = "interop", .paths = {MODELS_FOLDER "/interop/interop.mof"}}},
-                       {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{.name = "root/cimv2", .paths = {MODELS_FOLDER "/cimv2/cimv2.mof"}},
+         {.name = "interop", .paths = {MODELS_FOLDER "/interop/interop.mof"}}},
+        {}, {});
     ASSERT_TRUE(loaded.repository);
-    const ProviderHost host(loaded.repository, TSKSmrPtr<LocalAuthenticator>::make(),
-                            INSTALLATION_FOLDER);
-    const MemoryClient client(host.manager(), "[2001:db8::1]:8080");
+    const Host::ProviderHost host(loaded.repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                  INSTALLATION_FOLDER);
+    const Host::MemoryClient client(host.manager(), "[2001:db8::1]:8080");
     const TemporaryFolder folder;
     const DocumentExportResult result =
         exportDocuments(Commands::selectAllClasses(*loaded.repository), client,
@@ -322,8 +325,8 @@ TEST(DocumentExport, TheBytesAreThoseThatTheProviderAnswersFor) {
     EXPECT_EQ(failuresText(result), "");
     FolderContent expected = {
         {"root", "(folder)"}, {"root/cimv2", "(folder)"}, {"interop", "(folder)"}};
-    for (const CimNamespace& nameSpace : loaded.repository->namespaces()) {
-        for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes()) {
+    for (const Repository::CimNamespace& nameSpace : loaded.repository->namespaces()) {
+        for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes()) {
             for (const char* extension : {".wsdl", ".xsd"}) {
                 const TSKString path = nameSpace.name() + "/" + cimClass->name() + extension;
                 expected[path.data()] = client.get("/" + path).body();

@@ -16,7 +16,7 @@ std::string request(FunctionProvider::Function answer, const char* nameSpace = "
     FunctionProvider provider(std::move(answer));
     TeskProviderPluginManager manager;
     provider.addTo(manager);
-    const MemoryClient client(manager, "host");
+    const Host::MemoryClient client(manager, "host");
     const auto repository = makeNamedClasses({{nameSpace, {}}});
     const Commands::RequestedDocument document =
         Commands::requestDocument(client, repository->namespaces().front(), "A.xsd");

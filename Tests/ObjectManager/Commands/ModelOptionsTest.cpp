@@ -32,14 +32,14 @@ std::string faultOf(std::vector<std::string> arguments) {
     return "none";
 }
 
-std::vector<NamespaceSource> namespacesOf(const ModelOptions& options) {
+std::vector<Repository::NamespaceSource> namespacesOf(const ModelOptions& options) {
     return Commands::settingsOf(options).namespaces;
 }
 
 // A line each: "NAME: PATH PATH".
-std::string linesOf(const std::vector<NamespaceSource>& sources) {
+std::string linesOf(const std::vector<Repository::NamespaceSource>& sources) {
     std::string lines;
-    for (const NamespaceSource& source : sources) {
+    for (const Repository::NamespaceSource& source : sources) {
         lines += source.name + ":";
         for (const std::string& path : source.paths)
             lines += " " + path;
@@ -49,7 +49,7 @@ std::string linesOf(const std::vector<NamespaceSource>& sources) {
 }
 
 TEST(ModelOptions, AreTheSampleModelByDefault) {
-    const std::string models = ProgramFolders::ofThisProgram().models;
+    const std::string models = Host::ProgramFolders::ofThisProgram().models;
     EXPECT_EQ(linesOf(namespacesOf(parse({}))), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
                                                     "interop: " + models +
                                                     "/interop/interop.mof\n");
@@ -82,7 +82,7 @@ TEST(ModelOptions, LoadTheClassesOfAllNamespaces) {
         "root/b=" + folder.write("b.mof", "class TST_B {};").string(),
         "Root/A=" + folder.write("c.mof", "class TST_C {};").string(),
     };
-    const TSKSmrPtr<ClassRepository> repository =
+    const TSKSmrPtr<Repository::ClassRepository> repository =
         Commands::loadModel(Commands::settingsOf(options));
     EXPECT_EQ(repository->namespaces().size(), 2U);
     EXPECT_TRUE(repository->getClass("root/a", "TST_A"));
@@ -112,7 +112,8 @@ TEST(ModelOptions, AreThoseOfTheConfigurationWithoutAnyOnTheCommandLine) {
 property_order = "declaration"
 )");
     EXPECT_EQ(linesOf(namespacesOf(options)), "root/a: /a.mof\n");
-    EXPECT_EQ(Commands::settingsOf(options).repository.propertyOrder, PropertyOrder::kDeclaration);
+    EXPECT_EQ(Commands::settingsOf(options).repository.propertyOrder,
+              Repository::PropertyOrder::kDeclaration);
     options.namespaces = {"root/b=b.mof"};
     EXPECT_EQ(linesOf(namespacesOf(options)), "root/b: b.mof\n");
 }

@@ -31,7 +31,7 @@ class StaleDocumentsTest : public testing::Test {
         return contentOf(folder_.path());
     }
 
-    TSKSmrPtr<ClassRepository> repository_ = makeNamedClasses({{"root", {"CIM_Here"}}});
+    TSKSmrPtr<Repository::ClassRepository> repository_ = makeNamedClasses({{"root", {"CIM_Here"}}});
     TemporaryFolder folder_;
     OutputFolder output_ = OutputFolder::create(folder_.path());
 };

@@ -50,9 +50,9 @@ TEST(NamespaceName, LetterCaseDoesNotCount) {
 
 TEST(NamespaceOption, HasANameAndAPath) {
     EXPECT_EQ(parseNamespaceOption("root/cimv2=schema/cim.mof"),
-              (NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
+              (Repository::NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
     EXPECT_EQ(parseNamespaceOption("/a/=/b/c=d "),
-              (NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
+              (Repository::NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
 }
 
 TEST(NamespaceOption, EverythingElseIsRefused) {

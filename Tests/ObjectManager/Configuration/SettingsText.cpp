@@ -27,12 +27,13 @@ std::string line(const std::string& key, std::chrono::milliseconds value) {
 
 std::string textOf(const Settings& settings) {
     std::string text;
-    for (const NamespaceSource& source : settings.namespaces)
+    for (const Repository::NamespaceSource& source : settings.namespaces)
         text += line("namespace " + source.name, joined(source.paths));
     text += line("include_path", joined(settings.includePath));
     text +=
-        line("property_order",
-             settings.repository.propertyOrder == PropertyOrder::kName ? "name" : "declaration");
+        line("property_order", settings.repository.propertyOrder == Repository::PropertyOrder::kName
+                                   ? "name"
+                                   : "declaration");
     text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
     const ServerSettings& server = settings.server;
     std::vector<std::string> endpoints;

@@ -44,7 +44,7 @@ class HostPluginManagerTest : public testing::Test {
     LogRecording log_;
     NamedProvider first_{"first"};
     NamedProvider second_{"second"};
-    HostPluginManager manager_;
+    Host::HostPluginManager manager_;
 };
 
 TEST_F(HostPluginManagerTest, LaterNamespacesGoToTheProviderOfEarlierOnes) {

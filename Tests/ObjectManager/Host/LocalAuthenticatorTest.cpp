@@ -6,7 +6,7 @@
 namespace {
 
 TEST(LocalAuthenticator, LetsEverybodyInAsTheUserLocal) {
-    LocalAuthenticator authenticator;
+    Host::LocalAuthenticator authenticator;
     TSKHTTPRequest request("GET", "/", "HTTP/1.1");
     EmptyInput input;
     RecordedOutput output;

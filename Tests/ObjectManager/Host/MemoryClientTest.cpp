@@ -50,7 +50,7 @@ class MemoryClientTest : public testing::Test {
 
     AnsweringProvider provider_;
     TeskProviderPluginManager manager_;
-    const MemoryClient client_{manager_, "example.org:5985"};
+    const Host::MemoryClient client_{manager_, "example.org:5985"};
 };
 
 TEST_F(MemoryClientTest, AsksAsAClientDoesOverHttp) {
@@ -66,14 +66,14 @@ TEST_F(MemoryClientTest, AsksAsAClientDoesOverHttp) {
 
 TEST_F(MemoryClientTest, SplitsTheAnswerIntoStatusAndBody) {
     provider_.answer = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\na\r\n\r\nb\r\n\r\n";
-    const MemoryClient::Answer answer = client_.get("/root/a");
+    const Host::MemoryClient::Answer answer = client_.get("/root/a");
     EXPECT_EQ(answer.status(), "200");
     EXPECT_EQ(answer.body(), "a\r\n\r\nb\r\n\r\n");
 }
 
 TEST_F(MemoryClientTest, KeepsZeroBytesOfTheBody) {
     provider_.answer = std::string("HTTP/1.0 404 File Not Found\r\n\r\n\0x", 33);
-    const MemoryClient::Answer answer = client_.get("/root/a");
+    const Host::MemoryClient::Answer answer = client_.get("/root/a");
     EXPECT_EQ(answer.status(), "404");
     EXPECT_EQ(answer.body(), std::string_view("\0x", 2));
 }
@@ -126,7 +126,7 @@ TEST(MemoryClient, AsksFromManyThreadsAtOnce) {
     TeskProviderPluginManager manager;
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
     EXPECT_TRUE(manager.registerURI("echo", "/root"));
-    const MemoryClient client(manager, "localhost");
+    const Host::MemoryClient client(manager, "localhost");
     runOnThreads(8, [&](int index) {
         for (int round = 0; round < 100; ++round) {
             const TSKString path = TSKString().sprintf("/root/%d/%d", index, round);

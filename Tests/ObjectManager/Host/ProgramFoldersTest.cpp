@@ -9,7 +9,7 @@ namespace {
 TEST(ProgramFolders, LieBesideTheFolderOfTheProgram) {
     const std::filesystem::path prefix =
         std::filesystem::canonical(PROGRAM_FILE).parent_path().parent_path();
-    const ProgramFolders folders = ProgramFolders::ofThisProgram();
+    const Host::ProgramFolders folders = Host::ProgramFolders::ofThisProgram();
     EXPECT_EQ(folders.installation, prefix / "lib/tesk");
     EXPECT_EQ(folders.models, prefix / "share/tesk/models");
 }

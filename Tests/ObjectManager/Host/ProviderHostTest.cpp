@@ -35,8 +35,9 @@ class ProviderHostTest : public testing::Test {
     // Why a host cannot be made; the installation is called HERE there.
     [[nodiscard]] std::string failure() const {
         try {
-            const ProviderHost host(model_.repository(), TSKSmrPtr<LocalAuthenticator>::make(),
-                                    installation_.path());
+            const Host::ProviderHost host(model_.repository(),
+                                          TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                          installation_.path());
         } catch (const TeskBaseException& error) {
             std::string message = error.getMessage().data();
             const std::string folder = installation_.path();
@@ -68,13 +69,13 @@ class ProviderHostTest : public testing::Test {
 TEST_F(ProviderHostTest, ServesTheClassesWhileItLives) {
     install(PLUGIN_FILE, kPlugin);
     {
-        const ProviderHost host(model_.repository(), TSKSmrPtr<LocalAuthenticator>::make(),
-                                installation_.path());
+        const Host::ProviderHost host(
+            model_.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(), installation_.path());
         EXPECT_EQ(TeskProviderPluginManager::getTeskProviderPluginManager().get(), &host.manager());
         TSKString path = "providers";
         URMAConfigManager::cvtToAbsolutePath(path);
         EXPECT_EQ(path, TSKString((installation_ / "providers").c_str()));
-        const MemoryClient client(host.manager(), "localhost");
+        const Host::MemoryClient client(host.manager(), "localhost");
         EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "200");
         EXPECT_EQ(client.get("/root/test/TST_B.xsd").status(), "404");
         EXPECT_EQ(calls("Shutdown called"), 0);
@@ -95,12 +96,12 @@ TEST_F(ProviderHostTest, IsMadeAgainAfterwards) {
 
 TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     install(PLUGIN_FILE, kPlugin);
-    ProviderHost host(model_.repository(), TSKSmrPtr<LocalAuthenticator>::make(),
-                      installation_.path());
-    const MemoryClient client(host.manager(), "localhost");
+    Host::ProviderHost host(model_.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                            installation_.path());
+    const Host::MemoryClient client(host.manager(), "localhost");
     const TemporaryFolder folder;
     const std::string mof = folder.write("b.mof", "class TST_B { string Name; };");
-    const LoadedRepository other = loadRepository(
+    const Repository::LoadedRepository other = Repository::loadRepository(
         {{.name = "root/test", .paths = {mof}}, {.name = "root/new", .paths = {mof}}}, {}, {});
     host.setRepository(other.repository);
     EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "404");

@@ -43,7 +43,7 @@ class IndexHandlerTest : public RepositoryTest {
         }
     }
 
-    [[nodiscard]] static std::string found(const ClassRepository& repository,
+    [[nodiscard]] static std::string found(const Repository::ClassRepository& repository,
                                            const std::string& protocol = "HTTP/1.1") {
         const std::string page = Index::makeIndexPage(repository);
         return protocol +
@@ -54,8 +54,8 @@ class IndexHandlerTest : public RepositoryTest {
     }
 
     TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
-    TSKSmrPtr<ClassRepository> one_ = load("class TST_One {};");
-    TSKSmrPtr<ClassRepository> other_ = load("class TST_Other {}; class TST_Third {};");
+    TSKSmrPtr<Repository::ClassRepository> one_ = load("class TST_One {};");
+    TSKSmrPtr<Repository::ClassRepository> other_ = load("class TST_Other {}; class TST_Third {};");
     IndexHandler handler_{one_};
 };
 

@@ -27,7 +27,7 @@ std::string mainOf(const std::string& page) {
 class IndexPageTest : public RepositoryTest {
   protected:
     [[nodiscard]] std::string listOf(const std::string& mof,
-                                     const RepositoryOptions& options = {}) const {
+                                     const Repository::RepositoryOptions& options = {}) const {
         return between(Index::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
     }
 };
@@ -50,11 +50,11 @@ TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
 
 TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
     const std::string file = folder_.write("a.mof", "class A {};");
-    const TSKSmrPtr<ClassRepository> repository =
-        loadRepository({{.name = "root/b", .paths = {file}},
-                        {.name = "a", .paths = {file}},
-                        {.name = "c", .paths = {folder_.write("c.mof", "")}}},
-                       {}, {})
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        Repository::loadRepository({{.name = "root/b", .paths = {file}},
+                                    {.name = "a", .paths = {file}},
+                                    {.name = "c", .paths = {folder_.write("c.mof", "")}}},
+                                   {}, {})
             .repository;
     ASSERT_TRUE(repository);
     const std::string page = Index::makeIndexPage(*repository);
@@ -84,7 +84,7 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
 }
 
 TEST_F(IndexPageTest, ARepositoryMayBeEmpty) {
-    EXPECT_EQ(mainOf(Index::makeIndexPage(ClassRepository({}))), "");
+    EXPECT_EQ(mainOf(Index::makeIndexPage(Repository::ClassRepository({}))), "");
 }
 
 // Whether the repository escapes descriptions or not.
@@ -124,10 +124,13 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
     declarations[0].name.text = "<a> \"b\" &c";
     declarations[1].name.text = "z>";
     declarations[1].superclass.text = declarations[0].name.text;
-    std::vector<CimNamespace> namespaces;
-    namespaces.emplace_back("java script:/<x>", std::move(declarations), RepositoryOptions());
-    namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(), RepositoryOptions());
-    const std::string page = Index::makeIndexPage(ClassRepository(std::move(namespaces)));
+    std::vector<Repository::CimNamespace> namespaces;
+    namespaces.emplace_back("java script:/<x>", std::move(declarations),
+                            Repository::RepositoryOptions());
+    namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(),
+                            Repository::RepositoryOptions());
+    const std::string page =
+        Index::makeIndexPage(Repository::ClassRepository(std::move(namespaces)));
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
               "<a href=#namespace-2>&amp;</a>\n");
@@ -146,7 +149,7 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
 }
 
 TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse) {
-    const std::string page = Index::makeIndexPage(ClassRepository({}));
+    const std::string page = Index::makeIndexPage(Repository::ClassRepository({}));
     const std::string script = between(page, "<script>", "</script>");
     const std::string style = between(page, "<style>", "</style>");
     EXPECT_NE(script.find("'use strict'"), std::string::npos);
@@ -163,7 +166,7 @@ TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse
 }
 
 TEST_F(IndexPageTest, IsTheSameEachTime) {
-    const TSKSmrPtr<ClassRepository> repository = load("class A {}; class B {};");
+    const TSKSmrPtr<Repository::ClassRepository> repository = load("class A {}; class B {};");
     EXPECT_EQ(Index::makeIndexPage(*repository), Index::makeIndexPage(*repository));
 }
 
@@ -171,8 +174,8 @@ TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
     const std::string schema = cimSchemaFile();
     if (schema.empty())
         GTEST_SKIP() << kNoCimSchema;
-    const TSKSmrPtr<ClassRepository> repository =
-        loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        Repository::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
     const std::string page = Index::makeIndexPage(*repository);
     std::size_t classes = 0;

@@ -5,8 +5,8 @@ namespace {
 
 class CimClassTest : public RepositoryTest {
   protected:
-    static TSKSmrPtr<CimClass> classIn(const TSKSmrPtr<ClassRepository>& repository,
-                                       const char* name) {
+    static TSKSmrPtr<Repository::CimClass> classIn(
+        const TSKSmrPtr<Repository::ClassRepository>& repository, const char* name) {
         return repository->namespaces().at(0).findClass(name);
     }
 };
@@ -61,7 +61,8 @@ TEST_F(CimClassTest, AsDeclaredAnOverrideTakesThePlaceOfTheOverriddenAndNewOnesA
 }
 
 TEST_F(CimClassTest, MethodsAreAlwaysListedAsDeclared) {
-    for (const RepositoryOptions& options : {RepositoryOptions(), kAsDeclared}) {
+    for (const Repository::RepositoryOptions& options :
+         {Repository::RepositoryOptions(), kAsDeclared}) {
         const auto listed = [&](const char* name, bool all) {
             return methodsOf(*classOf(kThreeLevels, name, options), all);
         };
@@ -74,14 +75,14 @@ TEST_F(CimClassTest, MethodsAreAlwaysListedAsDeclared) {
 }
 
 TEST_F(CimClassTest, WhatIsNotOverriddenIsTheSuperclasssOwn) {
-    const TSKSmrPtr<ClassRepository> repository = load(
+    const TSKSmrPtr<Repository::ClassRepository> repository = load(
         "class A_Top { uint8 p; uint8 q; uint8 M(); uint8 N(); };\n"
         "class A_Left : A_Top { uint8 q; uint8 N(); }; class A_Right : A_Top {};\n"
         "class A_Below : A_Left {};");
-    const TSKSmrPtr<CimClass> top = classIn(repository, "A_Top");
-    const TSKSmrPtr<CimClass> left = classIn(repository, "A_Left");
+    const TSKSmrPtr<Repository::CimClass> top = classIn(repository, "A_Top");
+    const TSKSmrPtr<Repository::CimClass> left = classIn(repository, "A_Left");
     for (const char* const name : {"A_Left", "A_Right", "A_Below"}) {
-        const TSKSmrPtr<CimClass> below = classIn(repository, name);
+        const TSKSmrPtr<Repository::CimClass> below = classIn(repository, name);
         EXPECT_EQ(&propertyOf(*below, "p"), &propertyOf(*top, "p")) << name;
         EXPECT_EQ(&methodOf(*below, "M"), &methodOf(*top, "M")) << name;
     }
@@ -92,12 +93,12 @@ TEST_F(CimClassTest, WhatIsNotOverriddenIsTheSuperclasssOwn) {
 }
 
 TEST_F(CimClassTest, KnowsItsSuperclassAndWhereItsMembersAreDeclared) {
-    const TSKSmrPtr<ClassRepository> repository = load(kThreeLevels);
-    const TSKSmrPtr<CimClass> bottom = classIn(repository, "A_Bottom");
+    const TSKSmrPtr<Repository::ClassRepository> repository = load(kThreeLevels);
+    const TSKSmrPtr<Repository::CimClass> bottom = classIn(repository, "A_Bottom");
     EXPECT_EQ(bottom->superclass()->name(), "A_Middle");
     EXPECT_EQ(classIn(repository, "A_Top")->superclass(), nullptr);
     std::string declaring;
-    for (const CimProperty* const property : bottom->properties()) {
+    for (const Repository::CimProperty* const property : bottom->properties()) {
         declaring += std::string(property->name().data()) + " of " +
                      bottom->declaringClass(*property).name().data() + ", ";
     }
@@ -105,7 +106,7 @@ TEST_F(CimClassTest, KnowsItsSuperclassAndWhereItsMembersAreDeclared) {
               "A of A_Bottom, C of A_Middle, D of A_Bottom, Y of A_Bottom, b of A_Top, "
               "z of A_Middle, ");
     declaring.clear();
-    for (const CimMethod* const method : bottom->methods()) {
+    for (const Repository::CimMethod* const method : bottom->methods()) {
         declaring += std::string(method->name().data()) + " of " +
                      bottom->declaringClass(*method).name().data() + ", ";
     }
@@ -130,8 +131,10 @@ TEST_F(CimClassTest, PropertiesHaveEveryType) {
 }
 
 TEST_F(CimClassTest, ReferencesNameTheirClass) {
-    const TSKSmrPtr<ClassRepository> repository = load("class A_B { A_B ref p; uint8 q; };");
-    const std::vector<const CimProperty*>& properties = classIn(repository, "A_B")->properties();
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        load("class A_B { A_B ref p; uint8 q; };");
+    const std::vector<const Repository::CimProperty*>& properties =
+        classIn(repository, "A_B")->properties();
     EXPECT_EQ(properties.at(0)->referencedClass(), "A_B");
     EXPECT_EQ(properties.at(1)->referencedClass(), "");
 }
@@ -139,7 +142,9 @@ TEST_F(CimClassTest, ReferencesNameTheirClass) {
 TEST_F(CimClassTest, AnOverrideMayChangeTheType) {
     const TSKSmrPtr<ITeskClass> found =
         classOf("class A_B { A_B ref p; }; class A_C : A_B { A_C ref p; };", "A_C");
-    EXPECT_EQ(dynamic_cast<const CimProperty&>(propertyOf(*found, "p")).referencedClass(), "A_C");
+    EXPECT_EQ(
+        dynamic_cast<const Repository::CimProperty&>(propertyOf(*found, "p")).referencedClass(),
+        "A_C");
 }
 
 TEST_F(CimClassTest, EmbeddedObjectsAndInstancesAreStrings) {

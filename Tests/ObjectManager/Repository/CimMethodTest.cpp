@@ -24,11 +24,12 @@ TEST_F(CimMethodTest, HasATypeAndParametersInTheirOrder) {
 TEST_F(CimMethodTest, ReferencesNameTheirClass) {
     const TSKSmrPtr<ITeskClass> found =
         classOf("class A_B { A_B ref M(uint8 p, A_B ref q); uint8 N(); };", "A_B");
-    const auto& method = dynamic_cast<const CimMethod&>(methodOf(*found, "M"));
+    const auto& method = dynamic_cast<const Repository::CimMethod&>(methodOf(*found, "M"));
     EXPECT_EQ(method.referencedClass(), "A_B");
     EXPECT_EQ(method.parameters().at(0).referencedClass(), "");
     EXPECT_EQ(method.parameters().at(1).referencedClass(), "A_B");
-    EXPECT_EQ(dynamic_cast<const CimMethod&>(methodOf(*found, "N")).referencedClass(), "");
+    EXPECT_EQ(dynamic_cast<const Repository::CimMethod&>(methodOf(*found, "N")).referencedClass(),
+              "");
 }
 
 constexpr const char* kOverridden = R"(

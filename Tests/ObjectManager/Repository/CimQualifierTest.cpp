@@ -6,17 +6,19 @@ namespace {
 class CimQualifierTest : public RepositoryTest {
   protected:
     // The qualifier that is written alone on a class.
-    const urma::IQualifier* only(const std::string& mof, const RepositoryOptions& options = {}) {
+    const urma::IQualifier* only(const std::string& mof,
+                                 const Repository::RepositoryOptions& options = {}) {
         class_ = classOf("[" + mof + "] class A_B {};", "A_B", options);
         return &class_->getQualifiers(false)->current();
     }
 
-    std::string textOfOnly(const std::string& mof, const RepositoryOptions& options = {}) {
+    std::string textOfOnly(const std::string& mof,
+                           const Repository::RepositoryOptions& options = {}) {
         return textOf(only(mof, options)->getValue().get());
     }
 
-    static constexpr RepositoryOptions kRaw = {.propertyOrder = PropertyOrder::kName,
-                                               .escapeDescriptions = false};
+    static constexpr Repository::RepositoryOptions kRaw = {
+        .propertyOrder = Repository::PropertyOrder::kName, .escapeDescriptions = false};
 
     TSKSmrPtr<ITeskClass> class_;
 };
@@ -43,8 +45,8 @@ TEST_F(CimQualifierTest, NullIsNoValue) {
 TEST_F(CimQualifierTest, WithoutAValueNothingButABooleanHasOneNotEvenItsDefault) {
     const std::string file = folder_.write(
         "b.mof", "Qualifier Note : string = \"default\", Scope (any); [Note] class A_B {};");
-    const LoadedRepository loaded =
-        loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});
     EXPECT_EQ(qualifiersOf(*loaded.repository->getClass("root/test", "A_B"), true), "Note(null)");
 }
 
@@ -63,7 +65,7 @@ TEST_F(CimQualifierTest, DescriptionsMayBeHandedOutRaw) {
 }
 
 TEST_F(CimQualifierTest, OtherQualifiersAreNeverEscaped) {
-    for (const RepositoryOptions& options : {RepositoryOptions(), kRaw}) {
+    for (const Repository::RepositoryOptions& options : {Repository::RepositoryOptions(), kRaw}) {
         EXPECT_EQ(textOfOnly("Note (\"&<>\")", options), "&<>");
         EXPECT_EQ(textOfOnly("Values {\"&\", \"<\", \">\"}", options), "{&, <, >}");
     }

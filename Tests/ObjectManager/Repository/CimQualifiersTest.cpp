@@ -76,7 +76,7 @@ TEST_F(CimQualifiersTest, LookupIgnoresCaseAndFindsPropagatedOnesWhenAsked) {
 }
 
 TEST_F(CimQualifiersTest, APropagatedQualifierIsThatOfTheOverriddenDefinition) {
-    const TSKSmrPtr<ClassRepository> repository = load(kThreeLevels);
+    const TSKSmrPtr<Repository::ClassRepository> repository = load(kThreeLevels);
     const TSKSmrPtr<ITeskClass> top = repository->getClass("root/test", "A_Top");
     const TSKSmrPtr<ITeskClass> bottom = repository->getClass("root/test", "A_Bottom");
     EXPECT_EQ(propertyOf(*bottom, "p").getQualifier("Key", true),
@@ -119,7 +119,7 @@ TEST_F(CimQualifiersTest, ANullIsWrittenAndHidesWhatIsPropagated) {
 
 // Who looks a qualifier up wants its value.
 TEST_F(CimQualifiersTest, ANullIsNotFound) {
-    const TSKSmrPtr<ClassRepository> repository = load(
+    const TSKSmrPtr<Repository::ClassRepository> repository = load(
         "class A_B { [Note (\"top\")] uint8 p; }; class A_C : A_B { [Note (null)] uint8 p; };\n"
         "class A_D : A_C { uint8 p; };");
     for (const char* const name : {"A_C", "A_D"}) {

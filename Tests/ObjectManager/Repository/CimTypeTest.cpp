@@ -11,7 +11,8 @@ TEST(CimType, NamesAreTheKeywordsInLowerCase) {
     std::string names;
     for (int number = 0; number <= static_cast<int>(DataType::kReference); ++number) {
         for (const bool isArray : {false, true}) {
-            const TSKSmrPtr<ITeskType>& type = CimType::of(static_cast<DataType>(number), isArray);
+            const TSKSmrPtr<ITeskType>& type =
+                Repository::CimType::of(static_cast<DataType>(number), isArray);
             EXPECT_EQ(type->isArray(), isArray);
             EXPECT_EQ(type->isReference(), number == static_cast<int>(DataType::kReference));
             names += type->getTypeName().data() + std::string(type->isArray() ? "[] " : " ");
@@ -24,8 +25,10 @@ TEST(CimType, NamesAreTheKeywordsInLowerCase) {
 }
 
 TEST(CimType, EachExistsOnce) {
-    EXPECT_EQ(CimType::of(DataType::kUint8, true), CimType::of(DataType::kUint8, true));
-    EXPECT_FALSE(CimType::of(DataType::kUint8, true) == CimType::of(DataType::kUint8, false));
+    EXPECT_EQ(Repository::CimType::of(DataType::kUint8, true),
+              Repository::CimType::of(DataType::kUint8, true));
+    EXPECT_FALSE(Repository::CimType::of(DataType::kUint8, true) ==
+                 Repository::CimType::of(DataType::kUint8, false));
 }
 
 }  // namespace

@@ -18,7 +18,8 @@ TSKSmrPtr<ITeskValue> valueOf(const std::string& mof, std::optional<DataType> ty
     const std::string text = "[Q " + mof + "] class A_B {};";
     Mof::FileDeclarations declarations =
         Mof::FileParser(fail, fail).parse(Mof::SourceText("a.mof", text), 0);
-    return CimValue::from(std::move(*declarations.classes.at(0).qualifiers.at(0).value), type);
+    return Repository::CimValue::from(std::move(*declarations.classes.at(0).qualifiers.at(0).value),
+                                      type);
 }
 
 // "TYPE TEXT"
@@ -73,14 +74,14 @@ TEST(CimValue, RealNumbersOfAnySizeKeepTheirValue) {
 TEST(CimValue, BooleansAreWords) {
     EXPECT_EQ(shown("(TRUE)"), "boolean true");
     EXPECT_EQ(shown("(False)"), "boolean false");
-    EXPECT_EQ(shown(CimValue::from(true)), "boolean true");
-    EXPECT_EQ(shown(CimValue::from(false)), "boolean false");
+    EXPECT_EQ(shown(Repository::CimValue::from(true)), "boolean true");
+    EXPECT_EQ(shown(Repository::CimValue::from(false)), "boolean false");
 }
 
 TEST(CimValue, OnlyTheBooleanTrueIsTrue) {
     EXPECT_TRUE(valueOf("(true)")->toBoolean());
-    EXPECT_TRUE(CimValue::from(true)->toBoolean());
-    EXPECT_FALSE(CimValue::from(false)->toBoolean());
+    EXPECT_TRUE(Repository::CimValue::from(true)->toBoolean());
+    EXPECT_FALSE(Repository::CimValue::from(false)->toBoolean());
     for (const char* const other : {"(false)", "(1)", "(\"true\")", "(1.0)", "('t')", "{true}"})
         EXPECT_FALSE(valueOf(other)->toBoolean()) << other;
 }

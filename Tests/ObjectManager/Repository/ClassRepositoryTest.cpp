@@ -14,8 +14,8 @@ namespace {
 class ClassRepositoryTest : public RepositoryTest {
   protected:
     // Two namespaces, which declare a class of the same name otherwise.
-    TSKSmrPtr<ClassRepository> loadTwo() {
-        const LoadedRepository loaded = loadRepository(
+    TSKSmrPtr<Repository::ClassRepository> loadTwo() {
+        const Repository::LoadedRepository loaded = Repository::loadRepository(
             {{"root/one", {folder_.write("1.mof", "class A_B { uint8 one; }; class A_C {};")}},
              {"root/Two", {folder_.write("2.mof", "class A_B { uint8 two; }; class A_D {};")}}},
             {}, {});
@@ -25,7 +25,7 @@ class ClassRepositoryTest : public RepositoryTest {
 };
 
 TEST_F(ClassRepositoryTest, FindsClassesByNamespaceAndNameInAnyCase) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     EXPECT_EQ(propertiesOf(*repository->getClass("root/one", "A_B"), true), "one");
     EXPECT_EQ(propertiesOf(*repository->getClass("ROOT/ONE", "a_b"), true), "one");
     EXPECT_EQ(propertiesOf(*repository->getClass("root/two", "A_b"), true), "two");
@@ -36,7 +36,7 @@ TEST_F(ClassRepositoryTest, GivesNamesAsTheyAreDeclared) {
 }
 
 TEST_F(ClassRepositoryTest, AClassOfAnotherNamespaceIsNotThere) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     EXPECT_FALSE(repository->getClass("root/one", "A_C").isNull());
     EXPECT_TRUE(repository->getClass("root/one", "A_D").isNull());
     EXPECT_TRUE(repository->getClass("root/two", "A_C").isNull());
@@ -44,7 +44,7 @@ TEST_F(ClassRepositoryTest, AClassOfAnotherNamespaceIsNotThere) {
 }
 
 TEST_F(ClassRepositoryTest, AnUnknownNamespaceIsAnErrorWithItsStatusCode) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     for (const char* const name : {"root", "root/three", "root/one/", "/root/one", ""}) {
         try {
             (void)repository->getClass(name, "A_B");
@@ -59,7 +59,7 @@ TEST_F(ClassRepositoryTest, AnUnknownNamespaceIsAnErrorWithItsStatusCode) {
 }
 
 TEST_F(ClassRepositoryTest, ListsItsNamespacesAsGiven) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     const TSKValSlist<TSKString> list = repository->getNamespaceList();
     std::string names;
     TSKValSlistIterator<TSKString> name(list);
@@ -70,23 +70,23 @@ TEST_F(ClassRepositoryTest, ListsItsNamespacesAsGiven) {
 }
 
 TEST_F(ClassRepositoryTest, FindsNamespacesInAnyCase) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     EXPECT_EQ(repository->findNamespace("ROOT/two"), &repository->namespaces().at(1));
     EXPECT_EQ(repository->findNamespace("root/three"), nullptr);
 }
 
 TEST_F(ClassRepositoryTest, CountsTheClassesOfAllNamespaces) {
     EXPECT_EQ(loadTwo()->countClasses(), 4U);
-    EXPECT_EQ(ClassRepository({}).countClasses(), 0U);
+    EXPECT_EQ(Repository::ClassRepository({}).countClasses(), 0U);
 }
 
 TEST_F(ClassRepositoryTest, HandsOutOneObjectForAClass) {
-    const TSKSmrPtr<ClassRepository> repository = loadTwo();
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     EXPECT_EQ(repository->getClass("root/one", "A_B"), repository->getClass("ROOT/ONE", "a_b"));
 }
 
 TEST_F(ClassRepositoryTest, WhatItHandsOutStaysValidWhenItIsGone) {
-    TSKSmrPtr<ClassRepository> repository = loadTwo();
+    TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     const TSKSmrPtr<ITeskClass> found = repository->getClass("root/two", "A_B");
     const TSKValSlist<TSKString> list = repository->getNamespaceList();
     EXPECT_EQ(repository.owners(), 1);
@@ -96,7 +96,7 @@ TEST_F(ClassRepositoryTest, WhatItHandsOutStaysValidWhenItIsGone) {
 }
 
 TEST_F(ClassRepositoryTest, MayBeReadByManyThreadsAtOnce) {
-    const TSKSmrPtr<ClassRepository> repository = load(
+    const TSKSmrPtr<Repository::ClassRepository> repository = load(
         "[Note (\"a text that is longer than what is kept in the object\")] class A_Top {\n"
         "[Key] string p; [Key] uint8 M([Key] uint8 q); };\n"
         "class A_Left : A_Top { string p; uint8 M(uint8 q); };\n"
@@ -122,7 +122,7 @@ TEST_F(ClassRepositoryTest, MayBeReadByManyThreadsAtOnce) {
 }
 
 TEST_F(ClassRepositoryTest, AThreadMayReadWhatAnotherOneDropsTheRepositoryOf) {
-    TSKSmrPtr<ClassRepository> repository = loadTwo();
+    TSKSmrPtr<Repository::ClassRepository> repository = loadTwo();
     std::vector<TSKSmrPtr<ITeskClass>> found(4);
     for (TSKSmrPtr<ITeskClass>& one : found)
         one = repository->getClass("root/one", "A_B");
@@ -146,10 +146,11 @@ class A_C : A_B { string p[]; uint8 M(A_B ref q); };)")});
     EXPECT_EQ(folder_.shown(compilation.diagnostics), "");
     const std::size_t failures = AllocationProbe::failEachAllocation(
         [&] {
-            std::vector<CimNamespace> namespaces;
+            std::vector<Repository::CimNamespace> namespaces;
             namespaces.emplace_back("root/a name longer than fifteen",
-                                    std::vector(compilation.classes), RepositoryOptions());
-            const ClassRepository repository(std::move(namespaces));
+                                    std::vector(compilation.classes),
+                                    Repository::RepositoryOptions());
+            const Repository::ClassRepository repository(std::move(namespaces));
             EXPECT_EQ(repository.countClasses(), 2U);
         },
         [] {});
@@ -157,7 +158,7 @@ class A_C : A_B { string p[]; uint8 M(A_B ref q); };)")});
 }
 
 // Its index refers to its own namespaces.
-static_assert(!std::is_copy_constructible_v<ClassRepository>);
-static_assert(!std::is_copy_assignable_v<ClassRepository>);
+static_assert(!std::is_copy_constructible_v<Repository::ClassRepository>);
+static_assert(!std::is_copy_assignable_v<Repository::ClassRepository>);
 
 }  // namespace

@@ -58,7 +58,7 @@ class DmtfSchema : public testing::Test {
     static void SetUpTestSuite() {
         const std::string file = cimSchemaFile();
         if (!file.empty())
-            loaded_ = loadRepository({{.name = "root/cimv2", .paths = {file}}}, {}, {});
+            loaded_ = Repository::loadRepository({{.name = "root/cimv2", .paths = {file}}}, {}, {});
     }
     static void TearDownTestSuite() { loaded_ = {}; }
 
@@ -79,7 +79,7 @@ class DmtfSchema : public testing::Test {
         EXPECT_EQ(count(found->getMethods(true)), methods);
     }
 
-    static inline LoadedRepository loaded_;
+    static inline Repository::LoadedRepository loaded_;
 };
 
 TEST_F(DmtfSchema, LoadsWithoutDiagnostics) {
@@ -107,8 +107,9 @@ TEST_F(DmtfSchema, EveryClassIsFoundInAnyCase) {
 
 // Documents insert descriptions as they are.
 TEST_F(DmtfSchema, NoDescriptionHoldsMarkup) {
-    for (const TSKSmrPtr<CimClass>& found : loaded_.repository->namespaces().at(0).classes()) {
-        for (const CimProperty* const property : found->properties()) {
+    for (const TSKSmrPtr<Repository::CimClass>& found :
+         loaded_.repository->namespaces().at(0).classes()) {
+        for (const Repository::CimProperty* const property : found->properties()) {
             const urma::IQualifier* const text = property->getQualifier("Description", true);
             if (text != nullptr && text->hasValue()) {
                 EXPECT_EQ(text->getValue()->toString().find('<'), -1)
@@ -220,7 +221,7 @@ TEST_F(DmtfSchema, SystemDeviceIsAnAssociation) {
     EXPECT_EQ(group.getQualifier("Key", false), nullptr);
     EXPECT_EQ(qualifierNames(propertyOf(*found, "PartComponent"), true),
               "Override Weak Description Key");
-    EXPECT_EQ(dynamic_cast<const CimProperty&>(group).referencedClass(), "CIM_System");
+    EXPECT_EQ(dynamic_cast<const Repository::CimProperty&>(group).referencedClass(), "CIM_System");
 }
 
 // 2 references of Dependency, overridden; 3 properties of its own.
@@ -276,10 +277,10 @@ TEST_F(DmtfSchema, VoltageSensorOverridesManyProperties) {
 }
 
 TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}},
-                        {"interop", {MODELS_FOLDER "/interop/interop.mof"}}},
-                       {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}},
+                                    {"interop", {MODELS_FOLDER "/interop/interop.mof"}}},
+                                   {}, {});
     EXPECT_TRUE(loaded.diagnostics.empty()) << loaded.diagnostics.front().toString();
     ASSERT_TRUE(loaded.repository);
     EXPECT_EQ(loaded.repository->findNamespace("root/cimv2")->classes().size(), 38U);
@@ -291,8 +292,8 @@ TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
 
 // What the model's comment says: the values stay those of the superclass.
 TEST(SampleModel, AnOverrideRestatesOnlyWhatItChanges) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}}}, {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}}}, {}, {});
     const TSKSmrPtr<ITeskClass> volume =
         loaded.repository->getClass("root/cimv2", "CIM_StorageVolume");
     const TSKSmrPtr<ITeskClass> extent =

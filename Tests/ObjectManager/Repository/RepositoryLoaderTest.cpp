@@ -6,7 +6,8 @@ namespace {
 class RepositoryLoaderTest : public RepositoryTest {
   protected:
     // The classes of a namespace.
-    static std::string classesOf(const LoadedRepository& loaded, const char* nameSpace) {
+    static std::string classesOf(const Repository::LoadedRepository& loaded,
+                                 const char* nameSpace) {
         std::string names;
         for (const auto& cimClass : loaded.repository->findNamespace(nameSpace)->classes())
             names += (names.empty() ? "" : " ") + std::string(cimClass->name().data());
@@ -15,7 +16,7 @@ class RepositoryLoaderTest : public RepositoryTest {
 };
 
 TEST_F(RepositoryLoaderTest, NoSourcesGiveAnEmptyRepository) {
-    const LoadedRepository loaded = loadRepository({}, {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository({}, {}, {});
     EXPECT_TRUE(loaded.repository->namespaces().empty());
     EXPECT_TRUE(loaded.diagnostics.empty());
 }
@@ -24,19 +25,19 @@ TEST_F(RepositoryLoaderTest, ASourceMayHaveFilesAndFolders) {
     const std::string file = folder_.write("a.mof", "class A_B : A_C {};");
     folder_.write("folder/c.mof", "class A_C : A_D {};");
     folder_.write("folder/below/d.mof", "class A_D {};");
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {file, folder_.path("folder")}}}, {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {file, folder_.path("folder")}}}, {}, {});
     EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C A_D");
 }
 
 TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/One", {folder_.write("a.mof", "class A_B : A_C {};")}},
-                        {"root/two", {folder_.write("b.mof", "class A_X {};")}},
-                        {"ROOT/ONE", {folder_.write("c.mof", "class A_C : A_D {};")}},
-                        {"root/one", {folder_.write("d.mof", "class A_D {};")}}},
-                       {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/One", {folder_.write("a.mof", "class A_B : A_C {};")}},
+                                    {"root/two", {folder_.write("b.mof", "class A_X {};")}},
+                                    {"ROOT/ONE", {folder_.write("c.mof", "class A_C : A_D {};")}},
+                                    {"root/one", {folder_.write("d.mof", "class A_D {};")}}},
+                                   {}, {});
     EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
     ASSERT_EQ(loaded.repository->namespaces().size(), 2U);
     EXPECT_EQ(loaded.repository->namespaces()[0].name(), "root/One");
@@ -45,10 +46,10 @@ TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
 }
 
 TEST_F(RepositoryLoaderTest, NamespacesDoNotKnowEachOthersClasses) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {folder_.write("a.mof", "class A_B {};")}},
-                        {"root/two", {folder_.write("b.mof", "class A_C : A_B {};")}}},
-                       {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {folder_.write("a.mof", "class A_B {};")}},
+                                    {"root/two", {folder_.write("b.mof", "class A_C : A_B {};")}}},
+                                   {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
     EXPECT_EQ(folder_.shown(loaded.diagnostics),
               "b.mof:1:13: error: the superclass \"A_B\" of \"A_C\" is not declared\n"
@@ -58,8 +59,8 @@ TEST_F(RepositoryLoaderTest, NamespacesDoNotKnowEachOthersClasses) {
 
 TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
     const std::string file = folder_.write("a.mof", "class A_B {};");
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {}, {});
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
     EXPECT_EQ(classesOf(loaded, "root/two"), "A_B");
     EXPECT_FALSE(loaded.repository->getClass("root/one", "A_B") ==
@@ -67,12 +68,12 @@ TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
 }
 
 TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespaces) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}},
-                        {"root/two", {folder_.write("b.mof", "class {};")}},
-                        {"root/three", {folder_.write("c.mof", "class A_B {};")}},
-                        {"root/four", {folder_.path("none.mof")}}},
-                       {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}},
+                                    {"root/two", {folder_.write("b.mof", "class {};")}},
+                                    {"root/three", {folder_.write("c.mof", "class A_B {};")}},
+                                    {"root/four", {folder_.path("none.mof")}}},
+                                   {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
     EXPECT_EQ(folder_.shown(loaded.diagnostics),
               "a.mof:1:2: warning: the qualifier \"Odd\" is not declared\n"
@@ -85,14 +86,14 @@ TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespa
 }
 
 TEST_F(RepositoryLoaderTest, WarningsComeWithTheRepository) {
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}}}, {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}}}, {}, {});
     EXPECT_EQ(loaded.diagnostics.size(), 1U);
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
 }
 
 TEST_F(RepositoryLoaderTest, UndeclaredQualifiersAreKeptAndPropagate) {
-    const LoadedRepository loaded = loadRepository(
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{"root/one",
           {folder_.write("a.mof", "[Odd, Odder (5)] class A_B {}; class A_C : A_B {};")}}},
         {}, {});
@@ -102,7 +103,7 @@ TEST_F(RepositoryLoaderTest, UndeclaredQualifiersAreKeptAndPropagate) {
 
 TEST_F(RepositoryLoaderTest, IncludedFilesAreFoundOnTheIncludePath) {
     folder_.write("shared/b.mof", "class A_C {};");
-    const LoadedRepository loaded = loadRepository(
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{"root/one",
           {folder_.write("a.mof", "#pragma include (\"b.mof\")\nclass A_B : A_C {};")}}},
         {folder_.path("shared")}, {});
@@ -113,9 +114,9 @@ TEST_F(RepositoryLoaderTest, IncludedFilesAreFoundOnTheIncludePath) {
 TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     const std::string file =
         folder_.write("a.mof", "[Description (\"<b>\")] class A_B { uint8 q; uint8 p; };");
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {},
-                       {.propertyOrder = PropertyOrder::kDeclaration, .escapeDescriptions = false});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/one", {file}}, {"root/two", {file}}}, {},
+        {.propertyOrder = Repository::PropertyOrder::kDeclaration, .escapeDescriptions = false});
     for (const char* const nameSpace : {"root/one", "root/two"}) {
         const TSKSmrPtr<ITeskClass> found = loaded.repository->getClass(nameSpace, "A_B");
         EXPECT_EQ(propertiesOf(*found, true), "q p");
@@ -132,9 +133,9 @@ TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreAnsweredInAMo
     mof += "};\n";
     for (int number = 0; number < kMany; ++number)
         mof += "class A_" + std::to_string(number) + " : A_B {};\n";
-    const LoadedRepository loaded =
-        loadRepository({{"root/one", {folder_.write("a.mof", mof)}}}, {}, {});
-    const CimNamespace& nameSpace = *loaded.repository->findNamespace("root/one");
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {folder_.write("a.mof", mof)}}}, {}, {});
+    const Repository::CimNamespace& nameSpace = *loaded.repository->findNamespace("root/one");
     EXPECT_EQ(nameSpace.findClass("A_2999")->properties(),
               nameSpace.findClass("A_B")->properties());
     EXPECT_EQ(propertiesOf(*nameSpace.findClass("A_2999"), false), "");
@@ -153,7 +154,8 @@ TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreAnsweredInAMoment)
         "a.mof", qualifiers('A') + "class A_B {" + qualifiers('D') + "uint8 p; };" +
                      qualifiers('B') + "class A_C : A_B {" + qualifiers('E') + "uint8 p; };" +
                      qualifiers('C') + "class A_D : A_C {" + qualifiers('d') + "uint8 p; };");
-    const LoadedRepository loaded = loadRepository({{"root/one", {file}}}, {}, {});
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {file}}}, {}, {});
     const TSKSmrPtr<ITeskClass> found = loaded.repository->getClass("root/one", "A_D");
     EXPECT_NE(found->getQualifier("A19999", true), nullptr);
     EXPECT_EQ(found->getQualifier("A19999", false), nullptr);

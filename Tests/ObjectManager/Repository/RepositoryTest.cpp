@@ -15,12 +15,12 @@ Qualifier Description : string, Scope (any), Flavor (ToSubclass, Translatable);
 
 }  // namespace
 
-TSKSmrPtr<ClassRepository> RepositoryTest::load(const std::string& mof,
-                                                const RepositoryOptions& options) const {
+TSKSmrPtr<Repository::ClassRepository> RepositoryTest::load(
+    const std::string& mof, const Repository::RepositoryOptions& options) const {
     const std::vector<std::string> files = {folder_.write("q.mof", kQualifiers),
                                             folder_.write("a.mof", mof)};
-    const LoadedRepository loaded =
-        loadRepository({{.name = "root/test", .paths = files}}, {}, options);
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{.name = "root/test", .paths = files}}, {}, options);
     EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
     if (!loaded.repository)
         throw std::invalid_argument("the text of the test has errors");
@@ -28,7 +28,7 @@ TSKSmrPtr<ClassRepository> RepositoryTest::load(const std::string& mof,
 }
 
 TSKSmrPtr<ITeskClass> RepositoryTest::classOf(const std::string& mof, const char* name,
-                                              const RepositoryOptions& options) const {
+                                              const Repository::RepositoryOptions& options) const {
     TSKSmrPtr<ITeskClass> found = load(mof, options)->getClass("root/test", name);
     if (!found)
         throw std::out_of_range(name);

@@ -13,15 +13,16 @@
 class RepositoryTest : public testing::Test {
   protected:
     /// Expects that nothing is wrong.
-    TSKSmrPtr<ClassRepository> load(const std::string& mof,
-                                    const RepositoryOptions& options = {}) const;
+    TSKSmrPtr<Repository::ClassRepository> load(
+        const std::string& mof, const Repository::RepositoryOptions& options = {}) const;
 
     /// As load(); one class of it, which keeps alive what it needs.
     TSKSmrPtr<ITeskClass> classOf(const std::string& mof, const char* name,
-                                  const RepositoryOptions& options = {}) const;
+                                  const Repository::RepositoryOptions& options = {}) const;
 
     MofFolder folder_;
 };
 
 /// The order of declaration.
-inline constexpr RepositoryOptions kAsDeclared = {.propertyOrder = PropertyOrder::kDeclaration};
+inline constexpr Repository::RepositoryOptions kAsDeclared = {
+    .propertyOrder = Repository::PropertyOrder::kDeclaration};
