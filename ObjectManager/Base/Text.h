@@ -10,7 +10,8 @@
 
 namespace Base {
 
-/// `"text"`, as a name stands in a message. Nothing is escaped.
+/// `"text"`, as a name stands in a message. Nothing is escaped. Call it as Base::quoted: without
+/// the namespace a std::string finds std::quoted, which <filesystem> brings in.
 [[nodiscard]] std::string quoted(std::string_view text);
 
 /// The texts in a row, with `separator` between them; `lastSeparator` before the last one, as in
