@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Mof/Literals.h"
 
 namespace Mof {
@@ -20,9 +22,8 @@ bool holdsLineEnd(std::string_view text) {
 }
 
 bool isNameByte(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z') ||
-           (code >= '0' && code <= '9') || code == '_' || code >= 0x80;
+    return Base::isLetter(byte) || Base::isDigit(byte) || byte == '_' ||
+           static_cast<unsigned char>(byte) >= 0x80;
 }
 
 // Takes the parts of a pragma from the front of a text, each with the spaces and comments before
@@ -118,7 +119,7 @@ PragmaText readPragma(std::string_view text) {
 }
 
 std::string unknownPragmaWarning(const Pragma& pragma) {
-    return std::string("the pragma \"") + pragma.name.data() + "\" is not known and is ignored";
+    return "the pragma " + Base::quoted(pragma.name) + " is not known and is ignored";
 }
 
 }  // namespace Mof
