@@ -128,8 +128,8 @@ bool TokenStream::failedAtEnd() const noexcept {
     return error_->token.kind() == Kind::S_YYEOF;
 }
 
-// The token that did not fit may be the first of the next declaration or member, when the last one
-// lacks its end. Otherwise all is skipped up to the next one.
+// The unexpected token is the first one of the next declaration or member if only the end of the
+// last one is missing. Otherwise everything up to the next one is skipped.
 Parser::symbol_type TokenStream::resume() {
     const Resumption resumption = std::exchange(resumption_, Resumption::kNone);
     const bool isMember = resumption == Resumption::kMember;

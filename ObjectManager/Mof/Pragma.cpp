@@ -5,7 +5,6 @@
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/Mof/Literals.h"
 
 namespace Mof {
 
@@ -66,6 +65,7 @@ class Cursor {
     }
 
     void skipSpaces() {
+        constexpr std::string_view kSpaces = " \t\r\n\f\v\x1A";  // SPACE in Scanner.l
         while (true) {
             (void)take(std::min(text_.find_first_not_of(kSpaces), text_.size()));
             const std::size_t length = lengthOfComment();
@@ -111,7 +111,7 @@ PragmaText readPragma(std::string_view text) {
                 .length = text.size() - cursor.left(),
                 .isComplete = true};
     PragmaText incomplete;
-    // The name of an incomplete pragma stands on its line: the next line is other text.
+    // The name of an incomplete pragma is on its first line: the next line is other text.
     if (!holdsLineEnd(upToName))
         incomplete.pragma.name = TSKString(name);
     incomplete.length = std::min(text.find_first_of(kLineEnds), text.size());
