@@ -11,12 +11,13 @@ run(${CMAKE_COMMAND} --install ${BUILD_FOLDER} --prefix ${PREFIX})
 foreach(FILE
     include/tesk/Platform/Util/TSKString.h
     include/tesk/Platform/ProviderFramework/Provider.h
-    lib/libTeskPlatform.so
-    lib/tesk/providers/libWsdlWebProvider.so
+    ${LIBRARY_DIR}/libTeskPlatform.so
+    ${LIBRARY_DIR}/pkgconfig/teskplatform.pc
+    ${LIBRARY_DIR}/tesk/providers/libWsdlWebProvider.so
     share/bash-completion/completions/tesk
     share/man/man1/tesk.1
     share/man/man5/tesk.toml.5
-    share/tesk/LICENSE)
+    share/doc/Tesk/LICENSE)
   if(NOT EXISTS ${PREFIX}/${FILE})
     message(FATAL_ERROR "Not installed: ${FILE}")
   endif()
@@ -29,8 +30,8 @@ run(${CMAKE_COMMAND} --build ${WORK_FOLDER}/build)
 # Moved, so that nothing is found at the place where it was installed.
 file(RENAME ${PREFIX} ${WORK_FOLDER}/moved)
 execute_process(
-  COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_FOLDER}/moved/lib
-    ${WORK_FOLDER}/build/Host ${WORK_FOLDER}/moved/lib/tesk/providers ${WORK_FOLDER}/build/providers
+  COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_FOLDER}/moved/${LIBRARY_DIR}
+    ${WORK_FOLDER}/build/Host ${WORK_FOLDER}/moved/${LIBRARY_DIR}/tesk/providers ${WORK_FOLDER}/build/providers
   OUTPUT_VARIABLE OUTPUT
   COMMAND_ERROR_IS_FATAL ANY)
 set(EXPECTED "/root/cimv2/CIM_Foo.wsdl: WsdlWebProvider
