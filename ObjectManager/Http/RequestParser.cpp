@@ -111,7 +111,7 @@ Error toError(const error_code& error, std::string_view header, const Options& o
     return badRequest("The header section has a malformed line.");
 }
 
-// Beast would join the lines in a buffer of its own, which the parser's views do not outlive.
+// Beast would join the lines in a temporary buffer, but HeaderParser keeps views.
 bool hasContinuedField(std::string_view header) {
     return header.find("\n ") != std::string_view::npos ||
            header.find("\n\t") != std::string_view::npos;
