@@ -17,7 +17,7 @@
 #include "ObjectManager/Host/LocalAuthenticator.h"
 #include "ObjectManager/Host/ProgramFolders.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/HostField.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Index/IndexPage.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -38,7 +38,7 @@ struct ExportOptions {
 // Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
 // a host, would break them.
 void requireHost(const std::string& host) {
-    if (!Http::isHostField(host)) {
+    if (!Http::isHostWithPort(host)) {
         throw TeskBaseException(
             "tesk export",
             TSKString(Base::quoted(host) +
