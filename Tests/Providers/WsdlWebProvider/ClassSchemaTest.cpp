@@ -37,7 +37,8 @@ TEST(ClassStructure, ANullClassAddsNothing) {
     Element root = schemaRoot();
     WsdlUtil::addClassStructureElement(root, kNoClass);
     EXPECT_EQ(printed(root), "\n<xs:schema/>\n");
-    root->addChildElement(makeElement("before", nullptr));
+    Element before = makeElement("before", nullptr);
+    root->addChildElement(before);
     WsdlUtil::addClassStructureElement(root, kNoClass);
     EXPECT_EQ(printed(root), "\n<xs:schema>\n  <before/>\n</xs:schema>\n");
 }
@@ -157,7 +158,8 @@ TEST(ClassStructure, ARootWithoutPrefixHasChildrenWithoutPrefix) {
 
 TEST(ClassStructure, IsAppendedBehindWhatTheRootHolds) {
     Element root = schemaRoot();
-    root->addChildElement(makeElement("before", nullptr));
+    Element before = makeElement("before", nullptr);
+    root->addChildElement(before);
     WsdlUtil::addClassStructureElement(root, ModelClass("TST_A").share());
     WsdlUtil::addClassStructureElement(root, ModelClass("TST_B").share());
     EXPECT_EQ(printed(root), R"(
@@ -339,7 +341,8 @@ TEST(ClassDefinition, DeclaringNamespacesChangesTheStartTagAlone) {
 TEST(ClassDefinition, IsAppendedBehindWhatTheRootHolds) {
     Element root = schemaRoot();
     root->addAttribute(TSKSmrPtr<SOAPQName>::make("id"), "first");
-    root->addChildElement(makeElement("before", nullptr));
+    Element before = makeElement("before", nullptr);
+    root->addChildElement(before);
     WsdlUtil::addClassDefElement(root, ModelClass("A").share(), false);
     EXPECT_EQ(printed(root), R"(
 <xs:schema id="first" targetNamespace="http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/A">
