@@ -67,11 +67,46 @@ void addTypeAndNillability(const Element& element, const ITeskType& type,
         addNillable(element);
 }
 
+// The functions that declare many elements hand in their name, so that the elements share it
+// (Benchmarks, DocumentBenchmark).
+
+void addProperty(const Element& parent, const Name& elementName,
+                 const urma::IPropertyDef& property) {
+    Element element = addChild(parent, elementName);
+    addAttribute(element, names().name, property.getName());
+    WsdlUtil::addPropertyTypeElement(element, property);
+}
+
+void addParameter(const Element& sequence, const Name& elementName,
+                  const urma::IParameterDef& parameter) {
+    Element element = addChild(sequence, elementName);
+    addAttribute(element, names().name, parameter.getName());
+    WsdlUtil::addMethodParamterTypeElement(element, parameter);
+}
+
 // A global element with an anonymous type; returns its sequence.
-Element addSequenceElement(const Element& parent, const TSKString& name) {
-    Element element = addChild(parent, TAG_ELEMENT);
+Element addSequenceElement(const Element& parent, const Name& elementName, const TSKString& name) {
+    const Element element = addChild(parent, elementName);
     addAttribute(element, names().name, name);
     return addChild(addChild(element, TAG_COMPLEX_TYPE), TAG_SEQUENCE);
+}
+
+void addMethod(const Element& parent, const Name& elementName, const urma::IMethodDef& method) {
+    const TSKString name = method.getName();
+    const Element input = addSequenceElement(parent, elementName, name + kInputSuffix);
+    const Element output = addSequenceElement(parent, elementName, name + kOutputSuffix);
+    forEach(method.getParameters(), [&](const urma::IParameterDef& parameter) {
+        const bool isInput = isTrue(parameter.getQualifier("In", true));
+        const bool isOutput = isTrue(parameter.getQualifier("Out", true));
+        if (isInput)
+            addParameter(input, elementName, parameter);
+        if (isOutput)
+            addParameter(output, elementName, parameter);
+    });
+    const Element returnValue = addChild(output, elementName);
+    addAttribute(returnValue, names().name, "ReturnValue");
+    addAttribute(returnValue, names().type, wsCimType(method.getReturnType()));
+    addNillable(returnValue);
 }
 
 TSKString classTypeName(const TSKString& className) {
@@ -147,9 +182,7 @@ void WsdlUtil::addRestrictionMaxLenChildElement(TSKSmrPtr<SOAPElement>& parent,
 
 void WsdlUtil::addPropertyElement(TSKSmrPtr<SOAPElement>& parent,
                                   const urma::IPropertyDef& property) {
-    Element element = addChild(parent, TAG_ELEMENT);
-    addAttribute(element, names().name, property.getName());
-    addPropertyTypeElement(element, property);
+    addProperty(parent, childName(parent, TAG_ELEMENT), property);
 }
 
 void WsdlUtil::addPropertyTypeElement(TSKSmrPtr<SOAPElement>& element,
@@ -178,33 +211,18 @@ void WsdlUtil::addMethodsElement(TSKSmrPtr<SOAPElement>& parent,
                                  const TSKSmrPtr<ITeskClass>& cimClass) {
     if (!cimClass)
         return;
+    const Name elementName = childName(parent, TAG_ELEMENT);
     forEach(cimClass->getMethods(true),
-            [&](const urma::IMethodDef& method) { addMethodElement(parent, method); });
+            [&](const urma::IMethodDef& method) { addMethod(parent, elementName, method); });
 }
 
 void WsdlUtil::addMethodElement(TSKSmrPtr<SOAPElement>& parent, const urma::IMethodDef& method) {
-    const TSKString name = method.getName();
-    Element input = addSequenceElement(parent, name + kInputSuffix);
-    Element output = addSequenceElement(parent, name + kOutputSuffix);
-    forEach(method.getParameters(), [&](const urma::IParameterDef& parameter) {
-        const bool isInput = isTrue(parameter.getQualifier("In", true));
-        const bool isOutput = isTrue(parameter.getQualifier("Out", true));
-        if (isInput)
-            addMethodParamterElement(input, parameter);
-        if (isOutput)
-            addMethodParamterElement(output, parameter);
-    });
-    Element returnValue = addChild(output, TAG_ELEMENT);
-    addAttribute(returnValue, names().name, "ReturnValue");
-    addAttribute(returnValue, names().type, wsCimType(method.getReturnType()));
-    addNillable(returnValue);
+    addMethod(parent, childName(parent, TAG_ELEMENT), method);
 }
 
 void WsdlUtil::addMethodParamterElement(TSKSmrPtr<SOAPElement>& sequence,
                                         const urma::IParameterDef& parameter) {
-    Element element = addChild(sequence, TAG_ELEMENT);
-    addAttribute(element, names().name, parameter.getName());
-    addMethodParamterTypeElement(element, parameter);
+    addParameter(sequence, childName(sequence, TAG_ELEMENT), parameter);
 }
 
 // Other rules than for properties: Key and Required count by their presence and only together, and
@@ -226,9 +244,10 @@ void WsdlUtil::addClassStructureElement(TSKSmrPtr<SOAPElement>& root,
     Element complexType = addChild(root, TAG_COMPLEX_TYPE);
     addAttribute(complexType, names().name, name + "_Type");
     Element sequence = addChild(complexType, TAG_SEQUENCE);
+    const Name elementName = childName(sequence, TAG_ELEMENT);
     bool hasProperties = false;
     forEach(cimClass->getProperties(true), [&](const urma::IPropertyDef& property) {
-        Element reference = addChild(sequence, TAG_ELEMENT);
+        Element reference = addChild(sequence, elementName);
         addAttribute(reference, names().ref, "class:" + property.getName());
         addElementAttributeMinMaxOccurs(reference, property);
         hasProperties = true;
@@ -251,8 +270,9 @@ void WsdlUtil::addClassDefElement(TSKSmrPtr<SOAPElement>& root,
         addAttribute(root, (declaration + TAG_CLASS).data(), classNamespace);
         addAttribute(root, (declaration + TAG_CIM).data(), TAG_CIM_VALUE);
     }
+    const Name elementName = childName(root, TAG_ELEMENT);
     forEach(cimClass->getProperties(true),
-            [&](const urma::IPropertyDef& property) { addPropertyElement(root, property); });
+            [&](const urma::IPropertyDef& property) { addProperty(root, elementName, property); });
     addClassStructureElement(root, cimClass);
     addMethodsElement(root, cimClass);
 }
