@@ -77,14 +77,20 @@ constexpr std::array<unsigned char, 256> kEscapeGrowth = [] {
     return growth;
 }();
 
-unsigned long escapeGrowth(std::string_view text) noexcept {
+// A value and how much longer it is when it is escaped, found in one pass.
+struct MeasuredText {
+    std::string_view text;
+    unsigned long growth;
+};
+
+MeasuredText measured(const char* value) noexcept {
+    unsigned long length = 0;
     unsigned long growth = 0;
-    for (const char character : text) {
-        const unsigned char more = kEscapeGrowth[static_cast<unsigned char>(character)];
-        if (more != 0) [[unlikely]]
-            growth += more;
+    if (value != nullptr) {
+        for (; value[length] != '\0'; ++length)
+            growth += kEscapeGrowth[static_cast<unsigned char>(value[length])];
     }
-    return growth;
+    return {.text = {value, length}, .growth = growth};
 }
 
 // These write to a place that is large enough and return the end of what they wrote.
@@ -184,11 +190,10 @@ TSKSmrPtr<SOAPElement> SOAPElement::makeElement(const TSKSmrPtr<SOAPQName>& name
 }
 
 void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value) {
-    const std::string_view text = value == nullptr ? std::string_view() : std::string_view(value);
     const std::string_view prefix = prefixOf(*name);
     const std::size_t prefixLength = prefix.empty() ? 0 : prefix.size() + 1;
     const std::string_view localName = name->getLocalName();
-    const unsigned long growth = escapeGrowth(text);
+    const auto [text, growth] = measured(value);
 
     char* target = attributes_.extend(prefixLength + localName.size() + text.size() + growth +
                                       (sizeof " =\"\"" - 1));
