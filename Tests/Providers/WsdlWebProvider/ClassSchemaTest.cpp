@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <gtest/gtest.h>
 #include <string>
@@ -371,8 +372,8 @@ TEST(ClassStructure, AFailedPropertyLeavesItsReferenceWithoutAName) {
     const auto cimClass = ModelClass("A").property(ModelProperty("P", "string")).share();
     const std::vector<std::string> left = SchemaPrinting::leftByFailures(
         [&](Element& parent) { WsdlUtil::addClassStructureElement(parent, cimClass); });
-    EXPECT_EQ(left.at(0), "IQualified::getName\n<xs:parent/>\n");
-    EXPECT_EQ(left.at(4), R"(IQualified::getName
+    EXPECT_EQ(left.at(0), "\n<xs:parent/>\n");
+    EXPECT_NE(std::find(left.begin(), left.end(), R"(
 <xs:parent>
   <xs:complexType name="A_Type">
     <xs:sequence>
@@ -380,7 +381,8 @@ TEST(ClassStructure, AFailedPropertyLeavesItsReferenceWithoutAName) {
     </xs:sequence>
   </xs:complexType>
 </xs:parent>
-)");
+)"),
+              left.end());
 }
 
 TEST(ClassDefinition, EveryFailureOfTheHostPasses) {

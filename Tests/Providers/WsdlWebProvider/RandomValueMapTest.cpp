@@ -33,6 +33,8 @@ std::string unescaped(std::string_view text) {
         {"&lt;", '<'},   {"&gt;", '>'},   {"&quot;", '"'}, {"&#9;", '\t'},
         {"&#10;", '\n'}, {"&#13;", '\r'}, {"&amp;", '&'},
     };
+    if (text.find('&') == text.npos)
+        return std::string(text);
     std::string result;
     while (!text.empty()) {
         char character = text.front();
