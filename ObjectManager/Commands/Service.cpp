@@ -41,9 +41,10 @@ Service::Service(const Configuration::Settings& settings,
                  Security::UserTable users)
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(makeAuthenticator(settings.security, std::move(users))),
-      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation),
       index_(repository),
-      server_(serverOptions(settings.server, authenticator_), host_.manager(), &index_) {}
+      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
+            {&index_}),
+      server_(serverOptions(settings.server, authenticator_), host_.manager()) {}
 
 Service::~Service() = default;
 

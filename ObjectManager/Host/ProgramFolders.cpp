@@ -4,8 +4,9 @@ namespace Host {
 
 ProgramFolders ProgramFolders::ofThisProgram() {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-    const std::filesystem::path prefix = program.parent_path().parent_path();
-    return {.installation = prefix / "lib/tesk", .models = prefix / "share/tesk/models"};
+    const std::filesystem::path prefix =
+        (program.parent_path() / TESK_PROGRAM_TO_PREFIX).lexically_normal();
+    return {.installation = prefix / TESK_INSTALLATION_DIR, .models = prefix / TESK_MODELS_DIR};
 }
 
 }  // namespace Host

@@ -12,18 +12,18 @@ namespace {
 class Installation : public testing::Test {
   protected:
     Installation() {
-        std::filesystem::create_directories(prefix_ / "bin");
-        std::filesystem::copy(PROGRAM, prefix_ / "bin/tesk");
+        std::filesystem::create_directories(prefix_ / TESK_PROGRAM_DIR);
+        std::filesystem::copy(PROGRAM, prefix_ / TESK_PROGRAM_DIR "/tesk");
     }
 
     void copyProviders() const {
-        std::filesystem::create_directories(prefix_ / "lib/tesk/providers");
-        std::filesystem::copy(BUILD_FOLDER "/lib/tesk/providers", prefix_ / "lib/tesk/providers",
+        std::filesystem::create_directories(prefix_ / TESK_PROVIDERS_DIR);
+        std::filesystem::copy(BUILD_FOLDER "/" TESK_PROVIDERS_DIR, prefix_ / TESK_PROVIDERS_DIR,
                               std::filesystem::copy_options::recursive);
     }
     void copyModels() const {
-        std::filesystem::create_directories(prefix_ / "share/tesk");
-        std::filesystem::copy(MODELS_FOLDER, prefix_ / "share/tesk/models",
+        std::filesystem::create_directories((prefix_ / TESK_MODELS_DIR).parent_path());
+        std::filesystem::copy(MODELS_FOLDER, prefix_ / TESK_MODELS_DIR,
                               std::filesystem::copy_options::recursive);
     }
 
@@ -39,7 +39,7 @@ class Installation : public testing::Test {
 TEST_F(Installation, MayBeMoved) {
     copyProviders();
     copyModels();
-    const ProgramRun run = this->run("bin/tesk check");
+    const ProgramRun run = this->run(TESK_PROGRAM_DIR "/tesk check");
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
     EXPECT_NE(run.output.find("59 classes in 2 namespaces, 118 documents, "), std::string::npos)
@@ -49,7 +49,7 @@ TEST_F(Installation, MayBeMoved) {
 TEST_F(Installation, IsFoundThroughALinkToTheProgram) {
     copyModels();
     const TemporaryFolder other;
-    std::filesystem::create_symlink(prefix_ / "bin/tesk", other / "tesk");
+    std::filesystem::create_symlink(prefix_ / TESK_PROGRAM_DIR "/tesk", other / "tesk");
     const ProgramRun run =
         this->run("PATH='" + other.path().string() + "' && tesk classes interop");
     EXPECT_EQ(run.end, "status 0");
@@ -59,18 +59,18 @@ TEST_F(Installation, IsFoundThroughALinkToTheProgram) {
 
 TEST_F(Installation, NeedsTheSampleModelForNothingElse) {
     copyProviders();
-    const ProgramRun without = run("bin/tesk classes");
+    const ProgramRun without = run(TESK_PROGRAM_DIR "/tesk classes");
     EXPECT_EQ(without.end, "status 1");
     EXPECT_EQ(without.output, "");
-    EXPECT_EQ(
-        without.errors,
-        "PREFIX/share/tesk/models/cimv2/cimv2.mof: error: cannot be read: No such file or "
-        "directory\n"
-        "PREFIX/share/tesk/models/interop/interop.mof: error: cannot be read: No such file or "
-        "directory\n"
-        "tesk: the classes have errors and are not used\n");
+    EXPECT_EQ(without.errors, "PREFIX/" TESK_MODELS_DIR
+                              "/cimv2/cimv2.mof: error: cannot be read: No such file or "
+                              "directory\n"
+                              "PREFIX/" TESK_MODELS_DIR
+                              "/interop/interop.mof: error: cannot be read: No such file or "
+                              "directory\n"
+                              "tesk: the classes have errors and are not used\n");
     (void)prefix_.write("a.mof", "class TST_A {};");
-    const ProgramRun with = run("bin/tesk check --namespace root/test=a.mof");
+    const ProgramRun with = run(TESK_PROGRAM_DIR "/tesk check --namespace root/test=a.mof");
     EXPECT_EQ(with.end, "status 0");
     EXPECT_EQ(with.errors, "");
     EXPECT_TRUE(with.output.starts_with("1 class in 1 namespace, 2 documents, ")) << with.output;
@@ -79,21 +79,22 @@ TEST_F(Installation, NeedsTheSampleModelForNothingElse) {
 // Where the log says it too, with the time.
 TEST_F(Installation, NeedsTheProvidersToMakeDocuments) {
     copyModels();
-    const ProgramRun without = run("bin/tesk check");
+    const ProgramRun without = run(TESK_PROGRAM_DIR "/tesk check");
     EXPECT_EQ(without.end, "status 1");
     EXPECT_EQ(without.output, "");
-    EXPECT_NE(without.errors.find(
-                  "\ntesk: PREFIX/lib/tesk/providers: Reading the folder failed: filesystem error: "
-                  "directory iterator cannot open directory: No such file or directory "
-                  "[PREFIX/lib/tesk/providers]\n"),
-              std::string::npos)
+    EXPECT_NE(
+        without.errors.find("\ntesk: PREFIX/" TESK_PROVIDERS_DIR
+                            ": Reading the folder failed: filesystem error: "
+                            "directory iterator cannot open directory: No such file or directory "
+                            "[PREFIX/" TESK_PROVIDERS_DIR "]\n"),
+        std::string::npos)
         << without.errors;
-    std::filesystem::create_directories(prefix_ / "lib/tesk/providers");
-    const ProgramRun empty = run("bin/tesk check");
+    std::filesystem::create_directories(prefix_ / TESK_PROVIDERS_DIR);
+    const ProgramRun empty = run(TESK_PROGRAM_DIR "/tesk check");
     EXPECT_EQ(empty.end, "status 1");
     EXPECT_EQ(empty.output, "");
-    EXPECT_EQ(empty.errors, "tesk: PREFIX/lib/tesk/providers: holds no provider\n");
-    EXPECT_EQ(run("bin/tesk classes").end, "status 0");
+    EXPECT_EQ(empty.errors, "tesk: PREFIX/" TESK_PROVIDERS_DIR ": holds no provider\n");
+    EXPECT_EQ(run(TESK_PROGRAM_DIR "/tesk classes").end, "status 0");
 }
 
 }  // namespace

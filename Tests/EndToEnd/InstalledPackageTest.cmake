@@ -12,12 +12,13 @@ run(${CMAKE_COMMAND} --install ${BUILD_FOLDER} --prefix ${PREFIX})
 foreach(FILE
     include/tesk/Platform/Util/TSKString.h
     include/tesk/Platform/ProviderFramework/Provider.h
-    lib/libTeskPlatform.so
-    lib/tesk/providers/libWsdlWebProvider.so
+    ${LIBRARY_DIR}/libTeskPlatform.so
+    ${LIBRARY_DIR}/pkgconfig/teskplatform.pc
+    ${LIBRARY_DIR}/tesk/providers/libWsdlWebProvider.so
     share/bash-completion/completions/tesk
     share/man/man1/tesk.1
     share/man/man5/tesk.toml.5
-    share/tesk/LICENSE)
+    share/doc/Tesk/LICENSE)
   if(NOT EXISTS ${PREFIX}/${FILE})
     message(FATAL_ERROR "Not installed: ${FILE}")
   endif()
@@ -43,8 +44,8 @@ file(RENAME ${PREFIX} ${WORK_FOLDER}/moved)
 function(expect_response PATH PATTERN)
   file(WRITE ${WORK_FOLDER}/request "GET ${PATH} HTTP/1.1\r\nHost: localhost\r\n\r\n")
   execute_process(
-    COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_FOLDER}/moved/lib
-      ${WORK_FOLDER}/build/Host ${WORK_FOLDER}/moved/lib/tesk ${WORK_FOLDER}/build/providers
+    COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_FOLDER}/moved/${LIBRARY_DIR}
+      ${WORK_FOLDER}/build/Host ${WORK_FOLDER}/moved/${LIBRARY_DIR}/tesk ${WORK_FOLDER}/build/providers
     INPUT_FILE ${WORK_FOLDER}/request
     OUTPUT_VARIABLE RESPONSE
     COMMAND_ERROR_IS_FATAL ANY)

@@ -14,7 +14,7 @@ namespace {
 class ServiceDocuments : public RunningService {
   protected:
     static std::string staticDescription() {
-        return contentOfFile(installation() / "lib/tesk/providers/STSService.wsdl");
+        return contentOfFile(installation() / TESK_PROVIDERS_DIR "/STSService.wsdl");
     }
 
     static std::filesystem::path installation() {
@@ -105,7 +105,7 @@ TEST_F(ServiceDocuments, AMissingStaticDescriptionIsEmpty) {
     serveInterop();
     writeConfiguration();
     startWith({"serve", "--config", folder_ / "tesk.toml"},
-              copyInstallationWithout("lib/tesk/providers/STSService.wsdl"));
+              copyInstallationWithout(TESK_PROVIDERS_DIR "/STSService.wsdl"));
     EXPECT_EQ(answer(get("/STSService.wsdl")), found(""));
     EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
 }

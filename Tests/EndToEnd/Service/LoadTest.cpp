@@ -63,7 +63,8 @@ class DirectDocuments {
     explicit DirectDocuments(const Repository::NamespaceSource& source)
         : repository_(Repository::loadRepository({source}, {}, {}).repository),
           host_(repository_, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() / "lib/tesk"),
+                std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() /
+                    TESK_INSTALLATION_DIR),
           client_(host_.manager(), "192.0.2.1:5985") {}
 
     [[nodiscard]] std::vector<std::string> paths() const {

@@ -10,8 +10,8 @@ TEST(ProgramFolders, LieBesideTheFolderOfTheProgram) {
     const std::filesystem::path prefix =
         std::filesystem::canonical(PROGRAM_FILE).parent_path().parent_path();
     const Host::ProgramFolders folders = Host::ProgramFolders::ofThisProgram();
-    EXPECT_EQ(folders.installation, prefix / "lib/tesk");
-    EXPECT_EQ(folders.models, prefix / "share/tesk/models");
+    EXPECT_EQ(folders.installation, prefix / TESK_INSTALLATION_DIR);
+    EXPECT_EQ(folders.models, prefix / TESK_MODELS_DIR);
 }
 
 }  // namespace

@@ -1,0 +1,238 @@
+#include "ObjectManager/Base/Files.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace Base {
+
+namespace {
+
+[[noreturn]] void fail() {
+    throw std::system_error(errno, std::generic_category());
+}
+
+[[noreturn]] void fail(std::errc reason) {
+    throw std::system_error(std::make_error_code(reason));
+}
+
+void require(bool isDone) {
+    if (!isDone)
+        fail();
+}
+
+std::int64_t nanosecondsOf(const timespec& time) noexcept {
+    constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+    return std::int64_t{time.tv_sec} * kNanosecondsPerSecond + time.tv_nsec;
+}
+
+FileVersion versionOf(const struct stat& status) noexcept {
+    return {.identity = {.device = status.st_dev, .number = status.st_ino},
+            .size = status.st_size,
+            .modifiedNanoseconds = nanosecondsOf(status.st_mtim),
+            .changedNanoseconds = nanosecondsOf(status.st_ctim),
+            .mode = status.st_mode};
+}
+
+// A name that no other process of this machine uses while this one runs, another one each time.
+std::string temporaryName(std::string_view prefix) {
+    static std::atomic<std::uint64_t> lastNumber = 0;
+    return std::string(prefix) + std::to_string(getpid()) + "-" + std::to_string(++lastNumber);
+}
+
+// A new file in a directory, which is removed again unless it gets its final name.
+class TemporaryFile {
+  public:
+    TemporaryFile(const FileDescriptor& directory, std::string_view prefix, mode_t mode)
+        : directory_(directory.get()) {
+        constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+        // A name that is taken was left behind by a process that was killed, or is in use on
+        // another machine.
+        do {
+            name_ = temporaryName(prefix);
+            file_ = FileDescriptor(openat(directory_, name_.c_str(), kFlags, mode));
+        } while (!file_.isOpen() && errno == EEXIST);
+        require(file_.isOpen());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        if (!isInPlace_)
+            unlinkat(directory_, name_.c_str(), 0);
+    }
+
+    [[nodiscard]] FileDescriptor& file() noexcept { return file_; }
+
+    void moveIntoPlace(const std::string& name) {
+        require(renameat(directory_, name_.c_str(), directory_, name.c_str()) == 0);
+        isInPlace_ = true;
+    }
+
+  private:
+    int directory_;
+    std::string name_;
+    FileDescriptor file_;
+    bool isInPlace_ = false;
+};
+
+void takeOwner(const FileDescriptor& file, const FileDescriptor& directory,
+               const std::string& name) {
+    struct stat old = {};
+    if (fstatat(directory.get(), name.c_str(), &old, 0) != 0)
+        return;
+    // Only root may do this. For everybody else the file is now theirs, as a new one would be.
+    [[maybe_unused]] const int result = fchown(file.get(), old.st_uid, old.st_gid);
+}
+
+}  // namespace
+
+FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
+    FileDescriptor old(std::exchange(number_, other.release()));
+    return *this;
+}
+
+FileDescriptor::~FileDescriptor() {
+    if (!isOpen())
+        return;
+    const int reason = errno;
+    (void)::close(number_);
+    errno = reason;
+}
+
+int FileDescriptor::release() noexcept {
+    return std::exchange(number_, -1);
+}
+
+void FileDescriptor::close() {
+    require(!isOpen() || ::close(release()) == 0);
+}
+
+FileVersion FileVersion::of(const std::string& path) noexcept {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 ? versionOf(status) : FileVersion();
+}
+
+FileVersion FileVersion::of(const FileDescriptor& file) {
+    struct stat status = {};
+    require(fstat(file.get(), &status) == 0);
+    return versionOf(status);
+}
+
+bool FileVersion::isRegular() const noexcept {
+    return S_ISREG(mode);
+}
+
+bool FileVersion::isDirectory() const noexcept {
+    return S_ISDIR(mode);
+}
+
+bool FileVersion::isAccessibleToOthers() const noexcept {
+    return (mode & (S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH)) != 0;
+}
+
+std::optional<FileDescriptor> openIfThere(const std::string& path, FileKind kind) {
+    const int waiting = kind == FileKind::kRegular ? O_NONBLOCK : 0;
+    FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting));
+    if (!file.isOpen() && (errno == ENOENT || errno == ENOTDIR))
+        return std::nullopt;
+    require(file.isOpen());
+    if (kind == FileKind::kRegular) {
+        const FileVersion version = FileVersion::of(file);
+        if (!version.isRegular() && !version.isDirectory())
+            fail(std::errc::not_supported);
+    }
+    return file;
+}
+
+FileDescriptor openForReading(const std::string& path, FileKind kind) {
+    std::optional<FileDescriptor> file = openIfThere(path, kind);
+    if (!file)
+        fail(std::errc::no_such_file_or_directory);
+    return *std::move(file);
+}
+
+FileDescriptor openDirectory(const std::string& path) {
+    FileDescriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    require(directory.isOpen());
+    return directory;
+}
+
+std::size_t readUpTo(const FileDescriptor& file, std::span<char> buffer) {
+    std::size_t length = 0;
+    while (length < buffer.size()) {
+        const ssize_t count = ::read(file.get(), buffer.data() + length, buffer.size() - length);
+        if (count < 0 && errno == EINTR)
+            continue;
+        require(count >= 0);
+        if (count == 0)
+            break;
+        length += static_cast<std::size_t>(count);
+    }
+    return length;
+}
+
+std::string readAll(const FileDescriptor& file, std::size_t maxBytes) {
+    constexpr std::size_t kFirstRoom = 4096;
+    const FileVersion version = FileVersion::of(file);
+    const std::size_t expected = version.isRegular() ? static_cast<std::size_t>(version.size) : 0;
+    const auto requireFits = [maxBytes](std::size_t length) {
+        if (length > maxBytes)
+            fail(std::errc::file_too_large);
+    };
+    requireFits(expected);
+    // One byte more than expected, so that the end is seen without growing.
+    std::string bytes(expected == 0 ? kFirstRoom : expected + 1, '\0');
+    std::size_t length = 0;
+    while (true) {
+        length += readUpTo(file, std::span(bytes).subspan(length));
+        requireFits(length);
+        if (length < bytes.size())
+            break;
+        bytes.resize(2 * length);
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+std::string readFile(const std::string& path, std::size_t maxBytes, FileKind kind) {
+    return readAll(openForReading(path, kind), maxBytes);
+}
+
+void writeAll(const FileDescriptor& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
+        require(count >= 0 || errno == EINTR);
+        bytes.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
+    }
+}
+
+void replaceFile(const FileDescriptor& directory, const std::string& name, std::string_view content,
+                 const ReplaceOptions& options) {
+    const std::string prefix =
+        options.temporaryPrefix.empty() ? name + "." : std::string(options.temporaryPrefix);
+    TemporaryFile temporary(directory, prefix, options.mode);
+    if (options.keepsOwner)
+        takeOwner(temporary.file(), directory, name);
+    writeAll(temporary.file(), content);
+    require(!options.isDurable || fsync(temporary.file().get()) == 0);
+    temporary.file().close();
+    temporary.moveIntoPlace(name);
+    require(!options.isDurable || fsync(directory.get()) == 0);
+}
+
+void replaceFile(const std::string& path, std::string_view content, const ReplaceOptions& options) {
+    const std::filesystem::path file(path);
+    const std::filesystem::path parent = file.parent_path();
+    if (!file.has_filename())
+        fail(std::errc::is_a_directory);
+    replaceFile(openDirectory(parent.empty() ? "." : parent.string()), file.filename().string(),
+                content, options);
+}
+
+}  // namespace Base
