@@ -193,13 +193,10 @@ TEST(ExtrinsicMethods, AFailureOfTheHostPassesAndLeavesOnlyWholeMethods) {
         expected({{"A", "Does a."}}),
         expected({{"A", "Does a."}, {"B", "Does b."}}),
     };
-    const std::size_t calls = [&] {
-        const auto walked = cimClass.getMethods(true);
-        WSDLFile counted = emptyWsdl();
-        const HostCalls::Recording recording;
-        WsdlUtil::enumerateExtrinsicsMethods(walked, counted);
-        return recording.calls().size();
-    }();
+    const auto walked = cimClass.getMethods(true);
+    WSDLFile whole = emptyWsdl();
+    const std::size_t calls =
+        HostCalls::count([&] { WsdlUtil::enumerateExtrinsicsMethods(walked, whole); });
     std::optional<CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>>> methods;
     std::optional<WSDLFile> wsdl;
     std::size_t reached = 0;

@@ -36,14 +36,6 @@ template <typename Build>
     return printed(parent);
 }
 
-/// How many calls `operation` makes into the test's object manager.
-template <typename Operation>
-[[nodiscard]] std::size_t countCalls(const Operation& operation) {
-    const HostCalls::Recording recording;
-    operation();
-    return recording.calls().size();
-}
-
 /// What is left of an empty element named "parent" when `build` fails at its 1st, 2nd, 3rd … call
 /// into the test's object manager: the printed element, once for failures that leave the same.
 template <typename Build>

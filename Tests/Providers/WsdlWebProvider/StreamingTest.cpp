@@ -225,12 +225,7 @@ std::string documentationOf(const ModelClass& cimClass) {
 template <typename Write>
 void expectNothingWrittenOnFailure(const Write& write) {
     std::stringstream undisturbed;
-    std::size_t calls = 0;
-    {
-        const HostCalls::Recording recording;
-        write(undisturbed);
-        calls = recording.calls().size();
-    }
+    const std::size_t calls = HostCalls::count([&] { write(undisturbed); });
     std::stringstream stream;
     stream << "before";
     const std::size_t failures = HostCalls::failEach([&] { write(stream); },
