@@ -7,6 +7,7 @@
 #include <string>
 #include <system_error>
 
+#include "Platform/Internal/TSKInstalled.h"
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TSKValSlistIterator.h"
@@ -17,7 +18,7 @@ namespace {
 
 using Failures = TeskProviderPluginManager::Failures;
 
-TSKInstalled<TeskProviderPluginManager> installedManager;
+constinit TSKInstalled<TeskProviderPluginManager> installedManager;
 
 void log(TeskTraceLog::Severity severity, const TSKString& message) {
     TSKLog::log("TeskProviderPluginManager", message, severity, TeskTraceLog::VerbosityNormal, 0,
@@ -80,12 +81,17 @@ TSKSmrPtr<TeskProviderPluginManager> TeskProviderPluginManager::setTeskProviderP
 }
 
 TSKValSlist<TSKString> TeskProviderPluginManager::getNamespaceList() const {
-    const TSKSmrPtr<ITeskNamespaceList> namespaces = namespaces_.get();
+    TSKSmrPtr<ITeskNamespaceList> namespaces;
+    {
+        const std::shared_lock lock(mutex_);
+        namespaces = namespaces_;
+    }
     return namespaces ? namespaces->getNamespaceList() : TSKValSlist<TSKString>();
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::getRepository() const {
-    return repository_.get();
+    const std::shared_lock lock(mutex_);
+    return repository_;
 }
 
 bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const TSKString& uri) {
@@ -100,14 +106,20 @@ bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const
 TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
     TSKSmrPtr<ITeskNamespaceList> namespaces) {
     const std::vector<TSKString> now = urisOf(namespaces);
-    TSKSmrPtr<ITeskNamespaceList> previous = namespaces_.install(std::move(namespaces));
+    TSKSmrPtr<ITeskNamespaceList> previous = std::move(namespaces);
+    {
+        const std::lock_guard lock(mutex_);
+        namespaces_.swap(previous);
+    }
     routeNamespaces(urisOf(previous), now);
     return previous;
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
     TSKSmrPtr<ITeskRepository> repository) {
-    return repository_.install(std::move(repository));
+    const std::lock_guard lock(mutex_);
+    repository_.swap(repository);
+    return repository;
 }
 
 Failures TeskProviderPluginManager::loadProviders(const TSKString& folder) {

@@ -9,7 +9,6 @@
 #include "Platform/ProviderFramework/TeskProviderFailure.h"
 #include "Platform/ProviderFramework/URIRoutingTable.h"
 #include "Platform/Util/Export.h"
-#include "Platform/Util/TSKInstalled.h"
 #include "Platform/Util/TSKSmrPtr.h"
 #include "Platform/Util/TSKString.h"
 #include "Platform/Util/TSKValSlist.h"
@@ -101,10 +100,9 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     void addEntry(urma::pf::Provider& provider, const TSKString& file);
     void removeEntry(const Entry& entry);
 
-    TSKInstalled<ITeskNamespaceList> namespaces_;
-    TSKInstalled<ITeskRepository> repository_;
-
     mutable std::shared_mutex mutex_;
-    URIRoutingTable routes_;      // guarded by mutex_
+    TSKSmrPtr<ITeskNamespaceList> namespaces_;  // guarded by mutex_
+    TSKSmrPtr<ITeskRepository> repository_;     // guarded by mutex_
+    URIRoutingTable routes_;                    // guarded by mutex_
     std::vector<Entry> entries_;  // changed under mutex_, by the life-cycle thread alone
 };

@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "Platform/Util/TSKObjectPool.h"
+#include "Platform/Internal/TSKObjectPool.h"
 #include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Threads.h"
 

@@ -1,10 +1,13 @@
+// A provider plug-in: greets the caller at /greeting.
+
+#include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Http/TSKHTTPResponse.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/Provider.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 namespace {
 
-// Greets whoever asks for /greeting.
 class GreetingProvider : public urma::pf::Provider {
   public:
     TSKString getProviderName() override { return "GreetingProvider"; }
@@ -14,10 +17,14 @@ class GreetingProvider : public urma::pf::Provider {
                                                                                "/greeting");
     }
 
-    void processHTTPRequest(TSKGenericHTTPIStream& /*istr*/, TSKGenericHTTPOStream& ostr,
+    void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& /*handled*/,
                             TSKSmrPtr<ITeskTransaction> /*transaction*/) override {
-        const TSKString greeting = "Hello\n";
+        TSKSmrPtr<urma::security::ISecurityToken> token;
+        if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
+            throw TSKHTTPException("GreetingProvider", "Authentication failed",
+                                   TSKHTTPException::kAuthenticationFailed);
+        const TSKString greeting = "Hello " + token->getUserName() + "\n";
         TSKHTTPResponse response(request.getProtocol(), "200", "OK");
         response.setContentLength(greeting.length());
         response.setContentType("text/plain");

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 
-#include "Platform/Util/TSKInstalled.h"
+#include "Platform/Internal/TSKInstalled.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -16,7 +17,7 @@ TEST(TSKInstalled, IsEmptyUntilSomethingIsInstalled) {
     EXPECT_EQ(installed.get(), nullptr);
 }
 
-TEST(TSKInstalled, WhoeverGotTheServiceKeepsItWhenAnotherIsInstalled) {
+TEST(TSKInstalled, AServiceThatWasGotStaysAliveWhenAnotherIsInstalled) {
     TSKInstalled<std::string> installed;
     installed.install(TSKSmrPtr<std::string>::make("old"));
     const TSKSmrPtr<std::string> held = installed.get();
@@ -24,6 +25,7 @@ TEST(TSKInstalled, WhoeverGotTheServiceKeepsItWhenAnotherIsInstalled) {
     EXPECT_EQ(*held, "old");
     EXPECT_EQ(held.owners(), 1);
     EXPECT_EQ(*installed.get(), "new");
+    installed.install(nullptr);
 }
 
 TEST(TSKInstalled, MayBeReplacedWhileThreadsUseIt) {
@@ -37,6 +39,18 @@ TEST(TSKInstalled, MayBeReplacedWhileThreadsUseIt) {
                 EXPECT_EQ(*installed.get(), "service");
         }
     });
+    installed.install(nullptr);
+}
+
+TEST(TSKInstalled, ItsEndReleasesNothing) {
+    const auto service = TSKSmrPtr<std::string>::make("service");
+    alignas(TSKInstalled<std::string>) char memory[sizeof(TSKInstalled<std::string>)];
+    auto* const installed = new (memory) TSKInstalled<std::string>;
+    installed->install(service);
+    installed->~TSKInstalled();
+    EXPECT_EQ(service.owners(), 2);
+    EXPECT_EQ(*installed->get(), "service");
+    installed->install(nullptr);
 }
 
 }  // namespace
