@@ -11,7 +11,7 @@
 #include "ObjectManager/Commands/Check.h"
 #include "ObjectManager/Commands/Classes.h"
 #include "ObjectManager/Commands/Export.h"
-#include "ObjectManager/Commands/Passwd.h"
+#include "ObjectManager/Commands/Passwd/Passwd.h"
 #include "ObjectManager/Commands/Serve.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TeskBaseException.h"

@@ -15,7 +15,7 @@ Http::ServerOptions serverOptions(const Configuration::ServerSettings& settings,
     for (const Configuration::Endpoint& endpoint : settings.listen)
         options.listen.push_back({.address = endpoint.address, .port = endpoint.port});
     options.isQuick = [authenticator](const TSKHTTPRequest& request) {
-        return authenticator->decidesQuickly(request);
+        return !authenticator->needsPasswordHash(request);
     };
     if (settings.workers > 0)
         options.workers = settings.workers;
@@ -27,20 +27,14 @@ Http::ServerOptions serverOptions(const Configuration::ServerSettings& settings,
     return options;
 }
 
-TSKSmrPtr<Security::BasicAuthenticator> makeAuthenticator(
-    const Configuration::SecuritySettings& settings, Security::UserTable users) {
-    Security::CredentialCheckerOptions options;
-    options.credentialLifetime = settings.credentialLifetime;
-    return TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), options);
-}
-
 }  // namespace
 
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
     : gracePeriod_(settings.server.shutdownTimeout),
-      authenticator_(makeAuthenticator(settings.security, std::move(users))),
+      authenticator_(
+          TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation),
       index_(repository),
       server_(serverOptions(settings.server, authenticator_), host_.manager(), &index_) {}

@@ -8,6 +8,7 @@
 #include "ObjectManager/Configuration/Endpoint.h"
 #include "ObjectManager/Repository/NamespaceSource.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Security/Options.h"
 
 namespace Configuration {
 
@@ -43,18 +44,6 @@ struct ServerSettings {
     friend bool operator==(const ServerSettings&, const ServerSettings&) = default;
 };
 
-struct SecuritySettings {
-    /// Who may ask, see `tesk passwd`. Empty for none: then whoever starts the object manager is
-    /// told a password that is good until it ends.
-    std::string passwordFile;
-
-    /// For how long a verified credential is remembered, so that not every request costs a hash of
-    /// a password; 0 for not at all.
-    std::chrono::milliseconds credentialLifetime = std::chrono::minutes(5);
-
-    friend bool operator==(const SecuritySettings&, const SecuritySettings&) = default;
-};
-
 struct LogSettings {
     /// The least important lines that are written: 1 errors, 2 warnings, 3 what happens at start
     /// and end, 4 begin and end of each request, which is too much for every day.
@@ -77,7 +66,7 @@ struct Settings {
 
     Repository::RepositoryOptions repository;
     ServerSettings server;
-    SecuritySettings security;
+    Security::Options security;
     LogSettings log;
 
     friend bool operator==(const Settings&, const Settings&) = default;

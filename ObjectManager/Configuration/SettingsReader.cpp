@@ -103,7 +103,7 @@ void readServer(Table table, ServerSettings& settings) {
     table.reportUnknownKeys();
 }
 
-void readSecurity(Table table, const Folder& folder, SecuritySettings& settings) {
+void readSecurity(Table table, const Folder& folder, Security::Options& settings) {
     table.readText("password_file", "a path", [&](const std::string& path) {
         settings.passwordFile = folder.resolveUnlessEmpty(path);
     });

@@ -160,7 +160,7 @@ TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     reload();
     expectServedAsBefore();
     expectedLog_ = {"error tesk: Not reloaded, going on as before: " + users +
-                    ": others than its owner can read or write it; mend that with: chmod 600 " +
+                    ": others than its owner can read or write it; correct that with: chmod 600 " +
                     users};
 }
 

@@ -1,4 +1,4 @@
-#include "ObjectManager/Commands/Passwd.h"
+#include "ObjectManager/Commands/Passwd/Passwd.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -9,9 +9,10 @@
 #include <memory>
 #include <unistd.h>
 
-#include "ObjectManager/Commands/PasswordInput.h"
-#include "ObjectManager/Security/CredentialText.h"
+#include "ObjectManager/Commands/Passwd/PasswordInput.h"
+#include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordFile.h"
+#include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -22,9 +23,9 @@ namespace {
 using Security::PasswordFile;
 
 constexpr const char* kExamples =
-    "The file holds a line for each user, with a hash of the password. Only its owner may read "
-    "it.\n"
-    "On a terminal the password is asked for twice; else it is the first line of standard input.\n"
+    "The file has a line for each user, with a hash of the password. Only its owner may read it.\n"
+    "On a terminal, the command asks for the password twice; otherwise the password is the first\n"
+    "line of standard input.\n"
     "\n"
     "Examples:\n"
     "  tesk passwd /etc/tesk/users alice            add alice, or change her password\n"
@@ -35,7 +36,7 @@ constexpr const char* kExamples =
     throw TeskBaseException("Commands::runPasswd", TSKString(message), CIM_ERR_FAILED);
 }
 
-// Before anybody types a password: whether it could be written down.
+// Called before a password is typed that could not be saved.
 void requireUsable(const std::string& file) {
     std::error_code ignored;
     if (std::filesystem::exists(file, ignored))
@@ -43,7 +44,7 @@ void requireUsable(const std::string& file) {
 }
 
 std::string removeUser(const PasswdRequest& request) {
-    // There is nothing to remove from a file that does not exist, so none is made.
+    // PasswordFile::change() would create a missing file.
     static_cast<void>(PasswordFile::read(request.file));
     PasswordFile::change(request.file, [&](PasswordFile& file) {
         if (!file.remove(request.user))
@@ -68,19 +69,20 @@ void addPasswdCommand(CLI::App& program, Action& action) {
     CLI::App* const command =
         program.add_subcommand("passwd", "Sets a user's password, or removes a user");
     const auto request = std::make_shared<PasswdRequest>();
-    command->add_option("FILE", request->file, "The password file; made when it is missing")
+    command->add_option("FILE", request->file, "The password file; created if it is missing")
         ->required();
-    command->add_option("USER", request->user, "The name of the user")
+    command->add_option("USER", request->user, "The user name")
         ->required()
         ->check([](const std::string& name) {
-            const std::string_view fault = Security::faultOfUserName(name);
-            return fault.empty() ? std::string() : "The name cannot be used: " + std::string(fault);
+            const std::string_view fault = Security::validateUserName(name);
+            return fault.empty() ? std::string()
+                                 : "The user name cannot be used: " + std::string(fault);
         });
     command->add_flag("--delete", request->isRemoval, "Remove the user");
     command->footer(kExamples);
     command->callback([&action, request] {
         action = [request] {
-            const auto readPassword = [] { return readNewPassword(STDIN_FILENO, STDERR_FILENO); };
+            const auto readPassword = [] { return readNewPassword(STDIN_FILENO); };
             return runPasswd(*request, readPassword, std::cerr);
         };
     });
