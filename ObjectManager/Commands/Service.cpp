@@ -35,9 +35,10 @@ Service::Service(const Configuration::Settings& settings,
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
-      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation),
       index_(repository),
-      server_(serverOptions(settings.server, authenticator_), host_.manager(), &index_) {}
+      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
+            {&index_}),
+      server_(serverOptions(settings.server, authenticator_), host_.manager()) {}
 
 Service::~Service() = default;
 

@@ -7,7 +7,7 @@
 #include "ObjectManager/Configuration/Settings.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/Server.h"
-#include "ObjectManager/Index/IndexHandler.h"
+#include "ObjectManager/Index/IndexProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
 #include "Platform/Util/TSKSmrPtr.h"
@@ -47,8 +47,8 @@ class Service {
   private:
     std::chrono::milliseconds gracePeriod_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
+    Index::IndexProvider index_;
     Host::ProviderHost host_;
-    Index::IndexHandler index_;
     Http::Server server_;
 };
 

@@ -1,9 +1,10 @@
-#include "ObjectManager/Index/IndexHandler.h"
+#include "ObjectManager/Index/IndexProvider.h"
 
 #include "ObjectManager/Index/IndexPage.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Http/TSKHTTPResponse.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 namespace Index {
 
@@ -13,7 +14,7 @@ void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                           TSKGenericHTTPOStream& ostr) {
     TSKSmrPtr<urma::security::ISecurityToken> token;
     if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
-        throw TSKHTTPException("IndexHandler::handle", "Authentication failed",
+        throw TSKHTTPException("IndexProvider::processHTTPRequest", "Authentication failed",
                                TSKHTTPException::kAuthenticationFailed);
 }
 
@@ -39,29 +40,40 @@ void writePage(const TSKHTTPRequest& request, const std::string& page,
 
 }  // namespace
 
-IndexHandler::IndexHandler(const TSKSmrPtr<Repository::ClassRepository>& repository)
+IndexProvider::IndexProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
     : repository_(repository) {}
 
-void IndexHandler::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
+void IndexProvider::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     const std::lock_guard lock(mutex_);
     repository_ = repository;
     page_.reset();
 }
 
-bool IndexHandler::handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
-                          TSKGenericHTTPOStream& ostr) {
-    if (request.getUri() != "/")
-        return false;
+TSKString IndexProvider::getProviderName() {
+    return "IndexProvider";
+}
+
+void IndexProvider::postStartup() {
+    TeskProviderPluginManager::getTeskProviderPluginManager()->registerURI(getProviderName(), "/");
+}
+
+void IndexProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                                       TSKHTTPRequest& request, bool& handled,
+                                       TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    // Requests that no other provider is there for come here, too.
+    if (request.getUri() != "/") {
+        handled = false;
+        return;
+    }
     requireAuthenticated(request, istr, ostr);
     if (request.getMethod() == "GET" || request.getMethod() == "HEAD")
         writePage(request, *page(), ostr);
     else
         refuseMethod(request, ostr);
-    return true;
 }
 
 // Made when it is first asked for, so that documents need not wait for it when the service starts.
-std::shared_ptr<const std::string> IndexHandler::page() {
+std::shared_ptr<const std::string> IndexProvider::page() {
     const std::lock_guard lock(mutex_);
     if (!page_)
         page_ = std::make_shared<const std::string>(makeIndexPage(*repository_));

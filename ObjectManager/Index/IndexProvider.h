@@ -4,26 +4,31 @@
 #include <mutex>
 #include <string>
 
-#include "ObjectManager/Http/RequestHandler.h"
 #include "ObjectManager/Repository/ClassRepository.h"
+#include "Platform/ProviderFramework/Provider.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
 namespace Index {
 
-/// Answers requests for the path "/" with the index page, to callers whom the authenticator of the
-/// object manager accepts. Other methods than GET and HEAD are answered with 405.
+/// The provider of the page at "/" that lists all classes. It leaves all other paths to the front
+/// end, answers GET and HEAD alone (405 for other methods), and needs a client that the
+/// authenticator of the object manager accepts.
 ///
 /// Thread safety: may be used by several threads at once.
-class IndexHandler final : public Http::RequestHandler {
+class IndexProvider final : public urma::pf::Provider {
   public:
-    explicit IndexHandler(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    explicit IndexProvider(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
     /// Requests that begin from now on see these classes.
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
+    [[nodiscard]] TSKString getProviderName() override;
+    void postStartup() override;
+
     /// Errors: TSKHTTPException with kAuthenticationFailed.
-    [[nodiscard]] bool handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
-                              TSKGenericHTTPOStream& ostr) override;
+    void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                            TSKHTTPRequest& request, bool& handled,
+                            TSKSmrPtr<ITeskTransaction> transaction) override;
 
   private:
     [[nodiscard]] std::shared_ptr<const std::string> page();

@@ -2,10 +2,11 @@
 #include <set>
 #include <string>
 
-#include "ObjectManager/Index/IndexHandler.h"
 #include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Index/IndexProvider.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Tests/ObjectManager/Repository/RepositoryTest.h"
 #include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/TestHost.h"
@@ -13,30 +14,32 @@
 
 namespace {
 
-using Index::IndexHandler;
+using Index::IndexProvider;
 
-class IndexHandlerTest : public RepositoryTest {
+class IndexProviderTest : public RepositoryTest {
   protected:
-    IndexHandlerTest() { AuthenticationHelper::setAuthenticator(authenticator_); }
-    ~IndexHandlerTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
+    IndexProviderTest() { AuthenticationHelper::setAuthenticator(authenticator_); }
+    ~IndexProviderTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
 
-    // What is written to the client; "(left)" and that when the handler leaves the request.
-    [[nodiscard]] static std::string answer(IndexHandler& handler, const char* method,
+    // What is written to the client; "(left)" and that when the provider leaves the request.
+    [[nodiscard]] static std::string answer(IndexProvider& provider, const char* method,
                                             const char* path = "/",
                                             const char* protocol = "HTTP/1.1") {
         TSKHTTPRequest request(method, path, protocol);
         EmptyInput input;
         RecordedOutput output;
-        const bool isHandled = handler.handle(request, input, output);
-        return isHandled ? output.text : "(left)" + output.text;
+        bool handled = true;
+        provider.processHTTPRequest(input, output, request, handled, nullptr);
+        return handled ? output.text : "(left)" + output.text;
     }
 
     // The code and the message with which a request is refused.
     [[nodiscard]] std::string refusalOf(const char* method, RecordedOutput& output) {
         TSKHTTPRequest request(method, "/", "HTTP/1.1");
         EmptyInput input;
+        bool handled = true;
         try {
-            (void)handler_.handle(request, input, output);
+            provider_.processHTTPRequest(input, output, request, handled, nullptr);
             return "none";
         } catch (const TSKHTTPException& refusal) {
             return std::to_string(refusal.getErrorCode()) + " " + refusal.getMessage().data();
@@ -56,27 +59,27 @@ class IndexHandlerTest : public RepositoryTest {
     TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
     TSKSmrPtr<Repository::ClassRepository> one_ = load("class TST_One {};");
     TSKSmrPtr<Repository::ClassRepository> other_ = load("class TST_Other {}; class TST_Third {};");
-    IndexHandler handler_{one_};
+    IndexProvider provider_{one_};
 };
 
 // The front end sends the head alone to those who ask for no more.
-TEST_F(IndexHandlerTest, AnswersGetAndHeadWithThePage) {
-    EXPECT_EQ(answer(handler_, "GET"), found(*one_));
-    EXPECT_EQ(answer(handler_, "HEAD"), found(*one_));
-    EXPECT_EQ(answer(handler_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
+TEST_F(IndexProviderTest, AnswersGetAndHeadWithThePage) {
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
+    EXPECT_EQ(answer(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
     EXPECT_EQ(authenticator_->calls, 3);
     EXPECT_EQ(authenticator_->liveTokens(), 0);
 }
 
-TEST_F(IndexHandlerTest, LeavesOtherPathsAndAsksNobodyWhoTheyAre) {
+TEST_F(IndexProviderTest, LeavesOtherPathsAndAsksNobodyWhoTheyAre) {
     authenticator_->accepts = false;
     for (const char* const path :
          {"", "//", "/index.html", "/root", "/root/test/TST_One.wsdl", "/?", " /", "/ ", "*"})
-        EXPECT_EQ(answer(handler_, "GET", path), "(left)") << path;
+        EXPECT_EQ(answer(provider_, "GET", path), "(left)") << path;
     EXPECT_EQ(authenticator_->calls, 0);
 }
 
-TEST_F(IndexHandlerTest, RefusesStrangersWithoutWriting) {
+TEST_F(IndexProviderTest, RefusesStrangersWithoutWriting) {
     authenticator_->accepts = false;
     for (const char* const method : {"GET", "HEAD", "POST"}) {
         RecordedOutput output;
@@ -86,41 +89,52 @@ TEST_F(IndexHandlerTest, RefusesStrangersWithoutWriting) {
     EXPECT_EQ(authenticator_->calls, 3);
 }
 
-TEST_F(IndexHandlerTest, RefusesEverybodyWithoutAnAuthenticator) {
+TEST_F(IndexProviderTest, RefusesEverybodyWithoutAnAuthenticator) {
     AuthenticationHelper::setAuthenticator(nullptr);
-    EXPECT_THROW((void)answer(handler_, "GET"), TSKHTTPException);
+    EXPECT_THROW((void)answer(provider_, "GET"), TSKHTTPException);
 }
 
-TEST_F(IndexHandlerTest, SaysWhichMethodsThereAre) {
+TEST_F(IndexProviderTest, SaysWhichMethodsThereAre) {
     for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
-        EXPECT_EQ(answer(handler_, method),
+        EXPECT_EQ(answer(provider_, method),
                   "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
                   "Content-Length: 0\r\n\r\n")
             << method;
     }
 }
 
-TEST_F(IndexHandlerTest, ShowsTheClassesThatAreSet) {
-    EXPECT_EQ(answer(handler_, "GET"), found(*one_));
-    handler_.setRepository(other_);
-    EXPECT_EQ(answer(handler_, "GET"), found(*other_));
-    handler_.setRepository(one_);
-    EXPECT_EQ(answer(handler_, "HEAD"), found(*one_));
+TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    provider_.setRepository(other_);
+    EXPECT_EQ(answer(provider_, "GET"), found(*other_));
+    provider_.setRepository(one_);
+    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
 }
 
-TEST_F(IndexHandlerTest, SeveralThreadsAskWhileTheClassesChange) {
+TEST_F(IndexProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
+    const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+    EXPECT_TRUE(manager->addProvider(provider_, "index").empty());
+    EXPECT_TRUE(manager->startup().empty());
+    EXPECT_TRUE(manager->postStartup().empty());
+    EXPECT_EQ(manager->findProvider("/"), &provider_);
+    EXPECT_EQ(manager->findProvider("/nosuch/namespace/TST_One.wsdl"), &provider_);
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+}
+
+TEST_F(IndexProviderTest, SeveralThreadsAskWhileTheClassesChange) {
     constexpr int kThreads = 4;
     constexpr int kRequests = 200;
     const std::set<std::string> right = {found(*one_), found(*other_)};
     runOnThreads(kThreads, [&](int thread) {
         for (int count = 0; count < kRequests; ++count) {
             if (thread == 0)
-                handler_.setRepository(count % 2 == 0 ? other_ : one_);
-            EXPECT_TRUE(right.contains(answer(handler_, "GET")));
+                provider_.setRepository(count % 2 == 0 ? other_ : one_);
+            EXPECT_TRUE(right.contains(answer(provider_, "GET")));
         }
     });
     EXPECT_EQ(authenticator_->calls, kThreads * kRequests);
-    EXPECT_EQ(answer(handler_, "GET"), found(*one_));
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
 }
 
 }  // namespace
