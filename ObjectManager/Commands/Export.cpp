@@ -19,7 +19,7 @@
 #include "ObjectManager/Host/LocalAuthenticator.h"
 #include "ObjectManager/Host/ProgramFolders.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/HostField.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Index/IndexPage.h"
 
 namespace Commands {
@@ -83,7 +83,7 @@ int runExport(const ExportOptions& options) {
 // An ampersand, which RFC 9110 allows in a host, would break the documents: base addresses are
 // inserted as they are.
 std::string faultOfHost(const std::string& host) {
-    if (Http::isHostField(host))
+    if (Http::isHostWithPort(host))
         return {};
     return "\"" + host + "\" is no host with an optional port, such as localhost:5985";
 }

@@ -8,22 +8,18 @@ namespace Commands {
 
 namespace {
 
-Http::ServerOptions serverOptions(const Configuration::ServerSettings& settings,
-                                  const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
-    Http::ServerOptions options;
+Http::Options serverOptions(const Configuration::ServerSettings& settings) {
+    Http::Options options;
     options.listen.clear();
     for (const Configuration::Endpoint& endpoint : settings.listen)
         options.listen.push_back({.address = endpoint.address, .port = endpoint.port});
-    options.isQuick = [authenticator](const TSKHTTPRequest& request) {
-        return !authenticator->needsPasswordHash(request);
-    };
-    if (settings.workers > 0)
-        options.workers = settings.workers;
-    options.requestLimits.mostHeadBytes = settings.maxRequestHead;
-    options.requestLimits.mostRequestLineBytes = settings.maxRequestLine;
-    options.mostConnections = settings.maxConnections;
-    options.headTime = settings.headTimeout;
-    options.responseTime = settings.responseTimeout;
+    options.workers = settings.workers;
+    options.maxHeaderSize = settings.maxRequestHead;
+    options.maxRequestLine = settings.maxRequestLine;
+    options.headerTimeout = settings.headTimeout;
+    options.responseTimeout = settings.responseTimeout;
+    options.shutdownTimeout = settings.shutdownTimeout;
+    options.maxConnections = settings.maxConnections;
     return options;
 }
 
@@ -32,13 +28,19 @@ Http::ServerOptions serverOptions(const Configuration::ServerSettings& settings,
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : gracePeriod_(settings.server.shutdownTimeout),
-      authenticator_(
+    : authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
             {&index_}),
-      server_(serverOptions(settings.server, authenticator_), host_.manager()) {}
+      server_(
+          serverOptions(settings.server), host_.manager(),
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->needsPasswordHash(request);
+          },
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->prepare(request);
+          }) {}
 
 Service::~Service() = default;
 
@@ -56,7 +58,7 @@ void Service::setUsers(Security::UserTable users) {
 }
 
 bool Service::stop() {
-    return server_.stop(gracePeriod_);
+    return server_.stop();
 }
 
 std::vector<std::string> Service::addresses() const {

@@ -1,20 +1,20 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "ObjectManager/Http/OwnAnswers.h"
+#include "ObjectManager/Http/ErrorResponses.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 
 namespace {
 
-std::string sent(const Http::Answer& answer) {
+std::string sent(const Http::Response& response) {
     std::string text;
-    for (const boost::asio::const_buffer& part : answer.unsent())
+    for (const boost::asio::const_buffer& part : response.unsent())
         text.append(static_cast<const char*>(part.data()), part.size());
     return withoutDate(text);
 }
 
-TEST(OwnAnswers, ARefusalTellsItsReason) {
-    EXPECT_EQ(sent(Http::answerOf({.status = 400, .text = "The method is malformed."}, false)),
+TEST(ErrorResponses, TheBodyIsTheText) {
+    EXPECT_EQ(sent(Http::errorResponse({.status = 400, .text = "The method is malformed."}, false)),
               "HTTP/1.1 400 Bad Request\r\n"
               "Connection: close\r\n"
               "Content-Type: text/plain; charset=utf-8\r\n"
@@ -23,8 +23,8 @@ TEST(OwnAnswers, ARefusalTellsItsReason) {
               "The method is malformed.\n");
 }
 
-TEST(OwnAnswers, HeadGetsTheSameHeadAlone) {
-    EXPECT_EQ(sent(Http::answerOf({.status = 404, .text = "No."}, true)),
+TEST(ErrorResponses, TheBodyIsLeftOutForHead) {
+    EXPECT_EQ(sent(Http::errorResponse({.status = 404, .text = "No."}, true)),
               "HTTP/1.1 404 Not Found\r\n"
               "Connection: close\r\n"
               "Content-Type: text/plain; charset=utf-8\r\n"
@@ -32,9 +32,9 @@ TEST(OwnAnswers, HeadGetsTheSameHeadAlone) {
               "\r\n");
 }
 
-TEST(OwnAnswers, EveryStatusHasItsReasonPhrase) {
+TEST(ErrorResponses, EveryStatusHasItsReasonPhrase) {
     const auto statusLine = [](unsigned status) {
-        const std::string text = sent(Http::answerOf({.status = status, .text = "x"}, false));
+        const std::string text = sent(Http::errorResponse({.status = status, .text = "x"}, false));
         return text.substr(0, text.find("\r\n"));
     };
     EXPECT_EQ(statusLine(408), "HTTP/1.1 408 Request Timeout");
@@ -46,8 +46,8 @@ TEST(OwnAnswers, EveryStatusHasItsReasonPhrase) {
     EXPECT_EQ(statusLine(505), "HTTP/1.1 505 HTTP Version Not Supported");
 }
 
-TEST(OwnAnswers, TheChallengeTellsNothingElse) {
-    EXPECT_EQ(sent(Http::makeChallenge()),
+TEST(ErrorResponses, TheChallengeRevealsNothingElse) {
+    EXPECT_EQ(sent(Http::authenticationChallenge()),
               "HTTP/1.1 401 Unauthorized\r\n"
               "Connection: close\r\n"
               "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\n"
