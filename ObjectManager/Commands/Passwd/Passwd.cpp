@@ -1,14 +1,12 @@
 #include "ObjectManager/Commands/Passwd/Passwd.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <unistd.h>
 
+#include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Passwd/PasswordInput.h"
 #include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordFile.h"
@@ -22,7 +20,7 @@ namespace {
 
 using Security::PasswordFile;
 
-constexpr const char* kExamples =
+constexpr const char* kDetails =
     "The file has a line for each user, with a hash of the password. Only its owner may read it.\n"
     "On a terminal, the command asks for the password twice; otherwise the password is the first\n"
     "line of standard input.\n"
@@ -65,27 +63,33 @@ std::string setPassword(const PasswdRequest& request, const PasswordSource& read
 
 }  // namespace
 
-void addPasswdCommand(CLI::App& program, Action& action) {
-    CLI::App* const command =
-        program.add_subcommand("passwd", "Sets a user's password, or removes a user");
+Command passwdCommand() {
     const auto request = std::make_shared<PasswdRequest>();
-    command->add_option("FILE", request->file, "The password file; created if it is missing")
-        ->required();
-    command->add_option("USER", request->user, "The user name")
-        ->required()
-        ->check([](const std::string& name) {
-            const std::string_view fault = Security::validateUserName(name);
-            return fault.empty() ? std::string()
-                                 : "The user name cannot be used: " + std::string(fault);
-        });
-    command->add_flag("--delete", request->isRemoval, "Remove the user");
-    command->footer(kExamples);
-    command->callback([&action, request] {
-        action = [request] {
-            const auto readPassword = [] { return readNewPassword(STDIN_FILENO); };
-            return runPasswd(*request, readPassword, std::cerr);
-        };
-    });
+    const auto requireName = [](const std::string& name) {
+        const std::string_view fault = Security::validateUserName(name);
+        if (!fault.empty())
+            fail("The user name cannot be used: " + std::string(fault));
+    };
+    Command command = {.name = "passwd",
+                       .summary = "Sets a user's password, or removes a user",
+                       .details = kDetails,
+                       .options = {},
+                       .run = [request] {
+                           const auto readPassword = [] { return readNewPassword(STDIN_FILENO); };
+                           return runPasswd(*request, readPassword, std::cerr);
+                       }};
+    command.options.push_back({.name = "FILE",
+                               .help = "The password file; created if it is missing",
+                               .target = &request->file,
+                               .isRequired = true});
+    command.options.push_back({.name = "USER",
+                               .help = "The user name",
+                               .target = &request->user,
+                               .check = requireName,
+                               .isRequired = true});
+    command.options.push_back(
+        {.name = "--delete", .help = "Remove the user", .target = &request->isRemoval});
+    return command;
 }
 
 int runPasswd(const PasswdRequest& request, const PasswordSource& readPassword,

@@ -4,19 +4,10 @@
 #include <iosfwd>
 #include <string>
 
-#include "ObjectManager/Commands/Action.h"
 #include "ObjectManager/Security/Options.h"
 #include "ObjectManager/Security/SecretText.h"
 
-namespace CLI {
-class App;
-}
-
 namespace Commands {
-
-/// Adds the subcommand `passwd` to the command line; when it is named, `action` becomes what it
-/// does. `action` must live until the command line is parsed.
-void addPasswdCommand(CLI::App& program, Action& action);
 
 /// What `tesk passwd` is asked to do.
 struct PasswdRequest {

@@ -1,6 +1,3 @@
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -11,10 +8,12 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Passwd/Passwd.h"
 #include "ObjectManager/Security/PasswordFile.h"
 #include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
+#include "Tests/ObjectManager/Commands/ParsedCommand.h"
 #include "Tests/Support/PseudoTerminal.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -151,29 +150,18 @@ TEST_F(PasswdTest, NeitherMessagesNorTheFileHoldThePassword) {
 // The command line of a program that has this command alone.
 class PasswdCommandTest : public PasswdTest {
   protected:
-    PasswdCommandTest() {
-        program_.require_subcommand(1);
-        Commands::addPasswdCommand(program_, action_);
+    // What is wrong with the arguments behind the name of the command; empty when nothing is.
+    std::string parse(const std::vector<std::string>& arguments) {
+        const Commands::Command command = Commands::passwdCommand();
+        action_ = command.run;
+        return parseOptions(command, arguments);
     }
 
-    // What is wrong with the arguments; empty when nothing is.
-    std::string parse(std::vector<std::string> arguments) {
-        // It takes the last one first.
-        std::reverse(arguments.begin(), arguments.end());
-        try {
-            program_.parse(arguments);
-        } catch (const CLI::ParseError& error) {
-            return error.what();
-        }
-        return "";
-    }
-
-    CLI::App program_{"", "tesk"};
     Commands::Action action_;
 };
 
 TEST_F(PasswdCommandTest, AsksTwiceAtATerminalAndHashesAtFullCost) {
-    ASSERT_EQ(parse({"passwd", path_, "alice"}), "");
+    ASSERT_EQ(parse({path_, "alice"}), "");
     PseudoTerminal terminal([this] { return action_(); });
     ASSERT_TRUE(terminal.waitFor("Password: "));
     EXPECT_FALSE(terminal.echoes());
@@ -190,7 +178,7 @@ TEST_F(PasswdCommandTest, AsksTwiceAtATerminalAndHashesAtFullCost) {
 }
 
 TEST_F(PasswdCommandTest, AnInterruptedOneChangesNothing) {
-    ASSERT_EQ(parse({"passwd", path_, "alice"}), "");
+    ASSERT_EQ(parse({path_, "alice"}), "");
     PseudoTerminal terminal([this] { return action_(); });
     ASSERT_TRUE(terminal.waitFor("Password: "));
     terminal.type("topsecret\n");
@@ -203,7 +191,7 @@ TEST_F(PasswdCommandTest, AnInterruptedOneChangesNothing) {
 
 TEST_F(PasswdCommandTest, RemovesAUser) {
     run(request("alice"), "secret");
-    ASSERT_EQ(parse({"passwd", "--delete", path_, "alice"}), "");
+    ASSERT_EQ(parse({"--delete", path_, "alice"}), "");
     testing::internal::CaptureStderr();
     EXPECT_EQ(action_(), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -212,7 +200,7 @@ TEST_F(PasswdCommandTest, RemovesAUser) {
 }
 
 TEST_F(PasswdCommandTest, EndsWithStatus1WhenTheWorkFails) {
-    ASSERT_EQ(parse({"passwd", path_, "alice", "--delete"}), "");
+    ASSERT_EQ(parse({path_, "alice", "--delete"}), "");
     testing::internal::CaptureStderr();
     EXPECT_EQ(action_(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -220,23 +208,29 @@ TEST_F(PasswdCommandTest, EndsWithStatus1WhenTheWorkFails) {
 }
 
 TEST_F(PasswdCommandTest, WrongUsageIsReported) {
-    EXPECT_EQ(parse({"passwd"}), "FILE is required");
-    EXPECT_EQ(parse({"passwd", path_}), "USER is required");
-    EXPECT_EQ(parse({"passwd", path_, ""}), "USER: The user name cannot be used: it is empty");
-    EXPECT_EQ(parse({"passwd", path_, "a:b"}),
-              "USER: The user name cannot be used: it contains a colon");
-    EXPECT_EQ(parse({"passwd", path_, std::string(256, 'a')}),
+    EXPECT_EQ(parse({}), "FILE is required");
+    EXPECT_EQ(parse({path_}), "USER is required");
+    EXPECT_EQ(parse({path_, ""}), "USER: The user name cannot be used: it is empty");
+    EXPECT_EQ(parse({path_, "a:b"}), "USER: The user name cannot be used: it contains a colon");
+    EXPECT_EQ(parse({path_, std::string(256, 'a')}),
               "USER: The user name cannot be used: it is longer than 255 bytes");
-    EXPECT_EQ(parse({"passwd", path_, "a", "b"}), "The following argument was not expected: b");
-    EXPECT_EQ(parse({"passwd", "--remove", path_, "a"}),
-              "The following argument was not expected: --remove");
-    EXPECT_FALSE(action_);
+    EXPECT_EQ(parse({path_, "a", "b"}), "The following argument was not expected: b");
+    EXPECT_EQ(parse({"--remove", path_, "a"}), "there is no option \"--remove\"");
 }
 
 TEST_F(PasswdCommandTest, ItsHelpShowsHowItIsUsed) {
-    EXPECT_EQ(parse({"passwd", "--help"}),
-              "This should be caught in your main function, see examples");
-    EXPECT_EQ(program_.help(), R"(Sets a user's password, or removes a user
+    std::ostringstream output;
+    std::ostringstream errors;
+    const Commands::Program program = {.name = "tesk",
+                                       .version = "1",
+                                       .summary = "",
+                                       .details = "",
+                                       .commands = {Commands::passwdCommand()}};
+    const Commands::ParsedCommandLine parsed =
+        Commands::parseCommandLine(program, {"passwd", "--help"}, output, errors);
+    EXPECT_EQ(parsed.status, 0);
+    EXPECT_EQ(errors.str(), "");
+    EXPECT_EQ(output.str(), R"(Sets a user's password, or removes a user
 Usage: tesk passwd [OPTIONS] FILE USER
 
 Positionals:
