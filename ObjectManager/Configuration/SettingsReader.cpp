@@ -104,7 +104,7 @@ void readServer(Table table, Http::Options& settings) {
     table.reportUnknownKeys();
 }
 
-void readSecurity(Table table, const Directory& directory, SecuritySettings& settings) {
+void readSecurity(Table table, const Directory& directory, Security::Options& settings) {
     table.readText("password_file", "a path", [&](const std::string& path) {
         settings.passwordFile = directory.resolveUnlessEmpty(path);
     });

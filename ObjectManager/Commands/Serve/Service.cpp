@@ -6,28 +6,22 @@
 
 namespace Commands {
 
-namespace {
-
-TSKSmrPtr<Security::BasicAuthenticator> makeAuthenticator(
-    const Configuration::SecuritySettings& settings, Security::UserTable users) {
-    Security::CredentialCheckerOptions options;
-    options.credentialLifetime = settings.credentialLifetime;
-    return TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), options);
-}
-
-}  // namespace
-
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : authenticator_(makeAuthenticator(settings.security, std::move(users))),
+    : authenticator_(
+          TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
             {&index_}),
-      server_(settings.server, host_.manager(),
-              [authenticator = authenticator_](const TSKHTTPRequest& request) {
-                  return !authenticator->decidesQuickly(request);
-              }) {}
+      server_(
+          settings.server, host_.manager(),
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->needsPasswordHash(request);
+          },
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->prepare(request);
+          }) {}
 
 Service::~Service() = default;
 

@@ -103,7 +103,7 @@ TEST_F(ServiceStart, APasswordFileThatIsWrong) {
     writeUsers("alice\n");
     const std::string users = folder_ / "users";
     expectFailure(withConfiguration(), 1,
-                  {"tesk: " + users + ":1: there is no colon between name and hash"});
+                  {"tesk: " + users + ":1: there is no colon between user name and hash"});
 }
 
 TEST_F(ServiceStart, ALogFileThatCannotBeWritten) {
