@@ -10,8 +10,8 @@
 #include "ObjectManager/Commands/OutputFormat.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressBar.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 
 namespace Commands {
@@ -27,7 +27,7 @@ struct CheckOptions {
 CheckResult checkAll(const CheckOptions& options) {
     const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settingsOf(options.model));
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::ProgramFolders::ofThisProgram().installation);
+                                  Host::InstallationPaths::ofThisProgram().installation);
     const Host::MemoryClient client(host.manager(), "localhost");
     ProgressBar progress(stderr, repository->countClasses(), "classes");
     return checkDocuments(*repository, client, options.jobs, [&] { progress.step(); });

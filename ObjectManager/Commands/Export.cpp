@@ -16,8 +16,8 @@
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressBar.h"
 #include "ObjectManager/Commands/StopSignals.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/HostField.h"
 #include "ObjectManager/Index/IndexPage.h"
@@ -40,7 +40,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const std::vector<ClassSelection>& selections,
                                     const OutputFolder& output, const StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::ProgramFolders::ofThisProgram().installation);
+                                  Host::InstallationPaths::ofThisProgram().installation);
     const Host::MemoryClient client(host.manager(), TSKString(options.host));
     ProgressBar progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;

@@ -8,7 +8,7 @@
 #include "ObjectManager/Commands/OptionCheck.h"
 #include "ObjectManager/Configuration/NamespaceOption.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -18,7 +18,7 @@ namespace Commands {
 namespace {
 
 std::vector<Repository::NamespaceSource> sampleModel() {
-    const std::filesystem::path models = Host::ProgramFolders::ofThisProgram().models;
+    const std::filesystem::path models = Host::InstallationPaths::ofThisProgram().models;
     return {{.name = "root/cimv2", .paths = {models / "cimv2/cimv2.mof"}},
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 
 namespace Commands {
 
@@ -42,7 +42,7 @@ Service::Service(const Configuration::Settings& settings,
     : gracePeriod_(settings.server.shutdownTimeout),
       authenticator_(makeAuthenticator(settings.security, std::move(users))),
       index_(repository),
-      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
+      host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
             {&index_}),
       server_(serverOptions(settings.server, authenticator_), host_.manager()) {}
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "ObjectManager/Repository/NamespaceSource.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 
 namespace Configuration {
 

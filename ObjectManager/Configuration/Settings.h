@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "ObjectManager/Configuration/Endpoint.h"
-#include "ObjectManager/Repository/NamespaceSource.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Repository/Options.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 
 namespace Configuration {
 
@@ -75,7 +75,7 @@ struct Settings {
     /// that includes them.
     std::vector<std::string> includePath;
 
-    Repository::RepositoryOptions repository;
+    Repository::Options repository;
     ServerSettings server;
     SecuritySettings security;
     LogSettings log;

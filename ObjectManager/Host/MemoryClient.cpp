@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Host/ProviderCall.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -14,9 +15,10 @@ namespace {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 
-constexpr bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
+class LocalToken : public urma::security::ISecurityToken {
+  public:
+    [[nodiscard]] TSKString getUserName() const override { return "local"; }
+};
 
 }  // namespace
 
@@ -34,7 +36,7 @@ std::string_view MemoryClient::Answer::status() const noexcept {
         return {};
     const std::string_view status = head.substr(kProtocol.size(), kLength);
     const bool isNumber =
-        status.size() == kLength && std::all_of(status.begin(), status.end(), isDigit);
+        status.size() == kLength && std::all_of(status.begin(), status.end(), Base::isDigit);
     return isNumber ? status : std::string_view();
 }
 
@@ -60,6 +62,14 @@ MemoryClient::Answer MemoryClient::get(const TSKString& path) const {
             break;
     }
     return Answer(std::move(call.response));
+}
+
+bool LocalAuthenticator::authenticateRequest(TSKHTTPRequest& /*request*/,
+                                             TSKGenericHTTPIStream& /*istr*/,
+                                             TSKGenericHTTPOStream& /*ostr*/,
+                                             TSKSmrPtr<urma::security::ISecurityToken>& token) {
+    token = TSKSmrPtr<LocalToken>::make();
+    return true;
 }
 
 }  // namespace Host

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "ObjectManager/Commands/ModelOptions.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -49,7 +49,7 @@ std::string linesOf(const std::vector<Repository::NamespaceSource>& sources) {
 }
 
 TEST(ModelOptions, AreTheSampleModelByDefault) {
-    const std::string models = Host::ProgramFolders::ofThisProgram().models;
+    const std::string models = Host::InstallationPaths::ofThisProgram().models;
     EXPECT_EQ(linesOf(namespacesOf(parse({}))), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
                                                     "interop: " + models +
                                                     "/interop/interop.mof\n");

@@ -8,6 +8,7 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
+#include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -133,6 +134,18 @@ TEST(MemoryClient, AsksFromManyThreadsAtOnce) {
             EXPECT_EQ(client.get(path).body(), std::string_view(path));
         }
     });
+}
+
+TEST(LocalAuthenticator, LetsEverybodyInAsTheUserLocal) {
+    Host::LocalAuthenticator authenticator;
+    TSKHTTPRequest request("GET", "/", "HTTP/1.1");
+    EmptyInput input;
+    RecordedOutput output;
+    TSKSmrPtr<urma::security::ISecurityToken> token;
+    EXPECT_TRUE(authenticator.authenticateRequest(request, input, output, token));
+    ASSERT_TRUE(token);
+    EXPECT_EQ(token->getUserName(), "local");
+    EXPECT_EQ(output.text, "");
 }
 
 }  // namespace

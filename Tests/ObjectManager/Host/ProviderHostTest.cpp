@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Host/LocalAuthenticator.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"

@@ -7,8 +7,8 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
 #include "Tests/Support/RecordingStreams.h"
+#include "Tests/Support/RepositoryTest.h"
 #include "Tests/Support/TestHost.h"
 #include "Tests/Support/Threads.h"
 

@@ -1,14 +1,13 @@
-#include "ObjectManager/Repository/CimMethod.h"
+#include "ObjectManager/Repository/CimMembers.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
-#include "ObjectManager/Repository/DefinitionIterator.h"
+#include "ObjectManager/Base/NameMap.h"
 
 namespace Repository {
 
-CimMethod::CimMethod(Mof::Method&& method, const RepositoryOptions& options)
+CimMethod::CimMethod(Mof::Method&& method, const Options& options)
     : CimDefinition(std::move(method.name.text), std::move(method.qualifiers), options),
       returnType_(CimType::of(method.returnType.dataType, method.returnType.isArray)),
       referencedClass_(std::move(method.returnType.referencedClass.text)) {
@@ -24,7 +23,7 @@ CI_AutoPtr_U<urma::Iterator<const urma::IParameterDef&>> CimMethod::getParameter
 
 void CimMethod::override(const CimMethod& overridden) {
     inheritQualifiers(overridden);
-    Mof::NameMap<const CimParameter*> overriddenParameters;
+    Base::NameMap<const CimParameter*> overriddenParameters;
     for (const CimParameter& parameter : overridden.parameters_)
         overriddenParameters.emplace(parameter.name(), &parameter);
     for (CimParameter& parameter : parameters_) {
