@@ -10,7 +10,7 @@ namespace Commands {
 namespace {
 
 // Why an answer is no document; empty for one that is.
-std::string faultOf(const Host::MemoryClient::Answer& answer) {
+std::string faultOf(const Host::MemoryClient::Response& answer) {
     if (answer.status().empty())
         return "what is no HTTP response";
     if (answer.status() != "200")
@@ -25,7 +25,7 @@ RequestedDocument requestDocument(const Host::MemoryClient& client,
                                   const TSKString& document) {
     const std::string name(document);
     try {
-        Host::MemoryClient::Answer answer = client.get("/" + nameSpace.name() + "/" + document);
+        Host::MemoryClient::Response answer = client.get("/" + nameSpace.name() + "/" + document);
         const std::string fault = faultOf(answer);
         if (fault.empty())
             return {.answer = std::move(answer), .failure = {}};

@@ -10,7 +10,7 @@ namespace Commands {
 
 /// A document, or why there is none.
 struct RequestedDocument {
-    std::optional<Host::MemoryClient::Answer> answer;  ///< whose body is the document
+    std::optional<Host::MemoryClient::Response> answer;  ///< whose body is the document
     std::string failure;  ///< such as "CIM_Foo.xsd is answered with the status 404"
 };
 

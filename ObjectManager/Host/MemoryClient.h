@@ -14,11 +14,11 @@ namespace Host {
 /// Thread safety: may be used by several threads at once.
 class MemoryClient {
   public:
-    /// A provider's response.
-    class Answer {
+    /// The response of a provider.
+    class Response {
       public:
         /// `bytes` are the header section and the body as the provider wrote them.
-        explicit Answer(std::string bytes);
+        explicit Response(std::string bytes);
 
         /// The three digits, such as "200"; empty for what is no HTTP response.
         [[nodiscard]] std::string_view status() const noexcept;
@@ -35,7 +35,7 @@ class MemoryClient {
     /// Sends a GET request for a path.
     /// Errors: TeskBaseException when no provider serves the path; whatever the provider throws,
     /// also the TSKHTTPException of a provider that does not accept the client.
-    [[nodiscard]] Answer get(const TSKString& path) const;
+    [[nodiscard]] Response get(const TSKString& path) const;
 
   private:
     const TeskProviderPluginManager& manager_;

@@ -20,8 +20,8 @@ namespace {
 using Base::htmlText;
 using Base::percentEncodedPath;
 
-// Longer than a sentence should be. A description that never ends one must not fill the page; the
-// document has all of it.
+// More than a sentence should have. A description without the end of a sentence must not fill the
+// page; the document holds all of it.
 constexpr std::size_t kMaxDescriptionBytes = 500;
 
 // Numbers are written without separators.
@@ -29,8 +29,8 @@ std::string countOf(std::size_t count, const char* singular, const char* plural)
     return std::to_string(count) + " " + (count == 1 ? singular : plural);
 }
 
-// HTML lets the tags out that end items and paragraphs, and the quotes around such links: with a
-// thousand classes that counts.
+// Without the end tags of items and paragraphs and the quotes around these links, which HTML does
+// not need: with a thousand classes that matters.
 void appendClass(std::string& page, const std::string& directory,
                  const Repository::CimClass& cimClass) {
     const std::string document = directory + percentEncodedPath(cimClass.name());
@@ -55,7 +55,7 @@ void appendNamespace(std::string& page, const Repository::CimNamespace& nameSpac
     page += "</ul>\n</section>\n";
 }
 
-// Of use where there is more than one namespace.
+// Empty for a single namespace.
 std::string linksToNamespaces(const Repository::ClassRepository& repository) {
     std::string links;
     for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {

@@ -19,15 +19,15 @@ namespace {
 
 using Repository::isTrue;
 
-// As documents read it, which know decimal and hexadecimal numbers of up to 63 bits; larger ones
-// are the largest.
+// The number as the documents read it: decimal or hexadecimal, up to 63 bits. A larger number
+// counts as the largest one.
 long numberOf(const std::string& text) {
     const bool isHexadecimal = text.find_first_of("xX") != std::string::npos;
     return std::strtol(text.c_str(), nullptr, isHexadecimal ? 16 : 10);
 }
 
-// What stands above the largest number is a range without gaps, and so is what follows as many
-// listed values as there are up to the number.
+// How many values from 0 up to `number` are not listed. Documents have no gaps above the largest
+// number, nor where as many values are listed as there are below the number.
 unsigned long gapsBelow(long number, const std::set<long>& listed) {
     if (number <= 0 || number == LONG_MAX || listed.size() > static_cast<std::size_t>(number))
         return 0;

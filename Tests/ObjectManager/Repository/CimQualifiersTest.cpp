@@ -169,7 +169,7 @@ TEST_F(CimQualifiersTest, ANullIsWrittenAndHidesWhatIsPropagated) {
     EXPECT_EQ(qualifiersOf(*found, false), "");
 }
 
-// Who looks a qualifier up wants its value.
+// A lookup is for the value.
 TEST_F(CimQualifiersTest, ANullIsNotFound) {
     const TSKSmrPtr<Repository::ClassRepository> repository = load(
         "class A_B { [Note (\"top\")] uint8 p; }; class A_C : A_B { [Note (null)] uint8 p; };\n"
