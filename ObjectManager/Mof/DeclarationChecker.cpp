@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "ObjectManager/Mof/CaseInsensitive.h"
-#include "ObjectManager/Mof/SameDeclaration.h"
 #include "ObjectManager/Mof/ValueChecker.h"
 
 namespace Mof {
@@ -21,7 +20,8 @@ std::string quoted(std::string_view name) {
     return text;
 }
 
-// Removes what says the same as a declaration before it; what says something else is an error.
+// Removes declarations that repeat an earlier one; one of the same name that says something else is
+// an error.
 template <typename Declaration>
 void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Reporter& reporter) {
     NameMap<const Declaration*> first;
@@ -70,7 +70,7 @@ std::size_t countDeclared(const ClassDeclaration& declaration) {
     return count;
 }
 
-// Calls `onRepeated` for each element whose name another one before it has. Most lists are short
+// Calls `onRepeated` for each element that has the name of an earlier one. Most lists are short
 // enough to be compared element by element.
 template <typename Element, typename OnRepeated>
 void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepeated) {
@@ -92,7 +92,7 @@ void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepe
     }
 }
 
-// Looks up what classes name, with a compilation in which nothing is declared twice.
+// Checks a compilation in which nothing is declared twice.
 class DeclarationChecker {
   public:
     DeclarationChecker(Compilation& compilation, Reporter& reporter)
@@ -215,7 +215,7 @@ class DeclarationChecker {
         }
     }
 
-    // Every class must have its superclasses, and not be one of its own.
+    // Every superclass must be declared, and no class may be its own superclass.
     void checkInheritance() {
         std::size_t missing = 0;
         for (const ClassDeclaration& declaration : compilation_.classes) {
@@ -232,8 +232,8 @@ class DeclarationChecker {
             checkSizes();
     }
 
-    // How far each class stands below its topmost superclass is found once; a class that is found
-    // again while its own superclasses are looked up is one of them.
+    // The depth of a class is the number of superclasses above it, and found once for each class. A
+    // class that is met again while its own superclasses are looked up is one of them.
     void checkDepths() {
         constexpr auto kLookedUp = static_cast<std::size_t>(-1);
         std::unordered_map<const ClassDeclaration*, std::size_t> depths;
@@ -249,7 +249,7 @@ class DeclarationChecker {
             if (isCyclic)
                 reportCycle(*current);
             std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
-            // Depths mean nothing in a cycle, and it is reported already.
+            // In a cycle, which is reported already, there are no depths.
             std::reverse(line.begin(), line.end());
             for (const ClassDeclaration* const below : line)
                 setDepth(depths[below], isCyclic ? 0 : depth++, *below);
@@ -258,25 +258,25 @@ class DeclarationChecker {
 
     void setDepth(std::size_t& place, std::size_t depth, const ClassDeclaration& declaration) {
         place = depth;
-        if (depth == kDeepestClass + 1) {
+        if (depth == kMaxSuperclasses + 1) {
             reporter_.error(declaration.superclass.position,
                             "the class " + quoted(declaration.name.text) + " has more than " +
-                                std::to_string(kDeepestClass) + " superclasses above it");
+                                std::to_string(kMaxSuperclasses) + " superclasses above it");
         }
     }
 
     void reportCycle(const ClassDeclaration& declaration) {
-        constexpr std::size_t kMostNamed = 10;
+        constexpr std::size_t kMaxNamed = 10;
         std::string message =
             "the class " + quoted(declaration.name.text) + " is its own superclass";
         std::size_t others = 0;
         for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
              current = superclassOf(*current)) {
-            if (++others <= kMostNamed)
+            if (++others <= kMaxNamed)
                 message += ", by way of " + quoted(current->name.text);
         }
-        if (others > kMostNamed)
-            message += " and " + std::to_string(others - kMostNamed) + " more";
+        if (others > kMaxNamed)
+            message += " and " + std::to_string(others - kMaxNamed) + " more";
         reporter_.error(declaration.superclass.position, std::move(message));
     }
 
@@ -286,17 +286,17 @@ class DeclarationChecker {
         std::size_t total = 0;
         for (const ClassDeclaration& declaration : compilation_.classes) {
             total += sizeOf(declaration, sizes);
-            if (total > kMostInherited) {
+            if (total > kMaxInherited) {
                 reporter_.error(declaration.name.position,
                                 "up to this class, classes declare and inherit more than " +
-                                    std::to_string(kMostInherited) +
+                                    std::to_string(kMaxInherited) +
                                     " properties, methods, parameters and qualifiers");
                 return;
             }
         }
     }
 
-    // What a class declares and inherits. Calls itself no deeper than classes may stand.
+    // How much a class declares and inherits. The recursion is no deeper than kMaxSuperclasses.
     std::size_t sizeOf(const ClassDeclaration& declaration, Sizes& sizes) const {
         const auto known = sizes.find(&declaration);
         if (known != sizes.end())

@@ -132,7 +132,8 @@ class Unescaper {
             appendUtf8(result, code);
     }
 
-    // The character of which the second half follows; `high` where that is something else.
+    // The character that `high` and the escape that follows stand for; `high` if no second half
+    // follows.
     CodePoint joinedToNext(CodePoint high) {
         const std::string_view escape = text_.substr(position_, 2);
         if (escape == "\\x" || escape == "\\X") {
@@ -169,7 +170,7 @@ bool endsWithEscape(std::string_view text) noexcept {
     return last != std::string_view::npos && (text.size() - last) % 2 == 0;
 }
 
-// The code of the one character that a text in UTF-8 holds; 0 if it holds another number of them.
+// The code of the only character in a text; 0 if there is none, or more than one.
 CodePoint onlyCharacter(std::string_view text) {
     const auto byte = [&](std::size_t index) {
         return static_cast<CodePoint>(static_cast<unsigned char>(text[index]));
@@ -220,19 +221,19 @@ Literal realLiteral(std::string_view text, std::size_t offset, const ReportFault
     return literal;
 }
 
-std::size_t lengthOfString(std::string_view text) noexcept {
+StringText readString(std::string_view text) noexcept {
     std::size_t start = 1;
     while (true) {
-        // Nothing behind the next quotation mark is looked at: there may be many strings on a line,
-        // and many quotation marks in a string.
+        // Nothing after the next quotation mark is searched: a line may have many strings, and a
+        // string many quotation marks.
         const std::size_t quote = std::min(text.find('"', start), text.size());
         const std::size_t lineEnd = std::min(text.substr(0, quote).find('\n', start), quote);
         const std::size_t end = std::min(text.substr(0, lineEnd).find('\r', start), lineEnd);
         const bool isEscaped = endsWithEscape(text.substr(0, end));
         if (end == text.size() || text[end] != '"')
-            return isEscaped ? end - 1 : end;
+            return {.length = isEscaped ? end - 1 : end, .isClosed = false};
         if (!isEscaped)
-            return end + 1;
+            return {.length = end + 1, .isClosed = true};
         start = end + 1;
     }
 }

@@ -111,11 +111,11 @@ LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
 
 LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
     const std::string_view line = lineAt(offset);
-    if (line.size() <= kLongestLine)
+    if (line.size() <= kMaxExcerpt)
         return {.text = line, .skipped = 0, .continues = false};
     const std::size_t place = std::min(offset - startOfLine(offset), line.size());
-    const std::size_t begin = startOfCharacter(line, place - std::min(place, kLongestLine / 2));
-    const std::size_t end = startOfCharacter(line, begin + kLongestLine);
+    const std::size_t begin = startOfCharacter(line, place - std::min(place, kMaxExcerpt / 2));
+    const std::size_t end = startOfCharacter(line, begin + kMaxExcerpt);
     return {
         .text = line.substr(begin, end - begin),
         .skipped = countCharacters(line.substr(0, begin)),

@@ -1,15 +1,15 @@
-#include "ObjectManager/Mof/FileReader.h"
+#include "ObjectManager/Mof/IncludeReader.h"
 
 #include <filesystem>
 #include <iterator>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "ObjectManager/Mof/FileParser.h"
-#include "ObjectManager/Mof/FolderFiles.h"
-#include "ObjectManager/Mof/InputFile.h"
+#include "ObjectManager/Mof/SourceFiles.h"
 
 namespace Mof {
 
@@ -23,40 +23,41 @@ void moveInto(std::vector<Element>& all, std::vector<Element>& more) {
                std::make_move_iterator(more.end()));
 }
 
-// The path of a file that is named beside another one. Plain text: a schema has thousands.
-std::string besides(std::string_view file, const std::string& name) {
-    const std::size_t folderEnd = file.rfind('/');
-    if (name.starts_with('/') || folderEnd == std::string_view::npos)
+// The path of `name`, which is relative to the directory of `file`. Text and no
+// std::filesystem::path, which takes too long for the thousands of files of a schema.
+std::string siblingPath(std::string_view file, const std::string& name) {
+    const std::size_t directoryEnd = file.rfind('/');
+    if (name.starts_with('/') || directoryEnd == std::string_view::npos)
         return name;
-    return std::string(file.substr(0, folderEnd + 1)) + name;
+    return std::string(file.substr(0, directoryEnd + 1)) + name;
 }
 
 std::string reasonOf(const std::system_error& error) {
-    return error.code() == std::errc::not_supported ? "it is no regular file"
+    return error.code() == std::errc::not_supported ? "it is not a regular file"
                                                     : error.code().message();
 }
 
-// Reads a file and what it includes. Since declarations may stand in any order, an included file is
+// Reads files and what they include. Since declarations may have any order, an included file is
 // read after the one that includes it.
-class FileReader {
+class IncludeReader {
   public:
-    FileReader(const CompilerOptions& options, Compilation& compilation, Reporter& reporter)
+    IncludeReader(const CompilerOptions& options, Compilation& compilation, Reporter& reporter)
         : options_(options),
           compilation_(compilation),
           reporter_(reporter),
           parser_(
               [this](std::size_t offset, const std::string& message) {
-                  reporter_.error(lastFile(offset), message);
+                  reporter_.error(inLastFile(offset), message);
               },
               [this](std::size_t offset, const std::string& message) {
-                  reporter_.warning(lastFile(offset), message);
+                  reporter_.warning(inLastFile(offset), message);
               }) {}
 
-    // Reads a file or a folder.
+    // Reads a file or a directory.
     void readAll(const std::string& path) {
         try {
             if (fs::is_directory(path))
-                readFolder(path);
+                readDirectory(path);
             else
                 readUnlessIncluded(path, InputFile::Kind::kAny);
         } catch (const fs::filesystem_error& error) {
@@ -74,11 +75,11 @@ class FileReader {
         std::size_t depth;
     };
 
-    void readFolder(const std::string& path) {
-        const std::vector<FolderFile> files = filesOfFolder(path);
-        for (const FolderFile& file : files)
-            ofFolders_.insert(file.identity);
-        for (const FolderFile& file : files) {
+    void readDirectory(const std::string& path) {
+        const std::vector<DirectoryFile> files = mofFilesIn(path);
+        for (const DirectoryFile& file : files)
+            inDirectories_.insert(file.identity);
+        for (const DirectoryFile& file : files) {
             try {
                 readUnlessIncluded(file.path, InputFile::Kind::kRegular);
             } catch (const std::system_error& error) {
@@ -92,7 +93,7 @@ class FileReader {
     }
 
     void readUnlessIncluded(const std::string& path, InputFile::Kind kind) {
-        const std::optional<InputFile> file = InputFile::openIfThere(path, kind);
+        const std::optional<InputFile> file = InputFile::openIfExists(path, kind);
         if (!file)
             throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory));
         if (!read_.contains(file->identity()))
@@ -101,7 +102,7 @@ class FileReader {
 
     void read(const std::string& path, const InputFile& file, const Reading* includedBy) {
         const std::size_t number = compilation_.files.size();
-        compilation_.files.emplace_back(path, file.readAll(options_.largestFile));
+        compilation_.files.emplace_back(path, file.readAll(options_.maxFileSize));
         read_.insert(file.identity());
         FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
         moveInto(compilation_.qualifiers, declarations.qualifiers);
@@ -123,16 +124,7 @@ class FileReader {
     }
 
     void findAndRead(const Include& include, const Reading& includedBy) {
-        constexpr auto kKind = InputFile::Kind::kRegular;
-        const std::string& includingFile = compilation_.files[include.position.file].name();
-        std::string path = besides(includingFile, include.path);
-        std::optional<InputFile> file = InputFile::openIfThere(path, kKind);
-        for (const std::string& folder : options_.includePath) {
-            if (file)
-                break;
-            path = besides(folder + "/", include.path);
-            file = InputFile::openIfThere(path, kKind);
-        }
+        const auto [path, file] = find(include);
         if (!file) {
             reporter_.error(include.position,
                             "the included file \"" + include.path + "\" is not there");
@@ -141,7 +133,29 @@ class FileReader {
         }
     }
 
-    // Reports why not.
+    struct Found {
+        std::string path;
+        std::optional<InputFile> file;
+    };
+
+    [[nodiscard]] Found find(const Include& include) const {
+        const std::string& includingFile = compilation_.files[include.position.file].name();
+        Found found = openBeside(includingFile, include);
+        for (const std::string& directory : options_.includePath) {
+            if (found.file)
+                break;
+            found = openBeside(directory + "/", include);
+        }
+        return found;
+    }
+
+    static Found openBeside(std::string_view file, const Include& include) {
+        std::string path = siblingPath(file, include.path);
+        std::optional<InputFile> opened = InputFile::openIfExists(path, InputFile::Kind::kRegular);
+        return {.path = std::move(path), .file = std::move(opened)};
+    }
+
+    // Reports why not, if not.
     bool mayBeRead(const Include& include, const InputFile& file, const Reading& includedBy) {
         for (const Reading* reading = &includedBy; reading != nullptr;
              reading = reading->includedBy) {
@@ -153,28 +167,28 @@ class FileReader {
             }
         }
         if (read_.contains(file.identity())) {
-            warnUnlessOfFolder(include, file);
+            warnUnlessInDirectory(include, file);
             return false;
         }
-        if (includedBy.depth == options_.deepestInclude) {
+        if (includedBy.depth == options_.maxIncludeDepth) {
             reporter_.error(include.position, "more than " +
-                                                  std::to_string(options_.deepestInclude) +
+                                                  std::to_string(options_.maxIncludeDepth) +
                                                   " files include each other in a row");
             return false;
         }
         return true;
     }
 
-    // A folder may hold a file that includes the others, in whatever order they are read.
-    void warnUnlessOfFolder(const Include& include, const InputFile& file) {
-        if (!ofFolders_.contains(file.identity())) {
+    // A directory may hold a file that includes the others, which may be read before it.
+    void warnUnlessInDirectory(const Include& include, const InputFile& file) {
+        if (!inDirectories_.contains(file.identity())) {
             reporter_.warning(include.position, "the file \"" + include.path +
                                                     "\" is included already and not read again");
         }
     }
 
-    // Whatever is parsed, it is the file that was added last.
-    [[nodiscard]] Position lastFile(std::size_t offset) const {
+    // The file that is parsed is the one that was added last.
+    [[nodiscard]] Position inLastFile(std::size_t offset) const {
         return {.file = compilation_.files.size() - 1, .offset = offset};
     }
 
@@ -183,14 +197,14 @@ class FileReader {
     Reporter& reporter_;
     FileParser parser_;
     std::set<InputFile::Identity> read_;
-    std::set<InputFile::Identity> ofFolders_;  // read, or about to be
+    std::set<InputFile::Identity> inDirectories_;  // of those given: read, or about to be
 };
 
 }  // namespace
 
 void readFiles(const std::vector<std::string>& paths, const CompilerOptions& options,
                Compilation& compilation, Reporter& reporter) {
-    FileReader reader(options, compilation, reporter);
+    IncludeReader reader(options, compilation, reporter);
     for (const std::string& path : paths)
         reader.readAll(path);
 }
