@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 
 namespace Commands {
 
@@ -23,7 +23,7 @@ bool matchesNamePattern(std::string_view name, std::string_view pattern) noexcep
             starEnd = inName;
         } else if (inPattern < pattern.size() &&
                    (pattern[inPattern] == '?' ||
-                    Mof::foldedCase(pattern[inPattern]) == Mof::foldedCase(name[inName]))) {
+                    Base::lowerCase(pattern[inPattern]) == Base::lowerCase(name[inName]))) {
             ++inPattern;
             ++inName;
         } else if (star != std::string_view::npos) {

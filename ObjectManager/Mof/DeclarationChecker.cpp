@@ -6,25 +6,19 @@
 #include <utility>
 #include <vector>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Mof/ValueChecker.h"
 
 namespace Mof {
 
 namespace {
 
-std::string quoted(std::string_view name) {
-    std::string text = "\"";
-    text += name;
-    text += '"';
-    return text;
-}
-
 // Removes declarations that repeat an earlier one; one of the same name that says something else is
 // an error.
 template <typename Declaration>
 void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Reporter& reporter) {
-    NameMap<const Declaration*> first;
+    Base::NameMap<const Declaration*> first;
     first.reserve(declarations.size());
     std::vector<bool> repeated(declarations.size());
     for (std::size_t index = 0; index < declarations.size(); ++index) {
@@ -33,7 +27,7 @@ void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Re
         repeated[index] = !isNew;
         if (!isNew && !isSame(declaration, *known->second)) {
             reporter.error(declaration.name.position,
-                           std::string("the ") + kind + " " + quoted(declaration.name.text) +
+                           std::string("the ") + kind + " " + Base::quoted(declaration.name.text) +
                                " is declared otherwise at " +
                                reporter.nameOf(known->second->name.position));
         }
@@ -84,7 +78,7 @@ void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepe
         }
         return;
     }
-    NameSet names;
+    Base::NameSet names;
     names.reserve(elements.size());
     for (const Element& element : elements) {
         if (!names.insert(element.name.text).second)
@@ -134,8 +128,9 @@ class DeclarationChecker {
         checkQualifiers(property.qualifiers);
         checkType(property.type);
         if (property.type.dataType == DataType::kReference && property.type.isArray) {
-            reporter_.error(property.name.position, "the reference " + quoted(property.name.text) +
-                                                        " must not be an array");
+            reporter_.error(
+                property.name.position,
+                "the reference " + Base::quoted(property.name.text) + " must not be an array");
         }
         checkDefault(property.defaultValue, property.type, property.name);
     }
@@ -154,8 +149,9 @@ class DeclarationChecker {
 
     void reportRepeated(const char* kind, const Name& name, const char* ownerKind,
                         const Name& owner) {
-        reporter_.error(name.position, std::string("the ") + ownerKind + " " + quoted(owner.text) +
-                                           " has a " + kind + " " + quoted(name.text) + " already");
+        reporter_.error(name.position, std::string("the ") + ownerKind + " " +
+                                           Base::quoted(owner.text) + " has a " + kind + " " +
+                                           Base::quoted(name.text) + " already");
     }
 
     void checkType(const Type& type) {
@@ -163,8 +159,8 @@ class DeclarationChecker {
         if (type.dataType != DataType::kReference || classes_.contains(name.text))
             return;
         if (unknownClasses_.insert(name.text).second) {
-            reporter_.warning(name.position,
-                              "the referenced class " + quoted(name.text) + " is not declared");
+            reporter_.warning(name.position, "the referenced class " + Base::quoted(name.text) +
+                                                 " is not declared");
         }
     }
 
@@ -172,15 +168,16 @@ class DeclarationChecker {
         if (!value)
             return;
         if (const std::optional<Mismatch> mismatch = findMismatch(*value, type)) {
-            reporter_.error(mismatch->position,
-                            "the default value of " + quoted(name.text) + " " + mismatch->reason);
+            reporter_.error(mismatch->position, "the default value of " + Base::quoted(name.text) +
+                                                    " " + mismatch->reason);
         }
     }
 
     void checkQualifiers(Qualifiers& qualifiers) {
         findRepeated(qualifiers, [&](const Qualifier& qualifier) {
-            reporter_.error(qualifier.name.position,
-                            "the qualifier " + quoted(qualifier.name.text) + " is written twice");
+            reporter_.error(
+                qualifier.name.position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " is written twice");
         });
         for (Qualifier& qualifier : qualifiers)
             checkQualifier(qualifier);
@@ -193,7 +190,7 @@ class DeclarationChecker {
             if (unknownQualifiers_.insert(qualifier.name.text).second) {
                 reporter_.warning(
                     qualifier.name.position,
-                    "the qualifier " + quoted(qualifier.name.text) + " is not declared");
+                    "the qualifier " + Base::quoted(qualifier.name.text) + " is not declared");
             }
             return;
         }
@@ -202,16 +199,18 @@ class DeclarationChecker {
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
         if (!qualifier.value && !takesNoValue(declaration.type)) {
-            reporter_.warning(qualifier.name.position,
-                              "the qualifier " + quoted(qualifier.name.text) + " has no value");
+            reporter_.warning(
+                qualifier.name.position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " has no value");
             qualifier.value = nullValue(qualifier.name.position);
         }
         if (!qualifier.value)
             return;
         if (const std::optional<Mismatch> mismatch =
                 findMismatch(*qualifier.value, declaration.type)) {
-            reporter_.error(mismatch->position, "the qualifier " + quoted(qualifier.name.text) +
-                                                    " " + mismatch->reason);
+            reporter_.error(
+                mismatch->position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " " + mismatch->reason);
         }
     }
 
@@ -223,8 +222,9 @@ class DeclarationChecker {
             if (name.text.isEmpty() || classes_.contains(name.text))
                 continue;
             ++missing;
-            reporter_.error(name.position, "the superclass " + quoted(name.text) + " of " +
-                                               quoted(declaration.name.text) + " is not declared");
+            reporter_.error(name.position, "the superclass " + Base::quoted(name.text) + " of " +
+                                               Base::quoted(declaration.name.text) +
+                                               " is not declared");
         }
         if (missing == 0)
             checkDepths();
@@ -260,7 +260,7 @@ class DeclarationChecker {
         place = depth;
         if (depth == kMaxSuperclasses + 1) {
             reporter_.error(declaration.superclass.position,
-                            "the class " + quoted(declaration.name.text) + " has more than " +
+                            "the class " + Base::quoted(declaration.name.text) + " has more than " +
                                 std::to_string(kMaxSuperclasses) + " superclasses above it");
         }
     }
@@ -268,12 +268,12 @@ class DeclarationChecker {
     void reportCycle(const ClassDeclaration& declaration) {
         constexpr std::size_t kMaxNamed = 10;
         std::string message =
-            "the class " + quoted(declaration.name.text) + " is its own superclass";
+            "the class " + Base::quoted(declaration.name.text) + " is its own superclass";
         std::size_t others = 0;
         for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
              current = superclassOf(*current)) {
             if (++others <= kMaxNamed)
-                message += ", by way of " + quoted(current->name.text);
+                message += ", by way of " + Base::quoted(current->name.text);
         }
         if (others > kMaxNamed)
             message += " and " + std::to_string(others - kMaxNamed) + " more";
@@ -315,10 +315,10 @@ class DeclarationChecker {
 
     Compilation& compilation_;
     Reporter& reporter_;
-    NameMap<const QualifierDeclaration*> qualifiers_;
-    NameMap<const ClassDeclaration*> classes_;
-    NameSet unknownQualifiers_;
-    NameSet unknownClasses_;
+    Base::NameMap<const QualifierDeclaration*> qualifiers_;
+    Base::NameMap<const ClassDeclaration*> classes_;
+    Base::NameSet unknownQualifiers_;
+    Base::NameSet unknownClasses_;
 };
 
 }  // namespace

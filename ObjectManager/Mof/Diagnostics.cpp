@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "ObjectManager/Mof/Utf8.h"
+#include "ObjectManager/Base/Utf8.h"
 
 namespace Mof {
 
@@ -11,28 +11,19 @@ namespace {
 
 constexpr std::string_view kLeftOut = "...";
 
-// The size of the control character that `text` begins with, 0 if it begins with none. Control
-// characters are those below the space, DEL, and U+0080 to U+009F, which take two bytes; tabs do no
-// harm.
-std::size_t lengthOfControl(std::string_view text) {
-    const auto code = static_cast<unsigned char>(text.front());
-    if (code == 0x7F || (code < 0x20 && code != '\t'))
-        return 1;
-    if (code != 0xC2 || text.size() == 1)
-        return 0;
-    const auto second = static_cast<unsigned char>(text[1]);
-    return second >= 0x80 && second < 0xA0 ? 2 : 0;
-}
-
-// A question mark for each control character: texts and file names come from strangers, and a
-// terminal would obey them.
+// A question mark for each control character but tabs, which do no harm: texts and file names come
+// from strangers, and a terminal would obey them.
 std::string printable(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t control = lengthOfControl(text);
-        result += control == 0 ? text.front() : '?';
-        text.remove_prefix(std::max<std::size_t>(control, 1));
+        const auto [code, length] = Base::decodeCodePoint(text);
+        const std::string_view bytes = text.substr(0, std::max<std::size_t>(length, 1));
+        if (length > 0 && Base::isControlCode(code) && code != '\t')
+            result += '?';
+        else
+            result += bytes;
+        text.remove_prefix(bytes.size());
     }
     return result;
 }
@@ -42,7 +33,7 @@ std::string printable(std::string_view text) {
 std::string indentBelow(std::string_view line, std::size_t count) {
     std::string indent;
     for (const char byte : line) {
-        if (isContinuation(byte))
+        if (Base::isContinuation(byte))
             continue;
         if (indent.size() == count)
             break;
@@ -127,7 +118,7 @@ void Reporter::countError() {
 std::string Reporter::shortened(const std::string& message) const {
     if (message.size() <= limits_.maxMessageSize)
         return message;
-    return message.substr(0, startOfCharacter(message, limits_.maxMessageSize)) + "...";
+    return message.substr(0, Base::startOfCharacter(message, limits_.maxMessageSize)) + "...";
 }
 
 }  // namespace Mof

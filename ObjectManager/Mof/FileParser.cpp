@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Mof/ParserContext.h"
 
 namespace Mof {
@@ -11,14 +12,6 @@ namespace Mof {
 namespace {
 
 using Kind = Parser::symbol_kind;
-
-bool isLineEnd(char byte) {
-    return byte == '\n' || byte == '\r';
-}
-
-bool isSpaceOrTab(char byte) {
-    return byte == ' ' || byte == '\t';
-}
 
 bool isDeclarationKeyword(Parser::symbol_kind_type kind) {
     return kind == Kind::S_CLASS || kind == Kind::S_QUALIFIER || kind == Kind::S_INSTANCE;
@@ -135,8 +128,8 @@ bool TokenStream::failedAtEnd() const noexcept {
     return error_->token.kind() == Kind::S_YYEOF;
 }
 
-// The token that did not fit may be the first of the next declaration or member, when the last one
-// lacks its end. Otherwise all is skipped up to the next one.
+// The unexpected token is the first one of the next declaration or member if only the end of the
+// last one is missing. Otherwise everything up to the next one is skipped.
 Parser::symbol_type TokenStream::resume() {
     const Resumption resumption = std::exchange(resumption_, Resumption::kNone);
     const bool isMember = resumption == Resumption::kMember;
@@ -208,18 +201,18 @@ bool TokenStream::beginsDeclaration(const Parser::symbol_type& token) const {
 
 bool TokenStream::isFirstOnLine(const Range& token) const {
     std::size_t begin = token.begin;
-    while (begin > 0 && isSpaceOrTab(text_[begin - 1]))
+    while (begin > 0 && Base::isSpaceOrTab(text_[begin - 1]))
         --begin;
-    return begin == 0 || isLineEnd(text_[begin - 1]);
+    return begin == 0 || Base::isLineEnd(text_[begin - 1]);
 }
 
 bool TokenStream::isFollowedByName(const Range& token) const {
     std::size_t end = token.end;
-    while (end < text_.size() && (isSpaceOrTab(text_[end]) || isLineEnd(text_[end])))
+    while (end < text_.size() && Base::isSpace(text_[end]))
         ++end;
     const char next = end == text_.size() ? ' ' : text_[end];
-    return end > token.end && ((next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z') ||
-                               next == '_' || static_cast<unsigned char>(next) >= 0x80);
+    return end > token.end &&
+           (Base::isLetter(next) || next == '_' || static_cast<unsigned char>(next) >= 0x80);
 }
 
 // What the grammar makes of its symbols.

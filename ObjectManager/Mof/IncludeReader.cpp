@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Mof/FileParser.h"
 #include "ObjectManager/Mof/SourceFiles.h"
 
@@ -30,6 +32,23 @@ std::string siblingPath(std::string_view file, const std::string& name) {
     if (name.starts_with('/') || directoryEnd == std::string_view::npos)
         return name;
     return std::string(file.substr(0, directoryEnd + 1)) + name;
+}
+
+// A file that is open for reading.
+struct OpenFile {
+    std::string path;
+    Base::FileDescriptor descriptor;
+    Base::FileIdentity identity;
+};
+
+// None if no file has that path.
+std::optional<OpenFile> openSource(std::string path, Base::FileKind kind) {
+    std::optional<Base::FileDescriptor> descriptor = Base::openIfThere(path, kind);
+    if (!descriptor)
+        return std::nullopt;
+    const Base::FileIdentity identity = Base::FileVersion::of(*descriptor).identity;
+    return OpenFile{
+        .path = std::move(path), .descriptor = *std::move(descriptor), .identity = identity};
 }
 
 std::string reasonOf(const std::system_error& error) {
@@ -59,7 +78,7 @@ class IncludeReader {
             if (fs::is_directory(path))
                 readDirectory(path);
             else
-                readUnlessIncluded(path, InputFile::Kind::kAny);
+                readUnlessIncluded(path, Base::FileKind::kAny);
         } catch (const fs::filesystem_error& error) {
             addUnreadable(error.path1(), error);
         } catch (const std::system_error& error) {
@@ -70,7 +89,7 @@ class IncludeReader {
   private:
     // A file that is being read, and the one that includes it.
     struct Reading {
-        InputFile::Identity identity;
+        Base::FileIdentity identity;
         const Reading* includedBy;
         std::size_t depth;
     };
@@ -81,7 +100,7 @@ class IncludeReader {
             inDirectories_.insert(file.identity);
         for (const DirectoryFile& file : files) {
             try {
-                readUnlessIncluded(file.path, InputFile::Kind::kRegular);
+                readUnlessIncluded(file.path, Base::FileKind::kRegular);
             } catch (const std::system_error& error) {
                 addUnreadable(file.path, error);
             }
@@ -92,22 +111,23 @@ class IncludeReader {
         reporter_.errorOfFile(path, "cannot be read: " + reasonOf(error));
     }
 
-    void readUnlessIncluded(const std::string& path, InputFile::Kind kind) {
-        const std::optional<InputFile> file = InputFile::openIfExists(path, kind);
+    void readUnlessIncluded(const std::string& path, Base::FileKind kind) {
+        const std::optional<OpenFile> file = openSource(path, kind);
         if (!file)
             throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory));
-        if (!read_.contains(file->identity()))
-            read(path, *file, nullptr);
+        if (!read_.contains(file->identity))
+            read(*file, nullptr);
     }
 
-    void read(const std::string& path, const InputFile& file, const Reading* includedBy) {
+    void read(const OpenFile& file, const Reading* includedBy) {
         const std::size_t number = compilation_.files.size();
-        compilation_.files.emplace_back(path, file.readAll(options_.maxFileSize));
-        read_.insert(file.identity());
+        compilation_.files.emplace_back(file.path,
+                                        Base::readAll(file.descriptor, options_.maxFileSize));
+        read_.insert(file.identity);
         FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
         moveInto(compilation_.qualifiers, declarations.qualifiers);
         moveInto(compilation_.classes, declarations.classes);
-        const Reading reading{.identity = file.identity(),
+        const Reading reading{.identity = file.identity,
                               .includedBy = includedBy,
                               .depth = includedBy == nullptr ? 0 : includedBy->depth + 1};
         for (const Include& include : declarations.includes)
@@ -118,55 +138,45 @@ class IncludeReader {
         try {
             findAndRead(include, includedBy);
         } catch (const std::system_error& error) {
-            reporter_.error(include.position, "the included file \"" + include.path +
-                                                  "\" cannot be read: " + reasonOf(error));
+            reporter_.error(include.position, "the included file " + Base::quoted(include.path) +
+                                                  " cannot be read: " + reasonOf(error));
         }
     }
 
     void findAndRead(const Include& include, const Reading& includedBy) {
-        const auto [path, file] = find(include);
+        const std::optional<OpenFile> file = find(include);
         if (!file) {
             reporter_.error(include.position,
-                            "the included file \"" + include.path + "\" is not there");
+                            "the included file " + Base::quoted(include.path) + " is not there");
         } else if (mayBeRead(include, *file, includedBy)) {
-            read(path, *file, &includedBy);
+            read(*file, &includedBy);
         }
     }
 
-    struct Found {
-        std::string path;
-        std::optional<InputFile> file;
-    };
-
-    [[nodiscard]] Found find(const Include& include) const {
+    [[nodiscard]] std::optional<OpenFile> find(const Include& include) const {
+        constexpr auto kKind = Base::FileKind::kRegular;
         const std::string& includingFile = compilation_.files[include.position.file].name();
-        Found found = openBeside(includingFile, include);
+        std::optional<OpenFile> file = openSource(siblingPath(includingFile, include.path), kKind);
         for (const std::string& directory : options_.includePath) {
-            if (found.file)
+            if (file)
                 break;
-            found = openBeside(directory + "/", include);
+            file = openSource(siblingPath(directory + "/", include.path), kKind);
         }
-        return found;
-    }
-
-    static Found openBeside(std::string_view file, const Include& include) {
-        std::string path = siblingPath(file, include.path);
-        std::optional<InputFile> opened = InputFile::openIfExists(path, InputFile::Kind::kRegular);
-        return {.path = std::move(path), .file = std::move(opened)};
+        return file;
     }
 
     // Reports why not, if not.
-    bool mayBeRead(const Include& include, const InputFile& file, const Reading& includedBy) {
+    bool mayBeRead(const Include& include, const OpenFile& file, const Reading& includedBy) {
         for (const Reading* reading = &includedBy; reading != nullptr;
              reading = reading->includedBy) {
-            if (reading->identity == file.identity()) {
+            if (reading->identity == file.identity) {
                 reporter_.error(include.position,
-                                "the file \"" + include.path + "\" includes itself" +
+                                "the file " + Base::quoted(include.path) + " includes itself" +
                                     (reading == &includedBy ? "" : " by way of others"));
                 return false;
             }
         }
-        if (read_.contains(file.identity())) {
+        if (read_.contains(file.identity)) {
             warnUnlessInDirectory(include, file);
             return false;
         }
@@ -180,10 +190,10 @@ class IncludeReader {
     }
 
     // A directory may hold a file that includes the others, which may be read before it.
-    void warnUnlessInDirectory(const Include& include, const InputFile& file) {
-        if (!inDirectories_.contains(file.identity())) {
-            reporter_.warning(include.position, "the file \"" + include.path +
-                                                    "\" is included already and not read again");
+    void warnUnlessInDirectory(const Include& include, const OpenFile& file) {
+        if (!inDirectories_.contains(file.identity)) {
+            reporter_.warning(include.position, "the file " + Base::quoted(include.path) +
+                                                    " is included already and not read again");
         }
     }
 
@@ -196,8 +206,8 @@ class IncludeReader {
     Compilation& compilation_;
     Reporter& reporter_;
     FileParser parser_;
-    std::set<InputFile::Identity> read_;
-    std::set<InputFile::Identity> inDirectories_;  // of those given: read, or about to be
+    std::set<Base::FileIdentity> read_;
+    std::set<Base::FileIdentity> inDirectories_;  // of those given: read, or about to be
 };
 
 }  // namespace

@@ -12,9 +12,6 @@
 
 namespace Mof {
 
-/// What may separate tokens, beside comments: SPACE in Scanner.l.
-constexpr std::string_view kSpaces = " \t\r\n\f\v\x1A";
-
 [[nodiscard]] Literal booleanLiteral(bool truth);
 
 /// A whole number with an optional sign: decimal, octal with a leading 0, hexadecimal with a

@@ -48,8 +48,8 @@ class FaultFilter {
     std::optional<std::size_t> lastError_;
 };
 
-/// The tokens of a text, as the parser is to see them: after a syntax error without those up to
-/// where the grammar can go on.
+/// Gives the parser the tokens of a text. After a syntax error it skips those up to the next
+/// declaration or member, where the parser goes on.
 ///
 /// Thread safety: belongs to one thread.
 class TokenStream {
@@ -62,22 +62,22 @@ class TokenStream {
 
     [[nodiscard]] Parser::symbol_type next();
 
-    /// Reports the token that does not fit where it stands, and what would fit where that is one of
-    /// a few things. Not reported is what the scanner has reported already.
+    /// Reports a token that the grammar does not expect, and the expected ones if they are few.
+    /// Reports nothing if the scanner has reported an error at the token.
     void reportSyntaxError(const Parser::context& place);
 
-    /// Whether that token is the end of the text.
+    /// Whether the unexpected token is the end of the text.
     [[nodiscard]] bool failedAtEnd() const noexcept;
 
-    /// Let the next token be the first of a declaration, or of a member of a class or instance;
-    /// that may be the token that did not fit.
+    /// Makes the next token the first one of a declaration, or of a member of a class or instance.
+    /// That may be the unexpected token itself.
     void resumeAtDeclaration() noexcept { resumption_ = Resumption::kDeclaration; }
     void resumeAtMember() noexcept { resumption_ = Resumption::kMember; }
 
   private:
     enum class Resumption : std::uint8_t { kNone, kDeclaration, kMember };
 
-    // A token that does not fit where it stands.
+    // The last token that the grammar did not expect.
     struct SyntaxError {
         Parser::symbol_type token;
         bool isSemicolonExpected = false;

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "ObjectManager/Mof/Literals.h"
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Text.h"
 
 namespace Mof {
 
@@ -20,9 +21,8 @@ bool holdsLineEnd(std::string_view text) {
 }
 
 bool isNameByte(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z') ||
-           (code >= '0' && code <= '9') || code == '_' || code >= 0x80;
+    return Base::isLetter(byte) || Base::isDigit(byte) || byte == '_' ||
+           static_cast<unsigned char>(byte) >= 0x80;
 }
 
 // Takes the parts of a pragma from the front of a text, each with the spaces and comments before
@@ -65,6 +65,7 @@ class Cursor {
     }
 
     void skipSpaces() {
+        constexpr std::string_view kSpaces = " \t\r\n\f\v\x1A";  // SPACE in Scanner.l
         while (true) {
             (void)take(std::min(text_.find_first_not_of(kSpaces), text_.size()));
             const std::size_t length = lengthOfComment();
@@ -110,7 +111,7 @@ PragmaText readPragma(std::string_view text) {
                 .length = text.size() - cursor.left(),
                 .isComplete = true};
     PragmaText incomplete;
-    // The name of an incomplete pragma stands on its line: the next line is other text.
+    // The name of an incomplete pragma is on its first line: the next line is other text.
     if (!holdsLineEnd(upToName))
         incomplete.pragma.name = TSKString(name);
     incomplete.length = std::min(text.find_first_of(kLineEnds), text.size());
@@ -118,7 +119,7 @@ PragmaText readPragma(std::string_view text) {
 }
 
 std::string unknownPragmaWarning(const Pragma& pragma) {
-    return std::string("the pragma \"") + pragma.name.data() + "\" is not known and is ignored";
+    return "the pragma " + Base::quoted(pragma.name) + " is not known and is ignored";
 }
 
 }  // namespace Mof

@@ -44,7 +44,7 @@ class Scanner {
     const ReportFault& onError_;
     const ReportFault& onWarning_;
     std::string_view text_;
-    Range token_;  // where the current token stands
+    Range token_;  // the place of the current token
 
     void* flex_ = nullptr;
     std::string buffer_;           // the text and two zero bytes; flex changes it while it reads

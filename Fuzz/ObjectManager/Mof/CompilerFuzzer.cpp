@@ -12,7 +12,7 @@
 
 #include "Fuzz/ObjectManager/Repository/ReadBack.h"
 #include "Fuzz/Support/Require.h"
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/DeclarationChecker.h"
 #include "ObjectManager/Mof/Declarations.h"
@@ -98,7 +98,7 @@ void checkDiagnostic(const Mof::Diagnostic& diagnostic, const Mof::SourceText& s
 
 // The promises of a compilation without errors.
 void checkPromises(const Compilation& compilation) {
-    Mof::NameSet names;
+    Base::NameSet names;
     for (const Mof::ClassDeclaration& declaration : compilation.classes)
         require(names.insert(declaration.name.text).second, "no class is declared twice");
     for (const Mof::ClassDeclaration& declaration : compilation.classes) {
