@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "ObjectManager/Http/ListenAddress.h"
+#include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/ServerOptions.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
