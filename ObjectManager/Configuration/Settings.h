@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "ObjectManager/Http/Options.h"
-#include "ObjectManager/Repository/NamespaceSource.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Repository/Options.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "ObjectManager/Security/Options.h"
 
 namespace Configuration {
@@ -33,7 +33,7 @@ struct Settings {
     /// that includes them.
     std::vector<std::string> includePath;
 
-    Repository::RepositoryOptions repository;
+    Repository::Options repository;
     Http::Options server;
     Security::Options security;
     LogSettings log;

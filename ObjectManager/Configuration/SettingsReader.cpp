@@ -77,7 +77,7 @@ void readNamespaces(Table table, const Directory& directory,
     }
 }
 
-void readRepository(Table table, Repository::RepositoryOptions& settings) {
+void readRepository(Table table, Repository::Options& settings) {
     table.readChoice<Repository::PropertyOrder>(
         "property_order",
         {{"name", Repository::PropertyOrder::kName},

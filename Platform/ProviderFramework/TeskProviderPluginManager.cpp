@@ -44,10 +44,10 @@ std::optional<TSKString> failureOf(const char* name, const Step& step) {
     }
 }
 
-// The paths of the libraries in a folder, sorted. Throws std::filesystem::filesystem_error.
-std::vector<std::string> librariesIn(const TSKString& folder) {
+// The paths of the libraries in a directory, sorted. Throws std::filesystem::filesystem_error.
+std::vector<std::string> librariesIn(const TSKString& directory) {
     std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.data())) {
+    for (const auto& entry : std::filesystem::directory_iterator(directory.data())) {
         if (ProviderLibrary::isLibraryName(entry.path().filename().c_str()))
             files.push_back(entry.path().string());
     }
@@ -122,11 +122,12 @@ TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
     return repository;
 }
 
-Failures TeskProviderPluginManager::loadProviders(const TSKString& folder) {
+Failures TeskProviderPluginManager::loadProviders(const TSKString& directory) {
     Failures failures;
     std::vector<std::string> files;
-    if (const auto failure = failureOf("Reading the folder", [&] { files = librariesIn(folder); }))
-        report(failures, folder, *failure);
+    if (const auto failure =
+            failureOf("Reading the directory", [&] { files = librariesIn(directory); }))
+        report(failures, directory, *failure);
     for (const std::string& file : files) {
         const TSKString path = file.c_str();
         if (const auto failure =
@@ -216,7 +217,7 @@ const char* TeskProviderPluginManager::addRoute(const TSKString& providerName,
     return nullptr;
 }
 
-// Gives the namespaces that nobody has registered to the provider that serves the others.
+// Gives the namespaces that no provider has registered to the one that serves the others.
 void TeskProviderPluginManager::routeNamespaces(const std::vector<TSKString>& before,
                                                 const std::vector<TSKString>& now) {
     const std::lock_guard lock(mutex_);

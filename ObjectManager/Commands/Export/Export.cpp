@@ -14,8 +14,8 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Index/IndexPage.h"
@@ -92,7 +92,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::ProgramFolders::ofThisProgram().installation);
+                                  Host::InstallationPaths::ofThisProgram().installation);
     const Host::MemoryClient client(host.manager(), TSKString(options.host));
     ProgressLine progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 
 namespace Commands {
 
@@ -12,7 +12,7 @@ Service::Service(const Configuration::Settings& settings,
     : authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
-      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
+      host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
             {&index_}),
       server_(
           settings.server, host_.manager(),

@@ -16,7 +16,7 @@
 /// "Key(true) Values({a, b}) Empty(null)", in the order in which they are listed.
 [[nodiscard]] std::string qualifiersOf(const urma::IQualified& definition, bool includePropagated);
 
-/// Names, in the order in which they are listed, with blanks between.
+/// Names, in the order in which they are listed, with spaces between them.
 [[nodiscard]] std::string propertiesOf(const ITeskClass& cimClass, bool includeInherited);
 [[nodiscard]] std::string methodsOf(const ITeskClass& cimClass, bool includeInherited);
 [[nodiscard]] std::string parametersOf(const urma::IMethodDef& method);

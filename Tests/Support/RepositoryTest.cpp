@@ -1,4 +1,4 @@
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RepositoryTest.h"
 
 #include <stdexcept>
 
@@ -16,7 +16,7 @@ Qualifier Description : string, Scope (any), Flavor (ToSubclass, Translatable);
 }  // namespace
 
 TSKSmrPtr<Repository::ClassRepository> RepositoryTest::load(
-    const std::string& mof, const Repository::RepositoryOptions& options) const {
+    const std::string& mof, const Repository::Options& options) const {
     const std::vector<std::string> files = {folder_.write("q.mof", kQualifiers),
                                             folder_.write("a.mof", mof)};
     const Repository::LoadedRepository loaded =
@@ -28,7 +28,7 @@ TSKSmrPtr<Repository::ClassRepository> RepositoryTest::load(
 }
 
 TSKSmrPtr<ITeskClass> RepositoryTest::classOf(const std::string& mof, const char* name,
-                                              const Repository::RepositoryOptions& options) const {
+                                              const Repository::Options& options) const {
     TSKSmrPtr<ITeskClass> found = load(mof, options)->getClass("root/test", name);
     if (!found)
         throw std::out_of_range(name);

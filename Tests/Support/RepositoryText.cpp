@@ -1,4 +1,4 @@
-#include "Tests/ObjectManager/Repository/RepositoryText.h"
+#include "Tests/Support/RepositoryText.h"
 
 #include <stdexcept>
 

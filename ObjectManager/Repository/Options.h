@@ -6,7 +6,7 @@ namespace Repository {
 
 /// The order in which a class lists its properties.
 enum class PropertyOrder : std::uint8_t {
-    /// Ascending by name, in byte order: as the published class schemas do, and as WS-Management
+    /// Ascending by name, in byte order: as published class schemas do, and as WS-Management
     /// servers send them, so that instances validate against an `xs:sequence`.
     kName,
     /// As declared: superclass first, an override in the place of what it overrides, new ones
@@ -14,14 +14,15 @@ enum class PropertyOrder : std::uint8_t {
     kDeclaration,
 };
 
-struct RepositoryOptions {
+/// How a repository hands its classes to providers.
+struct Options {
     PropertyOrder propertyOrder = PropertyOrder::kName;
 
-    /// Whether the texts of Description qualifiers are handed out with `&`, `<` and `>` escaped.
+    /// Whether providers get the texts of Description qualifiers with `&`, `<` and `>` escaped.
     /// Documents insert them as they are, and would not be well-formed without it.
     bool escapeDescriptions = true;
 
-    friend bool operator==(const RepositoryOptions&, const RepositoryOptions&) = default;
+    friend bool operator==(const Options&, const Options&) = default;
 };
 
 }  // namespace Repository

@@ -1,4 +1,4 @@
-#include "Tests/ObjectManager/Mof/MofFolder.h"
+#include "Tests/Support/MofFolder.h"
 
 #include <filesystem>
 

@@ -1,11 +1,11 @@
-#include "ObjectManager/Repository/CimMethod.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "ObjectManager/Repository/CimMembers.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
 
-class CimMethodTest : public RepositoryTest {};
+class CimMembersTest : public RepositoryTest {};
 
-TEST_F(CimMethodTest, HasATypeAndParametersInTheirOrder) {
+TEST_F(CimMembersTest, HasATypeAndParametersInTheirOrder) {
     const TSKSmrPtr<ITeskClass> found = classOf(
         "class A_B { uint32 M(string b, uint8 a[], A_B ref C[2], boolean _d); A_B ref N(); };",
         "A_B");
@@ -21,7 +21,7 @@ TEST_F(CimMethodTest, HasATypeAndParametersInTheirOrder) {
     EXPECT_EQ(parametersOf(other), "");
 }
 
-TEST_F(CimMethodTest, ReferencesNameTheirClass) {
+TEST_F(CimMembersTest, ReferencesNameTheirClass) {
     const TSKSmrPtr<ITeskClass> found =
         classOf("class A_B { A_B ref M(uint8 p, A_B ref q); uint8 N(); };", "A_B");
     const auto& method = dynamic_cast<const Repository::CimMethod&>(methodOf(*found, "M"));
@@ -50,13 +50,13 @@ class A_Bottom : A_Middle {
 };
 )";
 
-TEST_F(CimMethodTest, AnOverrideHasItsOwnParametersInItsOwnOrder) {
+TEST_F(CimMembersTest, AnOverrideHasItsOwnParametersInItsOwnOrder) {
     const TSKSmrPtr<ITeskClass> middle = classOf(kOverridden, "A_Middle");
     EXPECT_EQ(methodsOf(*middle, true), "m");
     EXPECT_EQ(parametersOf(methodOf(*middle, "m")), "added B A");
 }
 
-TEST_F(CimMethodTest, AnOverrideHasThePropagatedQualifiersOfTheOverridden) {
+TEST_F(CimMembersTest, AnOverrideHasThePropagatedQualifiersOfTheOverridden) {
     const TSKSmrPtr<ITeskClass> middle = classOf(kOverridden, "A_Middle");
     EXPECT_EQ(qualifiersOf(methodOf(*middle, "m"), false), "Version(2)");
     EXPECT_EQ(qualifiersOf(methodOf(*middle, "m"), true), "Version(2) Note(top)");
@@ -65,7 +65,7 @@ TEST_F(CimMethodTest, AnOverrideHasThePropagatedQualifiersOfTheOverridden) {
     EXPECT_EQ(qualifiersOf(methodOf(*bottom, "M"), true), "Note(top)");
 }
 
-TEST_F(CimMethodTest, AParameterHasThePropagatedQualifiersOfTheOneOfItsNameInAnyCaseAndPlace) {
+TEST_F(CimMembersTest, AParameterHasThePropagatedQualifiersOfTheOneOfItsNameInAnyCaseAndPlace) {
     const TSKSmrPtr<ITeskClass> found = classOf(kOverridden, "A_Middle");
     const urma::IMethodDef& method = methodOf(*found, "m");
     EXPECT_EQ(qualifiersOf(parameterOf(method, "added"), true), "Note(added)");
@@ -74,7 +74,7 @@ TEST_F(CimMethodTest, AParameterHasThePropagatedQualifiersOfTheOneOfItsNameInAny
     EXPECT_EQ(qualifiersOf(parameterOf(method, "A"), true), "Note(A) Key(true)");
 }
 
-TEST_F(CimMethodTest, AParameterIsNewWhereTheOverriddenMethodHasItNoMore) {
+TEST_F(CimMembersTest, AParameterIsNewWhereTheOverriddenMethodHasItNoMore) {
     const TSKSmrPtr<ITeskClass> found = classOf(kOverridden, "A_Bottom");
     const urma::IMethodDef& method = methodOf(*found, "M");
     EXPECT_EQ(qualifiersOf(parameterOf(method, "a"), true), "Note(A) Key(true)");

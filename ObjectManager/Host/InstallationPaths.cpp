@@ -1,8 +1,8 @@
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 
 namespace Host {
 
-ProgramFolders ProgramFolders::ofThisProgram() {
+InstallationPaths InstallationPaths::ofThisProgram() {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
     const std::filesystem::path prefix =
         (program.parent_path() / TESK_PROGRAM_TO_PREFIX).lexically_normal();

@@ -1,14 +1,13 @@
-#include "ObjectManager/Repository/CimMethod.h"
+#include "ObjectManager/Repository/CimMembers.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "ObjectManager/Base/NameMap.h"
-#include "ObjectManager/Repository/DefinitionIterator.h"
 
 namespace Repository {
 
-CimMethod::CimMethod(Mof::Method&& method, const RepositoryOptions& options)
+CimMethod::CimMethod(Mof::Method&& method, const Options& options)
     : CimDefinition(std::move(method.name.text), std::move(method.qualifiers), options),
       returnType_(CimType::of(method.returnType.dataType, method.returnType.isArray)),
       referencedClass_(std::move(method.returnType.referencedClass.text)) {

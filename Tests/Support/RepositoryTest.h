@@ -4,8 +4,8 @@
 #include <string>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/ObjectManager/Mof/MofFolder.h"
-#include "Tests/ObjectManager/Repository/RepositoryText.h"
+#include "Tests/Support/MofFolder.h"
+#include "Tests/Support/RepositoryText.h"
 
 /// Loads the classes of a text into the namespace "root/test". The qualifiers of the text may be
 /// Key and Note (ToSubclass), Version (Restricted), Plain (without flavors), Values (an array of
@@ -13,16 +13,16 @@
 class RepositoryTest : public testing::Test {
   protected:
     /// Expects that nothing is wrong.
-    TSKSmrPtr<Repository::ClassRepository> load(
-        const std::string& mof, const Repository::RepositoryOptions& options = {}) const;
+    TSKSmrPtr<Repository::ClassRepository> load(const std::string& mof,
+                                                const Repository::Options& options = {}) const;
 
     /// As load(); one class of it, which keeps alive what it needs.
     TSKSmrPtr<ITeskClass> classOf(const std::string& mof, const char* name,
-                                  const Repository::RepositoryOptions& options = {}) const;
+                                  const Repository::Options& options = {}) const;
 
     MofFolder folder_;
 };
 
 /// The order of declaration.
-inline constexpr Repository::RepositoryOptions kAsDeclared = {
-    .propertyOrder = Repository::PropertyOrder::kDeclaration};
+inline constexpr Repository::Options kAsDeclared = {.propertyOrder =
+                                                        Repository::PropertyOrder::kDeclaration};
