@@ -4,23 +4,23 @@
 #include <system_error>
 #include <vector>
 
-#include "ObjectManager/Mof/FolderFiles.h"
+#include "ObjectManager/Mof/SourceFiles.h"
 #include "Tests/ObjectManager/Mof/MofFolder.h"
 
 namespace {
 
-// The paths in a folder, without its own.
+// The paths of the files in a directory, relative to the test's own.
 std::vector<std::string> pathsIn(const MofFolder& folder, const char* name = "") {
     const std::string path = folder.path(name);
     std::vector<std::string> paths;
-    for (const Mof::FolderFile& file : Mof::filesOfFolder(path))
+    for (const Mof::DirectoryFile& file : Mof::mofFilesIn(path))
         paths.push_back(file.path.substr(folder.path("").size()));
     return paths;
 }
 
 using Paths = std::vector<std::string>;
 
-TEST(FolderFiles, AreThoseOfAllFoldersBelowInTheOrderOfTheirPaths) {
+TEST(MofFilesIn, ListsTheFilesOfAllDirectoriesBelowInTheOrderOfTheirPaths) {
     const MofFolder folder;
     folder.write("b.mof", "");
     folder.write("a/z.mof", "");
@@ -30,7 +30,7 @@ TEST(FolderFiles, AreThoseOfAllFoldersBelowInTheOrderOfTheirPaths) {
     EXPECT_EQ(pathsIn(folder), Paths({"a.mof", "a/y/x.mof", "a/z.mof", "b.mof"}));
 }
 
-TEST(FolderFiles, HaveANameThatEndsWithMofInAnyCase) {
+TEST(MofFilesIn, ListsFilesWhoseNameEndsWithMofInAnyCase) {
     const MofFolder folder;
     for (const char* const name :
          {"A.MOF", "b.Mof", "c.mof", "d.mof.txt", "e.mo", "fmof", ".mof", "g.mofs", "h.\xADmof"})
@@ -38,13 +38,13 @@ TEST(FolderFiles, HaveANameThatEndsWithMofInAnyCase) {
     EXPECT_EQ(pathsIn(folder), Paths({"A.MOF", "b.Mof", "c.mof"}));
 }
 
-TEST(FolderFiles, AFolderIsNoFileWhateverItsName) {
+TEST(MofFilesIn, ADirectoryIsNoFileWhateverItsName) {
     const MofFolder folder;
     folder.write("folder.mof/a.mof", "");
     EXPECT_EQ(pathsIn(folder), Paths({"folder.mof/a.mof"}));
 }
 
-TEST(FolderFiles, LinksToFilesAndFoldersAreFollowed) {
+TEST(MofFilesIn, LinksToFilesAndDirectoriesAreFollowed) {
     const MofFolder folder;
     folder.write("elsewhere/a.mof", "");
     folder.write("elsewhere/below/b.mof", "");
@@ -56,7 +56,7 @@ TEST(FolderFiles, LinksToFilesAndFoldersAreFollowed) {
               Paths({"here/c.mof", "here/d.mof", "here/link/a.mof", "here/link/below/b.mof"}));
 }
 
-TEST(FolderFiles, AFolderThatIsReachedAgainIsLookedIntoOnce) {
+TEST(MofFilesIn, ADirectoryThatIsReachedAgainIsReadOnce) {
     const MofFolder folder;
     folder.write("z/a.mof", "");
     std::filesystem::create_symlink(".", folder.path("self"));
@@ -65,7 +65,7 @@ TEST(FolderFiles, AFolderThatIsReachedAgainIsLookedIntoOnce) {
     EXPECT_EQ(pathsIn(folder), Paths({"z/a.mof"}));
 }
 
-TEST(FolderFiles, TheFirstOfTwoLinksCounts) {
+TEST(MofFilesIn, TheFirstOfTwoLinksCounts) {
     const MofFolder folder;
     folder.write("elsewhere/a.mof", "");
     folder.write("here/b.mof", "");
@@ -74,7 +74,7 @@ TEST(FolderFiles, TheFirstOfTwoLinksCounts) {
     EXPECT_EQ(pathsIn(folder, "here"), Paths({"here/b.mof", "here/x/a.mof"}));
 }
 
-TEST(FolderFiles, ABrokenLinkIsListedWhereItHasTheName) {
+TEST(MofFilesIn, ABrokenLinkIsListedWhereItHasTheName) {
     const MofFolder folder;
     folder.write("b.mof", "");
     std::filesystem::create_symlink("nowhere", folder.path("a.mof"));
@@ -82,23 +82,23 @@ TEST(FolderFiles, ABrokenLinkIsListedWhereItHasTheName) {
     EXPECT_EQ(pathsIn(folder), Paths({"a.mof", "b.mof"}));
 }
 
-TEST(FolderFiles, AFileHasTheSameIdentityByEveryPath) {
+TEST(MofFilesIn, AFileHasTheSameIdentityByEveryPath) {
     const MofFolder folder;
     folder.write("a.mof", "");
     folder.write("b.mof", "");
     std::filesystem::create_symlink("a.mof", folder.path("c.mof"));
-    const std::vector<Mof::FolderFile> files = Mof::filesOfFolder(folder.path(""));
+    const std::vector<Mof::DirectoryFile> files = Mof::mofFilesIn(folder.path(""));
     ASSERT_EQ(files.size(), 3U);
     EXPECT_TRUE(files[0].identity == files[2].identity);
     EXPECT_FALSE(files[0].identity == files[1].identity);
 }
 
-TEST(FolderFiles, AFolderThatCannotBeReadIsNamed) {
+TEST(MofFilesIn, ADirectoryThatCannotBeReadIsNamed) {
     const MofFolder folder;
     const std::string missing = folder.path("missing");
     try {
-        (void)Mof::filesOfFolder(missing);
-        ADD_FAILURE() << "the folder is read";
+        (void)Mof::mofFilesIn(missing);
+        ADD_FAILURE() << "the directory is read";
     } catch (const std::filesystem::filesystem_error& error) {
         EXPECT_EQ(error.path1(), missing);
         EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);

@@ -1,81 +1,62 @@
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
-#include <thread>
+#include <utility>
 
-#include "ObjectManager/Mof/FileReader.h"
+#include "ObjectManager/Mof/FileParser.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/Support/TemporaryFolder.h"
 
 namespace {
 
 using Mof::Compilation;
 
-// What the files declare, not yet held against each other.
-Compilation readFile(const std::string& path, const Mof::CompilerOptions& options = {}) {
+// What a file "a.mof" of this content declares, not yet checked.
+Compilation parseText(const std::string& mof) {
     Compilation compilation;
-    Mof::Reporter reporter(compilation, options.mostErrors);
+    compilation.files.emplace_back("a.mof", mof);
+    Mof::Reporter reporter(compilation.files, compilation.diagnostics);
+    Mof::FileParser parser(
+        [&](std::size_t offset, const std::string& message) {
+            reporter.error({.file = 0, .offset = offset}, message);
+        },
+        [&](std::size_t offset, const std::string& message) {
+            reporter.warning({.file = 0, .offset = offset}, message);
+        });
     try {
-        Mof::readFiles({path}, options, compilation, reporter);
+        Mof::FileDeclarations declarations = parser.parse(compilation.files.front(), 0);
+        compilation.qualifiers = std::move(declarations.qualifiers);
+        compilation.classes = std::move(declarations.classes);
     } catch (const Mof::TooManyErrors&) {
         EXPECT_TRUE(compilation.hasErrors());
     }
     return compilation;
 }
 
-class MofFileReaderTest : public testing::Test {
-  protected:
-    // What a file of this content declares, if nothing is wrong with it.
-    std::string declared(const std::string& mof) {
-        const Compilation compilation = compileText(mof);
-        EXPECT_EQ(diagnosticsOf(compilation), "");
-        return textOf(compilation);
-    }
+// The declarations of a text without faults.
+std::string declared(const std::string& mof) {
+    const Compilation compilation = parseText(mof);
+    EXPECT_EQ(diagnosticsOf(compilation), "");
+    return textOf(compilation);
+}
 
-    // What is wrong with a file of this content, which is called "a.mof".
-    std::string faults(const std::string& mof) { return shown(compileText(mof)); }
+std::string faults(const std::string& mof) {
+    return diagnosticsOf(parseText(mof));
+}
 
-    Compilation compileText(const std::string& mof) {
-        return readFile(folder_.write("a.mof", mof));
-    }
-
-    Compilation compileFile(const char* name, const Mof::CompilerOptions& options = {}) {
-        return readFile(folder_ / name, options);
-    }
-
-    void write(const std::string& name, const std::string& mof) {
-        std::filesystem::create_directories((folder_ / name).parent_path());
-        folder_.write(name, mof);
-    }
-
-    // Diagnostics without the path of the test's folder.
-    std::string shown(const Compilation& compilation) {
-        std::string text = diagnosticsOf(compilation);
-        const std::string path = folder_.path().string() + "/";
-        for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
-            text.erase(at, path.size());
-        return text;
-    }
-
-    TemporaryFolder folder_;
-};
-
-TEST_F(MofFileReaderTest, AnEmptyFileDeclaresNothing) {
+TEST(FileParser, AnEmptyFileDeclaresNothing) {
     EXPECT_EQ(declared(""), "");
     EXPECT_EQ(declared("// nothing\n/* at ** all */\n"), "");
 }
 
-TEST_F(MofFileReaderTest, ClassesHaveNamesAndSuperclasses) {
+TEST(FileParser, ClassesHaveNamesAndSuperclasses) {
     EXPECT_EQ(declared("class A_B {}; class A_C : A_B {};"), "class A_B\nclass A_C : A_B\n");
 }
 
-TEST_F(MofFileReaderTest, KeywordsMayBeWrittenInAnyCase) {
+TEST(FileParser, KeywordsMayBeWrittenInAnyCase) {
     EXPECT_EQ(declared("CLASS A_B { UInt8 x = NULL; BOOLEAN y = True; A_B REF z; };"),
               "class A_B\n  uint8 x = null\n  boolean y = true\n  A_B ref z\n");
 }
 
-TEST_F(MofFileReaderTest, PropertiesHaveEveryType) {
+TEST(FileParser, PropertiesHaveEveryType) {
     EXPECT_EQ(declared(R"(class A_B {
     uint8 a; sint8 b; uint16 c; sint16 d; uint32 e; sint32 f; uint64 g; sint64 h;
     real32 i; real64 j; char16 k; string l; boolean m; datetime n; A_C ref o;
@@ -99,12 +80,12 @@ TEST_F(MofFileReaderTest, PropertiesHaveEveryType) {
 )");
 }
 
-TEST_F(MofFileReaderTest, ArraysMayHaveASize) {
+TEST(FileParser, ArraysMayHaveASize) {
     EXPECT_EQ(declared("class A_B { uint8 a[]; uint8 b[ 4 ]; };"),
               "class A_B\n  uint8 a[]\n  uint8 b[4]\n");
 }
 
-TEST_F(MofFileReaderTest, DefaultValuesAreLiteralsOrArrays) {
+TEST(FileParser, DefaultValuesAreLiteralsOrArrays) {
     EXPECT_EQ(declared(R"(class A_B {
     uint8 a = 0x10; sint8 b = -017; uint8 c = 101b; real32 d = -1.5E1; char16 e = 'x';
     string f = "one" " two"; string g = NULL; uint8 h[] = {}; string i[] = { "a", null, "b" };
@@ -126,7 +107,19 @@ TEST_F(MofFileReaderTest, DefaultValuesAreLiteralsOrArrays) {
 )");
 }
 
-TEST_F(MofFileReaderTest, QualifiersHaveValuesListsAndFlavors) {
+TEST(FileParser, StringsInARowAreOneValue) {
+    EXPECT_EQ(declared("class A_B { string s = \"a\\n\"\r\n\t\"\"\"b\" /* c */ \"d\"; };"),
+              "class A_B\n  string s = \"a\nbd\"\n");
+}
+
+TEST(FileParser, AnUnclosedStringInARowIsAnErrorWhereItBegins) {
+    EXPECT_EQ(faults("class A_B { string s = \"a\"\n  \"b\n  \"c\"; };"),
+              "a.mof:2:3: error: the string is not closed on its line\n"
+              "  \"b\n"
+              "  ^\n");
+}
+
+TEST(FileParser, QualifiersHaveValuesListsAndFlavors) {
     EXPECT_EQ(
         declared(R"([Version ("1.0"), Abstract, Values { "a", "b" } : DisableOverride ToSubclass]
 class A_B {
@@ -136,7 +129,7 @@ class A_B {
         "class A_B\n  [Key Restricted, MaxLen(64)] string a\n");
 }
 
-TEST_F(MofFileReaderTest, MethodsHaveParameters) {
+TEST(FileParser, MethodsHaveParameters) {
     EXPECT_EQ(declared(R"(class A_B {
     uint32 Stop();
     [Static] boolean Start([In] string a, [In (false), Out] A_C ref b[], uint8 c[3]);
@@ -150,12 +143,12 @@ TEST_F(MofFileReaderTest, MethodsHaveParameters) {
 )");
 }
 
-TEST_F(MofFileReaderTest, AssociationsAndIndicationsAreClassesWithAQualifier) {
+TEST(FileParser, AssociationsAndIndicationsAreClassesWithAQualifier) {
     EXPECT_EQ(declared("[Association] class A_B { A_C ref a; }; [Indication] class A_D {};"),
               "[Association] class A_B\n  A_C ref a\n[Indication] class A_D\n");
 }
 
-TEST_F(MofFileReaderTest, QualifierDeclarationsHaveScopesAndFlavors) {
+TEST(FileParser, QualifierDeclarationsHaveScopesAndFlavors) {
     EXPECT_EQ(declared(R"(
 Qualifier Key : boolean = false, Scope (property, reference), Flavor (DisableOverride, ToSubclass);
 Qualifier Values : string[], Scope (any);
@@ -169,14 +162,14 @@ qualifier sint8 Odd[2] = {1, -1} scopes 96
 )");
 }
 
-TEST_F(MofFileReaderTest, KeywordsMayBeNames) {
+TEST(FileParser, KeywordsMayBeNames) {
     EXPECT_EQ(
         declared(
             "class A_B { [Schema (\"x\"), Reference] string Class; uint8 Any(uint8 Scope); };"),
         "class A_B\n  [Schema(\"x\"), Reference] string Class\n  uint8 Any()\n    uint8 Scope\n");
 }
 
-TEST_F(MofFileReaderTest, InstancesAreReadAndForgotten) {
+TEST(FileParser, InstancesAreReadAndDropped) {
     EXPECT_EQ(declared(R"(
 [Description ("d")] instance of A_B as $B { Name = "x"; [Key] Values = { 1, 2 }; Other = $C; };
 class A_B {};
@@ -184,178 +177,20 @@ class A_B {};
               "class A_B\n");
 }
 
-TEST_F(MofFileReaderTest, ClassesMayHaveAnAlias) {
+TEST(FileParser, ClassesMayHaveAnAlias) {
     EXPECT_EQ(declared("class A_B as $B : A_C {};"), "class A_B : A_C\n");
 }
 
-TEST_F(MofFileReaderTest, OldTextIsReadAsLatin1) {
+TEST(FileParser, OldTextIsReadAsLatin1) {
     EXPECT_EQ(declared("[Description (\"gr\xFC\xDF\")] class A_B {};"),
               "[Description(\"gr\xC3\xBC\xC3\x9F\")] class A_B\n");
 }
 
-// Included files.
-
-TEST_F(MofFileReaderTest, IncludedFilesAreFoundBesideTheFile) {
-    write("main.mof", "#pragma include (\"sub/b.mof\")\nclass A_A : A_B {};");
-    write("sub/b.mof", "#pragma include (\"c.mof\")\nclass A_B : A_C {};");
-    write("sub/c.mof", "class A_C {};");
-    const Compilation compilation = compileFile("main.mof");
-    EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_A : A_B\nclass A_B : A_C\nclass A_C\n");
-}
-
-TEST_F(MofFileReaderTest, BackslashesStandBetweenFoldersToo) {
-    write("main.mof", "#pragma include (\"sub\\new\\b.mof\")");
-    write("sub/new/b.mof", "class A_B {};");
-    EXPECT_EQ(textOf(compileFile("main.mof")), "class A_B\n");
-}
-
-TEST_F(MofFileReaderTest, IncludedFilesAreFoundOnTheIncludePath) {
-    write("main.mof", "#pragma include (\"b.mof\")");
-    write("first/other.mof", "");
-    write("second/b.mof", "class A_B {};");
-    const Compilation compilation = compileFile(
-        "main.mof", {.includePath = {(folder_ / "first").string(), (folder_ / "second").string()}});
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
-}
-
-TEST_F(MofFileReaderTest, AMissingIncludedFileIsAnError) {
-    write("main.mof", "class A_B {};\n  #pragma include (\"b.mof\")\n");
-    EXPECT_EQ(shown(compileFile("main.mof")),
-              "main.mof:2:3: error: the included file \"b.mof\" is not there\n"
-              "  #pragma include (\"b.mof\")\n"
-              "  ^\n");
-}
-
-TEST_F(MofFileReaderTest, AnIncludeCycleIsAnError) {
-    write("main.mof", "#pragma include (\"b.mof\")");
-    write("b.mof", "#pragma include (\"b.mof\")\n#pragma include (\"main.mof\")");
-    EXPECT_EQ(shown(compileFile("main.mof")),
-              "b.mof:1:1: error: the file \"b.mof\" includes itself\n"
-              "#pragma include (\"b.mof\")\n"
-              "^\n"
-              "b.mof:2:1: error: the file \"main.mof\" includes itself by way of others\n"
-              "#pragma include (\"main.mof\")\n"
-              "^\n");
-}
-
-TEST_F(MofFileReaderTest, AFileIncludedTwiceIsReadOnce) {
-    write("main.mof", "#pragma include (\"b.mof\")\n#pragma include (\"./b.mof\")");
-    write("b.mof", "class A_B {};");
-    const Compilation compilation = compileFile("main.mof");
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
-    EXPECT_FALSE(compilation.hasErrors());
-    EXPECT_EQ(shown(compilation),
-              "main.mof:2:1: warning: the file \"./b.mof\" is included already and not read again\n"
-              "#pragma include (\"./b.mof\")\n"
-              "^\n");
-}
-
-TEST_F(MofFileReaderTest, AFolderIsReadWithItsFoldersInTheOrderOfNames) {
-    write("b.mof", "class A_B {};");
-    write("a/z.mof", "class A_Z {};");
-    write("c.txt", "no MOF");
-    const Compilation compilation = readFile(folder_.path());
-    EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_Z\nclass A_B\n");
-}
-
-TEST_F(MofFileReaderTest, AFolderMayHoldAFileThatIncludesTheOthers) {
-    write("a.mof", "#pragma include (\"b.mof\")");
-    write("b.mof", "class A_B {};");
-    const Compilation compilation = readFile(folder_.path());
-    EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
-}
-
-// As the DMTF's schema has it, whose main file stands in the middle.
-TEST_F(MofFileReaderTest, TheOrderOfAFolderMakesNoDifferenceToAFileThatIncludesTheOthers) {
-    write("a.mof", "class A_A {};");
-    write("main.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
-    write("more.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
-    write("z.mof", "class A_Z {};");
-    const Compilation compilation = readFile(folder_.path());
-    EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_A\nclass A_Z\n");
-}
-
-TEST_F(MofFileReaderTest, AFileOutsideAFolderThatIsIncludedTwiceIsWarnedOf) {
-    write("folder/a.mof", "#pragma include (\"../b.mof\")\n#pragma include (\"../b.mof\")");
-    write("b.mof", "class A_B {};");
-    EXPECT_EQ(shown(readFile(folder_ / "folder")),
-              "folder/a.mof:2:1: warning: the file \"../b.mof\" is included already and not read "
-              "again\n"
-              "#pragma include (\"../b.mof\")\n"
-              "^\n");
-}
-
-// Nobody ever writes to it.
-TEST_F(MofFileReaderTest, APipeInAFolderOrIncludedIsAnErrorAndNotWaitedFor) {
-    write("folder/b.mof", "#pragma include (\"../pipe\")");
-    for (const char* const name : {"pipe", "folder/a.mof"})
-        ASSERT_EQ(mkfifo((folder_ / name).c_str(), 0600), 0);
-    EXPECT_EQ(shown(readFile(folder_ / "folder")),
-              "folder/a.mof: error: cannot be read: it is no regular file\n"
-              "folder/b.mof:1:1: error: the included file \"../pipe\" cannot be read: it is no "
-              "regular file\n"
-              "#pragma include (\"../pipe\")\n"
-              "^\n");
-}
-
-TEST_F(MofFileReaderTest, APipeThatIsNamedOnPurposeIsRead) {
-    const std::string pipe = folder_ / "pipe";
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&] { folder_.write("pipe", "class A_B {};"); });
-    const Compilation compilation = readFile(pipe);
-    writer.join();
-    EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
-}
-
-TEST_F(MofFileReaderTest, AnIncludedFolderIsAnError) {
-    write("folder/b.mof", "");
-    write("main.mof", "#pragma include (\"folder\")");
-    EXPECT_EQ(shown(compileFile("main.mof")),
-              "main.mof:1:1: error: the included file \"folder\" cannot be read: Is a directory\n"
-              "#pragma include (\"folder\")\n"
-              "^\n");
-}
-
-TEST_F(MofFileReaderTest, AFileThatCannotBeReadIsAnError) {
-    const Compilation compilation = compileFile("missing.mof");
-    EXPECT_EQ(shown(compilation),
-              "missing.mof: error: cannot be read: No such file or directory\n");
-    EXPECT_TRUE(compilation.hasErrors());
-}
-
-TEST_F(MofFileReaderTest, AFileOfAFolderThatCannotBeReadIsAnErrorAndTheOthersAreRead) {
-    std::filesystem::create_symlink("nowhere", folder_ / "a.mof");
-    write("b.mof", "class A_B {};");
-    const Compilation compilation = readFile(folder_.path());
-    EXPECT_EQ(shown(compilation), "a.mof: error: cannot be read: No such file or directory\n");
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
-}
-
-TEST_F(MofFileReaderTest, AFileThatIsTooLargeIsAnError) {
-    write("main.mof", "class A_B {};\n#pragma include (\"b.mof\")");
-    write("b.mof", "// " + std::string(100, '-'));
-    Mof::CompilerOptions options;
-    options.largestFile = 103;
-    EXPECT_EQ(shown(compileFile("main.mof", options)), "");
-    options.largestFile = 102;
-    EXPECT_EQ(shown(compileFile("main.mof", options)),
-              "main.mof:2:1: error: the included file \"b.mof\" cannot be read: File too large\n"
-              "#pragma include (\"b.mof\")\n"
-              "^\n");
-    EXPECT_EQ(shown(compileFile("b.mof", options)),
-              "b.mof: error: cannot be read: File too large\n");
-}
-
-TEST_F(MofFileReaderTest, PragmasAreKnownOrWarnedOf) {
+TEST(FileParser, PragmasAreKnownOrWarnedOf) {
     const Compilation compilation =
-        compileText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");
+        parseText("#pragma LOCALE (\"en_US\")\n#pragma namespace (\"x\")\n#pragma odd (\"y\")\n");
     EXPECT_FALSE(compilation.hasErrors());
-    EXPECT_EQ(shown(compilation),
+    EXPECT_EQ(diagnosticsOf(compilation),
               "a.mof:2:1: warning: the pragma \"namespace\" is ignored: the command says which "
               "namespace the classes belong to\n"
               "#pragma namespace (\"x\")\n"
@@ -367,7 +202,7 @@ TEST_F(MofFileReaderTest, PragmasAreKnownOrWarnedOf) {
 
 // Faults.
 
-TEST_F(MofFileReaderTest, ASyntaxErrorSaysWhatIsExpected) {
+TEST(FileParser, ASyntaxErrorSaysWhatIsExpected) {
     EXPECT_EQ(faults("class A_B : {\n};"),
               "a.mof:1:13: error: found \"{\", expected a name\n"
               "class A_B : {\n"
@@ -382,8 +217,8 @@ TEST_F(MofFileReaderTest, ASyntaxErrorSaysWhatIsExpected) {
               "            ^\n");
 }
 
-TEST_F(MofFileReaderTest, GoesOnWithTheNextDeclaration) {
-    const Compilation compilation = compileText(
+TEST(FileParser, GoesOnWithTheNextDeclaration) {
+    const Compilation compilation = parseText(
         "class A_B { uint8 = 5; uint8 b; };\n"
         "Qualifier Key boolean;\n"
         "class A_C { uint8 c; };\n");
@@ -397,10 +232,10 @@ struct OneFault {
     const char* declared;
 };
 
-// The texts have one fault each: what follows is read, and nothing right is found fault with.
-TEST_F(MofFileReaderTest, OneFaultIsOneMessageAndTheNextDeclarationIsRead) {
+// Each text has one fault: nothing else is reported, and what follows is read.
+TEST(FileParser, OneFaultIsOneMessageAndTheNextDeclarationIsRead) {
     for (const auto& [mof, place, declared] : {
-             // In the head of a class.
+             // In the header of a class.
              OneFault{"class A_B : 5 { uint8 b; string c = \"}\"; };\nclass A_C {};", "1:13",
                       "class A_C\n"},
              {"class A_B A_D { [Values {\"a\"}] uint8 b[] = {1, 2}; };\nclass A_C {};", "1:11",
@@ -455,17 +290,16 @@ TEST_F(MofFileReaderTest, OneFaultIsOneMessageAndTheNextDeclarationIsRead) {
              {"class A_C {};\n[Description(\"a\" b)]", "2:18", "class A_C\n"},
              {"class A_B {\n uint8 b uint8 c", "2:10", ""},
          }) {
-        const Compilation compilation = compileText(mof);
-        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << shown(compilation);
+        const Compilation compilation = parseText(mof);
+        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << diagnosticsOf(compilation);
         const Mof::LineAndColumn at = compilation.diagnostics[0].place;
         EXPECT_EQ(std::to_string(at.line) + ":" + std::to_string(at.column), place) << mof;
         EXPECT_EQ(textOf(compilation), declared) << mof;
     }
 }
 
-// The errors of all are shown at once.
-TEST_F(MofFileReaderTest, EveryFaultOfSeveralDeclarationsIsReported) {
-    const Compilation compilation = compileText(
+TEST(FileParser, EveryFaultOfSeveralDeclarationsIsReported) {
+    const Compilation compilation = parseText(
         "[Description(\"a \"b\" c\")]\n"
         "class A_B { uint8 = 5; uint8 b; };\n"
         "Qualifier Key boolean;\n"
@@ -480,8 +314,8 @@ TEST_F(MofFileReaderTest, EveryFaultOfSeveralDeclarationsIsReported) {
     EXPECT_EQ(textOf(compilation), "class A_B\n  uint8 b\nclass A_C\n");
 }
 
-// The scanner and the parser do not both speak of it.
-TEST_F(MofFileReaderTest, WhatIsNoTokenIsOneFault) {
+// The scanner reports it, so the parser does not.
+TEST(FileParser, AMalformedTokenIsOneFault) {
     for (const auto& [mof, place, declared] : {
              OneFault{"class 1A {};\nclass A_C {};", "1:7", "class A_C\n"},
              {"class A_B { uint8 a[99999999999999999999]; };", "1:21",
@@ -490,15 +324,15 @@ TEST_F(MofFileReaderTest, WhatIsNoTokenIsOneFault) {
              {"class A_B { char16 c = '\\x0'; };", "1:25", "class A_B\n  char16 c = '0'\n"},
              {"class \"abc\nclass A_C {};", "1:7", "class A_C\n"},
          }) {
-        const Compilation compilation = compileText(mof);
-        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << shown(compilation);
+        const Compilation compilation = parseText(mof);
+        ASSERT_EQ(compilation.diagnostics.size(), 1U) << mof << "\n" << diagnosticsOf(compilation);
         const Mof::LineAndColumn at = compilation.diagnostics[0].place;
         EXPECT_EQ(std::to_string(at.line) + ":" + std::to_string(at.column), place) << mof;
         EXPECT_EQ(textOf(compilation), declared) << mof;
     }
 }
 
-TEST_F(MofFileReaderTest, LinesEndWithCarriageReturnsInOldFiles) {
+TEST(FileParser, LinesEndWithCarriageReturnsInOldFiles) {
     EXPECT_EQ(declared("// foo\rclass A_B {};\r/* b */\rclass A_C {};\r"),
               "class A_B\nclass A_C\n");
     EXPECT_EQ(faults("class A_B {\r  string s = \"abc;\r};\r"),
@@ -510,20 +344,20 @@ TEST_F(MofFileReaderTest, LinesEndWithCarriageReturnsInOldFiles) {
               "^\n");
 }
 
-TEST_F(MofFileReaderTest, APragmaMayHoldComments) {
+TEST(FileParser, APragmaMayHoldComments) {
     EXPECT_EQ(declared("#pragma /* a */ locale // b\n  ( /* ( */ \"en\" // )\r ) class A_B {};"),
               "class A_B\n");
 }
 
-TEST_F(MofFileReaderTest, ACommentInAPragmaHasALimit) {
+TEST(FileParser, ACommentInAPragmaHasALimit) {
     const auto pragma = [](std::size_t length) {
         return "#pragma /*" + std::string(length - 4, '*') + "*/ locale (\"en\")\n";
     };
     EXPECT_EQ(declared(pragma(1000) + "class A_B {};"), "class A_B\n");
-    EXPECT_TRUE(compileText(pragma(1001) + "class A_B {};").hasErrors());
+    EXPECT_TRUE(parseText(pragma(1001) + "class A_B {};").hasErrors());
 }
 
-TEST_F(MofFileReaderTest, APragmaThatIsNotCompleteIsOneErrorWhereItBegins) {
+TEST(FileParser, APragmaThatIsNotCompleteIsOneErrorWhereItBegins) {
     for (const char* const pragma :
          {"#pragma", "#pragma include", "#pragma include (", "#pragma include (\"b.mof\"",
           "#pragma include (\"b.mof)", "#pragma include (b.mof)", "#pragma locale \"en\"",
@@ -535,11 +369,11 @@ TEST_F(MofFileReaderTest, APragmaThatIsNotCompleteIsOneErrorWhereItBegins) {
     }
 }
 
-// Who made it up may write it as he likes.
-TEST_F(MofFileReaderTest, AnUnknownPragmaOfAnotherFormIsAWarningAndItsLineIsLeftOut) {
+// Other compilers may have pragmas of another form.
+TEST(FileParser, AnUnknownPragmaOfAnotherFormIsAWarningAndItsLineIsSkipped) {
     for (const char* const pragma : {"#pragma odd", "#pragma odd (1, 2)", "#pragma odd \"x\"; {"}) {
-        const Compilation compilation = compileText(std::string(pragma) + "\nclass A_B {};");
-        EXPECT_EQ(shown(compilation),
+        const Compilation compilation = parseText(std::string(pragma) + "\nclass A_B {};");
+        EXPECT_EQ(diagnosticsOf(compilation),
                   "a.mof:1:1: warning: the pragma \"odd\" is not known and is ignored\n" +
                       std::string(pragma) + "\n^\n");
         EXPECT_FALSE(compilation.hasErrors());
@@ -547,20 +381,20 @@ TEST_F(MofFileReaderTest, AnUnknownPragmaOfAnotherFormIsAWarningAndItsLineIsLeft
     }
 }
 
-TEST_F(MofFileReaderTest, APragmaInAClassIsAnError) {
+TEST(FileParser, APragmaInAClassIsAnError) {
     EXPECT_EQ(faults("class A_B {\n#pragma locale (\"en\")\n};"),
               "a.mof:2:1: error: found \"#pragma\", expected \"}\", \"[\", a name or a data type\n"
               "#pragma locale (\"en\")\n"
               "^\n");
 }
 
-TEST_F(MofFileReaderTest, AFileInUtf16IsAnErrorThatSaysWhatToDo) {
+TEST(FileParser, AFileInUtf16IsAnErrorThatSaysWhatToDo) {
     using namespace std::string_literals;
     const std::string message =
         "the file looks like UTF-16: convert it to UTF-8, for example with \"iconv -f UTF-16 -t "
         "UTF-8\"";
     for (const std::string& mof : {"\xFF\xFE/\0/\0"s, "\xFE\xFF\0/\0/"s, "/\0/\0"s}) {
-        const Compilation compilation = compileText(mof);
+        const Compilation compilation = parseText(mof);
         ASSERT_EQ(compilation.diagnostics.size(), 1U);
         EXPECT_EQ(compilation.diagnostics[0].message, message);
         EXPECT_EQ(compilation.diagnostics[0].place.line, 1U);
@@ -568,7 +402,7 @@ TEST_F(MofFileReaderTest, AFileInUtf16IsAnErrorThatSaysWhatToDo) {
     }
 }
 
-TEST_F(MofFileReaderTest, AnUnclosedStringIsAnErrorWhereItBegins) {
+TEST(FileParser, AnUnclosedStringIsAnErrorWhereItBegins) {
     EXPECT_EQ(faults("class A_B {\n    string s = \"abc;\n    uint8 x;\n};"),
               "a.mof:2:16: error: the string is not closed on its line\n"
               "    string s = \"abc;\n"
@@ -578,21 +412,28 @@ TEST_F(MofFileReaderTest, AnUnclosedStringIsAnErrorWhereItBegins) {
               "    ^\n");
 }
 
-TEST_F(MofFileReaderTest, AnUnclosedCommentIsAnErrorWhereItBegins) {
+TEST(FileParser, AStringThatEndsWithAnEscapedQuotationMarkIsNotClosed) {
+    EXPECT_EQ(faults("class A_B { string s = \"abc\\\"\n; };"),
+              "a.mof:1:24: error: the string is not closed on its line\n"
+              "class A_B { string s = \"abc\\\"\n"
+              "                       ^\n");
+}
+
+TEST(FileParser, AnUnclosedCommentIsAnErrorWhereItBegins) {
     EXPECT_EQ(faults("class A_B {};\n /* never\nclosed *"),
               "a.mof:2:2: error: the comment is not closed\n"
               " /* never\n"
               " ^\n");
 }
 
-TEST_F(MofFileReaderTest, ANumberOutOfRangeIsAnErrorAtItsPlace) {
+TEST(FileParser, ANumberOutOfRangeIsAnErrorAtItsPlace) {
     EXPECT_EQ(faults("class A_B { uint64 x = 18446744073709551616; };"),
               "a.mof:1:24: error: this number does not fit into 64 bits\n"
               "class A_B { uint64 x = 18446744073709551616; };\n"
               "                       ^\n");
 }
 
-TEST_F(MofFileReaderTest, WhatIsNoNumberIsAnError) {
+TEST(FileParser, WhatIsNoNumberIsAnError) {
     EXPECT_EQ(faults("class A_B { uint8 x = 12ab; };"),
               "a.mof:1:23: error: this is neither a number nor a name\n"
               "class A_B { uint8 x = 12ab; };\n"
@@ -603,21 +444,21 @@ TEST_F(MofFileReaderTest, WhatIsNoNumberIsAnError) {
               "                      ^\n");
 }
 
-TEST_F(MofFileReaderTest, AnArrayWithoutElementsIsAnError) {
+TEST(FileParser, AnArrayWithoutElementsIsAnError) {
     EXPECT_EQ(faults("class A_B { uint8 x[0]; };"),
               "a.mof:1:21: error: the size of an array must be 1 or more\n"
               "class A_B { uint8 x[0]; };\n"
               "                    ^\n");
 }
 
-TEST_F(MofFileReaderTest, FlavorsThatContradictEachOtherAreAnError) {
+TEST(FileParser, FlavorsThatContradictEachOtherAreAnError) {
     EXPECT_EQ(faults("class A_B { [Key : ToSubclass Restricted] uint8 x; };"),
               "a.mof:1:31: error: this flavor contradicts one before it\n"
               "class A_B { [Key : ToSubclass Restricted] uint8 x; };\n"
               "                              ^\n");
 }
 
-TEST_F(MofFileReaderTest, AZeroByteIsAnErrorWhereverItIs) {
+TEST(FileParser, AZeroByteIsAnErrorWhereverItIs) {
     using namespace std::string_literals;
     EXPECT_EQ(faults("class A_B {};\n// a\0b\n?"s),
               "a.mof:2:5: error: here is a zero byte: the file must be text, in UTF-8\n"
@@ -629,25 +470,14 @@ TEST_F(MofFileReaderTest, AZeroByteIsAnErrorWhereverItIs) {
               "                        ^\n");
 }
 
-TEST_F(MofFileReaderTest, CharactersWithoutAMeaningAreErrors) {
+TEST(FileParser, CharactersWithoutMeaningAreErrors) {
     EXPECT_EQ(faults("class A_B {}; ?"),
               "a.mof:1:15: error: this character has no meaning here\n"
               "class A_B {}; ?\n"
               "              ^\n");
 }
 
-TEST_F(MofFileReaderTest, StopsAfterTheMostErrors) {
-    std::string mof;
-    for (int line = 0; line < 50; ++line)
-        mof += "?\n";
-    write("main.mof", mof);
-    const Compilation compilation = compileFile("main.mof", {.includePath = {}, .mostErrors = 3});
-    EXPECT_EQ(compilation.diagnostics.size(), 3U);
-    EXPECT_EQ(compilation.diagnostics.back().message,
-              "this character has no meaning here (too many errors, the rest is not read)");
-}
-
-TEST_F(MofFileReaderTest, ATruncatedFileNeverCrashes) {
+TEST(FileParser, ATruncatedFileNeverCrashes) {
     const std::string mof =
         "#pragma include (\"b.mof\")\n"
         "Qualifier Key : boolean = false, Scope (property), Flavor (ToSubclass);\n"
@@ -655,16 +485,16 @@ TEST_F(MofFileReaderTest, ATruncatedFileNeverCrashes) {
         "class A_B as $B : A_C { [Key] string s[4] = { \"x\" }; uint8 M ([In] A_B ref r[]); };\n"
         "instance of A_B { s = { 1 }; }; /* end */ // end";
     for (std::size_t length = 0; length <= mof.size(); ++length)
-        (void)compileText(mof.substr(0, length));
+        (void)parseText(mof.substr(0, length));
 }
 
-TEST_F(MofFileReaderTest, BytesOfAnyKindNeverCrash) {
+TEST(FileParser, BytesOfAnyKindNeverCrash) {
     std::string everyByte;
     for (int byte = 1; byte < 256; ++byte)
         everyByte += static_cast<char>(byte);
-    (void)compileText(everyByte + '\0');
-    (void)compileText(everyByte);
-    (void)compileText("class A_B { string s = \"" + everyByte + "\"; };");
+    (void)parseText(everyByte + '\0');
+    (void)parseText(everyByte);
+    (void)parseText("class A_B { string s = \"" + everyByte + "\"; };");
 }
 
 }  // namespace

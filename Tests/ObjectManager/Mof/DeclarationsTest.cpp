@@ -2,8 +2,8 @@
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Mof/FileParser.h"
-#include "ObjectManager/Mof/SameDeclaration.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ TEST(SameDeclaration, AClassIsTheSameAsItself) {
     EXPECT_TRUE(isSameClass({"", ""}));
 }
 
-TEST(SameDeclaration, CaseOfNamesBlanksCommentsAndSpellingOfValuesMakeNoDifference) {
+TEST(SameDeclaration, CaseOfNamesSpacesCommentsAndSpellingOfValuesMakeNoDifference) {
     for (const Change& change : {
              Change{"class A_B", "CLASS a_b"},
              {": A_C", ":a_c"},

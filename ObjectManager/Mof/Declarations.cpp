@@ -1,4 +1,4 @@
-#include "ObjectManager/Mof/SameDeclaration.h"
+#include "ObjectManager/Mof/Declarations.h"
 
 #include <algorithm>
 
@@ -35,7 +35,7 @@ bool isSame(const Flavors& left, const Flavors& right) {
            left.translatable == right.translatable;
 }
 
-// Whether a value is that of a boolean qualifier that is written without one.
+// Whether a value is the one of a boolean qualifier that is written without a value.
 bool isImplied(const Value& value) {
     if (value.isArray)
         return false;
@@ -87,6 +87,14 @@ bool areSame(const std::optional<Element>& left, const std::optional<Element>& r
 }
 
 }  // namespace
+
+const char* keywordOf(DataType type) noexcept {
+    static constexpr const char* kKeywords[] = {
+        "uint8",  "sint8",  "uint16", "sint16", "uint32",  "sint32",   "uint64", "sint64",
+        "real32", "real64", "char16", "string", "boolean", "datetime", "ref",
+    };
+    return kKeywords[static_cast<std::size_t>(type)];
+}
 
 bool isSame(const ClassDeclaration& left, const ClassDeclaration& right) {
     return areNamedAndQualifiedAlike(left, right) && isSame(left.superclass, right.superclass) &&
