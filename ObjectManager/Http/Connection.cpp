@@ -131,6 +131,8 @@ void Connection::queueRequest() {
     hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
+    if (context_.prepare)
+        prepared_ = context_.prepare(parser_.request().message);
     if (!postToWorkers())
         sendError({.status = 503, .text = "The server has too many requests. Try again later."});
 }
@@ -138,10 +140,14 @@ void Connection::queueRequest() {
 // Returns whether a worker takes the request; the connection belongs to the worker then.
 bool Connection::postToWorkers() {
     auto job = [self = shared_from_this()] { self->processRequest(); };
-    if (context_.needsPasswordHash && context_.needsPasswordHash(parser_.request().message))
+    if (context_.needsPasswordHash && context_.needsPasswordHash(request()))
         return context_.workers.postSlow(std::move(job));
     context_.workers.postQuick(std::move(job));
     return true;
+}
+
+TSKHTTPRequest& Connection::request() {
+    return prepared_ != nullptr ? *prepared_ : parser_.request().message;
 }
 
 void Connection::refuseBytes(const Error& error) {
@@ -156,7 +162,7 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    response_ = context_.dispatcher.respond(parser_.request().message, client_);
+    response_ = context_.dispatcher.respond(request(), client_);
     const Sending sending = isAbandoned_ ? Sending::kFailed : send();
     if (sending == Sending::kBlocked)
         continueOnIoThread(&Connection::beginWriting);

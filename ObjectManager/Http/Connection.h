@@ -63,6 +63,7 @@ struct ConnectionContext {
 
     /// See Server; may be empty.
     std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
+    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -121,6 +122,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void readHeader();
     void queueRequest();
     [[nodiscard]] bool postToWorkers();
+    [[nodiscard]] TSKHTTPRequest& request();
     void refuseBytes(const Error& error);
     void sendError(const Error& error);
     void processRequest();
@@ -148,6 +150,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
     std::string received_;
     RequestParser parser_;
+    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
     bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
     std::optional<Response> response_;
     std::size_t lingerBytes_ = 0;

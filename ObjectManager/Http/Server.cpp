@@ -35,9 +35,10 @@ unsigned workerCount(const Options& options) {
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   NeedsPasswordHash needsPasswordHash)
+                   NeedsPasswordHash needsPasswordHash, Prepare prepare)
         : options_(options),
           needsPasswordHash_(std::move(needsPasswordHash)),
+          prepare_(std::move(prepare)),
           dispatcher_(manager) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
@@ -99,7 +100,8 @@ class Server::Implementation {
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
                 .connections = connections,
-                .needsPasswordHash = needsPasswordHash_};
+                .needsPasswordHash = needsPasswordHash_,
+                .prepare = prepare_};
     }
 
     void closeListeners() {
@@ -126,6 +128,7 @@ class Server::Implementation {
 
     Options options_;
     NeedsPasswordHash needsPasswordHash_;
+    Prepare prepare_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
@@ -138,9 +141,9 @@ class Server::Implementation {
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               NeedsPasswordHash needsPasswordHash)
-    : implementation_(
-          std::make_unique<Implementation>(options, manager, std::move(needsPasswordHash))) {}
+               NeedsPasswordHash needsPasswordHash, Prepare prepare)
+    : implementation_(std::make_unique<Implementation>(
+          options, manager, std::move(needsPasswordHash), std::move(prepare))) {}
 
 Server::~Server() = default;
 

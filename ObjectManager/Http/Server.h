@@ -27,11 +27,17 @@ class Server {
     /// connection is closed.
     using NeedsPasswordHash = std::function<bool(const TSKHTTPRequest& request)>;
 
+    /// Makes the request that `needsPasswordHash` and the provider get. It may be of a derived
+    /// class, which carries what both would find out for themselves, such as parsed credentials.
+    /// Called by the I/O thread, as NeedsPasswordHash is.
+    using Prepare = std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest& request)>;
+
     /// Listens from now on, on all addresses or on none; connections wait until start(). `manager`
-    /// must outlive the server. Without `needsPasswordHash` all requests are alike.
+    /// must outlive the server. Without `needsPasswordHash` all requests are alike;
+    /// without `prepare` a request is handed on as it was read.
     /// Errors: std::system_error that names address and port when it cannot listen on one of them.
     Server(const Options& options, const TeskProviderPluginManager& manager,
-           NeedsPasswordHash needsPasswordHash = nullptr);
+           NeedsPasswordHash needsPasswordHash = nullptr, Prepare prepare = nullptr);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Closes all connections. Waits for the providers that still run, however long that takes.

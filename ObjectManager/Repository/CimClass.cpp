@@ -4,16 +4,14 @@
 #include <functional>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
-#include "ObjectManager/Repository/DefinitionIterator.h"
+#include "ObjectManager/Base/NameMap.h"
 
 namespace Repository {
 
 namespace {
 
 template <typename Member, typename Declaration>
-std::vector<Member> makeMembers(std::vector<Declaration>&& declarations,
-                                const RepositoryOptions& options) {
+std::vector<Member> makeMembers(std::vector<Declaration>&& declarations, const Options& options) {
     std::vector<Member> members;
     members.reserve(declarations.size());
     for (Declaration& declaration : declarations)
@@ -34,7 +32,7 @@ std::vector<const Member*> listOf(const std::vector<Member>& members) {
 template <typename Member>
 std::vector<const Member*> withInherited(const std::vector<const Member*>& inherited,
                                          std::vector<Member>& declared) {
-    Mof::NameMap<Member*> unplaced;
+    Base::NameMap<Member*> unplaced;
     unplaced.reserve(declared.size());
     for (Member& member : declared)
         unplaced.emplace(member.name(), &member);
@@ -74,7 +72,7 @@ bool isOneOf(const Member& member, const std::vector<Member>& members) {
 }  // namespace
 
 CimClass::CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> superclass,
-                   const RepositoryOptions& options)
+                   const Options& options)
     : CimDefinition(std::move(declaration.name.text), std::move(declaration.qualifiers), options),
       superclass_(std::move(superclass)) {
     properties_.declared = makeMembers<CimProperty>(std::move(declaration.properties), options);

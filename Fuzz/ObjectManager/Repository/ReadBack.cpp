@@ -1,22 +1,17 @@
 #include "Fuzz/ObjectManager/Repository/ReadBack.h"
 
 #include <algorithm>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "Fuzz/Support/Require.h"
-#include "ObjectManager/Mof/CaseInsensitive.h"
-#include "ObjectManager/Mof/SourceText.h"
+#include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/Utf8.h"
 #include "Platform/Util/TSKValSlistIterator.h"
 
 namespace {
 
-// What is no UTF-8 would be read as Latin-1 and turned into it.
 void requireUtf8(const TSKString& text) {
-    const Mof::SourceText source("", std::string(std::string_view(text)));
-    require(source.text() == text || std::string_view(text).starts_with("\xEF\xBB\xBF"),
-            "every text is UTF-8");
+    require(Base::isUtf8(text), "every text is UTF-8");
 }
 
 void requireName(const TSKString& name) {
@@ -89,7 +84,7 @@ void readParameters(const urma::IMethodDef& method) {
         readType(parameters->current().getType());
         names.push_back(parameters->current().getName());
     }
-    Mof::NameSet different(names.begin(), names.end());
+    Base::NameSet different(names.begin(), names.end());
     require(different.size() == names.size(), "the parameters of a method have names of their own");
 }
 
@@ -120,7 +115,7 @@ std::vector<TSKString> readMethods(const ITeskClass& cimClass, bool includeInher
 
 // Requires that all of `some` are among `all`, which differ from each other.
 void requireAmong(const std::vector<TSKString>& some, const std::vector<TSKString>& all) {
-    const Mof::NameSet names(all.begin(), all.end());
+    const Base::NameSet names(all.begin(), all.end());
     require(names.size() == all.size(), "the members of a class have names of their own");
     require(std::all_of(some.begin(), some.end(),
                         [&](const TSKString& name) { return names.contains(name); }),

@@ -40,7 +40,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_, needsPasswordHash_);
+        server_.emplace(options_, manager_, needsPasswordHash_, prepare_);
         server_->start();
     }
 
@@ -79,6 +79,7 @@ class RunningServer : public testing::Test {
 
     Http::Options options_;
     Http::Server::NeedsPasswordHash needsPasswordHash_;
+    Http::Server::Prepare prepare_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     LogRecording log_;

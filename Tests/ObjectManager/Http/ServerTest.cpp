@@ -2,6 +2,7 @@
 #include <atomic>
 #include <future>
 #include <gtest/gtest.h>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
@@ -353,6 +354,27 @@ TEST_F(ServerTest, OneWaitingPasswordHashTooManyIsRefused) {
     for (const Client& client : slow)
         EXPECT_EQ(withoutDate(client.readAll()), kHello);
     EXPECT_EQ(withoutDate(sendingSlow().readAll()), kHello);
+}
+
+TEST_F(ServerTest, NeedsPasswordHashAndTheProviderGetThePreparedRequest) {
+    class Prepared : public TSKHTTPRequest {
+      public:
+        explicit Prepared(const TSKHTTPRequest& request) : TSKHTTPRequest(request) {}
+    };
+    std::atomic<bool> wasAskedAboutIt = false;
+    prepare_ = [](const TSKHTTPRequest& request) { return std::make_unique<Prepared>(request); };
+    needsPasswordHash_ = [&](const TSKHTTPRequest& request) {
+        wasAskedAboutIt = dynamic_cast<const Prepared*>(&request) != nullptr;
+        return false;
+    };
+    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        EXPECT_NE(dynamic_cast<const Prepared*>(&request), nullptr);
+        EXPECT_EQ(request.getUri(), "/test");
+        writeTo(ostr, kHello);
+    };
+    start();
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_TRUE(wasAskedAboutIt);
 }
 
 TEST_F(ServerTest, AFailureOfNeedsPasswordHashClosesOneConnection) {
