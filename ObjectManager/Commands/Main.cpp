@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -111,28 +112,30 @@ Commands::Action parse(CLI::App& program, int argc, char** argv, int& status) {
     return action;
 }
 
-int run(const Commands::Action& action) {
-    try {
-        return action();
-    } catch (const TeskBaseException& error) {
-        std::cerr << "tesk: " << error.getMessage() << "\n";
-    } catch (const std::exception& error) {
-        std::cerr << "tesk: " << error.what() << "\n";
-    }
-    return kFailed;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
+// Runs the command that is given. Returns the exit status.
+int run(int argc, char** argv) {
     CLI::App program(
         "A small CIM object manager that publishes WSDL and XML Schema documents of its classes",
         "tesk");
     int status = kDone;
     TSKLog::setLevel(TeskTraceLog::SeverityError);
     const Commands::Action action = parse(program, argc, argv, status);
-    if (action)
-        status = run(action);
+    return action ? action() : status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int status = kFailed;
+    try {
+        status = run(argc, argv);
+    } catch (const TeskBaseException& error) {
+        std::cerr << "tesk: " << error.getMessage() << "\n";
+    } catch (const std::bad_alloc&) {
+        std::cerr << "tesk: there is not enough memory\n";
+    } catch (const std::exception& error) {
+        std::cerr << "tesk: " << error.what() << "\n";
+    }
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "tesk: the output cannot be written\n";
