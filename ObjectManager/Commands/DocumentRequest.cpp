@@ -3,19 +3,19 @@
 #include <exception>
 #include <utility>
 
-#include "Platform/Util/TeskBaseException.h"
+#include "ObjectManager/Base/Text.h"
 
 namespace Commands {
 
 namespace {
 
-// Why an answer is no document; empty for one that is.
-std::string faultOf(const Host::MemoryClient::Answer& answer) {
-    if (answer.status().empty())
-        return "what is no HTTP response";
-    if (answer.status() != "200")
-        return "the status " + std::string(answer.status());
-    return answer.body().empty() ? "nothing" : "";
+// Why a response has no document; empty if it has one.
+std::string validate(const Host::MemoryClient::Answer& response) {
+    if (response.status().empty())
+        return "the response is not HTTP";
+    if (response.status() != "200")
+        return "the response has the status " + std::string(response.status());
+    return response.body().empty() ? "the response has no body" : "";
 }
 
 }  // namespace
@@ -25,16 +25,14 @@ RequestedDocument requestDocument(const Host::MemoryClient& client,
                                   const TSKString& document) {
     const std::string name(document);
     try {
-        Host::MemoryClient::Answer answer = client.get("/" + nameSpace.name() + "/" + document);
-        const std::string fault = faultOf(answer);
+        Host::MemoryClient::Answer response = client.get("/" + nameSpace.name() + "/" + document);
+        const std::string fault = validate(response);
         if (fault.empty())
-            return {.answer = std::move(answer), .failure = {}};
-        return {.answer = std::nullopt, .failure = name + " is answered with " + fault};
-    } catch (const TeskBaseException& error) {
-        return {.answer = std::nullopt,
-                .failure = name + " cannot be made: " + error.getMessage().data()};
+            return {.response = std::move(response), .failure = {}};
+        return {.response = std::nullopt, .failure = name + ": " + fault};
     } catch (const std::exception& error) {
-        return {.answer = std::nullopt, .failure = name + " cannot be made: " + error.what()};
+        return {.response = std::nullopt,
+                .failure = name + " cannot be made: " + std::string(Base::reasonOf(error))};
     }
 }
 

@@ -10,12 +10,12 @@ namespace Commands {
 
 /// A document, or why there is none.
 struct RequestedDocument {
-    std::optional<Host::MemoryClient::Answer> answer;  ///< whose body is the document
-    std::string failure;  ///< such as "CIM_Foo.xsd is answered with the status 404"
+    std::optional<Host::MemoryClient::Answer> response;  ///< its body is the document
+    std::string failure;  ///< such as "CIM_Foo.xsd: the response has the status 404"
 };
 
-/// Asks the provider for a document, such as "CIM_Foo.xsd", of a class of a namespace. Whatever
-/// the provider throws is a failure like any other.
+/// Gets a document, such as "CIM_Foo.xsd", of a class of a namespace from the provider. An
+/// exception of the provider is a failure like any other.
 [[nodiscard]] RequestedDocument requestDocument(const Host::MemoryClient& client,
                                                 const Repository::CimNamespace& nameSpace,
                                                 const TSKString& document);

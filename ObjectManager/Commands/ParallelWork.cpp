@@ -41,7 +41,7 @@ class Work {
     std::exception_ptr failure_;  // guarded by mutex_ while threads run
 };
 
-// Fewer than `count` where the system lets the process have no more: they do all the work, too.
+// Fewer than `count` if the system allows the process no more: those do all the work.
 std::vector<std::thread> startThreads(std::size_t count, Work& work) {
     std::vector<std::thread> threads;
     threads.reserve(count);
@@ -60,8 +60,8 @@ void workInParallel(std::size_t count, unsigned jobs,
                     const std::function<void(std::size_t)>& work) {
     Work shared(count, work);
     const std::size_t useful = std::max<std::size_t>(1, std::min<std::size_t>(jobs, count));
-    // Other threads have memory of their own: that of this one may be in pieces after a large model
-    // was loaded, where trees of XML take several times as long.
+    // New threads, since each has its own heap. That of this thread may be fragmented after a large
+    // model was loaded; generating documents in it takes several times as long.
     std::vector<std::thread> threads = startThreads(useful, shared);
     if (threads.empty())
         shared.run();

@@ -5,12 +5,13 @@
 
 namespace Commands {
 
-/// Calls `work` with each number from 0 to before `count`, in `jobs` new threads at once, or as
-/// many as the system allows; in the caller's if it allows none. Errors: the first exception out of
-/// `work`, after all threads have ended; numbers that nobody had begun with are left out then.
+/// Calls `work` once with each number below `count`, in `jobs` new threads, or fewer if the system
+/// does not allow so many; in the thread of the caller if it allows none.
+/// Errors: the first exception of `work`, after all threads have ended. The numbers that were not
+/// begun by then are left out.
 void workInParallel(std::size_t count, unsigned jobs, const std::function<void(std::size_t)>& work);
 
-/// As many jobs as the machine runs at once.
+/// One job for each processor.
 [[nodiscard]] unsigned defaultJobs() noexcept;
 
 }  // namespace Commands

@@ -1,16 +1,15 @@
 #include "ObjectManager/Configuration/SettingsReader.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <filesystem>
+#include <system_error>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 
-#include "ObjectManager/Configuration/NamespaceOption.h"
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Configuration/Table.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -19,27 +18,28 @@ namespace Configuration {
 
 namespace {
 
-// So many times what anybody has to say.
+// 1 MiB, far more than any configuration needs.
 constexpr std::size_t kMaxFileSize = 1'048'576;
 
 constexpr std::chrono::milliseconds kShortestTimeout(1);
 
-// Makes paths that are relative to a folder, that of the configuration file, relative to the
-// current one.
-class Folder {
+// The directory of the configuration file, which paths in it are relative to.
+class Directory {
   public:
-    explicit Folder(const std::string& file) : path_(std::filesystem::path(file).parent_path()) {}
+    explicit Directory(const std::string& file)
+        : path_(std::filesystem::path(file).parent_path()) {}
 
+    // The path from the current directory.
     [[nodiscard]] std::string resolve(const std::string& path) const {
         if (path.empty() || path.find('\0') != std::string::npos) {
-            throw TeskBaseException("Configuration::Folder",
+            throw TeskBaseException("Configuration::Directory",
                                     "a path must have at least one character, and no zero byte",
                                     CIM_ERR_INVALID_PARAMETER);
         }
         return (path_ / path).string();
     }
 
-    // For a key that may be empty to say that there is nothing.
+    // For a key whose empty value means that there is no file.
     [[nodiscard]] std::string resolveUnlessEmpty(const std::string& path) const {
         return path.empty() ? path : resolve(path);
     }
@@ -48,18 +48,18 @@ class Folder {
     std::filesystem::path path_;
 };
 
-void readNamespaces(Table table, const Folder& folder,
+void readNamespaces(Table table, const Directory& directory,
                     std::vector<Repository::NamespaceSource>& namespaces) {
     for (const std::string& key : table.keys()) {
-        // A heading reaches to the next one.
+        // A key below a table heading belongs to that table.
         if (key == "include_path") {
             table.reject(key,
                          "\"include_path\" must stand above [namespaces] and all other tables");
             continue;
         }
         Repository::NamespaceSource source;
-        table.readTexts(key, "a MOF file or a folder", 1, [&](const std::string& path) {
-            source.paths.push_back(folder.resolve(path));
+        table.readTexts(key, "a MOF file or a directory", 1, [&](const std::string& path) {
+            source.paths.push_back(directory.resolve(path));
         });
         try {
             source.name = parseNamespaceName(key);
@@ -68,10 +68,10 @@ void readNamespaces(Table table, const Folder& folder,
             continue;
         }
         const auto isSame = [&](const Repository::NamespaceSource& other) {
-            return isSameNamespace(other.name, source.name);
+            return Base::equalsIgnoringCase(other.name, source.name);
         };
         if (std::ranges::any_of(namespaces, isSame))
-            table.reject(key, "the namespace \"" + source.name + "\" is listed twice");
+            table.reject(key, "the namespace " + Base::quoted(source.name) + " is listed twice");
         else
             namespaces.push_back(std::move(source));
     }
@@ -87,52 +87,53 @@ void readRepository(Table table, Repository::RepositoryOptions& settings) {
     table.reportUnknownKeys();
 }
 
-void readServer(Table table, ServerSettings& settings) {
-    std::vector<Endpoint> endpoints;
-    table.readTexts("listen", "an address with a port", 1,
-                    [&](const std::string& text) { endpoints.push_back(parseEndpoint(text)); });
-    if (!endpoints.empty())
-        settings.listen = std::move(endpoints);
+void readServer(Table table, Http::Options& settings) {
+    std::vector<Http::ListenAddress> addresses;
+    table.readTexts("listen", "an address with a port", 1, [&](const std::string& text) {
+        addresses.push_back(parseListenAddress(text));
+    });
+    if (!addresses.empty())
+        settings.listen = std::move(addresses);
     table.readInteger("workers", 0, 1024, settings.workers);
-    table.readInteger("max_request_head", 256, 1'048'576, settings.maxRequestHead);
+    table.readInteger("max_header_size", 256, 1'048'576, settings.maxHeaderSize);
     table.readInteger("max_request_line", 64, 1'048'576, settings.maxRequestLine);
-    table.readSeconds("head_timeout", kShortestTimeout, settings.headTimeout);
+    table.readSeconds("header_timeout", kShortestTimeout, settings.headerTimeout);
     table.readSeconds("response_timeout", kShortestTimeout, settings.responseTimeout);
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
     table.readInteger("max_connections", 1, 1'000'000, settings.maxConnections);
     table.reportUnknownKeys();
 }
 
-void readSecurity(Table table, const Folder& folder, SecuritySettings& settings) {
+void readSecurity(Table table, const Directory& directory, SecuritySettings& settings) {
     table.readText("password_file", "a path", [&](const std::string& path) {
-        settings.passwordFile = folder.resolveUnlessEmpty(path);
+        settings.passwordFile = directory.resolveUnlessEmpty(path);
     });
     table.readSeconds("credential_lifetime", std::chrono::milliseconds(0),
                       settings.credentialLifetime);
     table.reportUnknownKeys();
 }
 
-void readLog(Table table, const Folder& folder, LogSettings& settings) {
+void readLog(Table table, const Directory& directory, LogSettings& settings) {
     table.readInteger("level", 1, 4, settings.level);
     table.readText("file", "a path", [&](const std::string& path) {
-        settings.file = folder.resolveUnlessEmpty(path);
+        settings.file = directory.resolveUnlessEmpty(path);
     });
     table.reportUnknownKeys();
 }
 
-void readFile(Table table, const Folder& folder, Settings& settings) {
-    table.readTexts("include_path", "a folder", 0, [&](const std::string& path) {
-        settings.includePath.push_back(folder.resolve(path));
+void readFile(Table table, const Directory& directory, Settings& settings) {
+    table.readTexts("include_path", "a directory", 0, [&](const std::string& path) {
+        settings.includePath.push_back(directory.resolve(path));
     });
-    readNamespaces(table.readTable("namespaces"), folder, settings.namespaces);
+    readNamespaces(table.readTable("namespaces"), directory, settings.namespaces);
     readRepository(table.readTable("repository"), settings.repository);
     readServer(table.readTable("server"), settings.server);
-    readSecurity(table.readTable("security"), folder, settings.security);
-    readLog(table.readTable("log"), folder, settings.log);
+    readSecurity(table.readTable("security"), directory, settings.security);
+    readLog(table.readTable("log"), directory, settings.log);
     table.reportUnknownKeys();
 }
 
-// That it is an error stands in front already.
+// Messages begin with "error: " already.
 std::string withoutRepetition(std::string_view description) {
     constexpr std::string_view kRepetition = "Error ";
     if (description.starts_with(kRepetition))
@@ -140,40 +141,25 @@ std::string withoutRepetition(std::string_view description) {
     return std::string(description);
 }
 
-// The text of a file, or why it cannot be read.
-struct FileText {
-    std::string text;
-    std::string failure;
-};
-
-FileText readText(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return {.text = "", .failure = std::strerror(errno)};
-    FileText result;
-    std::array<char, 4096> buffer = {};
-    ssize_t count = 1;
-    while (count != 0 && result.failure.empty()) {
-        count = read(descriptor, buffer.data(), buffer.size());
-        if (count > 0)
-            result.text.append(buffer.data(), static_cast<std::size_t>(count));
-        else if (count < 0 && errno != EINTR)
-            result.failure = std::strerror(errno);
-        if (result.text.size() > kMaxFileSize)
-            result.failure = "it is longer than 1 MiB";
-    }
-    close(descriptor);
-    return result;
-}
-
 }  // namespace
 
+std::string SettingsError::toString() const {
+    std::string text = file + ":";
+    if (line > 0)
+        text += std::to_string(line) + ":" + std::to_string(column) + ":";
+    return text + " error: " + message + "\n";
+}
+
 SettingsReading readSettings(const std::string& path) {
-    const FileText file = readText(path);
-    if (file.failure.empty())
-        return parseSettings(path, file.text);
-    return {.settings = {},
-            .errors = {{.file = path, .message = "cannot be read: " + file.failure}}};
+    try {
+        // A pipe is read, too: shells pass the output of a command so.
+        return parseSettings(path, Base::readFile(path, kMaxFileSize, Base::FileKind::kAny));
+    } catch (const std::system_error& error) {
+        const std::string reason = error.code() == std::errc::file_too_large
+                                       ? "it is longer than 1 MiB"
+                                       : error.code().message();
+        return {.settings = {}, .errors = {{.file = path, .message = "cannot be read: " + reason}}};
+    }
 }
 
 SettingsReading parseSettings(const std::string& path, std::string_view text) {
@@ -181,7 +167,7 @@ SettingsReading parseSettings(const std::string& path, std::string_view text) {
     const ErrorReport report{.file = path, .errors = reading.errors};
     try {
         const toml::table table = toml::parse(text, path);
-        readFile(Table(table, "", report), Folder(path), reading.settings);
+        readFile(Table(table, "", report), Directory(path), reading.settings);
     } catch (const toml::parse_error& error) {
         report.add(error.source(), withoutRepetition(error.description()));
     }

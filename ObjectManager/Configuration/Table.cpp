@@ -6,6 +6,8 @@
 #include <sstream>
 #include <utility>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Text.h"
 #include "Platform/Util/TeskBaseException.h"
 
 namespace Configuration {
@@ -14,19 +16,12 @@ namespace {
 
 constexpr std::chrono::seconds kDay = std::chrono::hours(24);
 
-std::string inQuotes(std::string_view text) {
-    return '"' + std::string(text) + "\"";
-}
-
-// "a", "b" or "c".
-std::string enumerate(const std::vector<std::string>& texts, const std::string& conjunction) {
-    std::string result;
-    for (std::size_t index = 0; index < texts.size(); ++index) {
-        if (index > 0)
-            result += index + 1 == texts.size() ? " " + conjunction + " " : ", ";
-        result += texts[index];
-    }
-    return result;
+// `"a", "b" or "c"`.
+template <typename Texts>
+std::string enumerate(const Texts& texts, std::string_view lastSeparator) {
+    std::vector<std::string> shown;
+    std::ranges::transform(texts, std::back_inserter(shown), &Base::quoted);
+    return Base::joined(shown, ", ", lastSeparator);
 }
 
 template <typename Number>
@@ -36,7 +31,7 @@ std::string decimal(Number number) {
     return stream.str();
 }
 
-// "a file, a folder or a list of such" for "a file or a folder".
+// "a file, a directory or a list of such" for "a file or a directory".
 std::string orList(std::string_view expected) {
     constexpr std::string_view kOr = " or ";
     std::string text(expected);
@@ -47,10 +42,10 @@ std::string orList(std::string_view expected) {
 
 // A string as it is shown, unless it would spoil the message.
 std::string described(const std::string& text) {
-    constexpr std::size_t kMostShown = 60;
-    const auto isControl = [](char byte) { return static_cast<unsigned char>(byte) < ' '; };
-    return text.size() > kMostShown || std::ranges::any_of(text, isControl) ? "such a string"
-                                                                            : inQuotes(text);
+    constexpr std::size_t kMaxShown = 60;
+    return text.size() > kMaxShown || std::ranges::any_of(text, Base::isControl)
+               ? "such a string"
+               : Base::quoted(text);
 }
 
 // What a file has in a place, as in "..., not 5".
@@ -218,9 +213,7 @@ std::optional<std::size_t> Table::indexOfWord(std::string_view key,
     const auto word = text ? std::ranges::find(words, *text) : words.end();
     if (word != words.end())
         return static_cast<std::size_t>(word - words.begin());
-    std::vector<std::string> shown;
-    std::ranges::transform(words, std::back_inserter(shown), &inQuotes);
-    reportWrong(key, *node, enumerate(shown, "or"));
+    reportWrong(key, *node, enumerate(words, " or "));
     return std::nullopt;
 }
 
@@ -244,18 +237,16 @@ void Table::reportWrong(std::string_view key, const toml::node& node,
 }
 
 std::string Table::named(std::string_view key) const {
-    return inQuotes(key) + (name_.empty() ? "" : " in [" + name_ + "]");
+    return Base::quoted(key) + (name_.empty() ? "" : " in [" + name_ + "]");
 }
 
 std::string Table::hintFor(std::string_view unknownKey) const {
     const auto distanceTo = [&](const std::string& key) { return distance(unknownKey, key); };
     const auto nearest = std::ranges::min_element(known_, {}, distanceTo);
-    constexpr std::size_t kMostTypos = 2;
-    if (nearest != known_.end() && distanceTo(*nearest) <= kMostTypos)
-        return "; did you mean \"" + *nearest + "\"?";
-    std::vector<std::string> shown;
-    std::ranges::transform(known_, std::back_inserter(shown), &inQuotes);
-    return "; known are " + enumerate(shown, "and");
+    constexpr std::size_t kMaxTypos = 2;
+    if (nearest != known_.end() && distanceTo(*nearest) <= kMaxTypos)
+        return "; did you mean " + Base::quoted(*nearest) + "?";
+    return "; known are " + enumerate(known_, " and ");
 }
 
 }  // namespace Configuration

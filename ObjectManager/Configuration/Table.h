@@ -11,7 +11,7 @@
 #include <toml++/toml.h>
 #include <vector>
 
-#include "ObjectManager/Configuration/SettingsError.h"
+#include "ObjectManager/Configuration/SettingsReader.h"
 
 namespace Configuration {
 

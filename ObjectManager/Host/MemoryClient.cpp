@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObjectManager/Host/ProviderCall.h"
+#include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -15,25 +17,6 @@ constexpr std::string_view kHeadEnd = "\r\n\r\n";
 constexpr bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
-
-class NothingToRead : public TSKGenericHTTPIStream {
-  public:
-    unsigned long read(char* /*buffer*/, unsigned long /*length*/) override { return 0; }
-};
-
-class MemoryStream : public TSKGenericHTTPOStream {
-  public:
-    void write(const char* data, unsigned long length) override { bytes_.append(data, length); }
-    void getPeerAddressString(TSKString& peerHost, TSKString& peerPort) const override {
-        peerHost = "localhost";
-        peerPort = "0";
-    }
-
-    [[nodiscard]] std::string takeBytes() { return std::move(bytes_); }
-
-  private:
-    std::string bytes_;
-};
 
 }  // namespace
 
@@ -63,18 +46,20 @@ MemoryClient::MemoryClient(const TeskProviderPluginManager& manager, TSKString h
     : manager_(manager), host_(std::move(host)) {}
 
 MemoryClient::Answer MemoryClient::get(const TSKString& path) const {
-    urma::pf::Provider* const provider = manager_.findProvider(path);
-    if (provider == nullptr) {
-        throw TeskBaseException("MemoryClient::get", "no provider serves " + path,
-                                CIM_ERR_NOT_FOUND);
-    }
     TSKHTTPRequest request("GET", path, "HTTP/1.1");
     request.setHeaderField("Host", host_, false);
-    NothingToRead input;
-    MemoryStream output;
-    bool handled = true;
-    provider->processHTTPRequest(input, output, request, handled, nullptr);
-    return Answer(output.takeBytes());
+    ProviderCall call = callProvider(manager_, request, {.address = "localhost", .port = "0"});
+    switch (call.outcome) {
+        case ProviderCall::Outcome::kNotFound:
+            throw TeskBaseException("MemoryClient::get", "no provider serves " + path,
+                                    CIM_ERR_NOT_FOUND);
+        case ProviderCall::Outcome::kNotAuthenticated:
+            throw TSKHTTPException("MemoryClient::get", "Authentication failed",
+                                   TSKHTTPException::kAuthenticationFailed);
+        case ProviderCall::Outcome::kResponse:
+            break;
+    }
+    return Answer(std::move(call.response));
 }
 
 }  // namespace Host

@@ -32,7 +32,8 @@ class MemoryClient {
     MemoryClient(const TeskProviderPluginManager& manager, TSKString host);
 
     /// Sends a GET request for a path.
-    /// Errors: TeskBaseException when no provider serves the path; whatever the provider throws.
+    /// Errors: TeskBaseException when no provider serves the path; whatever the provider throws,
+    /// also the TSKHTTPException of a provider that does not accept the client.
     [[nodiscard]] Answer get(const TSKString& path) const;
 
   private:

@@ -42,14 +42,14 @@ void requireNone(const TeskProviderPluginManager::Failures& failures) {
 
 ProviderHost::ProviderHost(const TSKSmrPtr<Repository::ClassRepository>& repository,
                            TSKSmrPtr<ITeskAuthenticator> authenticator,
-                           const std::filesystem::path& installation) {
-    manager_->setRepository(repository);
-    manager_->setNamespaceList(repository);
+                           const std::filesystem::path& installation,
+                           const std::vector<urma::pf::Provider*>& ownProviders) {
+    setRepository(repository);
     try {
         TeskProviderPluginManager::setTeskProviderPluginManager(manager_);
         AuthenticationHelper::setAuthenticator(std::move(authenticator));
         URMAConfigManager::setInstallation(TSKSmrPtr<Installation>::make(installation));
-        start(installation / "providers");
+        start(installation / "providers", ownProviders);
     } catch (...) {
         stop();
         throw;
@@ -60,7 +60,11 @@ ProviderHost::~ProviderHost() {
     stop();
 }
 
-void ProviderHost::start(const std::filesystem::path& folder) {
+// Our own providers come first, so that no library takes their URIs.
+void ProviderHost::start(const std::filesystem::path& folder,
+                         const std::vector<urma::pf::Provider*>& ownProviders) {
+    for (urma::pf::Provider* const provider : ownProviders)
+        requireNone(manager_->addProvider(*provider, provider->getProviderName()));
     requireNone(manager_->loadProviders(folder.c_str()));
     if (!holdsLibrary(folder)) {
         throw TeskBaseException("ProviderHost", TSKString(folder.c_str()) + ": holds no provider",
@@ -79,7 +83,7 @@ void ProviderHost::stop() noexcept {
 
 void ProviderHost::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     manager_->setRepository(repository);
-    manager_->setNamespaces(repository);
+    manager_->setNamespaceList(repository);
 }
 
 }  // namespace Host

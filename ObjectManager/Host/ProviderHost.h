@@ -1,10 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <vector>
 
-#include "ObjectManager/Host/HostPluginManager.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
 namespace Host {
@@ -16,12 +17,14 @@ namespace Host {
 /// any thread, and must have ended when it is destroyed.
 class ProviderHost {
   public:
-    /// Loads the libraries in the folder "providers" of `installation` and starts them.
+    /// Loads the libraries in the directory "providers" of `installation` and starts them, after
+    /// the providers that are part of this program. Those must outlive this.
     /// Errors: TeskBaseException, with the library and the reason, when a provider cannot be loaded
-    /// or started, or there is none.
+    /// or started, or there is no library.
     ProviderHost(const TSKSmrPtr<Repository::ClassRepository>& repository,
                  TSKSmrPtr<ITeskAuthenticator> authenticator,
-                 const std::filesystem::path& installation);
+                 const std::filesystem::path& installation,
+                 const std::vector<urma::pf::Provider*>& ownProviders = {});
     ProviderHost(const ProviderHost&) = delete;
     ProviderHost& operator=(const ProviderHost&) = delete;
     ~ProviderHost();
@@ -32,10 +35,11 @@ class ProviderHost {
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
   private:
-    void start(const std::filesystem::path& folder);
+    void start(const std::filesystem::path& folder,
+               const std::vector<urma::pf::Provider*>& ownProviders);
     void stop() noexcept;
 
-    TSKSmrPtr<HostPluginManager> manager_ = TSKSmrPtr<HostPluginManager>::make();
+    TSKSmrPtr<TeskProviderPluginManager> manager_ = TSKSmrPtr<TeskProviderPluginManager>::make();
 };
 
 }  // namespace Host

@@ -31,9 +31,8 @@ constexpr std::chrono::seconds kSettlingTime{1};
 // The members stand in an order in which the threads end before what they use.
 class Server::Implementation {
   public:
-    Implementation(const ServerOptions& options, const TeskProviderPluginManager& manager,
-                   RequestHandler* handler)
-        : options_(options), dispatcher_(manager, handler) {
+    Implementation(const ServerOptions& options, const TeskProviderPluginManager& manager)
+        : options_(options), dispatcher_(manager) {
         for (const auto& [address, port] : options.listen) {
             const auto& listener = listeners_.emplace_back(
                 std::make_unique<Listener>(ioThread_.context(), address, port));
@@ -130,9 +129,8 @@ class Server::Implementation {
     std::optional<WorkerPool> workers_;
 };
 
-Server::Server(const ServerOptions& options, const TeskProviderPluginManager& manager,
-               RequestHandler* handler)
-    : implementation_(std::make_unique<Implementation>(options, manager, handler)) {}
+Server::Server(const ServerOptions& options, const TeskProviderPluginManager& manager)
+    : implementation_(std::make_unique<Implementation>(options, manager)) {}
 
 Server::~Server() = default;
 

@@ -4,8 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "ObjectManager/Http/ListenAddress.h"
-#include "ObjectManager/Http/RequestHandler.h"
+#include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/ServerOptions.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
@@ -26,11 +25,10 @@ class Server {
     /// Long enough for the largest document, short enough for whoever waits for the process to end.
     static constexpr std::chrono::seconds kGracePeriod{10};
 
-    /// Listens from now on, at all places or at none; connections wait until start(). `manager` and
-    /// `handler` must outlive the server; `handler` is asked before the providers and may be null.
+    /// Listens from now on, at all places or at none; connections wait until start(). `manager`
+    /// must outlive the server.
     /// Errors: std::system_error that names address and port when it cannot listen at one of them.
-    Server(const ServerOptions& options, const TeskProviderPluginManager& manager,
-           RequestHandler* handler = nullptr);
+    Server(const ServerOptions& options, const TeskProviderPluginManager& manager);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Closes all connections; waits for the providers that still run, however long they do.

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "ObjectManager/Http/ListenAddress.h"
+#include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestLimits.h"
 #include "Platform/Http/TSKHTTPRequest.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ObjectManager/Mof/Utf8.h"
+#include "ObjectManager/Base/Utf8.h"
 
 namespace Index {
 
@@ -56,7 +56,7 @@ std::string cut(std::string sentence, std::size_t mostBytes) {
         return sentence;
     std::size_t end = sentence.rfind(' ', mostBytes);
     if (end == std::string::npos)
-        end = Mof::startOfCharacter(sentence, mostBytes);
+        end = Base::startOfCharacter(sentence, mostBytes);
     sentence.resize(end);
     return sentence + std::string(kEllipsis);
 }

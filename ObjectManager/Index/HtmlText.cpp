@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <span>
 
-#include "ObjectManager/Mof/Utf8.h"
+#include "ObjectManager/Base/Utf8.h"
 
 namespace Index {
 
@@ -44,7 +44,7 @@ std::string htmlText(std::string_view text) {
     std::string html;
     html.reserve(text.size() + text.size() / 16);
     while (!text.empty()) {
-        const std::size_t length = Mof::lengthOfCharacter(text);
+        const std::size_t length = Base::lengthOfCharacter(text);
         if (length == 0)
             html += kReplacement;
         else

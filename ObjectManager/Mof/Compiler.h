@@ -4,36 +4,48 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Mof/Compilation.h"
+#include "ObjectManager/Mof/Declarations.h"
+#include "ObjectManager/Mof/Diagnostics.h"
+#include "ObjectManager/Mof/SourceText.h"
 
 namespace Mof {
 
 struct CompilerOptions {
-    /// The folders in which an included file is looked for that does not stand beside the file that
-    /// includes it.
+    /// The directories that are searched for an included file that is not in the directory of the
+    /// file that includes it.
     std::vector<std::string> includePath;
 
-    /// After so many errors the rest is not read: they are likely to be the consequence of the
-    /// first ones.
-    std::size_t mostErrors = 20;
+    /// How many errors and warnings are reported.
+    DiagnosticLimits diagnostics;
 
-    /// How many files may include each other in a row. Far more than schemas have; it keeps files
+    /// How many files may include each other in a row. Far more than schemas need; it keeps files
     /// that were made to do harm from exhausting the stack.
-    std::size_t deepestInclude = 200;
+    std::size_t maxIncludeDepth = 200;
 
-    /// The length in bytes that a file may have, eight times that of the DMTF's whole schema. What
-    /// is read takes many times its length in memory.
-    std::size_t largestFile = std::size_t{64} << 20U;
+    /// The size of a file in bytes, eight times that of the DMTF's whole schema. Its declarations
+    /// take many times its size in memory.
+    std::size_t maxFileSize = std::size_t{64} << 20U;
 };
 
-/// Reads the MOF files at all of `paths`, whose declarations may need each other: each path is a
-/// file with all that it includes, or a folder, of which every file is read, and of the folders
-/// below it, whose name ends with ".mof", in the order of their names. A file that cannot be read
-/// is an error like those in its text.
+/// The declarations of MOF files, and what is wrong with them.
+struct Compilation {
+    std::vector<SourceText> files;
+    std::vector<QualifierDeclaration> qualifiers;
+    std::vector<ClassDeclaration> classes;
+    std::vector<Diagnostic> diagnostics;
+
+    /// Whether an error makes the declarations useless.
+    [[nodiscard]] bool hasErrors() const noexcept;
+};
+
+/// Compiles the MOF files at all of `paths`, which may refer to each other's declarations. A path
+/// names a file, which is read with all that it includes, or a directory, of which every file whose
+/// name ends with ".mof" is read, in the order of names, and those in the directories below it. A
+/// file that cannot be read is an error like those in its text.
 ///
-/// What is declared is held against each other too, once all is read without an error: without
-/// errors in the result every superclass is there, no class or qualifier is declared twice, and
-/// values fit their types.
+/// When all files are read without an error, the declarations are checked against each other: if
+/// the result has no errors, every superclass is declared, no class or qualifier is declared twice,
+/// and values fit their types.
 [[nodiscard]] Compilation compile(const std::vector<std::string>& paths,
                                   const CompilerOptions& options = {});
 

@@ -6,25 +6,19 @@
 #include <utility>
 #include <vector>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
-#include "ObjectManager/Mof/SameDeclaration.h"
+#include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Mof/ValueChecker.h"
 
 namespace Mof {
 
 namespace {
 
-std::string quoted(std::string_view name) {
-    std::string text = "\"";
-    text += name;
-    text += '"';
-    return text;
-}
-
-// Removes what says the same as a declaration before it; what says something else is an error.
+// Removes declarations that repeat an earlier one; one of the same name that says something else is
+// an error.
 template <typename Declaration>
 void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Reporter& reporter) {
-    NameMap<const Declaration*> first;
+    Base::NameMap<const Declaration*> first;
     first.reserve(declarations.size());
     std::vector<bool> repeated(declarations.size());
     for (std::size_t index = 0; index < declarations.size(); ++index) {
@@ -33,7 +27,7 @@ void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Re
         repeated[index] = !isNew;
         if (!isNew && !isSame(declaration, *known->second)) {
             reporter.error(declaration.name.position,
-                           std::string("the ") + kind + " " + quoted(declaration.name.text) +
+                           std::string("the ") + kind + " " + Base::quoted(declaration.name.text) +
                                " is declared otherwise at " +
                                reporter.nameOf(known->second->name.position));
         }
@@ -70,7 +64,7 @@ std::size_t countDeclared(const ClassDeclaration& declaration) {
     return count;
 }
 
-// Calls `onRepeated` for each element whose name another one before it has. Most lists are short
+// Calls `onRepeated` for each element that has the name of an earlier one. Most lists are short
 // enough to be compared element by element.
 template <typename Element, typename OnRepeated>
 void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepeated) {
@@ -84,7 +78,7 @@ void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepe
         }
         return;
     }
-    NameSet names;
+    Base::NameSet names;
     names.reserve(elements.size());
     for (const Element& element : elements) {
         if (!names.insert(element.name.text).second)
@@ -92,7 +86,7 @@ void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepe
     }
 }
 
-// Looks up what classes name, with a compilation in which nothing is declared twice.
+// Checks a compilation in which nothing is declared twice.
 class DeclarationChecker {
   public:
     DeclarationChecker(Compilation& compilation, Reporter& reporter)
@@ -134,8 +128,9 @@ class DeclarationChecker {
         checkQualifiers(property.qualifiers);
         checkType(property.type);
         if (property.type.dataType == DataType::kReference && property.type.isArray) {
-            reporter_.error(property.name.position, "the reference " + quoted(property.name.text) +
-                                                        " must not be an array");
+            reporter_.error(
+                property.name.position,
+                "the reference " + Base::quoted(property.name.text) + " must not be an array");
         }
         checkDefault(property.defaultValue, property.type, property.name);
     }
@@ -154,8 +149,9 @@ class DeclarationChecker {
 
     void reportRepeated(const char* kind, const Name& name, const char* ownerKind,
                         const Name& owner) {
-        reporter_.error(name.position, std::string("the ") + ownerKind + " " + quoted(owner.text) +
-                                           " has a " + kind + " " + quoted(name.text) + " already");
+        reporter_.error(name.position, std::string("the ") + ownerKind + " " +
+                                           Base::quoted(owner.text) + " has a " + kind + " " +
+                                           Base::quoted(name.text) + " already");
     }
 
     void checkType(const Type& type) {
@@ -163,8 +159,8 @@ class DeclarationChecker {
         if (type.dataType != DataType::kReference || classes_.contains(name.text))
             return;
         if (unknownClasses_.insert(name.text).second) {
-            reporter_.warning(name.position,
-                              "the referenced class " + quoted(name.text) + " is not declared");
+            reporter_.warning(name.position, "the referenced class " + Base::quoted(name.text) +
+                                                 " is not declared");
         }
     }
 
@@ -172,15 +168,16 @@ class DeclarationChecker {
         if (!value)
             return;
         if (const std::optional<Mismatch> mismatch = findMismatch(*value, type)) {
-            reporter_.error(mismatch->position,
-                            "the default value of " + quoted(name.text) + " " + mismatch->reason);
+            reporter_.error(mismatch->position, "the default value of " + Base::quoted(name.text) +
+                                                    " " + mismatch->reason);
         }
     }
 
     void checkQualifiers(Qualifiers& qualifiers) {
         findRepeated(qualifiers, [&](const Qualifier& qualifier) {
-            reporter_.error(qualifier.name.position,
-                            "the qualifier " + quoted(qualifier.name.text) + " is written twice");
+            reporter_.error(
+                qualifier.name.position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " is written twice");
         });
         for (Qualifier& qualifier : qualifiers)
             checkQualifier(qualifier);
@@ -193,7 +190,7 @@ class DeclarationChecker {
             if (unknownQualifiers_.insert(qualifier.name.text).second) {
                 reporter_.warning(
                     qualifier.name.position,
-                    "the qualifier " + quoted(qualifier.name.text) + " is not declared");
+                    "the qualifier " + Base::quoted(qualifier.name.text) + " is not declared");
             }
             return;
         }
@@ -202,20 +199,22 @@ class DeclarationChecker {
         qualifier.propagates =
             qualifier.flavors.toSubclass.value_or(declaration.flavors.toSubclass.value_or(true));
         if (!qualifier.value && !takesNoValue(declaration.type)) {
-            reporter_.warning(qualifier.name.position,
-                              "the qualifier " + quoted(qualifier.name.text) + " has no value");
+            reporter_.warning(
+                qualifier.name.position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " has no value");
             qualifier.value = nullValue(qualifier.name.position);
         }
         if (!qualifier.value)
             return;
         if (const std::optional<Mismatch> mismatch =
                 findMismatch(*qualifier.value, declaration.type)) {
-            reporter_.error(mismatch->position, "the qualifier " + quoted(qualifier.name.text) +
-                                                    " " + mismatch->reason);
+            reporter_.error(
+                mismatch->position,
+                "the qualifier " + Base::quoted(qualifier.name.text) + " " + mismatch->reason);
         }
     }
 
-    // Every class must have its superclasses, and not be one of its own.
+    // Every superclass must be declared, and no class may be its own superclass.
     void checkInheritance() {
         std::size_t missing = 0;
         for (const ClassDeclaration& declaration : compilation_.classes) {
@@ -223,8 +222,9 @@ class DeclarationChecker {
             if (name.text.isEmpty() || classes_.contains(name.text))
                 continue;
             ++missing;
-            reporter_.error(name.position, "the superclass " + quoted(name.text) + " of " +
-                                               quoted(declaration.name.text) + " is not declared");
+            reporter_.error(name.position, "the superclass " + Base::quoted(name.text) + " of " +
+                                               Base::quoted(declaration.name.text) +
+                                               " is not declared");
         }
         if (missing == 0)
             checkDepths();
@@ -232,8 +232,8 @@ class DeclarationChecker {
             checkSizes();
     }
 
-    // How far each class stands below its topmost superclass is found once; a class that is found
-    // again while its own superclasses are looked up is one of them.
+    // The depth of a class is the number of superclasses above it, and found once for each class. A
+    // class that is met again while its own superclasses are looked up is one of them.
     void checkDepths() {
         constexpr auto kLookedUp = static_cast<std::size_t>(-1);
         std::unordered_map<const ClassDeclaration*, std::size_t> depths;
@@ -249,7 +249,7 @@ class DeclarationChecker {
             if (isCyclic)
                 reportCycle(*current);
             std::size_t depth = current == nullptr || isCyclic ? 0 : depths[current] + 1;
-            // Depths mean nothing in a cycle, and it is reported already.
+            // In a cycle, which is reported already, there are no depths.
             std::reverse(line.begin(), line.end());
             for (const ClassDeclaration* const below : line)
                 setDepth(depths[below], isCyclic ? 0 : depth++, *below);
@@ -258,25 +258,25 @@ class DeclarationChecker {
 
     void setDepth(std::size_t& place, std::size_t depth, const ClassDeclaration& declaration) {
         place = depth;
-        if (depth == kDeepestClass + 1) {
+        if (depth == kMaxSuperclasses + 1) {
             reporter_.error(declaration.superclass.position,
-                            "the class " + quoted(declaration.name.text) + " has more than " +
-                                std::to_string(kDeepestClass) + " superclasses above it");
+                            "the class " + Base::quoted(declaration.name.text) + " has more than " +
+                                std::to_string(kMaxSuperclasses) + " superclasses above it");
         }
     }
 
     void reportCycle(const ClassDeclaration& declaration) {
-        constexpr std::size_t kMostNamed = 10;
+        constexpr std::size_t kMaxNamed = 10;
         std::string message =
-            "the class " + quoted(declaration.name.text) + " is its own superclass";
+            "the class " + Base::quoted(declaration.name.text) + " is its own superclass";
         std::size_t others = 0;
         for (const ClassDeclaration* current = superclassOf(declaration); current != &declaration;
              current = superclassOf(*current)) {
-            if (++others <= kMostNamed)
-                message += ", by way of " + quoted(current->name.text);
+            if (++others <= kMaxNamed)
+                message += ", by way of " + Base::quoted(current->name.text);
         }
-        if (others > kMostNamed)
-            message += " and " + std::to_string(others - kMostNamed) + " more";
+        if (others > kMaxNamed)
+            message += " and " + std::to_string(others - kMaxNamed) + " more";
         reporter_.error(declaration.superclass.position, std::move(message));
     }
 
@@ -286,17 +286,17 @@ class DeclarationChecker {
         std::size_t total = 0;
         for (const ClassDeclaration& declaration : compilation_.classes) {
             total += sizeOf(declaration, sizes);
-            if (total > kMostInherited) {
+            if (total > kMaxInherited) {
                 reporter_.error(declaration.name.position,
                                 "up to this class, classes declare and inherit more than " +
-                                    std::to_string(kMostInherited) +
+                                    std::to_string(kMaxInherited) +
                                     " properties, methods, parameters and qualifiers");
                 return;
             }
         }
     }
 
-    // What a class declares and inherits. Calls itself no deeper than classes may stand.
+    // How much a class declares and inherits. The recursion is no deeper than kMaxSuperclasses.
     std::size_t sizeOf(const ClassDeclaration& declaration, Sizes& sizes) const {
         const auto known = sizes.find(&declaration);
         if (known != sizes.end())
@@ -315,10 +315,10 @@ class DeclarationChecker {
 
     Compilation& compilation_;
     Reporter& reporter_;
-    NameMap<const QualifierDeclaration*> qualifiers_;
-    NameMap<const ClassDeclaration*> classes_;
-    NameSet unknownQualifiers_;
-    NameSet unknownClasses_;
+    Base::NameMap<const QualifierDeclaration*> qualifiers_;
+    Base::NameMap<const ClassDeclaration*> classes_;
+    Base::NameSet unknownQualifiers_;
+    Base::NameSet unknownClasses_;
 };
 
 }  // namespace

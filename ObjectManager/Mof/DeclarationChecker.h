@@ -2,24 +2,24 @@
 
 #include <cstddef>
 
-#include "ObjectManager/Mof/Compilation.h"
-#include "ObjectManager/Mof/Reporter.h"
+#include "ObjectManager/Mof/Compiler.h"
+#include "ObjectManager/Mof/Diagnostics.h"
 
 namespace Mof {
 
-/// How far a class may stand below its topmost superclass. Far more than schemas have; what a class
+/// How many superclasses a class may have above it. Far more than schemas need. What a class
 /// inherits is listed for each class, so that a longer line would take memory by its square.
-constexpr std::size_t kDeepestClass = 200;
+constexpr std::size_t kMaxSuperclasses = 200;
 
 /// How many properties, methods, parameters and qualifiers all classes together may have, counted
-/// for each class with all that its superclasses declare. The DMTF's schema has 134,000; a small
-/// file that was made to do harm could exhaust the memory, of which each may take some bytes.
-constexpr std::size_t kMostInherited = 20'000'000;
+/// for each class with all that it inherits. The DMTF's schema has 134,000. A small file that was
+/// made to do harm could declare enough of them to exhaust the memory.
+constexpr std::size_t kMaxInherited = 20'000'000;
 
-/// Holds all declarations of a compilation against each other: looks up superclasses and
-/// qualifiers, and holds values against types. Removes declarations that are there already and say
-/// the same, and fills in the types of qualifiers and which of them propagate.
-/// Errors: TooManyErrors out of `reporter`.
+/// Checks the declarations of a compilation against each other: superclasses and qualifiers must be
+/// declared, values must fit types. Removes repeated declarations that say the same, and completes
+/// qualifiers by their type and whether they propagate.
+/// Errors: TooManyErrors of `reporter`.
 void checkDeclarations(Compilation& compilation, Reporter& reporter);
 
 }  // namespace Mof

@@ -1,24 +1,56 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
-#include "ObjectManager/Mof/DataType.h"
-#include "ObjectManager/Mof/Position.h"
 #include "Platform/Util/TSKString.h"
 
 /// What MOF files declare, as it is written.
 namespace Mof {
 
-/// A name and where it stands.
+/// A place in the files that are compiled.
+struct Position {
+    std::size_t file = 0;    ///< its number in Compilation::files
+    std::size_t offset = 0;  ///< in bytes, from the beginning of its text
+};
+
+/// The bytes of a source text from `begin` up to, but not including, `end`.
+struct Range {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+/// The data types of CIM (DSP0004, 5.2), and references.
+enum class DataType : std::uint8_t {
+    kUint8,
+    kSint8,
+    kUint16,
+    kSint16,
+    kUint32,
+    kSint32,
+    kUint64,
+    kSint64,
+    kReal32,
+    kReal64,
+    kChar16,
+    kString,
+    kBoolean,
+    kDatetime,
+    kReference,
+};
+
+/// The keyword of MOF for a type, in lower case: "uint8", "datetime", "ref".
+[[nodiscard]] const char* keywordOf(DataType type) noexcept;
+
+/// A name and its place.
 struct Name {
     TSKString text;
     Position position;
 };
 
-/// A type as it is written with a name: "uint8 Values[4]".
+/// The type in a declaration such as "uint8 Values[4]".
 struct Type {
     DataType dataType = DataType::kString;
     Name referencedClass;  ///< of a reference
@@ -26,7 +58,7 @@ struct Type {
     std::optional<std::uint64_t> arraySize;  ///< of an array with a fixed size
 };
 
-/// A literal. Of a number what is written counts, so that it can be held against a type later.
+/// A literal. A number is kept as it is written, so that it can be checked against a type later.
 struct Literal {
     enum class Kind : std::uint8_t {
         kNull,
@@ -55,7 +87,7 @@ struct Value {
     std::vector<Literal> literals;  ///< one, unless it is an array
 };
 
-/// How a qualifier is passed on (DSP0004, 5.6.3). What is not written is not set.
+/// How a qualifier is passed on (DSP0004, 5.6.3). A flavor that is not written is not set.
 struct Flavors {
     std::optional<bool> overridable;
     std::optional<bool> toSubclass;
@@ -68,18 +100,18 @@ struct Qualifier {
     std::optional<Value> value;  ///< none for "[Key]"
     Flavors flavors;
 
-    /// The type of the value, or of its elements, as the qualifier is declared; none where it is
-    /// not. Known when all files are read.
+    /// The type of the value, or of its elements, as the qualifier is declared; none if it is not
+    /// declared. Known when all files are read.
     std::optional<DataType> dataType = std::nullopt;
 
-    /// Whether what overrides the declaration, and the subclasses of a class, have the qualifier as
-    /// well. Depends on the qualifier's declaration, so it is known when all files are read.
+    /// Whether overriding declarations, and the subclasses of a class, inherit the qualifier.
+    /// Depends on the qualifier's declaration, so it is known when all files are read.
     bool propagates = true;
 };
 
 using Qualifiers = std::vector<Qualifier>;
 
-/// What a qualifier may be written on; a set of bits.
+/// The kinds of declarations that a qualifier may be written on; a set of bits.
 enum Scope : unsigned {
     kClassScope = 1U << 0U,
     kAssociationScope = 1U << 1U,
@@ -120,7 +152,7 @@ struct Method {
     std::vector<Parameter> parameters;
 };
 
-/// A class, association or indication; its qualifiers tell which.
+/// A class, association or indication, as its qualifiers say.
 struct ClassDeclaration {
     Name name;
     Name superclass;  ///< empty for none
@@ -128,5 +160,10 @@ struct ClassDeclaration {
     std::vector<Property> properties;
     std::vector<Method> methods;
 };
+
+/// Whether two declarations say the same, apart from their places. Names are compared without
+/// regard to case, lists in their order.
+[[nodiscard]] bool isSame(const ClassDeclaration& left, const ClassDeclaration& right);
+[[nodiscard]] bool isSame(const QualifierDeclaration& left, const QualifierDeclaration& right);
 
 }  // namespace Mof

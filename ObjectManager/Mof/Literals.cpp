@@ -9,6 +9,8 @@
 #include <string>
 #include <system_error>
 
+#include "ObjectManager/Base/Utf8.h"
+
 namespace Mof {
 
 namespace {
@@ -34,35 +36,6 @@ bool takeSign(std::string_view& text) {
     if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
     return isNegative;
-}
-
-using CodePoint = std::uint32_t;
-
-void appendUtf8(TSKString& text, CodePoint code) {
-    const auto append = [&](CodePoint byte) { text += static_cast<char>(byte); };
-    if (code < 0x80) {
-        append(code);
-    } else if (code < 0x800) {
-        append(0xC0U | code >> 6U);
-        append(0x80U | (code & 0x3FU));
-    } else if (code < 0x10000) {
-        append(0xE0U | code >> 12U);
-        append(0x80U | (code >> 6U & 0x3FU));
-        append(0x80U | (code & 0x3FU));
-    } else {
-        append(0xF0U | code >> 18U);
-        append(0x80U | (code >> 12U & 0x3FU));
-        append(0x80U | (code >> 6U & 0x3FU));
-        append(0x80U | (code & 0x3FU));
-    }
-}
-
-constexpr bool isHighSurrogate(CodePoint code) {
-    return code >= 0xD800 && code < 0xDC00;
-}
-
-constexpr bool isLowSurrogate(CodePoint code) {
-    return code >= 0xDC00 && code < 0xE000;
 }
 
 // Reads the escapes of a literal, one after the other.
@@ -120,35 +93,36 @@ class Unescaper {
 
     // \x and one to four hexadecimal digits; characters beyond the basic plane are two of them.
     void readCodePoint(TSKString& result, std::size_t start) {
-        const std::optional<CodePoint> first = readHexadecimal();
+        const std::optional<char32_t> first = readHexadecimal();
         if (!first) {
             onError_(offset_ + start, "\\x needs hexadecimal digits");
             return;
         }
-        const CodePoint code = isHighSurrogate(*first) ? joinedToNext(*first) : *first;
-        if (code == 0 || isHighSurrogate(code) || isLowSurrogate(code))
+        const char32_t code = Base::isHighSurrogate(*first) ? joinedToNext(*first) : *first;
+        if (code == 0 || Base::isHighSurrogate(code) || Base::isLowSurrogate(code))
             onError_(offset_ + start, "this escape stands for no character");
         else
-            appendUtf8(result, code);
+            Base::appendCodePoint(result, code);
     }
 
-    // The character of which the second half follows; `high` where that is something else.
-    CodePoint joinedToNext(CodePoint high) {
+    // The character that `high` and the escape that follows stand for; `high` if no second half
+    // follows.
+    char32_t joinedToNext(char32_t high) {
         const std::string_view escape = text_.substr(position_, 2);
         if (escape == "\\x" || escape == "\\X") {
             position_ += 2;
-            const std::optional<CodePoint> low = readHexadecimal();
-            if (low && isLowSurrogate(*low))
+            const std::optional<char32_t> low = readHexadecimal();
+            if (low && Base::isLowSurrogate(*low))
                 return 0x10000 + ((high - 0xD800) << 10U) + (*low - 0xDC00);
         }
         return high;
     }
 
     // None without a digit.
-    std::optional<CodePoint> readHexadecimal() {
+    std::optional<char32_t> readHexadecimal() {
         constexpr std::size_t kMostDigits = 4;
         const std::string_view digits = text_.substr(position_, kMostDigits);
-        CodePoint code = 0;
+        std::uint32_t code = 0;
         const auto [end, error] =
             std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
         position_ += static_cast<std::size_t>(end - digits.data());
@@ -169,18 +143,11 @@ bool endsWithEscape(std::string_view text) noexcept {
     return last != std::string_view::npos && (text.size() - last) % 2 == 0;
 }
 
-// The code of the one character that a text in UTF-8 holds; 0 if it holds another number of them.
-CodePoint onlyCharacter(std::string_view text) {
-    const auto byte = [&](std::size_t index) {
-        return static_cast<CodePoint>(static_cast<unsigned char>(text[index]));
-    };
-    if (text.size() == 1 && byte(0) < 0x80)
-        return byte(0);
-    if (text.size() == 2 && byte(0) >= 0xC0 && byte(0) < 0xE0)
-        return (byte(0) & 0x1FU) << 6U | (byte(1) & 0x3FU);
-    if (text.size() == 3 && byte(0) >= 0xE0)
-        return (byte(0) & 0x0FU) << 12U | (byte(1) & 0x3FU) << 6U | (byte(2) & 0x3FU);
-    return 0;
+// The only character of a text, if it is one of the basic plane; otherwise 0.
+char16_t onlyCharacter(std::string_view text) {
+    constexpr char32_t kLastOfBasicPlane = 0xFFFF;
+    const auto [code, length] = Base::decodeCodePoint(text);
+    return length == text.size() && code <= kLastOfBasicPlane ? static_cast<char16_t>(code) : 0;
 }
 
 }  // namespace
@@ -220,19 +187,19 @@ Literal realLiteral(std::string_view text, std::size_t offset, const ReportFault
     return literal;
 }
 
-std::size_t lengthOfString(std::string_view text) noexcept {
+StringText readString(std::string_view text) noexcept {
     std::size_t start = 1;
     while (true) {
-        // Nothing behind the next quotation mark is looked at: there may be many strings on a line,
-        // and many quotation marks in a string.
+        // Nothing after the next quotation mark is searched: a line may have many strings, and a
+        // string many quotation marks.
         const std::size_t quote = std::min(text.find('"', start), text.size());
         const std::size_t lineEnd = std::min(text.substr(0, quote).find('\n', start), quote);
         const std::size_t end = std::min(text.substr(0, lineEnd).find('\r', start), lineEnd);
         const bool isEscaped = endsWithEscape(text.substr(0, end));
         if (end == text.size() || text[end] != '"')
-            return isEscaped ? end - 1 : end;
+            return {.length = isEscaped ? end - 1 : end, .isClosed = false};
         if (!isEscaped)
-            return end + 1;
+            return {.length = end + 1, .isClosed = true};
         start = end + 1;
     }
 }
@@ -251,10 +218,10 @@ Literal characterLiteral(std::string_view text, std::size_t offset, const Report
         hasFault = true;
         onError(place, message);
     };
-    const CodePoint code = onlyCharacter(unescape(text, offset, onEscapeError));
+    const char16_t code = onlyCharacter(unescape(text, offset, onEscapeError));
     if (code == 0 && !hasFault)
         onError(offset, "a char16 literal holds one character of the basic plane");
-    literal.character = static_cast<std::uint16_t>(code);
+    literal.character = code;
     return literal;
 }
 

@@ -2,51 +2,121 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
-#include "ObjectManager/Mof/FileDeclarations.h"
+#include "ObjectManager/Mof/Declarations.h"
+#include "ObjectManager/Mof/Diagnostics.h"
+#include "ObjectManager/Mof/FileParser.h"
+#include "ObjectManager/Mof/Parser.h"
 #include "ObjectManager/Mof/Pragma.h"
-#include "ObjectManager/Mof/Range.h"
+#include "ObjectManager/Mof/Scanner.h"
+
+// What the grammar in Parser.yy works with; FileParser.cpp holds the code.
 
 namespace Mof {
 
-/// Told of a fault, and where in the text it is.
-using ReportFault = std::function<void(std::size_t offset, const std::string& message)>;
-
-/// A token that does not fit where it stands.
-struct SyntaxFault {
-    int token = 0;  ///< which symbol of the parser
-    Range range;
-    bool endIsMissing = false;  ///< whether a semicolon would have fitted
-};
-
-/// What the scanner passes over after a fault.
-enum class Skipping : std::uint8_t {
-    kNothing,
-    kMember,      ///< of a class, or a value of an instance
-    kDeclaration  ///< of whatever kind
-};
-
-/// What the scanner and the parser share: where a file's text is read, and what has come of it so
-/// far.
+/// Passes on the faults of a text, except those in the parts that are skipped after a syntax error.
 ///
 /// Thread safety: belongs to one thread.
-class ParserContext {
+class FaultFilter {
   public:
-    ParserContext(ReportFault onErrorFound, ReportFault onWarningFound);
-    ParserContext(const ParserContext&) = delete;
-    ParserContext& operator=(const ParserContext&) = delete;
-    ~ParserContext() = default;
+    FaultFilter(ReportFault onError, ReportFault onWarning);
+    FaultFilter(const FaultFilter&) = delete;
+    FaultFilter& operator=(const FaultFilter&) = delete;
+    ~FaultFilter() = default;
 
-    /// Starts with the next file. `file` is its number, for positions; `text` must live until it
-    /// is parsed; `flex` is the scanner.
-    void begin(std::size_t file, std::string_view text, void* flex);
+    /// Starts with the next text.
+    void begin() noexcept;
 
-    // What the grammar makes of its pieces.
+    /// The functions to report to. Valid as long as this object.
+    [[nodiscard]] const ReportFault& onError() const noexcept { return onError_; }
+    [[nodiscard]] const ReportFault& onWarning() const noexcept { return onWarning_; }
+
+    void setSkipping(bool isSkipping) noexcept { isSkipping_ = isSkipping; }
+
+    /// Whether the last error is one at `offset`.
+    [[nodiscard]] bool isLastErrorAt(std::size_t offset) const noexcept {
+        return lastError_ == offset;
+    }
+
+  private:
+    ReportFault onError_;
+    ReportFault onWarning_;
+    bool isSkipping_ = false;
+    std::optional<std::size_t> lastError_;
+};
+
+/// Gives the parser the tokens of a text. After a syntax error it skips those up to the next
+/// declaration or member, where the parser goes on.
+///
+/// Thread safety: belongs to one thread.
+class TokenStream {
+  public:
+    /// Reports to `faults`, which must outlive this object.
+    explicit TokenStream(FaultFilter& faults);
+
+    /// Starts with the next text, which must live until it is parsed.
+    void begin(std::string_view text);
+
+    [[nodiscard]] Parser::symbol_type next();
+
+    /// Reports a token that the grammar does not expect, and the expected ones if they are few.
+    /// Reports nothing if the scanner has reported an error at the token.
+    void reportSyntaxError(const Parser::context& place);
+
+    /// Whether the unexpected token is the end of the text.
+    [[nodiscard]] bool failedAtEnd() const noexcept;
+
+    /// Makes the next token the first one of a declaration, or of a member of a class or instance.
+    /// That may be the unexpected token itself.
+    void resumeAtDeclaration() noexcept { resumption_ = Resumption::kDeclaration; }
+    void resumeAtMember() noexcept { resumption_ = Resumption::kMember; }
+
+  private:
+    enum class Resumption : std::uint8_t { kNone, kDeclaration, kMember };
+
+    // The last token that the grammar did not expect.
+    struct SyntaxError {
+        Parser::symbol_type token;
+        bool isSemicolonExpected = false;
+    };
+
+    Parser::symbol_type scan();
+    Parser::symbol_type resume();
+    Parser::symbol_type skipToDeclaration();
+    Parser::symbol_type skipToMember();
+    [[nodiscard]] bool failedAtDeclaration() const;
+    [[nodiscard]] bool failedAtMember() const;
+    [[nodiscard]] bool beginsDeclaration(const Parser::symbol_type& token) const;
+    [[nodiscard]] bool isFirstOnLine(const Range& token) const;
+    [[nodiscard]] bool isFollowedByName(const Range& token) const;
+
+    FaultFilter& faults_;
+    Scanner scanner_;
+    std::string_view text_;
+    std::size_t openBraces_ = 0;  // after the last token
+    std::optional<SyntaxError> error_;
+    Resumption resumption_ = Resumption::kNone;
+    bool skippedToEnd_ = false;
+};
+
+/// Collects what a text declares.
+///
+/// Thread safety: belongs to one thread.
+class DeclarationBuilder {
+  public:
+    /// Reports to `faults`, which must outlive this object.
+    explicit DeclarationBuilder(const FaultFilter& faults) : faults_(faults) {}
+
+    /// Starts with the next text; `file` is its number for positions.
+    void begin(std::size_t file);
+    [[nodiscard]] FileDeclarations takeDeclarations();
+
+    void add(ClassDeclaration declaration);
+    void add(QualifierDeclaration declaration);
+    void add(const Pragma& pragma, const Range& range);
 
     [[nodiscard]] Position position(const Range& range) const noexcept {
         return {.file = file_, .offset = range.begin};
@@ -54,37 +124,19 @@ class ParserContext {
     [[nodiscard]] Literal textLiteral(const Range& range, Literal::Kind kind, TSKString text) const;
     [[nodiscard]] Value scalar(const Range& range, Literal literal) const;
     [[nodiscard]] Value array(const Range& range, std::vector<Literal> literals) const;
-    /// An array type; an error for a size that is not positive.
+    /// An array type of a fixed size; an error for a size that is not positive.
     [[nodiscard]] Type arrayOfSize(const Range& range, const Literal& size) const;
     /// All flavors of both; an error where they contradict each other.
     [[nodiscard]] Flavors combined(const Range& range, Flavors flavors, const Flavors& more) const;
-    void addPragma(const Range& range, const Pragma& pragma);
-    /// One without a value. An error for those that are known; the others may be written otherwise.
-    void reportIncomplete(const Range& range, const Pragma& pragma) const;
 
-    /// Whether the last error is about what stands there.
-    [[nodiscard]] bool isToldOf(const Range& range) const noexcept {
-        return lastError_ == range.begin;
+    void reportError(const Range& range, const std::string& message) const {
+        faults_.onError()(range.begin, message);
     }
 
-    FileDeclarations result;
-    ReportFault onError;
-    ReportFault onWarning;
-    std::string_view source;  ///< the whole text
-    std::size_t offset = 0;   ///< of the scanner, behind the last token
-    void* scanner = nullptr;  ///< what flex keeps
-
-    // What the parser recovers from syntax errors with.
-
-    SyntaxFault fault;           ///< the last one
-    std::size_t openBraces = 0;  ///< behind the last token
-    Skipping skipping = Skipping::kNothing;
-    bool isQuiet = false;       ///< whether faults are not reported: of what is skipped
-    bool skippedToEnd = false;  ///< whether the end of the text was come by in skipping
-
   private:
+    const FaultFilter& faults_;
     std::size_t file_ = 0;
-    std::optional<std::size_t> lastError_;
+    FileDeclarations declarations_;
 };
 
 }  // namespace Mof

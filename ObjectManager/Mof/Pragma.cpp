@@ -3,44 +3,47 @@
 #include <algorithm>
 #include <optional>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Text.h"
+
 namespace Mof {
 
 namespace {
 
 constexpr std::string_view kLineEnds = "\r\n";
 
-// How far the end of a comment is looked for: a file may have pragmas by the thousand, and none of
-// them may take as long as the file is.
-constexpr std::size_t kLongestComment = 1000;
+// A longer comment makes a pragma incomplete. A file may have thousands of pragmas with a comment
+// that is not closed; without a limit, the file would be searched to its end for each of them.
+constexpr std::size_t kMaxCommentSize = 1000;
 
 bool holdsLineEnd(std::string_view text) {
     return text.find_first_of(kLineEnds) != std::string_view::npos;
 }
 
 bool isNameByte(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z') ||
-           (code >= '0' && code <= '9') || code == '_' || code >= 0x80;
+    return Base::isLetter(byte) || Base::isDigit(byte) || byte == '_' ||
+           static_cast<unsigned char>(byte) >= 0x80;
 }
 
-// Takes one piece after the other from the front of a text, with the blanks before it.
-class Pieces {
+// Takes the parts of a pragma from the front of a text, each with the spaces and comments before
+// it.
+class Cursor {
   public:
-    explicit Pieces(std::string_view text) : text_(text) {}
+    explicit Cursor(std::string_view text) : text_(text) {}
 
-    // Empty where there is none.
+    // Empty if there is none.
     std::string_view takeName() {
-        skipBlanks();
+        skipSpaces();
         const auto end = std::find_if_not(text_.begin(), text_.end(), isNameByte);
         return take(static_cast<std::size_t>(end - text_.begin()));
     }
 
     bool takeSign(char sign) {
-        skipBlanks();
+        skipSpaces();
         return text_.starts_with(sign) && !take(1).empty();
     }
 
-    // What stands between quotation marks on one line.
+    // The text between quotation marks on one line.
     std::optional<std::string_view> takeValue() {
         if (!takeSign('"'))
             return std::nullopt;
@@ -61,10 +64,10 @@ class Pieces {
         return taken;
     }
 
-    void skipBlanks() {
-        constexpr std::string_view kBlanks = " \t\r\n\f\v\x1A";
+    void skipSpaces() {
+        constexpr std::string_view kSpaces = " \t\r\n\f\v\x1A";  // SPACE in Scanner.l
         while (true) {
-            (void)take(std::min(text_.find_first_not_of(kBlanks), text_.size()));
+            (void)take(std::min(text_.find_first_not_of(kSpaces), text_.size()));
             const std::size_t length = lengthOfComment();
             if (length == 0)
                 return;
@@ -72,13 +75,13 @@ class Pieces {
         }
     }
 
-    // 0 where there is none that ends.
+    // 0 if there is none, or none that ends.
     [[nodiscard]] std::size_t lengthOfComment() const {
         if (text_.starts_with("//"))
             return std::min(text_.find_first_of(kLineEnds), text_.size());
         if (!text_.starts_with("/*"))
             return 0;
-        const std::size_t end = text_.substr(0, kLongestComment).find("*/", 2);
+        const std::size_t end = text_.substr(0, kMaxCommentSize).find("*/", 2);
         return end == std::string_view::npos ? 0 : end + 2;
     }
 
@@ -87,24 +90,36 @@ class Pieces {
 
 }  // namespace
 
+Pragma::Kind Pragma::kind() const {
+    if (name.equalsIgnoreCase("include"))
+        return Kind::kInclude;
+    if (name.equalsIgnoreCase("locale"))
+        return Kind::kLocale;
+    return name.equalsIgnoreCase("namespace") ? Kind::kNamespace : Kind::kUnknown;
+}
+
 PragmaText readPragma(std::string_view text) {
     constexpr std::string_view kKeyword = "#pragma";
-    Pieces pieces(text.substr(kKeyword.size()));
-    const std::string_view name = pieces.takeName();
-    const std::string_view upToName = text.substr(0, text.size() - pieces.left());
+    Cursor cursor(text.substr(kKeyword.size()));
+    const std::string_view name = cursor.takeName();
+    const std::string_view upToName = text.substr(0, text.size() - cursor.left());
     std::optional<std::string_view> value;
-    if (!name.empty() && pieces.takeSign('('))
-        value = pieces.takeValue();
-    if (value && pieces.takeSign(')'))
+    if (!name.empty() && cursor.takeSign('('))
+        value = cursor.takeValue();
+    if (value && cursor.takeSign(')'))
         return {.pragma = {.name = TSKString(name), .value = TSKString(*value)},
-                .length = text.size() - pieces.left(),
+                .length = text.size() - cursor.left(),
                 .isComplete = true};
     PragmaText incomplete;
-    // What stands on the next line is the name of a complete one alone.
+    // The name of an incomplete pragma is on its first line: the next line is other text.
     if (!holdsLineEnd(upToName))
         incomplete.pragma.name = TSKString(name);
     incomplete.length = std::min(text.find_first_of(kLineEnds), text.size());
     return incomplete;
+}
+
+std::string unknownPragmaWarning(const Pragma& pragma) {
+    return "the pragma " + Base::quoted(pragma.name) + " is not known and is ignored";
 }
 
 }  // namespace Mof

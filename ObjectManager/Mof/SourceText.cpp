@@ -1,51 +1,16 @@
 #include "ObjectManager/Mof/SourceText.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
-#include "ObjectManager/Mof/Utf8.h"
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/Utf8.h"
 
 namespace Mof {
 
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-constexpr bool isLineEnd(char byte) noexcept {
-    return byte == '\r' || byte == '\n';
-}
-
-// Almost all of a schema is ASCII, which is stepped over a word at a time.
-std::size_t asciiLength(std::string_view text) noexcept {
-    constexpr std::uint64_t kHighBits = 0x8080808080808080U;
-    std::size_t length = 0;
-    for (std::uint64_t word = 0; length + sizeof word <= text.size(); length += sizeof word) {
-        std::memcpy(&word, text.data() + length, sizeof word);
-        if ((word & kHighBits) != 0)
-            break;
-    }
-    return length;
-}
-
-bool isUtf8(std::string_view text) noexcept {
-    while (!text.empty()) {
-        text.remove_prefix(asciiLength(text));
-        if (text.empty())
-            return true;
-        const std::size_t length = lengthOfCharacter(text);
-        if (length == 0)
-            return false;
-        text.remove_prefix(length);
-    }
-    return true;
-}
-
-std::size_t countCharacters(std::string_view text) noexcept {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
-}
 
 // CR, LF, or the two in a row.
 std::size_t countLineEnds(std::string_view text) noexcept {
@@ -62,22 +27,15 @@ std::size_t countLineEnds(std::string_view text) noexcept {
 std::string fromLatin1(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size() + bytes.size() / 8);
-    for (const char byte : bytes) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (code < 0x80) {
-            text += byte;
-        } else {
-            text += static_cast<char>(0xC0U | code >> 6U);
-            text += static_cast<char>(0x80U | (code & 0x3FU));
-        }
-    }
+    for (const char byte : bytes)
+        Base::appendCodePoint(text, static_cast<unsigned char>(byte));
     return text;
 }
 
 void turnIntoUtf8(std::string& bytes) {
     if (std::string_view(bytes).starts_with(kByteOrderMark))
         bytes.erase(0, kByteOrderMark.size());
-    if (!isUtf8(bytes))
+    if (!Base::isUtf8(bytes))
         bytes = fromLatin1(bytes);
 }
 
@@ -105,27 +63,28 @@ LineAndColumn SourceText::locate(std::size_t offset) const noexcept {
     const std::string_view inLine = before.substr(lineStart);
     return {
         .line = 1 + countLineEnds(text().substr(0, lineStart)),
-        .column = 1 + countCharacters(inLine),
+        .column = 1 + Base::countCharacters(inLine),
     };
 }
 
 LineExcerpt SourceText::excerptAt(std::size_t offset) const noexcept {
     const std::string_view line = lineAt(offset);
-    if (line.size() <= kLongestLine)
+    if (line.size() <= kMaxExcerpt)
         return {.text = line, .skipped = 0, .continues = false};
     const std::size_t place = std::min(offset - startOfLine(offset), line.size());
-    const std::size_t begin = startOfCharacter(line, place - std::min(place, kLongestLine / 2));
-    const std::size_t end = startOfCharacter(line, begin + kLongestLine);
+    const std::size_t begin =
+        Base::startOfCharacter(line, place - std::min(place, kMaxExcerpt / 2));
+    const std::size_t end = Base::startOfCharacter(line, begin + kMaxExcerpt);
     return {
         .text = line.substr(begin, end - begin),
-        .skipped = countCharacters(line.substr(0, begin)),
+        .skipped = Base::countCharacters(line.substr(0, begin)),
         .continues = end < line.size(),
     };
 }
 
 std::string_view SourceText::lineAt(std::size_t offset) const noexcept {
     const std::string_view line = text().substr(startOfLine(offset));
-    const auto end = std::find_if(line.begin(), line.end(), isLineEnd);
+    const auto end = std::find_if(line.begin(), line.end(), Base::isLineEnd);
     return line.substr(0, static_cast<std::size_t>(end - line.begin()));
 }
 
@@ -135,7 +94,7 @@ std::size_t SourceText::startOfLine(std::size_t offset) const noexcept {
     // Between the two bytes of one end the line is not over.
     if (start > 0 && all[start - 1] == '\r' && all.substr(start).starts_with('\n'))
         --start;
-    while (start > 0 && !isLineEnd(all[start - 1]))
+    while (start > 0 && !Base::isLineEnd(all[start - 1]))
         --start;
     return start;
 }

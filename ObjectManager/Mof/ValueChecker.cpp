@@ -68,8 +68,8 @@ const char* nameOf(Literal::Kind kind) {
     return "";
 }
 
-// Whether literals of that kind can have the type at all. The numbers of characters are written for
-// them in older schemas.
+// Whether literals of that kind can have the type at all. Older schemas write characters as their
+// numbers.
 bool isOfKind(Literal::Kind kind, DataType type) {
     using Kind = Literal::Kind;
     if (kind == Kind::kNull)

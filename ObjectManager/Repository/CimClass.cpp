@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
 namespace Repository {
@@ -34,7 +34,7 @@ std::vector<const Member*> listOf(const std::vector<Member>& members) {
 template <typename Member>
 std::vector<const Member*> withInherited(const std::vector<const Member*>& inherited,
                                          std::vector<Member>& declared) {
-    Mof::NameMap<Member*> unplaced;
+    Base::NameMap<Member*> unplaced;
     unplaced.reserve(declared.size());
     for (Member& member : declared)
         unplaced.emplace(member.name(), &member);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
 namespace Repository {
@@ -24,7 +24,7 @@ CI_AutoPtr_U<urma::Iterator<const urma::IParameterDef&>> CimMethod::getParameter
 
 void CimMethod::override(const CimMethod& overridden) {
     inheritQualifiers(overridden);
-    Mof::NameMap<const CimParameter*> overriddenParameters;
+    Base::NameMap<const CimParameter*> overriddenParameters;
     for (const CimParameter& parameter : overridden.parameters_)
         overriddenParameters.emplace(parameter.name(), &parameter);
     for (CimParameter& parameter : parameters_) {

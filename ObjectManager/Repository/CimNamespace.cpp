@@ -43,7 +43,7 @@ class ClassMaker {
     const RepositoryOptions& options_;
     std::vector<TSKSmrPtr<CimClass>> classes_;
     std::vector<TSKString> names_;  // which the places are found by while declarations are used up
-    Mof::NameMap<std::size_t> places_;
+    Base::NameMap<std::size_t> places_;
 };
 
 }  // namespace

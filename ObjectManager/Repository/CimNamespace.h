@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Repository/CimClass.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"
@@ -36,7 +36,7 @@ class CimNamespace {
     TSKString name_;
     RepositoryOptions options_;
     std::vector<TSKSmrPtr<CimClass>> classes_;
-    Mof::NameMap<std::size_t> places_;  // of each class in classes_
+    Base::NameMap<std::size_t> places_;  // of each class in classes_
 };
 
 }  // namespace Repository

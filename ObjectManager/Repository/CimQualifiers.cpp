@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Repository/DefinitionIterator.h"
 
 namespace Repository {
@@ -16,7 +16,7 @@ CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions&
 }
 
 void CimQualifiers::inherit(const CimQualifiers& overridden) {
-    Mof::NameSet writtenNames;  // both lists may be long
+    Base::NameSet writtenNames;  // both lists may be long
     writtenNames.reserve(written_.size());
     for (const CimQualifier& qualifier : written_)
         writtenNames.insert(qualifier.name());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ObjectManager/Mof/DataType.h"
+#include "ObjectManager/Mof/Declarations.h"
 #include "Platform/Cim/ITeskType.h"
 #include "Platform/Util/TSKSmrPtr.h"
 

@@ -39,7 +39,7 @@ class ClassRepository : public ITeskRepository, public ITeskNamespaceList {
 
   private:
     std::vector<CimNamespace> namespaces_;
-    Mof::NameMap<std::size_t> places_;  // of each namespace in namespaces_
+    Base::NameMap<std::size_t> places_;  // of each namespace in namespaces_
 };
 
 }  // namespace Repository

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Compiler.h"
 
 namespace Repository {
@@ -16,7 +16,7 @@ std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) 
     std::vector<NamespaceSource> sums;
     for (const NamespaceSource& source : sources) {
         const auto known = std::find_if(sums.begin(), sums.end(), [&](const NamespaceSource& sum) {
-            return Mof::CaseInsensitiveEqual()(sum.name, source.name);
+            return Base::CaseInsensitiveEqual()(sum.name, source.name);
         });
         if (known == sums.end())
             sums.push_back(source);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Mof/Diagnostic.h"
+#include "ObjectManager/Mof/Diagnostics.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Repository/NamespaceSource.h"
 #include "ObjectManager/Repository/RepositoryOptions.h"

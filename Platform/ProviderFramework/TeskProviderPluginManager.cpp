@@ -9,6 +9,7 @@
 
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 #include "Platform/Util/TSKLog.h"
+#include "Platform/Util/TSKValSlistIterator.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -53,6 +54,18 @@ std::vector<std::string> librariesIn(const TSKString& folder) {
     return files;
 }
 
+// The URIs of the namespaces in a list, which may be null.
+std::vector<TSKString> urisOf(const TSKSmrPtr<ITeskNamespaceList>& namespaces) {
+    std::vector<TSKString> uris;
+    if (!namespaces)
+        return uris;
+    const TSKValSlist<TSKString> names = namespaces->getNamespaceList();
+    TSKValSlistIterator<TSKString> next(names);
+    while (next())
+        uris.push_back("/" + next.key());
+    return uris;
+}
+
 }  // namespace
 
 TeskProviderPluginManager::~TeskProviderPluginManager() = default;
@@ -86,7 +99,10 @@ bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const
 
 TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
     TSKSmrPtr<ITeskNamespaceList> namespaces) {
-    return namespaces_.install(std::move(namespaces));
+    const std::vector<TSKString> now = urisOf(namespaces);
+    TSKSmrPtr<ITeskNamespaceList> previous = namespaces_.install(std::move(namespaces));
+    routeNamespaces(urisOf(previous), now);
+    return previous;
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
@@ -186,6 +202,25 @@ const char* TeskProviderPluginManager::addRoute(const TSKString& providerName,
             break;
     }
     return nullptr;
+}
+
+// Gives the namespaces that nobody has registered to the provider that serves the others.
+void TeskProviderPluginManager::routeNamespaces(const std::vector<TSKString>& before,
+                                                const std::vector<TSKString>& now) {
+    const std::lock_guard lock(mutex_);
+    std::optional<TSKString> provider;
+    for (const std::vector<TSKString>* uris : {&before, &now}) {
+        for (const TSKString& uri : *uris) {
+            if (const TSKString* name = routes_.findRegistered(uri); name != nullptr && !provider)
+                provider = *name;
+        }
+    }
+    if (!provider)
+        return;
+    for (const TSKString& uri : now) {
+        if (routes_.findRegistered(uri) == nullptr)
+            (void)routes_.add(*provider, uri);
+    }
 }
 
 void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSKString& file) {

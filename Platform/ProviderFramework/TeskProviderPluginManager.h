@@ -22,8 +22,8 @@
 ///
 /// Destroying the manager does not shut the providers down; call shutdown() first.
 ///
-/// Thread safety: loadProviders, addProvider, startup, postStartup and shutdown are called by one
-/// thread; everything else may be used by several threads at once.
+/// Thread safety: loadProviders, addProvider, startup, postStartup, shutdown and setNamespaceList
+/// are called by one thread; everything else may be used by several threads at once.
 class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
   public:
     using Failures = std::vector<TeskProviderFailure>;
@@ -58,9 +58,13 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     static TSKSmrPtr<TeskProviderPluginManager> setTeskProviderPluginManager(
         TSKSmrPtr<TeskProviderPluginManager> manager);
 
-    /// Both return what was installed before.
-    TSKSmrPtr<ITeskNamespaceList> setNamespaceList(TSKSmrPtr<ITeskNamespaceList> namespaces);
+    /// Makes these the class definitions of the object manager. Returns those before.
     TSKSmrPtr<ITeskRepository> setRepository(TSKSmrPtr<ITeskRepository> repository);
+
+    /// Makes these the namespaces of the object manager. Returns those before. The provider that
+    /// serves the first namespace, before or now, that a provider has registered is given all
+    /// namespaces that no provider has registered.
+    TSKSmrPtr<ITeskNamespaceList> setNamespaceList(TSKSmrPtr<ITeskNamespaceList> namespaces);
 
     /// Loads every library lib*.so of the folder, in the order of their names, and asks each
     /// provider for its name. See ProviderLibrary::load.
@@ -93,6 +97,7 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
 
     [[nodiscard]] const Entry* findEntry(const TSKString& providerName) const;
     [[nodiscard]] const char* addRoute(const TSKString& providerName, const TSKString& uri);
+    void routeNamespaces(const std::vector<TSKString>& before, const std::vector<TSKString>& now);
     void addEntry(urma::pf::Provider& provider, const TSKString& file);
     void removeEntry(const Entry& entry);
 

@@ -2,14 +2,21 @@
 
 #include <string_view>
 
+namespace {
+
+std::string keyOf(TSKString uri) {
+    std::string_view key = uri.toLower();
+    while (key.ends_with('/'))
+        key.remove_suffix(1);
+    return std::string(key);
+}
+
+}  // namespace
+
 URIRoutingTable::Outcome URIRoutingTable::add(const TSKString& providerName, const TSKString& uri) {
     if (uri.find('/') != 0)
         return Outcome::kMalformed;
-    TSKString lowered = uri;
-    std::string_view key = lowered.toLower();
-    while (key.ends_with('/'))
-        key.remove_suffix(1);
-    const auto [entry, added] = providers_.try_emplace(std::string(key), providerName);
+    const auto [entry, added] = providers_.try_emplace(keyOf(uri), providerName);
     return added || entry->second == providerName ? Outcome::kAdded : Outcome::kTaken;
 }
 
@@ -32,6 +39,10 @@ const TSKString* URIRoutingTable::find(const TSKString& path) const {
             return provider;
     }
     return providerOf("");
+}
+
+const TSKString* URIRoutingTable::findRegistered(const TSKString& uri) const {
+    return uri.find('/') == 0 ? providerOf(keyOf(uri)) : nullptr;
 }
 
 const TSKString* URIRoutingTable::providerOf(std::string_view key) const {

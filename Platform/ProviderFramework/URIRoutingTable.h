@@ -30,6 +30,10 @@ class TESK_PLATFORM_EXPORT URIRoutingTable {
     /// the table is changed.
     [[nodiscard]] const TSKString* find(const TSKString& path) const;
 
+    /// The name of the provider that has registered `uri` itself, null when none has. Valid until
+    /// the table is changed.
+    [[nodiscard]] const TSKString* findRegistered(const TSKString& uri) const;
+
   private:
     [[nodiscard]] const TSKString* providerOf(std::string_view key) const;
 

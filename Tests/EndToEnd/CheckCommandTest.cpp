@@ -20,7 +20,7 @@ class CheckCommand : public testing::Test {
         return "root/test='" + folder_.write(name, mof).string() + "'";
     }
 
-    // With paths below the folder of the test as they were written.
+    // With paths below the directory of the test as they were written.
     [[nodiscard]] std::string shown(const std::string& text) const {
         return replaced(text, folder_.path().string() + "/", "");
     }

@@ -94,19 +94,20 @@ TEST(CommandLine, ValuesOfOptionsAreChecked) {
     for (const std::string command : {"check", "classes"}) {
         expectUsageError(command, "--format xml", "--format: \"xml\" is neither text nor json");
         expectUsageError(command, "--namespace root/cimv2",
-                         "--namespace: \"root/cimv2\" is no namespace with a MOF file or folder, "
-                         "such as \"root/cimv2=schema/cim.mof\"");
+                         "--namespace: \"root/cimv2\" is not a namespace with a MOF file or "
+                         "directory, such as \"root/cimv2=schema/cim.mof\"");
         for (const std::string name : {"", "root//cimv2", "a?b"}) {
-            expectUsageError(command, "--namespace '" + name + "=mof/'",
-                             "--namespace: \"" + name +
-                                 "\" is no name of a namespace, such as \"root/cimv2\": letters, "
-                                 "digits, \"_\", \"-\" and \".\", in parts with a \"/\" between "
-                                 "them");
+            expectUsageError(
+                command, "--namespace '" + name + "=mof/'",
+                "--namespace: \"" + name +
+                    "\" is not the name of a namespace, such as \"root/cimv2\": letters, "
+                    "digits, \"_\", \"-\" and \".\", in parts with a \"/\" between "
+                    "them");
         }
     }
     expectUsageError(
         "serve", "--listen localhost",
-        "--listen: \"localhost\" is no address with a port, such as \"127.0.0.1:5985\", "
+        "--listen: \"localhost\" is not an address with a port, such as \"127.0.0.1:5985\", "
         "\"0.0.0.0:5985\" or \"[::1]:5985\"");
     for (const std::string command : {"check", "export"}) {
         for (const std::string value : {"0", "1025", "-1", "x", "1.5"})

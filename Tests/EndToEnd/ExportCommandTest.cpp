@@ -42,7 +42,7 @@ class ExportTest : public testing::Test {
     [[nodiscard]] std::string out() const { return folder_ / "out"; }
     [[nodiscard]] FolderContent content() const { return contentOf(out()); }
 
-    // The files below the folder, without the folders.
+    // The files below the directory, without directories.
     [[nodiscard]] std::vector<std::string> files() const {
         std::vector<std::string> names;
         for (const auto& [name, text] : content()) {
@@ -126,7 +126,7 @@ TEST_F(ExportTest, WrongUsageIsRefused) {
         const ProgramRun run = runExport({"--host", host});
         EXPECT_EQ(run.end, "status 2") << host;
         EXPECT_NE(run.errors.find("\"" + std::string(host) +
-                                  "\" is no host with an optional "
+                                  "\" is not a host with an optional "
                                   "port, such as localhost:5985"),
                   std::string::npos)
             << run.errors;
@@ -205,20 +205,20 @@ TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
     EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/A.wsdl", "n/A.xsd"}));
 }
 
-TEST_F(ExportTest, AFileInTheWayOfTheFolderIsAnError) {
+TEST_F(ExportTest, AFileInPlaceOfTheDirectoryIsAnError) {
     folder_.write("out", "a file");
     const ProgramRun run = runExport({});
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.errors, "tesk: cannot make the folder " + out() + ": Not a directory\n");
+    EXPECT_EQ(run.errors, "tesk: cannot make the directory " + out() + ": Not a directory\n");
 }
 
-TEST_F(ExportTest, AFileInTheWayOfANamespaceIsAnError) {
+TEST_F(ExportTest, AFileInPlaceOfANamespaceIsAnError) {
     fs::create_directory(out());
     folder_.write("out/root", "a file");
     const ProgramRun run = runExport({});
     EXPECT_EQ(run.end, "status 1");
-    EXPECT_EQ(run.errors, "tesk: cannot make the folder " + out() + "/root: Not a directory\n");
+    EXPECT_EQ(run.errors, "tesk: cannot make the directory " + out() + "/root: Not a directory\n");
     EXPECT_EQ(content(), (FolderContent{{"root", "a file"}}));
 }
 
@@ -257,7 +257,7 @@ TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
         EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
 }
 
-TEST_F(ExportTest, WhatCannotBeSaidIsAnError) {
+TEST_F(ExportTest, OutputThatCannotBeWrittenIsAnError) {
     const ProgramRun run =
         runExport({"TSK_Server"}, [] { (void)std::freopen("/dev/full", "w", stdout); });
     EXPECT_EQ(run.end, "status 1");

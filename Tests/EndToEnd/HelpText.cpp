@@ -7,7 +7,7 @@
 
 namespace {
 
-// What `pattern` takes of each line, without blanks at the end.
+// What `pattern` takes of each line, without spaces at the end.
 std::vector<std::string> linesOfHelp(const std::string& command, const std::string& pattern) {
     const ProgramRun run = runTesk(command + " --help");
     EXPECT_EQ(run.end, "status 0") << command;

@@ -84,7 +84,7 @@ class Host {
   private:
     TeskProviderPluginManager manager_;
     RoutingProvider provider_;
-    Http::Dispatcher dispatcher_{manager_, nullptr};
+    Http::Dispatcher dispatcher_{manager_};
 };
 
 // What a client gets: a head, each line of which ends properly, and a body only where there may be

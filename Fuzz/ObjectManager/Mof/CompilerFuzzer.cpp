@@ -1,5 +1,5 @@
-// The whole way of a MOF file, from its bytes to class definitions that are read back. A file
-// stands alone here: what it includes is not read.
+// Compiles bytes as a MOF file, makes class definitions of its declarations and reads them back.
+// Files that it includes are not read.
 
 #include <algorithm>
 #include <cstddef>
@@ -12,12 +12,12 @@
 
 #include "Fuzz/ObjectManager/Repository/ReadBack.h"
 #include "Fuzz/Support/Require.h"
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/DeclarationChecker.h"
+#include "ObjectManager/Mof/Declarations.h"
+#include "ObjectManager/Mof/Diagnostics.h"
 #include "ObjectManager/Mof/FileParser.h"
-#include "ObjectManager/Mof/Reporter.h"
-#include "ObjectManager/Mof/SameDeclaration.h"
 
 namespace {
 
@@ -32,16 +32,16 @@ void moveInto(std::vector<Element>& all, std::vector<Element>& more) {
 // Does with texts what Mof::compile does with files.
 Compilation compile(const std::vector<std::string>& texts) {
     Compilation compilation;
-    Mof::Reporter reporter(compilation, Mof::CompilerOptions().mostErrors);
-    const auto lastFile = [&](std::size_t offset) {
+    Mof::Reporter reporter(compilation.files, compilation.diagnostics);
+    const auto inLastFile = [&](std::size_t offset) {
         return Mof::Position{.file = compilation.files.size() - 1, .offset = offset};
     };
     Mof::FileParser parser(
         [&](std::size_t offset, const std::string& message) {
-            reporter.error(lastFile(offset), message);
+            reporter.error(inLastFile(offset), message);
         },
         [&](std::size_t offset, const std::string& message) {
-            reporter.warning(lastFile(offset), message);
+            reporter.warning(inLastFile(offset), message);
         });
     try {
         for (const std::string& text : texts) {
@@ -59,7 +59,7 @@ Compilation compile(const std::vector<std::string>& texts) {
     return compilation;
 }
 
-// How long the end of a line at `at` is: CR LF, CR or LF.
+// The size of the line end at `at`: CR LF, CR or LF.
 std::size_t lengthOfLineEnd(std::string_view text, std::size_t at) {
     return text.substr(at, 2) == "\r\n" ? 2 : 1;
 }
@@ -73,7 +73,7 @@ std::string_view lineOf(std::string_view text, std::size_t number) {
         text.remove_prefix(end + lengthOfLineEnd(text, end));
     }
     const std::size_t end = text.find_first_of(kLineEnds);
-    // A place may be between the two bytes of an end.
+    // A place may be between the two bytes of a line end.
     return end == std::string_view::npos ? text
                                          : text.substr(0, end + lengthOfLineEnd(text, end) - 1);
 }
@@ -87,7 +87,7 @@ void checkDiagnostic(const Mof::Diagnostic& diagnostic, const Mof::SourceText& s
     require(line.find(diagnostic.sourceLine) != std::string_view::npos,
             "a diagnostic shows its line");
     require(diagnostic.skipped < diagnostic.place.column &&
-                diagnostic.sourceLine.size() <= Mof::SourceText::kLongestLine,
+                diagnostic.sourceLine.size() <= Mof::SourceText::kMaxExcerpt,
             "a diagnostic shows its place in a long line");
     require(!diagnostic.message.empty(), "a diagnostic says something");
     const std::string shown = diagnostic.toString();
@@ -96,9 +96,9 @@ void checkDiagnostic(const Mof::Diagnostic& diagnostic, const Mof::SourceText& s
             "a diagnostic shows where it is");
 }
 
-// What is promised of a compilation without errors.
+// The promises of a compilation without errors.
 void checkPromises(const Compilation& compilation) {
-    Mof::NameSet names;
+    Base::NameSet names;
     for (const Mof::ClassDeclaration& declaration : compilation.classes)
         require(names.insert(declaration.name.text).second, "no class is declared twice");
     for (const Mof::ClassDeclaration& declaration : compilation.classes) {
@@ -114,7 +114,7 @@ bool areSame(const std::vector<Declaration>& left, const std::vector<Declaration
         [](const Declaration& one, const Declaration& other) { return Mof::isSame(one, other); });
 }
 
-// What a text declares, it declares as well when it is read again by the same parser.
+// A text declares the same when the same parser reads it again.
 void checkSecondReading(const std::string& text, const Compilation& compilation) {
     const Compilation twice = compile({text, text});
     require(!twice.hasErrors(), "a text does not contradict itself");

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Fuzz/Support/Require.h"
-#include "ObjectManager/Mof/CaseInsensitive.h"
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/SourceText.h"
 #include "Platform/Util/TSKValSlistIterator.h"
 
@@ -89,7 +89,7 @@ void readParameters(const urma::IMethodDef& method) {
         readType(parameters->current().getType());
         names.push_back(parameters->current().getName());
     }
-    Mof::NameSet different(names.begin(), names.end());
+    Base::NameSet different(names.begin(), names.end());
     require(different.size() == names.size(), "the parameters of a method have names of their own");
 }
 
@@ -120,7 +120,7 @@ std::vector<TSKString> readMethods(const ITeskClass& cimClass, bool includeInher
 
 // Requires that all of `some` are among `all`, which differ from each other.
 void requireAmong(const std::vector<TSKString>& some, const std::vector<TSKString>& all) {
-    const Mof::NameSet names(all.begin(), all.end());
+    const Base::NameSet names(all.begin(), all.end());
     require(names.size() == all.size(), "the members of a class have names of their own");
     require(std::all_of(some.begin(), some.end(),
                         [&](const TSKString& name) { return names.contains(name); }),

@@ -1,19 +1,19 @@
 # Completion of the program tesk in bash: commands, options, files, namespaces and classes. Needs
 # nothing but bash 4.3; `source` it, or install it where the package bash-completion looks for it.
 
-# Sets `words` to the words of the command line up to the cursor, `word` to the one at the cursor,
-# and `skipped` to what of it stands before what bash replaces. Bash cuts words at "=" and ":",
-# which are put together again here: those without a blank between them.
+# Sets `words` to the words of the command line up to the cursor, `word` to the word at the cursor, and
+# `skipped` to the beginning of that word that bash does not replace. Bash cuts words at "=" and ":",
+# which are put together again here: those without a space between them.
 _tesk_words() {
-  local rest=${COMP_LINE:0:COMP_POINT} blanks piece index
+  local rest=${COMP_LINE:0:COMP_POINT} spaces piece index
   words=()
   for ((index = 0; index <= COMP_CWORD; ++index)); do
-    blanks=${rest%%[![:blank:]]*}
-    rest=${rest#"$blanks"}
+    spaces=${rest%%[![:blank:]]*}
+    rest=${rest#"$spaces"}
     piece=${COMP_WORDS[index]}
     ((index < COMP_CWORD)) || piece=$rest
     rest=${rest#"$piece"}
-    if [[ -z $blanks && $index -gt 0 ]]; then
+    if [[ -z $spaces && $index -gt 0 ]]; then
       words[-1]+=$piece
     else
       words+=("$piece")
@@ -28,7 +28,7 @@ _tesk_words() {
   [[ -z $breaks || $word != *["$breaks"]* ]] || skipped=${word%"${word##*["$breaks"]}"}
 }
 
-# A word without its quotes and the usual sign for the home folder.
+# A word without its quotes, and with the home directory in place of "~".
 _tesk_unquoted() {
   local text=${1//[\\\"\']/}
   [[ $text != \~/* ]] || text=$HOME${text#\~}
@@ -46,7 +46,7 @@ _tesk_options() {
   esac
 }
 
-# Offers the lines of standard input, which are whole words: what bash replaces of them.
+# Offers the lines of standard input, which are whole words, without the part that bash keeps.
 _tesk_offer() {
   local line
   while IFS= read -r line; do
@@ -54,12 +54,12 @@ _tesk_offer() {
   done
 }
 
-# Offers the words in $1 that begin as the one at the cursor.
+# Offers the words in $1 that begin with the word at the cursor.
 _tesk_offer_words() {
   _tesk_offer < <(compgen -W "$1" -- "$word")
 }
 
-# Offers the files, or with -d the folders, whose path follows what $2 says of the word.
+# Offers the files, or with -d the directories; their path follows the prefix $2 of the word.
 _tesk_offer_files() {
   local path
   compopt -o filenames 2> /dev/null
@@ -67,7 +67,7 @@ _tesk_offer_files() {
   _tesk_offer < <(compgen "$1" -- "$path" | while IFS= read -r path; do echo "$2$path"; done)
 }
 
-# Offers values of the option $1, which stand in the word behind $2.
+# Offers values of the option $1; they follow the prefix $2 of the word.
 _tesk_offer_values() {
   case $1 in
     --config | --password-file) _tesk_offer_files -f "$2" ;;
@@ -81,8 +81,8 @@ _tesk_offer_values() {
   esac
 }
 
-# What `tesk classes` lists of the classes that the command line is about. It runs the program that
-# is about to be run anyway, unless the shell would have to work out what its words mean.
+# Lists with `tesk classes` the classes that the options of the command line name. It does not run the
+# program if the line has substitutions, which the shell would have to run first.
 _tesk_listing() {
   local text
   for text in "${words[0]}" "${model[@]}"; do

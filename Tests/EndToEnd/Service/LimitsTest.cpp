@@ -31,7 +31,7 @@ class ServiceLimits : public RunningService {
 };
 
 TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
-    serverKeys_["max_request_head"] = "512";
+    serverKeys_["max_header_size"] = "512";
     start();
     EXPECT_EQ(answer(ofSize(512)), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(answer(ofSize(513)), refusal("431 Request Header Fields Too Large",
@@ -47,7 +47,7 @@ TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
 }
 
 TEST_F(ServiceLimits, AClientThatDoesNotSendItsRequestInTimeIsToldSo) {
-    serverKeys_["head_timeout"] = "0.2";
+    serverKeys_["header_timeout"] = "0.2";
     start();
     const Client silent = connect();
     const Client slow = sending("GET /root/test/TST_Nothing.wsdl HTTP/1.1\r\nHost: a\r\n");

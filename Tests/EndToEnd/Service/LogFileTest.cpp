@@ -66,10 +66,11 @@ TEST_F(ServiceLogFile, GoesOnWhereItIsWhenItCannotBeOpenedAnew) {
 TEST_F(ServiceLogFile, HoldsWhatKeepsAReloadFromWorking) {
     const std::string file = folder_.write("test.mof", "class TST_One { x };");
     process().signal(SIGHUP);
-    waitForLines("log", {"error tesk: " + file + ":1:19: error: found \"}\", expected \"ref\"",
-                         "error tesk: class TST_One { x };", "error tesk:                   ^",
-                         "error tesk: Not reloaded, going on as before: the classes have errors "
-                         "and are not used"});
+    waitForLines(
+        "log", {"error tesk: " + file + ":1:19: error: found \"}\", expected \"ref\"",
+                "error tesk: class TST_One { x };", "error tesk:                   ^",
+                "error tesk: Not reloaded, the service goes on as before: the classes have errors "
+                "and are not used"});
     EXPECT_EQ(process().log(), "");
 }
 

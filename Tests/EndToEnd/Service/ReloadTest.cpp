@@ -96,10 +96,11 @@ TEST_F(ServiceReload, ABrokenModelKeepsTheOldOne) {
         folder_.write("test.mof", "class TST_Nothing {};\nclass TST_One { x };");
     reload();
     expectServedAsBefore();
-    expectedLog_ = {"error tesk: " + file + ":2:19: error: found \"}\", expected \"ref\"",
-                    "error tesk: class TST_One { x };", "error tesk:                   ^",
-                    "error tesk: Not reloaded, going on as before: the classes have errors and are "
-                    "not used"};
+    expectedLog_ = {
+        "error tesk: " + file + ":2:19: error: found \"}\", expected \"ref\"",
+        "error tesk: class TST_One { x };", "error tesk:                   ^",
+        "error tesk: Not reloaded, the service goes on as before: the classes have errors and are "
+        "not used"};
 }
 
 TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
@@ -107,9 +108,10 @@ TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
     std::filesystem::rename(file, file + ".away");
     reload();
     expectServedAsBefore();
-    expectedLog_ = {"error tesk: " + file + ": error: cannot be read: No such file or directory",
-                    "error tesk: Not reloaded, going on as before: the classes have errors and are "
-                    "not used"};
+    expectedLog_ = {
+        "error tesk: " + file + ": error: cannot be read: No such file or directory",
+        "error tesk: Not reloaded, the service goes on as before: the classes have errors and are "
+        "not used"};
     writeModel("test.mof", "class TST_Nothing {};\n");
     reload();
     EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), kNotFound);
@@ -125,7 +127,7 @@ TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
         "error tesk: " + (folder_ / "tesk.toml").string() +
             ":6:1: error: unknown key \"max_conections\" in [server]; did you mean "
             "\"max_connections\"?",
-        "error tesk: Not reloaded, going on as before: the configuration has errors and "
+        "error tesk: Not reloaded, the service goes on as before: the configuration has errors and "
         "is not used"};
 }
 
@@ -135,8 +137,8 @@ TEST_F(ServiceReload, WhatNeedsAStartIsTold) {
     reload();
     expectServedAsBefore();
     expectedLog_ = {
-        "warning tesk: What has changed in [server], in [log] or in credential_lifetime takes "
-        "effect at the next start"};
+        "warning tesk: Changes of [server], [log] and credential_lifetime take effect at the next "
+        "start"};
 }
 
 TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
@@ -159,7 +161,7 @@ TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     std::filesystem::permissions(users, std::filesystem::perms(0640));
     reload();
     expectServedAsBefore();
-    expectedLog_ = {"error tesk: Not reloaded, going on as before: " + users +
+    expectedLog_ = {"error tesk: Not reloaded, the service goes on as before: " + users +
                     ": others than its owner can read or write it; mend that with: chmod 600 " +
                     users};
 }

@@ -60,7 +60,7 @@ TEST_F(ServiceStart, AnAddressOfAnotherMachine) {
 
 TEST_F(ServiceStart, AnAddressThatIsNone) {
     expectFailure({"serve", "--listen", "127.0.0.1:65536"}, 2,
-                  {"tesk serve: --listen: \"127.0.0.1:65536\" is no address with a port, such as "
+                  {"tesk serve: --listen: \"127.0.0.1:65536\" is not an address with a port, such as "
                    "\"127.0.0.1:5985\", \"0.0.0.0:5985\" or \"[::1]:5985\"",
                    "\"tesk serve --help\" tells more."});
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// What comes of a request for "A.xsd" of a namespace: the document, or "failure: " and the reason.
+// Requests "A.xsd" of a namespace; returns the document, or "failure: " and the reason.
 std::string request(FunctionProvider::Function answer, const char* nameSpace = "test") {
     FunctionProvider provider(std::move(answer));
     TeskProviderPluginManager manager;
@@ -20,15 +20,16 @@ std::string request(FunctionProvider::Function answer, const char* nameSpace = "
     const auto repository = makeNamedClasses({{nameSpace, {}}});
     const Commands::RequestedDocument document =
         Commands::requestDocument(client, repository->namespaces().front(), "A.xsd");
-    return document.answer ? std::string(document.answer->body()) : "failure: " + document.failure;
+    return document.response ? std::string(document.response->body())
+                             : "failure: " + document.failure;
 }
 
-std::string requestAnsweredWith(const char* response) {
+std::string requestWithResponse(const char* response) {
     return request([=](TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) { writeTo(ostr, response); });
 }
 
-TEST(DocumentRequest, ADocumentIsTheBodyOfTheAnswer) {
-    EXPECT_EQ(requestAnsweredWith("HTTP/1.1 200 OK\r\n\r\n<a>\r\n\r\n</a>"), "<a>\r\n\r\n</a>");
+TEST(DocumentRequest, ADocumentIsTheBodyOfTheResponse) {
+    EXPECT_EQ(requestWithResponse("HTTP/1.1 200 OK\r\n\r\n<a>\r\n\r\n</a>"), "<a>\r\n\r\n</a>");
 }
 
 TEST(DocumentRequest, TheProviderIsAskedForThePathOfTheDocument) {
@@ -40,14 +41,13 @@ TEST(DocumentRequest, TheProviderIsAskedForThePathOfTheDocument) {
               "/test/Deep/A.xsd");
 }
 
-TEST(DocumentRequest, AnyOtherAnswerIsAFailure) {
-    EXPECT_EQ(requestAnsweredWith("HTTP/1.1 404 File Not Found\r\n\r\n<a/>"),
-              "failure: A.xsd is answered with the status 404");
-    EXPECT_EQ(requestAnsweredWith("HTTP/1.1 200 OK\r\n\r\n"),
-              "failure: A.xsd is answered with nothing");
-    EXPECT_EQ(requestAnsweredWith("<a/>"),
-              "failure: A.xsd is answered with what is no HTTP response");
-    EXPECT_EQ(requestAnsweredWith(""), "failure: A.xsd is answered with what is no HTTP response");
+TEST(DocumentRequest, AnyOtherResponseIsAFailure) {
+    EXPECT_EQ(requestWithResponse("HTTP/1.1 404 File Not Found\r\n\r\n<a/>"),
+              "failure: A.xsd: the response has the status 404");
+    EXPECT_EQ(requestWithResponse("HTTP/1.1 200 OK\r\n\r\n"),
+              "failure: A.xsd: the response has no body");
+    EXPECT_EQ(requestWithResponse("<a/>"), "failure: A.xsd: the response is not HTTP");
+    EXPECT_EQ(requestWithResponse(""), "failure: A.xsd: the response is not HTTP");
 }
 
 TEST(DocumentRequest, WhatIsThrownIsAFailure) {

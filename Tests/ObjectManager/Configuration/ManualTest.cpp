@@ -72,7 +72,7 @@ TEST(SettingsManual, HasEveryTableAndEveryKeyAndNoOthers) {
             continue;
         }
         above.insert(table);
-        // Names of namespaces are everybody's own.
+        // Names of namespaces are the user's choice.
         if (table != "namespaces") {
             EXPECT_EQ(keys, knownKeys(table)) << table;
         }

@@ -15,7 +15,7 @@ using Configuration::readSettings;
 using Configuration::Settings;
 using Configuration::SettingsReading;
 
-// The settings of a file "tesk.toml" in the current folder, for which nothing may be wrong.
+// The settings of a file "tesk.toml" in the current directory, which must have no errors.
 Settings settingsOf(const std::string& text) {
     const SettingsReading reading = parseSettings("tesk.toml", text);
     EXPECT_EQ(errorsOf(reading), "") << text;
@@ -40,9 +40,9 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "escape_descriptions: true\n"
               "listen: 127.0.0.1:5985\n"
               "workers: 0\n"
-              "max_request_head: 16384\n"
+              "max_header_size: 16384\n"
               "max_request_line: 8192\n"
-              "head_timeout: 10000 ms\n"
+              "header_timeout: 10000 ms\n"
               "response_timeout: 30000 ms\n"
               "shutdown_timeout: 10000 ms\n"
               "max_connections: 4096\n"
@@ -66,9 +66,9 @@ escape_descriptions = false
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
 workers = 3
-max_request_head = 1000
+max_header_size = 1000
 max_request_line = 100
-head_timeout = 1
+header_timeout = 1
 response_timeout = 2.5
 shutdown_timeout = 0.25
 max_connections = 7
@@ -84,11 +84,11 @@ file = "tesk.log"
               "include_path: common /usr/share/mof\n"
               "property_order: declaration\n"
               "escape_descriptions: false\n"
-              "listen: 127.0.0.1:0 [::1]:5986\n"
+              "listen: 127.0.0.1:0 ::1:5986\n"
               "workers: 3\n"
-              "max_request_head: 1000\n"
+              "max_header_size: 1000\n"
               "max_request_line: 100\n"
-              "head_timeout: 1000 ms\n"
+              "header_timeout: 1000 ms\n"
               "response_timeout: 2500 ms\n"
               "shutdown_timeout: 250 ms\n"
               "max_connections: 7\n"
@@ -102,10 +102,10 @@ TEST(SettingsReader, OneTextStandsForAListOfOne) {
     EXPECT_EQ(settingsOf("include_path = 'a'").includePath, std::vector<std::string>{"a"});
     EXPECT_EQ(settingsOf("include_path = []").includePath, std::vector<std::string>{});
     EXPECT_EQ(settingsOf("[server]\nlisten = '[::]:80'").server.listen,
-              (std::vector<Configuration::Endpoint>{{.address = "::", .port = 80}}));
+              (std::vector<Http::ListenAddress>{{.address = "::", .port = 80}}));
 }
 
-TEST(SettingsReader, PathsAreRelativeToTheFolderOfTheFile) {
+TEST(SettingsReader, PathsAreRelativeToTheDirectoryOfTheFile) {
     const SettingsReading reading = parseSettings("/etc/tesk/tesk.toml", R"(
 include_path = ["common", "../mof", "/mof"]
 [namespaces]
@@ -141,12 +141,12 @@ TEST(SettingsReader, NumbersHaveTheirLimits) {
     EXPECT_EQ(errorIn("server", "workers = 1025"),
               rangeError("workers", "11", "0 to 1024", "1025"));
     EXPECT_EQ(errorIn("server", "workers = -1"), rangeError("workers", "11", "0 to 1024", "-1"));
-    EXPECT_EQ(settingsOf("[server]\nmax_request_head = 256").server.maxRequestHead, 256U);
-    EXPECT_EQ(settingsOf("[server]\nmax_request_head = 1048576").server.maxRequestHead, 1048576U);
-    EXPECT_EQ(errorIn("server", "max_request_head = 255"),
-              rangeError("max_request_head", "20", "256 to 1048576", "255"));
-    EXPECT_EQ(errorIn("server", "max_request_head = 1048577"),
-              rangeError("max_request_head", "20", "256 to 1048576", "1048577"));
+    EXPECT_EQ(settingsOf("[server]\nmax_header_size = 256").server.maxHeaderSize, 256U);
+    EXPECT_EQ(settingsOf("[server]\nmax_header_size = 1048576").server.maxHeaderSize, 1048576U);
+    EXPECT_EQ(errorIn("server", "max_header_size = 255"),
+              rangeError("max_header_size", "19", "256 to 1048576", "255"));
+    EXPECT_EQ(errorIn("server", "max_header_size = 1048577"),
+              rangeError("max_header_size", "19", "256 to 1048576", "1048577"));
     EXPECT_EQ(settingsOf("[server]\nmax_request_line = 64").server.maxRequestLine, 64U);
     EXPECT_EQ(settingsOf("[server]\nmax_request_line = 1048576").server.maxRequestLine, 1048576U);
     EXPECT_EQ(errorIn("server", "max_request_line = 63"),
@@ -170,7 +170,7 @@ TEST(SettingsReader, NumbersHaveTheirLimits) {
 
 TEST(SettingsReader, SecondsHaveTheirLimits) {
     using std::chrono::milliseconds;
-    for (const std::string key : {"head_timeout", "response_timeout", "shutdown_timeout"}) {
+    for (const std::string key : {"header_timeout", "response_timeout", "shutdown_timeout"}) {
         const std::string place = std::to_string(key.size() + 4);
         for (const std::string value :
              {"0", "0.0", "0.0009", "-1", "86401", "86400.001", "nan", "inf", "-inf", "1e300"}) {
@@ -183,11 +183,11 @@ TEST(SettingsReader, SecondsHaveTheirLimits) {
         settingsOf("[server]\n" + key + " = 0.001");
         settingsOf("[server]\n" + key + " = 86400");
     }
-    EXPECT_EQ(settingsOf("[server]\nhead_timeout = 0.001").server.headTimeout, milliseconds(1));
-    EXPECT_EQ(settingsOf("[server]\nhead_timeout = 86400.0").server.headTimeout,
+    EXPECT_EQ(settingsOf("[server]\nheader_timeout = 0.001").server.headerTimeout, milliseconds(1));
+    EXPECT_EQ(settingsOf("[server]\nheader_timeout = 86400.0").server.headerTimeout,
               milliseconds(86'400'000));
-    EXPECT_EQ(errorIn("server", "head_timeout = -1.5"),
-              "16: error: \"head_timeout\" in [server] must be a number of seconds from 0.001 to "
+    EXPECT_EQ(errorIn("server", "header_timeout = -1.5"),
+              "18: error: \"header_timeout\" in [server] must be a number of seconds from 0.001 to "
               "86400, not -1.5\n");
     EXPECT_EQ(settingsOf("[security]\ncredential_lifetime = 0").security.credentialLifetime,
               milliseconds(0));
@@ -205,8 +205,8 @@ TEST(SettingsReader, ValuesOfAWrongTypeAreRefused) {
     EXPECT_EQ(
         errorIn("server", "workers = true"),
         "11: error: \"workers\" in [server] must be a whole number from 0 to 1024, not true\n");
-    EXPECT_EQ(errorIn("server", "head_timeout = '10 s'"),
-              "16: error: \"head_timeout\" in [server] must be a number of seconds from 0.001 to "
+    EXPECT_EQ(errorIn("server", "header_timeout = '10 s'"),
+              "18: error: \"header_timeout\" in [server] must be a number of seconds from 0.001 to "
               "86400, not \"10 s\"\n");
     EXPECT_EQ(errorIn("server", "listen = 5985"),
               "10: error: \"listen\" in [server] must be an address with a port or a list of such, "
@@ -231,9 +231,9 @@ TEST(SettingsReader, ValuesOfAWrongTypeAreRefused) {
     EXPECT_EQ(errorIn("log", "file = false"),
               "8: error: \"file\" in [log] must be a path, not false\n");
     EXPECT_EQ(errorIn("", "include_path = 1"),
-              "16: error: \"include_path\" must be a folder or a list of such, not 1\n");
+              "16: error: \"include_path\" must be a directory or a list of such, not 1\n");
     EXPECT_EQ(errorIn("", "include_path = [1]"),
-              "17: error: \"include_path\" must be a folder, not 1\n");
+              "17: error: \"include_path\" must be a directory, not 1\n");
     EXPECT_EQ(errorIn("", "server = 1"), "10: error: \"server\" must be a table, not 1\n");
     EXPECT_EQ(errorIn("", "[[log]]\nlevel = 1"), "1: error: \"log\" must be a table, not a list\n");
 }
@@ -251,9 +251,10 @@ TEST(SettingsReader, StringsThatWouldSpoilAMessageAreNotShown) {
 }
 
 TEST(SettingsReader, WrongAddressesAreRefused) {
-    EXPECT_EQ(errorIn("server", "listen = 'localhost:80'"),
-              "10: error: \"listen\" in [server]: \"localhost:80\" is no address with a port, such "
-              "as \"127.0.0.1:5985\", \"0.0.0.0:5985\" or \"[::1]:5985\"\n");
+    EXPECT_EQ(
+        errorIn("server", "listen = 'localhost:80'"),
+        "10: error: \"listen\" in [server]: \"localhost:80\" is not an address with a port, such "
+        "as \"127.0.0.1:5985\", \"0.0.0.0:5985\" or \"[::1]:5985\"\n");
     EXPECT_EQ(errorIn("server", "listen = []"),
               "10: error: \"listen\" in [server] must be an address with a port or a list of such, "
               "not a list\n");
@@ -272,7 +273,7 @@ TEST(SettingsReader, WrongNamespacesAreRefused) {
         return errorsOf(parseSettings("tesk.toml", "[namespaces]\n" + lines));
     };
     EXPECT_EQ(errorsIn("'root//cimv2' = 'a.mof'"),
-              "tesk.toml:2:1: error: \"root//cimv2\" is no name of a namespace, such as "
+              "tesk.toml:2:1: error: \"root//cimv2\" is not the name of a namespace, such as "
               "\"root/cimv2\": letters, digits, \"_\", \"-\" and \".\", in parts with a \"/\" "
               "between them\n");
     EXPECT_EQ(errorsIn("a = 'a.mof'\nA = 'b.mof'\n'/a/' = 'c.mof'"),
@@ -280,17 +281,17 @@ TEST(SettingsReader, WrongNamespacesAreRefused) {
               "tesk.toml:4:1: error: the namespace \"a\" is listed twice\n");
     EXPECT_EQ(
         errorsIn("a = []"),
-        "tesk.toml:2:5: error: \"a\" in [namespaces] must be a MOF file, a folder or a list of "
+        "tesk.toml:2:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not a list\n");
     EXPECT_EQ(
         errorsIn("a = ['a.mof', 5]"),
-        "tesk.toml:2:15: error: \"a\" in [namespaces] must be a MOF file or a folder, not 5\n");
+        "tesk.toml:2:15: error: \"a\" in [namespaces] must be a MOF file or a directory, not 5\n");
     EXPECT_EQ(errorsIn("a = ['a.mof', '']"),
               "tesk.toml:2:15: error: \"a\" in [namespaces]: a path must have at least one "
               "character, and no zero byte\n");
     EXPECT_EQ(
         errorsIn("root.cimv2 = 'a.mof'"),
-        "tesk.toml:2:1: error: \"root\" in [namespaces] must be a MOF file, a folder or a list "
+        "tesk.toml:2:1: error: \"root\" in [namespaces] must be a MOF file, a directory or a list "
         "of such, not a table\n");
     EXPECT_EQ(errorsIn("a = 'a.mof'\ninclude_path = ['b']"),
               "tesk.toml:3:1: error: \"include_path\" must stand above [namespaces] and all other "
@@ -316,10 +317,11 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
     EXPECT_EQ(errorIn("", "[http]"),
               "2: error: unknown table [http]; known are \"include_path\", \"namespaces\", "
               "\"repository\", \"server\", \"security\" and \"log\"\n");
-    EXPECT_EQ(errorIn("server", "tls.key = 1"),
-              "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"workers\", "
-              "\"max_request_head\", \"max_request_line\", \"head_timeout\", \"response_timeout\", "
-              "\"shutdown_timeout\" and \"max_connections\"\n");
+    EXPECT_EQ(
+        errorIn("server", "tls.key = 1"),
+        "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"workers\", "
+        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"response_timeout\", "
+        "\"shutdown_timeout\" and \"max_connections\"\n");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -341,9 +343,9 @@ a = 1
         "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
         "1024, not \"all\"\n"
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
-        "\"workers\", \"max_request_head\", \"max_request_line\", \"head_timeout\", "
+        "\"workers\", \"max_header_size\", \"max_request_line\", \"header_timeout\", "
         "\"response_timeout\", \"shutdown_timeout\" and \"max_connections\"\n"
-        "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a folder or a list of "
+        "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);
 }
@@ -379,7 +381,7 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
               path_ + ": error: cannot be read: No such file or directory\n");
 }
 
-TEST_F(SettingsFileTest, AFolderIsReported) {
+TEST_F(SettingsFileTest, ADirectoryIsReported) {
     EXPECT_EQ(errorsOf(readSettings(folder_.path())),
               folder_.path().string() + ": error: cannot be read: Is a directory\n");
 }

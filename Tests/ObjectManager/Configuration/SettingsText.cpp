@@ -35,15 +35,15 @@ std::string textOf(const Settings& settings) {
                                    ? "name"
                                    : "declaration");
     text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
-    const ServerSettings& server = settings.server;
-    std::vector<std::string> endpoints;
-    for (const Endpoint& endpoint : server.listen)
-        endpoints.push_back(endpoint.toString());
-    text += line("listen", joined(endpoints));
+    const Http::Options& server = settings.server;
+    std::vector<std::string> addresses;
+    for (const Http::ListenAddress& listen : server.listen)
+        addresses.push_back(listen.address + ":" + std::to_string(listen.port));
+    text += line("listen", joined(addresses));
     text += line("workers", std::size_t{server.workers});
-    text += line("max_request_head", server.maxRequestHead);
+    text += line("max_header_size", server.maxHeaderSize);
     text += line("max_request_line", server.maxRequestLine);
-    text += line("head_timeout", server.headTimeout);
+    text += line("header_timeout", server.headerTimeout);
     text += line("response_timeout", server.responseTimeout);
     text += line("shutdown_timeout", server.shutdownTimeout);
     text += line("max_connections", server.maxConnections);

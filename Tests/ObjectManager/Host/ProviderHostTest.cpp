@@ -109,6 +109,36 @@ TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     EXPECT_EQ(client.get("/root/new/TST_B.xsd").status(), "200");
 }
 
+// Notes its life and wants the requests for "/root/test", as the plug-in does.
+class OwnProvider : public urma::pf::Provider {
+  public:
+    TSKString getProviderName() override { return "own"; }
+    void startup() override { life += "startup "; }
+    void postStartup() override {
+        life += "postStartup ";
+        isRegistered = TeskProviderPluginManager::getTeskProviderPluginManager()->registerURI(
+            getProviderName(), "/root/test");
+    }
+    void shutdown() override { life += "shutdown"; }
+
+    std::string life;
+    bool isRegistered = false;
+};
+
+TEST_F(ProviderHostTest, OwnProvidersComeBeforeTheLibraries) {
+    install(PLUGIN_FILE, kPlugin);
+    OwnProvider provider;
+    {
+        const Host::ProviderHost host(model_.repository(),
+                                      TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                      installation_.path(), {&provider});
+        EXPECT_EQ(host.manager().findProvider("/root/test/TST_A.xsd"), &provider);
+    }
+    EXPECT_TRUE(provider.isRegistered);
+    EXPECT_EQ(provider.life, "startup postStartup shutdown");
+    expectNothingInstalled();
+}
+
 TEST_F(ProviderHostTest, NeedsTheFolderOfProviders) {
     std::filesystem::remove(installation_ / "providers");
     EXPECT_EQ(failure(),

@@ -23,7 +23,7 @@ class ConnectionSetTest : public testing::Test {
 
     Http::ConnectionSet set_;
     TeskProviderPluginManager manager_;
-    Http::Dispatcher dispatcher_{manager_, nullptr};
+    Http::Dispatcher dispatcher_{manager_};
     Http::WorkerPool workers_{1, 1};
     Http::ServerOptions options_;
     Http::ConnectionContext context_{

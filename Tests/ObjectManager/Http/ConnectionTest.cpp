@@ -43,7 +43,7 @@ class ConnectionTest : public RunningServer {
     // has, and what the client got.
     bool failsToAnswer(std::string_view begin, std::string_view rest, std::size_t occurrence,
                        std::string& answer) {
-        const Http::Dispatcher dispatcher(manager_, nullptr);
+        const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
         Http::WorkerPool workers(1, options_.mostSlowWaiting);
         Http::ConnectionContext context{.options = options_,

@@ -33,17 +33,6 @@ constexpr const char* kChallenge =
     "HTTP/1.1 401 Unauthorized\r\nConnection: close\r\n"
     "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\nContent-Length: 0\r\n\r\n";
 
-class FunctionHandler : public Http::RequestHandler {
-  public:
-    bool handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
-                TSKGenericHTTPOStream& ostr) override {
-        char byte = 0;
-        return istr.read(&byte, 1) == 0 && answer(request, ostr);
-    }
-
-    std::function<bool(TSKHTTPRequest&, TSKGenericHTTPOStream&)> answer;
-};
-
 class DispatcherTest : public testing::Test {
   protected:
     DispatcherTest() {
@@ -56,7 +45,7 @@ class DispatcherTest : public testing::Test {
     // The answer without its date.
     [[nodiscard]] std::string answer(const char* path, const char* method = "GET") {
         TSKHTTPRequest request(method, path, "HTTP/1.1");
-        const Http::Dispatcher dispatcher(manager_, handler_);
+        const Http::Dispatcher dispatcher(manager_);
         const Http::Answer answer =
             dispatcher.answer(request, {boost::asio::ip::make_address("192.0.2.7"), 50000});
         std::string text;
@@ -78,7 +67,6 @@ class DispatcherTest : public testing::Test {
 
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
-    Http::RequestHandler* handler_ = nullptr;
     LogRecording log_;
 };
 
@@ -190,33 +178,6 @@ TEST_F(DispatcherTest, LongPathsAreCutInTheLog) {
     EXPECT_EQ(log_.lines(), errors("GET /test/" + std::string(194, 'a') + "...: reason"));
 }
 
-TEST_F(DispatcherTest, TheServicesOwnHandlerIsAskedFirst) {
-    FunctionHandler handler;
-    handler_ = &handler;
-    handler.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
-        if (!request.getUri().endsWith("/mine", 0))
-            return false;
-        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nmine");
-        return true;
-    };
-    EXPECT_EQ(answer("/test/mine"), "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nmine");
-    EXPECT_EQ(answer("/test/yours"), kHello);
-    EXPECT_EQ(answer("/yours"), kNotFound);
-}
-
-TEST_F(DispatcherTest, TheServicesOwnHandlerMayThrow) {
-    FunctionHandler handler;
-    handler_ = &handler;
-    handler.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& /*ostr*/) -> bool {
-        if (request.getUri() == "/private")
-            throw TSKHTTPException("here", "no", TSKHTTPException::kAuthenticationFailed);
-        throw std::runtime_error("reason");
-    };
-    EXPECT_EQ(answer("/private"), kChallenge);
-    EXPECT_EQ(answer("/broken"), kFailed);
-    EXPECT_EQ(log_.lines(), errors("GET /broken: reason"));
-}
-
 TEST_F(DispatcherTest, AFailedAllocationIsAnsweredAsLongAsThereIsMemoryForThat) {
     const LogRecording quiet(TeskTraceLog::SeverityOff);
     provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
@@ -230,7 +191,7 @@ TEST_F(DispatcherTest, AFailedAllocationIsAnsweredAsLongAsThereIsMemoryForThat) 
         [&] {
             text.clear();
             TSKHTTPRequest request("GET", "/test/a/longer/path", "HTTP/1.1");
-            const Http::Dispatcher dispatcher(manager_, nullptr);
+            const Http::Dispatcher dispatcher(manager_);
             const Http::Answer answer = dispatcher.answer(request, {});
             for (const boost::asio::const_buffer& part : answer.unsent())
                 text.append(static_cast<const char*>(part.data()), part.size());

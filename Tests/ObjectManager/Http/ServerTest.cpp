@@ -188,26 +188,6 @@ TEST_F(ServerTest, EveryIPv6AddressIncludesIPv4) {
     EXPECT_EQ(seen, "127.0.0.1");
 }
 
-TEST_F(ServerTest, AsksTheServicesOwnHandlerFirst) {
-    class Handler : public Http::RequestHandler {
-      public:
-        bool handle(TSKHTTPRequest& request, TSKGenericHTTPIStream& /*istr*/,
-                    TSKGenericHTTPOStream& ostr) override {
-            if (request.getUri() != "/")
-                return false;
-            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nindex");
-            return true;
-        }
-    };
-    Handler handler;
-    server_.emplace(options_, manager_, &handler);
-    server_->start();
-    EXPECT_EQ(answer("GET / HTTP/1.1\r\nHost: a\r\n\r\n"),
-              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nindex");
-    EXPECT_EQ(answer(kGet), kHello);
-    server_.reset();
-}
-
 TEST_F(ServerTest, OneConnectionTooManyIsTurnedAway) {
     options_.mostConnections = 3;
     start();

@@ -21,14 +21,14 @@ TEST_F(MofCompilerTest, NoFilesDeclareNothing) {
     EXPECT_FALSE(compilation.hasErrors());
 }
 
-TEST_F(MofCompilerTest, DeclarationsMayNeedEachOtherOverFilesFoldersAndPaths) {
+TEST_F(MofCompilerTest, DeclarationsMayNeedEachOtherOverFilesDirectoriesAndPaths) {
     folder_.write("main.mof", "#pragma include (\"sub/c.mof\")\nclass A_B : A_C {};");
     folder_.write("sub/c.mof", "class A_C : A_D { [Key] uint8 p; A_E ref q; };");
-    folder_.write("folder/d.mof", "class A_D : A_E {};");
-    folder_.write("folder/below/e.mof", "class A_E {};");
+    folder_.write("directory/d.mof", "class A_D : A_E {};");
+    folder_.write("directory/below/e.mof", "class A_E {};");
     folder_.write("q.mof", "Qualifier Key : boolean = false, Scope (any);");
     const Compilation compilation =
-        Mof::compile({folder_.path("main.mof"), folder_.path("folder"), folder_.path("q.mof")});
+        Mof::compile({folder_.path("main.mof"), folder_.path("directory"), folder_.path("q.mof")});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(textOf(compilation),
               "qualifier boolean Key = false scopes 127\n"
@@ -155,10 +155,16 @@ TEST_F(MofCompilerTest, ErrorsOfAllFilesAddUp) {
               std::string("b.mof:4:1: error: ") + kTextError + kTheRest + "\n?\n^\n");
 }
 
-TEST_F(MofCompilerTest, TheMostErrorsCanBeChosen) {
+Mof::CompilerOptions withMaxErrors(std::size_t maxErrors) {
+    Mof::CompilerOptions options;
+    options.diagnostics.maxErrors = maxErrors;
+    return options;
+}
+
+TEST_F(MofCompilerTest, TheNumberOfErrorsCanBeChosen) {
     const std::string file = folder_.write("a.mof", withTextErrors(50));
-    EXPECT_EQ(Mof::compile({file}, {.includePath = {}, .mostErrors = 1}).diagnostics.size(), 1U);
-    EXPECT_EQ(Mof::compile({file}, {.includePath = {}, .mostErrors = 40}).diagnostics.size(), 40U);
+    EXPECT_EQ(Mof::compile({file}, withMaxErrors(1)).diagnostics.size(), 1U);
+    EXPECT_EQ(Mof::compile({file}, withMaxErrors(40)).diagnostics.size(), 40U);
 }
 
 TEST_F(MofCompilerTest, AHundredWarningsAreReportedAndNoMore) {

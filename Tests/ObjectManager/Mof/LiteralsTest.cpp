@@ -128,27 +128,30 @@ bool isLineEnd(char byte) {
     return byte == '\n' || byte == '\r';
 }
 
-// As lengthOfString, a byte after the other.
-std::size_t plainLengthOfString(std::string_view text) {
+// As readString, one byte after the other.
+Mof::StringText plainReadString(std::string_view text) {
     std::size_t position = 1;
     while (position < text.size() && !isLineEnd(text[position])) {
         if (text[position] == '"')
-            return position + 1;
+            return {.length = position + 1, .isClosed = true};
         const bool isEscape = text[position] == '\\';
         if (isEscape && (position + 1 == text.size() || isLineEnd(text[position + 1])))
-            return position;
+            break;
         position += isEscape ? 2 : 1;
     }
-    return position;
+    return {.length = position, .isClosed = false};
 }
 
-TEST(LengthOfString, EndsAtTheFirstQuotationMarkThatIsNotEscapedOrWithTheLine) {
+TEST(ReadString, EndsAtTheFirstQuotationMarkThatIsNotEscapedOrWithTheLine) {
     constexpr std::string_view kBytes = "a\"\\\n\r";
     constexpr std::size_t kLongest = 7;
     std::vector<std::string> texts = {"\""};
     for (std::size_t index = 0; index < texts.size(); ++index) {
         const std::string text = texts[index];
-        ASSERT_EQ(Mof::lengthOfString(text), plainLengthOfString(text)) << text;
+        const Mof::StringText string = Mof::readString(text);
+        const Mof::StringText plain = plainReadString(text);
+        ASSERT_EQ(string.length, plain.length) << text;
+        ASSERT_EQ(string.isClosed, plain.isClosed) << text;
         for (const char byte : kBytes) {
             if (text.size() < kLongest)
                 texts.push_back(text + byte);

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ObjectManager/Mof/Diagnostic.h"
+#include "ObjectManager/Mof/Diagnostics.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 /// MOF files of a test, in a folder of their own.

@@ -92,7 +92,7 @@ TEST(SourceText, GivesTheLineOfAPlaceWithoutItsEnd) {
 }
 
 TEST(SourceText, GivesWhatSurroundsAPlaceInALongLine) {
-    constexpr std::size_t kLongest = SourceText::kLongestLine;
+    constexpr std::size_t kLongest = SourceText::kMaxExcerpt;
     const std::string longest = std::string(kLongest - 1, 'a') + "b";
     EXPECT_EQ(excerptOf(SourceText("a", "\n" + longest + "\n"), 1), "0:" + longest);
 
@@ -107,7 +107,7 @@ TEST(SourceText, GivesWhatSurroundsAPlaceInALongLine) {
 
 TEST(SourceText, CutsALongLineBetweenCharacters) {
     std::string line = "a";
-    for (std::size_t count = 0; count < SourceText::kLongestLine; ++count)
+    for (std::size_t count = 0; count < SourceText::kMaxExcerpt; ++count)
         line += "\xC3\xBC";
     const SourceText source("a", line);
     EXPECT_EQ(excerptOf(source, 0), "0:" + line.substr(0, 199) + "+");

@@ -114,6 +114,21 @@ TEST_F(URIRoutingTableTest, RegisteringTwiceIsRefusedForAnotherProvider) {
     EXPECT_EQ(providerOf("/root"), "A");
 }
 
+TEST_F(URIRoutingTableTest, TellsWhoHasRegisteredAUriItself) {
+    add("A", "/Root/");
+    add("R", "/");
+    const auto registered = [&](const char* uri) {
+        const TSKString* provider = table_.findRegistered(uri);
+        return std::string(provider == nullptr ? "" : provider->data());
+    };
+    EXPECT_EQ(registered("/root"), "A");
+    EXPECT_EQ(registered("/ROOT//"), "A");
+    EXPECT_EQ(registered("/"), "R");
+    EXPECT_EQ(registered("/root/cimv2"), "");
+    EXPECT_EQ(registered("root"), "");
+    EXPECT_EQ(registered(""), "");
+}
+
 TEST_F(URIRoutingTableTest, RefusesUrisWithoutALeadingSlash) {
     EXPECT_EQ(table_.add("A", ""), Outcome::kMalformed);
     EXPECT_EQ(table_.add("A", "root"), Outcome::kMalformed);

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/Export/ClassSelection.h"
+#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "ObjectManager/Host/MemoryClient.h"
+
+namespace Commands {
+
+struct DocumentExportOptions {
+    /// How many documents are made at once.
+    unsigned jobs = 1;
+
+    /// Whether the documents of classes that are gone are removed from the directories of the
+    /// selected namespaces (see removeStaleDocuments), and the temporary files of killed processes
+    /// from these and from the output directory. It looks at whole namespaces, also where only some
+    /// classes of them are selected.
+    bool prune = false;
+
+    /// Called before each document; work stops when it returns true. In any thread.
+    std::function<bool()> isStopped = [] { return false; };
+
+    /// Called after each document. In any thread.
+    std::function<void()> onDocumentDone = [] {};
+};
+
+/// What was exported.
+struct DocumentExportResult {
+    std::size_t namespaces = 0;
+    std::size_t classes = 0;    ///< that were selected
+    std::size_t documents = 0;  ///< that were to be written: two a class
+    std::size_t written = 0;
+    std::size_t unchanged = 0;
+    std::size_t removed = 0;  ///< files of either kind
+    std::size_t bytes = 0;    ///< of the documents that were written or unchanged
+    double seconds = 0;
+    /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ..."; in
+    /// ascending order.
+    std::vector<std::string> failures;
+    bool isStopped = false;  ///< some documents are missing because work was stopped
+};
+
+/// Puts both documents of each selected class, as `client` gets them, into a directory of `output`
+/// that is named after the namespace: root/cimv2/CIM_Foo.wsdl and .xsd. A document that cannot be
+/// made is a failure in the result, and the others are written.
+/// Errors: TeskBaseException when a namespace's name cannot be a path, before anything is written;
+/// std::system_error when a directory or a file cannot be written; the export ends then.
+[[nodiscard]] DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
+                                                   const Host::MemoryClient& client,
+                                                   const OutputDirectory& output,
+                                                   const DocumentExportOptions& options);
+
+/// How many documents exportDocuments would write.
+[[nodiscard]] std::size_t countDocuments(const std::vector<ClassSelection>& selections) noexcept;
+
+/// The failures, a line each.
+[[nodiscard]] std::string failuresText(const DocumentExportResult& result);
+
+/// One line, such as "1,438 classes in 1 namespace, 2,876 documents, 60.1 MB, 1.52 s: 10 written,
+/// 2,866 unchanged, 0 removed".
+[[nodiscard]] std::string summaryText(const DocumentExportResult& result);
+
+}  // namespace Commands

@@ -1,0 +1,148 @@
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Base/Signals.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Commands/Commands.h"
+#include "ObjectManager/Commands/Export/ClassSelection.h"
+#include "ObjectManager/Commands/Export/DocumentExport.h"
+#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "ObjectManager/Commands/Model.h"
+#include "ObjectManager/Commands/ParallelWork.h"
+#include "ObjectManager/Commands/ProgressLine.h"
+#include "ObjectManager/Host/LocalAuthenticator.h"
+#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/ProviderHost.h"
+#include "ObjectManager/Http/HostField.h"
+#include "ObjectManager/Index/IndexPage.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace Commands {
+
+namespace {
+
+struct ExportOptions {
+    ModelOptions model;
+    std::string output;
+    std::string host = "localhost:5985";  // the port that WS-Management has over HTTP
+    unsigned jobs = defaultJobs();
+    bool prune = false;
+    std::vector<std::string> classes;  // names and patterns; empty for all
+};
+
+// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
+// a host, would break them.
+void requireHost(const std::string& host) {
+    if (!Http::isHostField(host)) {
+        throw TeskBaseException(
+            "tesk export",
+            TSKString(Base::quoted(host) +
+                      " is not a host with an optional port, such as localhost:5985"),
+            CIM_ERR_INVALID_PARAMETER);
+    }
+}
+
+constexpr const char* kDetails =
+    R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
+and DIR/index.html, a page that lists them; when a CLASS is given, the page is left as it is.
+A file that would not change is left alone.
+
+Exit status: 0 when everything is written, 1 when something is not, 130 after Ctrl-C.
+
+Examples:
+  tesk export --output documents
+  tesk export --output documents --host wsman.example.com:5985 --prune
+  tesk export --output documents --namespace root/cimv2=schema/cim.mof 'CIM_Storage*')";
+
+void addExportOptions(Command& command, ExportOptions& options) {
+    command.options.push_back({.name = "--output",
+                               .value = "DIR",
+                               .help = "The directory; made if it is missing",
+                               .target = &options.output,
+                               .isRequired = true});
+    command.options.push_back(
+        {.name = "--host",
+         .value = "HOST[:PORT]",
+         .help = "Where the documents say that the service is (default: localhost:5985)",
+         .target = &options.host,
+         .check = requireHost});
+    addModelOptions(command, options.model);
+    command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
+    command.options.push_back(
+        {.name = "CLASS",
+         .help = "Only the classes of this name, in any case; * and ? stand for any characters",
+         .target = &options.classes});
+    command.options.push_back(
+        {.name = "--prune",
+         .help = "Also removes, from the directories of the namespaces, the documents of classes "
+                 "that are gone, and the half-written files of an export that was killed; no other "
+                 "files",
+         .target = &options.prune,
+         .excludes = "CLASS"});
+}
+
+DocumentExportResult writeDocuments(const ExportOptions& options,
+                                    const TSKSmrPtr<Repository::ClassRepository>& repository,
+                                    const std::vector<ClassSelection>& selections,
+                                    const OutputDirectory& output,
+                                    const Base::StopSignals& stopSignals) {
+    const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                  Host::ProgramFolders::ofThisProgram().installation);
+    const Host::MemoryClient client(host.manager(), TSKString(options.host));
+    ProgressLine progress(stderr, countDocuments(selections), "documents");
+    DocumentExportOptions exportOptions;
+    exportOptions.jobs = options.jobs;
+    exportOptions.prune = options.prune;
+    exportOptions.isStopped = [&stopSignals] { return stopSignals.received() != 0; };
+    exportOptions.onDocumentDone = [&progress] { progress.step(); };
+    return exportDocuments(selections, client, output, exportOptions);
+}
+
+int reportStop(int signal, const DocumentExportResult& result, const OutputDirectory& output) {
+    std::cerr << "tesk: stopped by " << Base::StopSignals::nameOf(signal) << " after "
+              << Base::withSeparators(result.written + result.unchanged) << " of "
+              << Base::counted(result.documents, "document", "documents") << "; those in "
+              << output.path().string() << " are complete\n";
+    return Base::StopSignals::exitStatus(signal);
+}
+
+int runExport(const ExportOptions& options) {
+    // A file that is larger than the process may write is an error like a full disk.
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
+    const bool all = options.classes.empty();
+    const std::vector<ClassSelection> selections =
+        all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
+    // Before this, a signal may end the program at once: nothing is written yet.
+    const Base::StopSignals stopSignals;
+    const OutputDirectory output = OutputDirectory::create(options.output);
+    const DocumentExportResult result =
+        writeDocuments(options, repository, selections, output, stopSignals);
+    std::cerr << failuresText(result);
+    if (result.isStopped)
+        return reportStop(stopSignals.received(), result, output);
+    if (all)
+        output.put("index.html", Index::makeIndexPage(*repository));
+    std::cout << summaryText(result);
+    return result.failures.empty() ? 0 : 1;
+}
+
+}  // namespace
+
+Command exportCommand() {
+    const auto options = std::make_shared<ExportOptions>();
+    Command command = {.name = "export",
+                       .summary = "Writes the documents of classes into a directory",
+                       .details = kDetails,
+                       .options = {},
+                       .run = [options] { return runExport(*options); }};
+    addExportOptions(command, *options);
+    return command;
+}
+
+}  // namespace Commands

@@ -1,0 +1,186 @@
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <sys/resource.h>
+#include <vector>
+
+#include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Signals.h"
+#include "ObjectManager/Commands/Commands.h"
+#include "ObjectManager/Commands/Model.h"
+#include "ObjectManager/Commands/Serve/Reloader.h"
+#include "ObjectManager/Commands/Serve/Service.h"
+#include "ObjectManager/Commands/Serve/ServiceUsers.h"
+#include "ObjectManager/Configuration/SettingValues.h"
+#include "Platform/Util/TeskBaseException.h"
+
+namespace Commands {
+
+namespace {
+
+struct ServeOptions {
+    ModelOptions model;
+    std::vector<std::string> listen;
+    std::optional<std::string> passwordFile;
+    std::optional<unsigned> logLevel;
+};
+
+constexpr const char* kDetails =
+    R"(Signals: SIGHUP reads the configuration, the classes and the password file again and reopens the
+log file; SIGTERM and SIGINT finish running requests and end the service. A change of the password
+file takes effect within about a second.
+
+Examples:
+  tesk serve
+  tesk serve --namespace root/cimv2=schema/cim.mof --password-file users
+  tesk serve --config tesk.toml --listen 0.0.0.0:5985 --listen [::]:5985)";
+
+void addServeOptions(Command& command, ServeOptions& options) {
+    addModelOptions(command, options.model);
+    command.options.push_back({.name = "--listen",
+                               .value = "ADDRESS:PORT",
+                               .help = "Where to listen for connections, 127.0.0.1:5985 by "
+                                       "default; port 0 takes a free one. May be given several "
+                                       "times",
+                               .target = &options.listen,
+                               .check = Configuration::parseListenAddress});
+    command.options.push_back(
+        {.name = "--password-file",
+         .value = "FILE",
+         .help = "The users and their passwords, see \"tesk passwd\"; without it a temporary "
+                 "password is generated and printed",
+         .target = &options.passwordFile});
+    command.options.push_back({.name = "--log-level",
+                               .value = "LEVEL",
+                               .help = "1 errors, 2 warnings, 3 what happens at start and end "
+                                       "(default), 4 each request",
+                               .target = &options.logLevel,
+                               .range = {{.least = 1, .most = 4}}});
+}
+
+// What the configuration file says, where the command line does not say otherwise.
+Configuration::Settings readSettings(const ServeOptions& options, std::ostream& messages) {
+    Configuration::Settings settings = readSettings(options.model, messages);
+    if (!options.listen.empty())
+        settings.server.listen.clear();
+    for (const std::string& address : options.listen)
+        settings.server.listen.push_back(Configuration::parseListenAddress(address));
+    settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
+    if (options.logLevel)
+        settings.log.level = static_cast<int>(*options.logLevel);
+    return settings;
+}
+
+// A path to try first: that of a well-known class if there is one, else of any class.
+std::string samplePath(const Repository::ClassRepository& repository) {
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
+        TSKSmrPtr<Repository::CimClass> cimClass = nameSpace.findClass("CIM_ComputerSystem");
+        if (!cimClass && !nameSpace.classes().empty())
+            cimClass = nameSpace.classes().front();
+        if (cimClass)
+            return "/" + std::string(nameSpace.name()) + "/" + cimClass->name().data() + ".wsdl";
+    }
+    return "/";
+}
+
+// Returns whether it could be printed: a password that was not is of no use.
+[[nodiscard]] bool announce(const Service& service, const Repository::ClassRepository& repository,
+                            const ServiceUsers& users) {
+    std::cout << "Serving " << contentText(repository) << " on";
+    for (const std::string& address : service.addresses())
+        std::cout << " " << address;
+    std::cout << "\n";
+    if (!users.madePassword.isEmpty()) {
+        std::cout << "There is no password file, so this password is good until the service ends:\n"
+                  << "  curl --user " << kMadeUser << ":" << users.madePassword.view() << " "
+                  << service.addresses().front() << samplePath(repository) << "\n";
+    }
+    std::cout.flush();
+    return std::cout.good();
+}
+
+void reopenLog(const Base::LogOutput& logOutput) {
+    try {
+        logOutput.reopen();
+    } catch (const TeskBaseException& error) {
+        Base::log("tesk", TeskTraceLog::SeverityError,
+                  "The log goes on as before: " + std::string(error.getMessage().data()));
+    }
+}
+
+int stop(Service& service) {
+    Base::log("tesk", TeskTraceLog::SeverityInformation, "Stopping");
+    if (service.stop())
+        return 0;
+    // A provider that still runs would use objects that are destroyed.
+    Base::log("tesk", TeskTraceLog::SeverityError,
+              "A provider does not finish in time; the process ends without it");
+    (void)std::fflush(nullptr);
+    std::_Exit(1);
+}
+
+// How often the password file is examined. A user who was just given a password tries it at once.
+constexpr std::chrono::seconds kPasswordFileInterval(1);
+
+// Each connection is an open file, and a process starts with a lower limit than it may have.
+void raiseLimitOfOpenFiles() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+int runServe(const ServeOptions& options) {
+    const Configuration::Settings settings = readSettings(options, std::cerr);
+    raiseLimitOfOpenFiles();
+    (void)std::signal(SIGPIPE,
+                      SIG_IGN);  // writing to a client that has gone is an error, not the end
+    const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
+    const Base::LogOutput logOutput(settings.log.file,
+                                    static_cast<TeskTraceLog::Severity>(settings.log.level));
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
+    const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
+    const ServiceUsers users = loadUsers(settings.security);
+    Service service(settings, repository, users.users);
+    service.start();
+    if (!announce(service, *repository, users)) {
+        (void)stop(service);
+        return 1;  // the program says that its output cannot be written
+    }
+    Reloader reloader(
+        service, [&options](std::ostream& messages) { return readSettings(options, messages); },
+        settings, passwordFile);
+    int signal = 0;
+    while ((signal = signals.waitFor(kPasswordFileInterval)) == 0 || signal == SIGHUP) {
+        if (signal == SIGHUP) {
+            reopenLog(logOutput);
+            reloader.reloadAll();
+        }
+        reloader.reloadUsersIfChanged();
+    }
+    // A second Ctrl-C ends the process at once. A reload makes no sense any more.
+    (void)std::signal(SIGHUP, SIG_IGN);
+    signals.letThrough();
+    return stop(service);
+}
+
+}  // namespace
+
+Command serveCommand() {
+    const auto options = std::make_shared<ServeOptions>();
+    Command command = {.name = "serve",
+                       .summary = "Serves the documents of all classes over HTTP",
+                       .details = kDetails,
+                       .options = {},
+                       .run = [options] { return runServe(*options); }};
+    addServeOptions(command, *options);
+    return command;
+}
+
+}  // namespace Commands

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Configuration/Settings.h"
+#include "ObjectManager/Host/ProviderHost.h"
+#include "ObjectManager/Http/Server.h"
+#include "ObjectManager/Index/IndexProvider.h"
+#include "ObjectManager/Repository/ClassRepository.h"
+#include "ObjectManager/Security/BasicAuthenticator.h"
+#include "Platform/Util/TSKSmrPtr.h"
+
+namespace Commands {
+
+/// The object manager as it runs: providers with the classes that they read, and a server that
+/// takes requests for them and for the index page.
+///
+/// Thread safety: belongs to one thread.
+class Service {
+  public:
+    /// Starts the providers and listens. Requests wait until start() is called.
+    /// Errors: TeskBaseException when a provider fails, std::system_error when an address cannot be
+    /// listened on.
+    Service(const Configuration::Settings& settings,
+            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+    /// Shuts the providers down. Call stop() before.
+    ~Service();
+
+    /// Serves from now on.
+    void start();
+
+    /// Requests that begin from now on are served from these classes and users.
+    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    void setUsers(Security::UserTable users);
+
+    /// Takes no further requests and finishes those that run, within the shutdown timeout. Returns
+    /// whether no provider runs any more; if one does, this must not be destroyed.
+    [[nodiscard]] bool stop();
+
+    /// "http://127.0.0.1:5985" for each address that is listened on.
+    [[nodiscard]] std::vector<std::string> addresses() const;
+
+  private:
+    std::chrono::milliseconds shutdownTimeout_;
+    TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
+    Index::IndexProvider index_;
+    Host::ProviderHost host_;
+    Http::Server server_;
+};
+
+}  // namespace Commands

@@ -1,0 +1,52 @@
+#include "ObjectManager/Commands/SharedOptions.h"
+
+#include "ObjectManager/Configuration/SettingValues.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace Commands {
+
+namespace {
+
+OutputFormat parseFormat(const std::string& text) {
+    if (text == "text")
+        return OutputFormat::kText;
+    if (text == "json")
+        return OutputFormat::kJson;
+    throw TeskBaseException("Commands::formatOption",
+                            TSKString("\"" + text + "\" is neither text nor json"),
+                            CIM_ERR_INVALID_PARAMETER);
+}
+
+}  // namespace
+
+void addModelOptions(Command& command, ModelOptions& options) {
+    command.options.push_back(
+        {.name = "--namespace",
+         .value = "NAME=PATH",
+         .help = "A namespace and its classes: a MOF file with what it includes, or a directory. "
+                 "May be given several times; without it the sample model is used",
+         .target = &options.namespaces,
+         .check = Configuration::parseNamespaceOption});
+    command.options.push_back({.name = "--config",
+                               .value = "FILE",
+                               .help = "The configuration file",
+                               .target = &options.configuration});
+}
+
+Option formatOption(OutputFormat& format) {
+    return {.name = "--format",
+            .value = "FORMAT",
+            .help = "The output format: text (default) or json",
+            .target = [&format](const std::string& text) { format = parseFormat(text); }};
+}
+
+Option jobsOption(unsigned& jobs, const std::string& help) {
+    return {.name = "--jobs",
+            .value = "N",
+            .help = help + ", 1 to 1024 (default: one for each processor)",
+            .target = &jobs,
+            .range = {{.least = 1, .most = 1024}}};
+}
+
+}  // namespace Commands

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/CommandLine.h"
+
+// Options that several commands have.
+
+namespace Commands {
+
+/// Which classes a command works on: `--namespace` and `--config`.
+struct ModelOptions {
+    std::vector<std::string> namespaces;  ///< "NAME=PATH" each; the command line has checked them
+    std::string configuration;            ///< the file; empty for none
+};
+
+/// Adds `--namespace` and `--config` to a command.
+void addModelOptions(Command& command, ModelOptions& options);
+
+enum class OutputFormat : std::uint8_t { kText, kJson };
+
+/// `--format text|json`.
+[[nodiscard]] Option formatOption(OutputFormat& format);
+
+/// `--jobs N`; `help` says what is done by so many threads.
+[[nodiscard]] Option jobsOption(unsigned& jobs, const std::string& help);
+
+}  // namespace Commands

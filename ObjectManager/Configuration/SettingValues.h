@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Repository/NamespaceSource.h"
+
+// Values that are written alike in the configuration file and on the command line.
+// Errors: TeskBaseException, whose message says what is right.
+
+namespace Configuration {
+
+/// Reads "ADDRESS:PORT", with an IPv6 address in brackets. The address is numeric: a host name may
+/// stand for several.
+[[nodiscard]] Http::ListenAddress parseListenAddress(std::string_view text);
+
+/// The name of a namespace: `text` without the slashes at its ends.
+[[nodiscard]] std::string parseNamespaceName(std::string_view text);
+
+/// Reads "NAME=PATH": a namespace and the MOF file or the directory with its classes.
+[[nodiscard]] Repository::NamespaceSource parseNamespaceOption(std::string_view text);
+
+}  // namespace Configuration

@@ -1,7 +1,0 @@
-#include "ObjectManager/Http/RequestHandler.h"
-
-namespace Http {
-
-RequestHandler::~RequestHandler() = default;
-
-}  // namespace Http

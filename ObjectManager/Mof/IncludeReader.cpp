@@ -1,0 +1,222 @@
+#include "ObjectManager/Mof/IncludeReader.h"
+
+#include <filesystem>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Mof/FileParser.h"
+#include "ObjectManager/Mof/SourceFiles.h"
+
+namespace Mof {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+template <typename Element>
+void moveInto(std::vector<Element>& all, std::vector<Element>& more) {
+    all.insert(all.end(), std::make_move_iterator(more.begin()),
+               std::make_move_iterator(more.end()));
+}
+
+// The path of `name`, which is relative to the directory of `file`. Text and no
+// std::filesystem::path, which takes too long for the thousands of files of a schema.
+std::string siblingPath(std::string_view file, const std::string& name) {
+    const std::size_t directoryEnd = file.rfind('/');
+    if (name.starts_with('/') || directoryEnd == std::string_view::npos)
+        return name;
+    return std::string(file.substr(0, directoryEnd + 1)) + name;
+}
+
+// A file that is open for reading.
+struct OpenFile {
+    std::string path;
+    Base::FileDescriptor descriptor;
+    Base::FileIdentity identity;
+};
+
+// None if no file has that path.
+std::optional<OpenFile> openSource(std::string path, Base::FileKind kind) {
+    std::optional<Base::FileDescriptor> descriptor = Base::openIfThere(path, kind);
+    if (!descriptor)
+        return std::nullopt;
+    const Base::FileIdentity identity = Base::FileVersion::of(*descriptor).identity;
+    return OpenFile{
+        .path = std::move(path), .descriptor = *std::move(descriptor), .identity = identity};
+}
+
+std::string reasonOf(const std::system_error& error) {
+    return error.code() == std::errc::not_supported ? "it is not a regular file"
+                                                    : error.code().message();
+}
+
+// Reads files and what they include. Since declarations may have any order, an included file is
+// read after the one that includes it.
+class IncludeReader {
+  public:
+    IncludeReader(const CompilerOptions& options, Compilation& compilation, Reporter& reporter)
+        : options_(options),
+          compilation_(compilation),
+          reporter_(reporter),
+          parser_(
+              [this](std::size_t offset, const std::string& message) {
+                  reporter_.error(inLastFile(offset), message);
+              },
+              [this](std::size_t offset, const std::string& message) {
+                  reporter_.warning(inLastFile(offset), message);
+              }) {}
+
+    // Reads a file or a directory.
+    void readAll(const std::string& path) {
+        try {
+            if (fs::is_directory(path))
+                readDirectory(path);
+            else
+                readUnlessIncluded(path, Base::FileKind::kAny);
+        } catch (const fs::filesystem_error& error) {
+            addUnreadable(error.path1(), error);
+        } catch (const std::system_error& error) {
+            addUnreadable(path, error);
+        }
+    }
+
+  private:
+    // A file that is being read, and the one that includes it.
+    struct Reading {
+        Base::FileIdentity identity;
+        const Reading* includedBy;
+        std::size_t depth;
+    };
+
+    void readDirectory(const std::string& path) {
+        const std::vector<DirectoryFile> files = mofFilesIn(path);
+        for (const DirectoryFile& file : files)
+            inDirectories_.insert(file.identity);
+        for (const DirectoryFile& file : files) {
+            try {
+                readUnlessIncluded(file.path, Base::FileKind::kRegular);
+            } catch (const std::system_error& error) {
+                addUnreadable(file.path, error);
+            }
+        }
+    }
+
+    void addUnreadable(const std::string& path, const std::system_error& error) {
+        reporter_.errorOfFile(path, "cannot be read: " + reasonOf(error));
+    }
+
+    void readUnlessIncluded(const std::string& path, Base::FileKind kind) {
+        const std::optional<OpenFile> file = openSource(path, kind);
+        if (!file)
+            throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory));
+        if (!read_.contains(file->identity))
+            read(*file, nullptr);
+    }
+
+    void read(const OpenFile& file, const Reading* includedBy) {
+        const std::size_t number = compilation_.files.size();
+        compilation_.files.emplace_back(file.path,
+                                        Base::readAll(file.descriptor, options_.maxFileSize));
+        read_.insert(file.identity);
+        FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
+        moveInto(compilation_.qualifiers, declarations.qualifiers);
+        moveInto(compilation_.classes, declarations.classes);
+        const Reading reading{.identity = file.identity,
+                              .includedBy = includedBy,
+                              .depth = includedBy == nullptr ? 0 : includedBy->depth + 1};
+        for (const Include& include : declarations.includes)
+            readIncluded(include, reading);
+    }
+
+    void readIncluded(const Include& include, const Reading& includedBy) {
+        try {
+            findAndRead(include, includedBy);
+        } catch (const std::system_error& error) {
+            reporter_.error(include.position, "the included file " + Base::quoted(include.path) +
+                                                  " cannot be read: " + reasonOf(error));
+        }
+    }
+
+    void findAndRead(const Include& include, const Reading& includedBy) {
+        const std::optional<OpenFile> file = find(include);
+        if (!file) {
+            reporter_.error(include.position,
+                            "the included file " + Base::quoted(include.path) + " is not there");
+        } else if (mayBeRead(include, *file, includedBy)) {
+            read(*file, &includedBy);
+        }
+    }
+
+    [[nodiscard]] std::optional<OpenFile> find(const Include& include) const {
+        constexpr auto kKind = Base::FileKind::kRegular;
+        const std::string& includingFile = compilation_.files[include.position.file].name();
+        std::optional<OpenFile> file = openSource(siblingPath(includingFile, include.path), kKind);
+        for (const std::string& directory : options_.includePath) {
+            if (file)
+                break;
+            file = openSource(siblingPath(directory + "/", include.path), kKind);
+        }
+        return file;
+    }
+
+    // Reports why not, if not.
+    bool mayBeRead(const Include& include, const OpenFile& file, const Reading& includedBy) {
+        for (const Reading* reading = &includedBy; reading != nullptr;
+             reading = reading->includedBy) {
+            if (reading->identity == file.identity) {
+                reporter_.error(include.position,
+                                "the file " + Base::quoted(include.path) + " includes itself" +
+                                    (reading == &includedBy ? "" : " by way of others"));
+                return false;
+            }
+        }
+        if (read_.contains(file.identity)) {
+            warnUnlessInDirectory(include, file);
+            return false;
+        }
+        if (includedBy.depth == options_.maxIncludeDepth) {
+            reporter_.error(include.position, "more than " +
+                                                  std::to_string(options_.maxIncludeDepth) +
+                                                  " files include each other in a row");
+            return false;
+        }
+        return true;
+    }
+
+    // A directory may hold a file that includes the others, which may be read before it.
+    void warnUnlessInDirectory(const Include& include, const OpenFile& file) {
+        if (!inDirectories_.contains(file.identity)) {
+            reporter_.warning(include.position, "the file " + Base::quoted(include.path) +
+                                                    " is included already and not read again");
+        }
+    }
+
+    // The file that is parsed is the one that was added last.
+    [[nodiscard]] Position inLastFile(std::size_t offset) const {
+        return {.file = compilation_.files.size() - 1, .offset = offset};
+    }
+
+    const CompilerOptions& options_;
+    Compilation& compilation_;
+    Reporter& reporter_;
+    FileParser parser_;
+    std::set<Base::FileIdentity> read_;
+    std::set<Base::FileIdentity> inDirectories_;  // of those given: read, or about to be
+};
+
+}  // namespace
+
+void readFiles(const std::vector<std::string>& paths, const CompilerOptions& options,
+               Compilation& compilation, Reporter& reporter) {
+    IncludeReader reader(options, compilation, reporter);
+    for (const std::string& path : paths)
+        reader.readAll(path);
+}
+
+}  // namespace Mof

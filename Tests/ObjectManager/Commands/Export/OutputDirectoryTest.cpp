@@ -1,0 +1,329 @@
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <limits>
+#include <optional>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <system_error>
+
+#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "Tests/ObjectManager/Commands/Export/EndedProcess.h"
+#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Commands::OutputDirectory;
+using Outcome = OutputDirectory::Outcome;
+
+// A limit of the process, for the time that this lives.
+class Limit {
+  public:
+    Limit(int resource, rlim_t most) : resource_(resource) {
+        getrlimit(static_cast<__rlimit_resource>(resource_), &before_);
+        const rlimit limit = {.rlim_cur = most, .rlim_max = before_.rlim_max};
+        setrlimit(static_cast<__rlimit_resource>(resource_), &limit);
+    }
+    Limit(const Limit&) = delete;
+    Limit& operator=(const Limit&) = delete;
+    ~Limit() { setrlimit(static_cast<__rlimit_resource>(resource_), &before_); }
+
+  private:
+    int resource_;
+    rlimit before_ = {};
+};
+
+class OutputDirectoryTest : public testing::Test {
+  protected:
+    // What the message of an error says, with "OUT" for the directory; empty without one.
+    template <typename Work>
+    [[nodiscard]] std::string errorOf(const Work& work) const {
+        try {
+            work();
+            return "";
+        } catch (const std::system_error& error) {
+            std::string text = error.what();
+            const std::string path = folder_.path();
+            for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
+                text.replace(at, path.size(), "OUT");
+            return text;
+        }
+    }
+
+    [[nodiscard]] FolderContent content() const { return contentOf(folder_.path()); }
+
+    TemporaryFolder folder_;
+    OutputDirectory output_ = OutputDirectory::create(folder_.path());
+};
+
+TEST_F(OutputDirectoryTest, MakesTheDirectoriesThatAreMissing) {
+    const OutputDirectory made = OutputDirectory::create(folder_ / "a/b");
+    made.createBelow("c").put("d", "text");
+    made.createBelow("c").put("e", "");
+    EXPECT_EQ(content(), (FolderContent{{"a", "(folder)"},
+                                        {"a/b", "(folder)"},
+                                        {"a/b/c", "(folder)"},
+                                        {"a/b/c/d", "text"},
+                                        {"a/b/c/e", ""}}));
+    EXPECT_EQ(made.createBelow("c").path(), fs::path(folder_ / "a/b/c"));
+}
+
+TEST_F(OutputDirectoryTest, AFileInPlaceOfADirectoryIsAnError) {
+    folder_.write("file", "");
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(folder_ / "file"); }),
+              "cannot make the directory OUT/file: Not a directory");
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(folder_ / "file/below"); }),
+              "cannot make the directory OUT/file/below: Not a directory");
+    EXPECT_EQ(errorOf([&] { (void)output_.createBelow("file"); }),
+              "cannot make the directory OUT/file: Not a directory");
+}
+
+TEST_F(OutputDirectoryTest, ADirectoryThatIsGoneIsAnError) {
+    const OutputDirectory gone = output_.createBelow("gone");
+    fs::remove(folder_ / "gone");
+    EXPECT_EQ(errorOf([&] { (void)gone.createBelow("a"); }),
+              "cannot make the directory OUT/gone/a: No such file or directory");
+    EXPECT_EQ(errorOf([&] { gone.put("a", "text"); }),
+              "cannot write OUT/gone/a: No such file or directory");
+    EXPECT_EQ(errorOf([&] { gone.remove("a"); }),
+              "cannot remove OUT/gone/a: No such file or directory");
+}
+
+TEST_F(OutputDirectoryTest, TheDirectoryItselfMayBeALinkButNoneBelow) {
+    const TemporaryFolder elsewhere;
+    fs::create_directory_symlink(elsewhere.path(), folder_ / "link");
+    OutputDirectory::create(folder_ / "link").put("a", "text");
+    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"a", "text"}}));
+    EXPECT_EQ(errorOf([&] { (void)output_.createBelow("link"); }),
+              "documents are not written through a symbolic link: OUT/link: Not a directory");
+}
+
+TEST_F(OutputDirectoryTest, AFileIsReplacedWhenItWouldChange) {
+    EXPECT_EQ(output_.put("a", "first"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "other"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "longer text"), Outcome::kWritten);
+    EXPECT_EQ(output_.put("a", "long"), Outcome::kWritten);
+    EXPECT_EQ(content(), (FolderContent{{"a", "long"}}));
+}
+
+TEST_F(OutputDirectoryTest, AnUnchangedFileKeepsItsTimeStamp) {
+    // Around the length of what is compared at once.
+    for (const std::size_t length : {0U, 1U, 32767U, 32768U, 32769U, 100'000U}) {
+        const std::string text(length, 'x');
+        output_.put("a", text);
+        const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
+        fs::last_write_time(folder_ / "a", longAgo);
+        const auto before = fs::last_write_time(folder_ / "a");
+        EXPECT_EQ(output_.put("a", text), Outcome::kUnchanged) << length;
+        EXPECT_EQ(fs::last_write_time(folder_ / "a"), before) << length;
+        if (length == 0)
+            continue;
+        std::string other = text;
+        other.back() = 'y';
+        EXPECT_EQ(output_.put("a", other), Outcome::kWritten) << length;
+        EXPECT_GT(fs::last_write_time(folder_ / "a"), before) << length;
+    }
+}
+
+TEST_F(OutputDirectoryTest, AFileHasThePermissionsThatTheUmaskLeaves) {
+    const mode_t before = umask(027);
+    output_.put("a", "text");
+    (void)output_.createBelow("b");
+    umask(before);
+    EXPECT_EQ(fs::status(folder_ / "a").permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(folder_ / "b").permissions(), fs::perms(0750));
+}
+
+TEST_F(OutputDirectoryTest, WhatIsNoRegularFileIsReplacedExceptADirectory) {
+    const TemporaryFolder elsewhere;
+    const fs::path target = elsewhere.write("target", "text");
+    fs::create_symlink(target, folder_ / "link");
+    EXPECT_EQ(output_.put("link", "text"), Outcome::kWritten);
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(output_.put("pipe", "text"), Outcome::kWritten);
+    (void)output_.createBelow("folder");
+    EXPECT_EQ(errorOf([&] { output_.put("folder", "text"); }),
+              "cannot write OUT/folder: Is a directory");
+    EXPECT_EQ(content(),
+              (FolderContent{{"link", "text"}, {"pipe", "text"}, {"folder", "(folder)"}}));
+    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"target", "text"}}));
+}
+
+// As on a disk that is full, but for the words: the file takes so many bytes and no more.
+TEST_F(OutputDirectoryTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) {
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    const std::string text(100'000, 'x');
+    output_.put("old", "old text");
+    const FolderContent before = content();
+    for (const rlim_t most : {0U, 1U, 4096U, 99'999U}) {
+        const Limit limit(RLIMIT_FSIZE, most);
+        EXPECT_EQ(errorOf([&] { output_.put("old", text); }),
+                  "cannot write OUT/old: File too large");
+        EXPECT_EQ(errorOf([&] { output_.put("new", text); }),
+                  "cannot write OUT/new: File too large");
+        EXPECT_EQ(content(), before) << most;
+    }
+    const Limit limit(RLIMIT_FSIZE, 100'000);
+    output_.put("old", text);
+    EXPECT_EQ(content(), (FolderContent{{"old", text}}));
+}
+
+TEST_F(OutputDirectoryTest, AFileThatCannotBeMadeIsAnError) {
+    output_.put("old", "old text");
+    const auto errorWithoutDescriptors = [&](const auto& work) {
+        return errorOf([&] {
+            const Limit limit(RLIMIT_NOFILE, 0);
+            work();
+        });
+    };
+    EXPECT_EQ(errorWithoutDescriptors([&] { output_.put("old", "text"); }),
+              "cannot write OUT/old: Too many open files");
+    EXPECT_EQ(errorWithoutDescriptors([&] { (void)output_.createBelow("below"); }),
+              "cannot make the directory OUT/below: Too many open files");
+    EXPECT_EQ(errorWithoutDescriptors([&] { (void)output_.files(); }),
+              "cannot read the directory OUT: Too many open files");
+    EXPECT_EQ(contentOfFile(folder_ / "old"), "old text");
+}
+
+TEST_F(OutputDirectoryTest, WhatAKilledProcessLeftBehindIsNotInTheWay) {
+    // The names that this process uses next, and then some.
+    for (int number = 1; number <= 50; ++number) {
+        folder_.write(".tesk-export-" + std::to_string(getpid()) + "-" + std::to_string(number),
+                      "part");
+    }
+    FolderContent expected = content();
+    output_.put("a", "text");
+    expected["a"] = "text";
+    EXPECT_EQ(content(), expected);
+}
+
+TEST_F(OutputDirectoryTest, ListsRegularFilesInOrder) {
+    output_.put("b", "");
+    output_.put(".a", "");
+    (void)output_.createBelow("folder").put("c", "");
+    fs::create_symlink("b", folder_ / "link");
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    const std::vector<std::string> expected = {".a", "b"};
+    EXPECT_EQ(output_.files(), expected);
+    EXPECT_EQ(output_.files(), expected);
+}
+
+TEST_F(OutputDirectoryTest, TellsHowAFileBegins) {
+    output_.put("a", "0123456789");
+    EXPECT_EQ(output_.startOf("a", 4), "0123");
+    EXPECT_EQ(output_.startOf("a", 10), "0123456789");
+    EXPECT_EQ(output_.startOf("a", 11), "0123456789");
+    fs::create_symlink("a", folder_ / "link");
+    (void)output_.createBelow("folder");
+    EXPECT_EQ(output_.startOf("link", 4), "");
+    EXPECT_EQ(output_.startOf("folder", 4), "");
+    EXPECT_EQ(output_.startOf("none", 4), "");
+}
+
+TEST_F(OutputDirectoryTest, RemovesAFile) {
+    output_.put("a", "");
+    output_.put("b", "");
+    output_.remove("a");
+    EXPECT_EQ(content(), (FolderContent{{"b", ""}}));
+}
+
+TEST_F(OutputDirectoryTest, SeveralThreadsWriteAtOnce) {
+    const std::string text(10'000, 'x');
+    runOnThreads(4, [&](int thread) {
+        for (int number = 0; number < 50; ++number) {
+            output_.put(std::to_string(thread) + "-" + std::to_string(number), text);
+            output_.put("shared", text + std::to_string(thread));
+        }
+    });
+    FolderContent all = content();
+    EXPECT_EQ(all["shared"].size(), text.size() + 1);
+    all.erase("shared");
+    EXPECT_EQ(all.size(), 200U);
+    EXPECT_TRUE(
+        std::all_of(all.begin(), all.end(), [&](const auto& file) { return file.second == text; }));
+}
+
+TEST_F(OutputDirectoryTest, CanBeMoved) {
+    OutputDirectory other = OutputDirectory::create(folder_ / "other");
+    other = std::move(output_);
+    other.put("a", "text");
+    const OutputDirectory last = std::move(other);
+    last.put("b", "text");
+    EXPECT_EQ(content(), (FolderContent{{"a", "text"}, {"b", "text"}, {"other", "(folder)"}}));
+}
+
+TEST_F(OutputDirectoryTest, RemovesTemporaryFilesOfProcessesThatAreGone) {
+    const std::string ended = ".tesk-export-" + std::to_string(idOfEndedProcess()) + "-";
+    // No process has so high a number.
+    const std::string highest =
+        ".tesk-export-" + std::to_string(std::numeric_limits<pid_t>::max()) + "-1";
+    for (const std::string& name :
+         {ended + "1", ended + "23", ended + "18446744073709551615", highest})
+        folder_.write(name, "part");
+    folder_.write("CIM_Foo.xsd", "text");
+    EXPECT_EQ(output_.removeUnfinishedFiles(), 4U);
+    EXPECT_EQ(content(), (FolderContent{{"CIM_Foo.xsd", "text"}}));
+    EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
+}
+
+TEST_F(OutputDirectoryTest, KeepsTemporaryFilesOfProcessesThatRun) {
+    // That of another user is number 1, unless the administrator runs these tests.
+    for (const pid_t process : {getpid(), getppid(), pid_t{1}})
+        folder_.write(".tesk-export-" + std::to_string(process) + "-1", "part");
+    const FolderContent before = content();
+    EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
+    EXPECT_EQ(content(), before);
+}
+
+TEST_F(OutputDirectoryTest, KeepsFilesWhoseNamesOnlyLookLikeTemporaryOnes) {
+    const std::string prefix = ".tesk-export-";
+    const std::string ended = std::to_string(idOfEndedProcess());
+    for (const std::string& process :
+         {std::string(), "-" + ended, "+" + ended, "0" + ended, " " + ended, ended + "x",
+          std::string("0"), std::string("-1"), std::string("2147483648"),
+          std::string("99999999999999999999")})
+        folder_.write(prefix + process + "-1", "text");
+    for (const std::string& name :
+         {prefix + ended, prefix + ended + "-", prefix + ended + "-0", prefix + ended + "-1x",
+          prefix + ended + "-1-1", prefix + ended + "--1", prefix + ended + "-1.xsd",
+          "tesk-export-" + ended + "-1", ".tesk-import-" + ended + "-1",
+          " .tesk-export-" + ended + "-1", prefix})
+        folder_.write(name, "text");
+    (void)output_.createBelow(prefix + ended + "-4").put(prefix + ended + "-1", "text");
+    const FolderContent before = content();
+    EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
+    EXPECT_EQ(content(), before);
+}
+
+TEST(OutputDirectory, NamesThatAreNoneInADirectoryAreRefused) {
+    using namespace std::string_view_literals;
+    const std::string longest(255, 'a');
+    const std::string tooLong(256, 'a');
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"CIM_Foo", ""},
+        {"CIM_Foo.wsdl", ""},
+        {"a", ""},
+        {"...", ""},
+        {".a", ""},
+        {"..a", ""},
+        {"Größe", ""},
+        {longest, ""},
+        {"", "is empty"},
+        {".", "is \".\""},
+        {"..", "is \"..\""},
+        {"../CIM_Foo", "has a \"/\""},
+        {"/", "has a \"/\""},
+        {"CIM_Foo\0.xsd"sv, "has a zero byte"},
+        {tooLong, "is longer than 255 bytes"},
+    };
+    for (const auto& [name, fault] : cases)
+        EXPECT_EQ(OutputDirectory::validateName(name), fault) << name;
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ObjectManager/Commands/Model.h"
+#include "ObjectManager/Host/ProgramFolders.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace {
+
+using Commands::ModelOptions;
+
+std::vector<Repository::NamespaceSource> namespacesOf(const ModelOptions& options) {
+    std::ostringstream messages;
+    return Commands::readSettings(options, messages).namespaces;
+}
+
+// A line each: "NAME: PATH PATH".
+std::string linesOf(const std::vector<Repository::NamespaceSource>& sources) {
+    std::string lines;
+    for (const Repository::NamespaceSource& source : sources) {
+        lines += source.name + ":";
+        for (const std::string& path : source.paths)
+            lines += " " + path;
+        lines += "\n";
+    }
+    return lines;
+}
+
+TEST(Model, IsTheSampleModelByDefault) {
+    const std::string models = Host::ProgramFolders::ofThisProgram().models;
+    EXPECT_EQ(linesOf(namespacesOf({})), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
+                                             "interop: " + models + "/interop/interop.mof\n");
+}
+
+TEST(Model, HasTheNamespacesInTheirOrder) {
+    const ModelOptions options = {.namespaces = {"root/a=a.mof", "root/b=b.mof", "root/a=c.mof"},
+                                  .configuration = ""};
+    EXPECT_EQ(linesOf(namespacesOf(options)), "root/a: a.mof\nroot/b: b.mof\nroot/a: c.mof\n");
+}
+
+TEST(Model, HasTheClassesOfAllNamespaces) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.namespaces = {
+        "root/a=" + folder.write("a.mof", "class TST_A {};").string(),
+        "root/b=" + folder.write("b.mof", "class TST_B {};").string(),
+        "Root/A=" + folder.write("c.mof", "class TST_C {};").string(),
+    };
+    const TSKSmrPtr<Repository::ClassRepository> repository = Commands::loadModel(options);
+    EXPECT_EQ(repository->namespaces().size(), 2U);
+    EXPECT_TRUE(repository->getClass("root/a", "TST_A"));
+    EXPECT_TRUE(repository->getClass("root/b", "TST_B"));
+    EXPECT_TRUE(repository->getClass("root/a", "TST_C"));
+}
+
+TEST(Model, WithAnErrorIsNotLoaded) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.namespaces = {"root/a=" + folder.write("a.mof", "class TST_A {};").string(),
+                          "root/b=" + folder.write("b.mof", "class").string()};
+    try {
+        (void)Commands::loadModel(options);
+        FAIL();
+    } catch (const TeskBaseException& error) {
+        EXPECT_EQ(error.getMessage(), "the classes have errors and are not used");
+    }
+}
+
+TEST(Model, IsThatOfTheConfigurationWithoutNamespacesOnTheCommandLine) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.configuration = folder.write("tesk.toml", R"([namespaces]
+"root/a" = "/a.mof"
+[repository]
+property_order = "declaration"
+)");
+    EXPECT_EQ(linesOf(namespacesOf(options)), "root/a: /a.mof\n");
+    std::ostringstream messages;
+    EXPECT_EQ(Commands::readSettings(options, messages).repository.propertyOrder,
+              Repository::PropertyOrder::kDeclaration);
+    options.namespaces = {"root/b=b.mof"};
+    EXPECT_EQ(linesOf(namespacesOf(options)), "root/b: b.mof\n");
+}
+
+TEST(Model, AWrongConfigurationIsNotUsed) {
+    const TemporaryFolder folder;
+    ModelOptions options;
+    options.configuration = folder.write("tesk.toml", "nothing = 1\n");
+    std::ostringstream messages;
+    try {
+        (void)Commands::readSettings(options, messages);
+        FAIL();
+    } catch (const TeskBaseException& error) {
+        EXPECT_EQ(error.getMessage(), "the configuration has errors and is not used");
+    }
+    EXPECT_EQ(messages.str(),
+              options.configuration +
+                  ":1:1: error: unknown key \"nothing\"; known are \"include_path\", "
+                  "\"namespaces\", \"repository\", \"server\", "
+                  "\"security\" and \"log\"\n");
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+
+#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Index/IndexProvider.h"
+#include "Platform/Http/TSKHTTPException.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RecordingStreams.h"
+#include "Tests/Support/TestHost.h"
+#include "Tests/Support/Threads.h"
+
+namespace {
+
+using Index::IndexProvider;
+
+class IndexProviderTest : public RepositoryTest {
+  protected:
+    IndexProviderTest() { AuthenticationHelper::setAuthenticator(authenticator_); }
+    ~IndexProviderTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
+
+    // What is written to the client; "(left)" and that when the provider leaves the request.
+    [[nodiscard]] static std::string answer(IndexProvider& provider, const char* method,
+                                            const char* path = "/",
+                                            const char* protocol = "HTTP/1.1") {
+        TSKHTTPRequest request(method, path, protocol);
+        EmptyInput input;
+        RecordedOutput output;
+        bool handled = true;
+        provider.processHTTPRequest(input, output, request, handled, nullptr);
+        return handled ? output.text : "(left)" + output.text;
+    }
+
+    // The code and the message with which a request is refused.
+    [[nodiscard]] std::string refusalOf(const char* method, RecordedOutput& output) {
+        TSKHTTPRequest request(method, "/", "HTTP/1.1");
+        EmptyInput input;
+        bool handled = true;
+        try {
+            provider_.processHTTPRequest(input, output, request, handled, nullptr);
+            return "none";
+        } catch (const TSKHTTPException& refusal) {
+            return std::to_string(refusal.getErrorCode()) + " " + refusal.getMessage().data();
+        }
+    }
+
+    [[nodiscard]] static std::string found(const Repository::ClassRepository& repository,
+                                           const std::string& protocol = "HTTP/1.1") {
+        const std::string page = Index::makeIndexPage(repository);
+        return protocol +
+               " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
+               "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
+               Index::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n" +
+               page;
+    }
+
+    TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
+    TSKSmrPtr<Repository::ClassRepository> one_ = load("class TST_One {};");
+    TSKSmrPtr<Repository::ClassRepository> other_ = load("class TST_Other {}; class TST_Third {};");
+    IndexProvider provider_{one_};
+};
+
+// The front end sends the head alone to those who ask for no more.
+TEST_F(IndexProviderTest, AnswersGetAndHeadWithThePage) {
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
+    EXPECT_EQ(answer(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
+    EXPECT_EQ(authenticator_->calls, 3);
+    EXPECT_EQ(authenticator_->liveTokens(), 0);
+}
+
+TEST_F(IndexProviderTest, LeavesOtherPathsAndAsksNobodyWhoTheyAre) {
+    authenticator_->accepts = false;
+    for (const char* const path :
+         {"", "//", "/index.html", "/root", "/root/test/TST_One.wsdl", "/?", " /", "/ ", "*"})
+        EXPECT_EQ(answer(provider_, "GET", path), "(left)") << path;
+    EXPECT_EQ(authenticator_->calls, 0);
+}
+
+TEST_F(IndexProviderTest, RefusesStrangersWithoutWriting) {
+    authenticator_->accepts = false;
+    for (const char* const method : {"GET", "HEAD", "POST"}) {
+        RecordedOutput output;
+        EXPECT_EQ(refusalOf(method, output), "4 Authentication failed") << method;
+        EXPECT_EQ(output.writes, 0) << method;
+    }
+    EXPECT_EQ(authenticator_->calls, 3);
+}
+
+TEST_F(IndexProviderTest, RefusesEverybodyWithoutAnAuthenticator) {
+    AuthenticationHelper::setAuthenticator(nullptr);
+    EXPECT_THROW((void)answer(provider_, "GET"), TSKHTTPException);
+}
+
+TEST_F(IndexProviderTest, SaysWhichMethodsThereAre) {
+    for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
+        EXPECT_EQ(answer(provider_, method),
+                  "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
+                  "Content-Length: 0\r\n\r\n")
+            << method;
+    }
+}
+
+TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    provider_.setRepository(other_);
+    EXPECT_EQ(answer(provider_, "GET"), found(*other_));
+    provider_.setRepository(one_);
+    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
+}
+
+TEST_F(IndexProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
+    const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+    EXPECT_TRUE(manager->addProvider(provider_, "index").empty());
+    EXPECT_TRUE(manager->startup().empty());
+    EXPECT_TRUE(manager->postStartup().empty());
+    EXPECT_EQ(manager->findProvider("/"), &provider_);
+    EXPECT_EQ(manager->findProvider("/nosuch/namespace/TST_One.wsdl"), &provider_);
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+}
+
+TEST_F(IndexProviderTest, SeveralThreadsAskWhileTheClassesChange) {
+    constexpr int kThreads = 4;
+    constexpr int kRequests = 200;
+    const std::set<std::string> right = {found(*one_), found(*other_)};
+    runOnThreads(kThreads, [&](int thread) {
+        for (int count = 0; count < kRequests; ++count) {
+            if (thread == 0)
+                provider_.setRepository(count % 2 == 0 ? other_ : one_);
+            EXPECT_TRUE(right.contains(answer(provider_, "GET")));
+        }
+    });
+    EXPECT_EQ(authenticator_->calls, kThreads * kRequests);
+    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+}
+
+}  // namespace

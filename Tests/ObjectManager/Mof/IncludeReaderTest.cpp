@@ -1,0 +1,200 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "ObjectManager/Mof/IncludeReader.h"
+#include "Tests/ObjectManager/Mof/DeclarationText.h"
+#include "Tests/ObjectManager/Mof/MofFolder.h"
+
+namespace {
+
+using Mof::Compilation;
+
+Mof::CompilerOptions withIncludePath(std::vector<std::string> includePath) {
+    Mof::CompilerOptions options;
+    options.includePath = std::move(includePath);
+    return options;
+}
+
+class IncludeReaderTest : public testing::Test {
+  protected:
+    // The declarations of a file or directory, not yet checked.
+    Compilation read(const char* name, const Mof::CompilerOptions& options = {}) {
+        Compilation compilation;
+        Mof::Reporter reporter(compilation.files, compilation.diagnostics, options.diagnostics);
+        Mof::readFiles({folder_.path(name)}, options, compilation, reporter);
+        return compilation;
+    }
+
+    void write(const char* name, const std::string& mof) { folder_.write(name, mof); }
+
+    std::string shown(const Compilation& compilation) {
+        return folder_.shown(compilation.diagnostics);
+    }
+
+    MofFolder folder_;
+};
+
+TEST_F(IncludeReaderTest, IncludedFilesAreFoundBesideTheFile) {
+    write("main.mof", "#pragma include (\"sub/b.mof\")\nclass A_A : A_B {};");
+    write("sub/b.mof", "#pragma include (\"c.mof\")\nclass A_B : A_C {};");
+    write("sub/c.mof", "class A_C {};");
+    const Compilation compilation = read("main.mof");
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_A : A_B\nclass A_B : A_C\nclass A_C\n");
+}
+
+TEST_F(IncludeReaderTest, BackslashesSeparateDirectoriesToo) {
+    write("main.mof", "#pragma include (\"sub\\new\\b.mof\")");
+    write("sub/new/b.mof", "class A_B {};");
+    EXPECT_EQ(textOf(read("main.mof")), "class A_B\n");
+}
+
+TEST_F(IncludeReaderTest, IncludedFilesAreFoundOnTheIncludePath) {
+    write("main.mof", "#pragma include (\"b.mof\")");
+    write("first/other.mof", "");
+    write("second/b.mof", "class A_B {};");
+    const Compilation compilation =
+        read("main.mof", withIncludePath({folder_.path("first"), folder_.path("second")}));
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(IncludeReaderTest, AMissingIncludedFileIsAnError) {
+    write("main.mof", "class A_B {};\n  #pragma include (\"b.mof\")\n");
+    EXPECT_EQ(shown(read("main.mof")),
+              "main.mof:2:3: error: the included file \"b.mof\" is not there\n"
+              "  #pragma include (\"b.mof\")\n"
+              "  ^\n");
+}
+
+TEST_F(IncludeReaderTest, AnIncludeCycleIsAnError) {
+    write("main.mof", "#pragma include (\"b.mof\")");
+    write("b.mof", "#pragma include (\"b.mof\")\n#pragma include (\"main.mof\")");
+    EXPECT_EQ(shown(read("main.mof")),
+              "b.mof:1:1: error: the file \"b.mof\" includes itself\n"
+              "#pragma include (\"b.mof\")\n"
+              "^\n"
+              "b.mof:2:1: error: the file \"main.mof\" includes itself by way of others\n"
+              "#pragma include (\"main.mof\")\n"
+              "^\n");
+}
+
+TEST_F(IncludeReaderTest, AFileIncludedTwiceIsReadOnce) {
+    write("main.mof", "#pragma include (\"b.mof\")\n#pragma include (\"./b.mof\")");
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = read("main.mof");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+    EXPECT_FALSE(compilation.hasErrors());
+    EXPECT_EQ(shown(compilation),
+              "main.mof:2:1: warning: the file \"./b.mof\" is included already and not read again\n"
+              "#pragma include (\"./b.mof\")\n"
+              "^\n");
+}
+
+TEST_F(IncludeReaderTest, ADirectoryIsReadWithThoseBelowItInTheOrderOfNames) {
+    write("b.mof", "class A_B {};");
+    write("a/z.mof", "class A_Z {};");
+    write("c.txt", "no MOF");
+    const Compilation compilation = read("");
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_Z\nclass A_B\n");
+}
+
+TEST_F(IncludeReaderTest, ADirectoryMayHoldAFileThatIncludesTheOthers) {
+    write("a.mof", "#pragma include (\"b.mof\")");
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = read("");
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+// Like the DMTF's schema, whose main file is in the middle.
+TEST_F(IncludeReaderTest, TheOrderOfADirectoryMakesNoDifferenceToAFileThatIncludesTheOthers) {
+    write("a.mof", "class A_A {};");
+    write("main.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("more.mof", "#pragma include (\"a.mof\")\n#pragma include (\"z.mof\")");
+    write("z.mof", "class A_Z {};");
+    const Compilation compilation = read("");
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_A\nclass A_Z\n");
+}
+
+TEST_F(IncludeReaderTest, AFileOutsideADirectoryThatIsIncludedTwiceIsAWarning) {
+    write("directory/a.mof", "#pragma include (\"../b.mof\")\n#pragma include (\"../b.mof\")");
+    write("b.mof", "class A_B {};");
+    EXPECT_EQ(
+        shown(read("directory")),
+        "directory/a.mof:2:1: warning: the file \"../b.mof\" is included already and not read "
+        "again\n"
+        "#pragma include (\"../b.mof\")\n"
+        "^\n");
+}
+
+// Nothing ever writes to the pipe.
+TEST_F(IncludeReaderTest, APipeInADirectoryOrIncludedIsAnErrorAndNotOpened) {
+    write("directory/b.mof", "#pragma include (\"../pipe\")");
+    for (const char* const name : {"pipe", "directory/a.mof"})
+        ASSERT_EQ(mkfifo(folder_.path(name).c_str(), 0600), 0);
+    EXPECT_EQ(
+        shown(read("directory")),
+        "directory/a.mof: error: cannot be read: it is not a regular file\n"
+        "directory/b.mof:1:1: error: the included file \"../pipe\" cannot be read: it is not a "
+        "regular file\n"
+        "#pragma include (\"../pipe\")\n"
+        "^\n");
+}
+
+TEST_F(IncludeReaderTest, APipeThatIsNamedByTheUserIsRead) {
+    const std::string pipe = folder_.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { folder_.write("pipe", "class A_B {};"); });
+    const Compilation compilation = read("pipe");
+    writer.join();
+    EXPECT_EQ(shown(compilation), "");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(IncludeReaderTest, AnIncludedDirectoryIsAnError) {
+    write("directory/b.mof", "");
+    write("main.mof", "#pragma include (\"directory\")");
+    EXPECT_EQ(
+        shown(read("main.mof")),
+        "main.mof:1:1: error: the included file \"directory\" cannot be read: Is a directory\n"
+        "#pragma include (\"directory\")\n"
+        "^\n");
+}
+
+TEST_F(IncludeReaderTest, AFileThatCannotBeReadIsAnError) {
+    const Compilation compilation = read("missing.mof");
+    EXPECT_EQ(shown(compilation),
+              "missing.mof: error: cannot be read: No such file or directory\n");
+    EXPECT_TRUE(compilation.hasErrors());
+}
+
+TEST_F(IncludeReaderTest, AFileOfADirectoryThatCannotBeReadIsAnErrorAndTheOthersAreRead) {
+    std::filesystem::create_symlink("nowhere", folder_.path("a.mof"));
+    write("b.mof", "class A_B {};");
+    const Compilation compilation = read("");
+    EXPECT_EQ(shown(compilation), "a.mof: error: cannot be read: No such file or directory\n");
+    EXPECT_EQ(textOf(compilation), "class A_B\n");
+}
+
+TEST_F(IncludeReaderTest, AFileThatIsTooLargeIsAnError) {
+    write("main.mof", "class A_B {};\n#pragma include (\"b.mof\")");
+    write("b.mof", "// " + std::string(100, '-'));
+    Mof::CompilerOptions options;
+    options.maxFileSize = 103;
+    EXPECT_EQ(shown(read("main.mof", options)), "");
+    options.maxFileSize = 102;
+    EXPECT_EQ(shown(read("main.mof", options)),
+              "main.mof:2:1: error: the included file \"b.mof\" cannot be read: File too large\n"
+              "#pragma include (\"b.mof\")\n"
+              "^\n");
+    EXPECT_EQ(shown(read("b.mof", options)), "b.mof: error: cannot be read: File too large\n");
+}
+
+}  // namespace
