@@ -39,9 +39,9 @@ constexpr std::array<ElementText, kElementsInAGroup> kGroup = {{
 using Element = TSKSmrPtr<SOAPElement>;
 
 Element addElement(const Element& parent, const ElementText& text) {
-    TSKSmrPtr<SOAPQName> name(new SOAPQName(text.localName));
+    const TSKSmrPtr<SOAPQName> name(new SOAPQName(text.localName));
     name->setPrefix(parent->getQname()->getPrefix());
-    Element element = SOAPElement::makeElement(std::move(name));
+    Element element = SOAPElement::makeElement(name);
     parent->addChildElement(element);
     element->addAttribute(TSKSmrPtr<SOAPQName>(new SOAPQName(text.firstName)), text.firstValue);
     element->addAttribute(TSKSmrPtr<SOAPQName>(new SOAPQName(text.secondName)), text.secondValue);

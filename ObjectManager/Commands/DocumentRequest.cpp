@@ -10,7 +10,7 @@ namespace Commands {
 namespace {
 
 // Why a response has no document; empty if it has one.
-std::string validate(const Host::MemoryClient::Answer& response) {
+std::string validate(const Host::MemoryClient::Response& response) {
     if (response.status().empty())
         return "the response is not HTTP";
     if (response.status() != "200")
@@ -25,7 +25,7 @@ RequestedDocument requestDocument(const Host::MemoryClient& client,
                                   const TSKString& document) {
     const std::string name(document);
     try {
-        Host::MemoryClient::Answer response = client.get("/" + nameSpace.name() + "/" + document);
+        Host::MemoryClient::Response response = client.get("/" + nameSpace.name() + "/" + document);
         const std::string fault = validate(response);
         if (fault.empty())
             return {.response = std::move(response), .failure = {}};

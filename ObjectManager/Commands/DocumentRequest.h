@@ -10,7 +10,7 @@ namespace Commands {
 
 /// A document, or why there is none.
 struct RequestedDocument {
-    std::optional<Host::MemoryClient::Answer> response;  ///< its body is the document
+    std::optional<Host::MemoryClient::Response> response;  ///< its body is the document
     std::string failure;  ///< such as "CIM_Foo.xsd: the response has the status 404"
 };
 

@@ -6,7 +6,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -16,7 +16,7 @@ namespace Commands {
 namespace {
 
 std::vector<Repository::NamespaceSource> sampleModel() {
-    const std::filesystem::path models = Host::ProgramFolders::ofThisProgram().models;
+    const std::filesystem::path models = Host::InstallationPaths::ofThisProgram().models;
     return {{.name = "root/cimv2", .paths = {models / "cimv2/cimv2.mof"}},
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
 }

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "ObjectManager/Http/Options.h"
-#include "ObjectManager/Repository/NamespaceSource.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
 
 // Values that are written alike in the configuration file and on the command line.
 // Errors: TeskBaseException, whose message says what is right.

@@ -5,22 +5,11 @@
 #include <vector>
 
 #include "ObjectManager/Http/Options.h"
-#include "ObjectManager/Repository/NamespaceSource.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Repository/Options.h"
+#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Security/Options.h"
 
 namespace Configuration {
-
-struct SecuritySettings {
-    /// The users and their passwords, see `tesk passwd`. Empty for no file: then a temporary
-    /// password is generated, and printed at the start.
-    std::string passwordFile;
-
-    /// For how long a verified credential is remembered, so that not every request costs a hash of
-    /// a password; 0 for not at all.
-    std::chrono::milliseconds credentialLifetime = std::chrono::minutes(5);
-
-    friend bool operator==(const SecuritySettings&, const SecuritySettings&) = default;
-};
 
 struct LogSettings {
     /// The least important lines that are written: 1 errors, 2 warnings, 3 what happens at start
@@ -44,9 +33,9 @@ struct Settings {
     /// that includes them.
     std::vector<std::string> includePath;
 
-    Repository::RepositoryOptions repository;
+    Repository::Options repository;
     Http::Options server;
-    SecuritySettings security;
+    Security::Options security;
     LogSettings log;
 
     friend bool operator==(const Settings&, const Settings&) = default;

@@ -77,7 +77,7 @@ void readNamespaces(Table table, const Directory& directory,
     }
 }
 
-void readRepository(Table table, Repository::RepositoryOptions& settings) {
+void readRepository(Table table, Repository::Options& settings) {
     table.readChoice<Repository::PropertyOrder>(
         "property_order",
         {{"name", Repository::PropertyOrder::kName},
@@ -104,7 +104,7 @@ void readServer(Table table, Http::Options& settings) {
     table.reportUnknownKeys();
 }
 
-void readSecurity(Table table, const Directory& directory, SecuritySettings& settings) {
+void readSecurity(Table table, const Directory& directory, Security::Options& settings) {
     table.readText("password_file", "a path", [&](const std::string& path) {
         settings.passwordFile = directory.resolveUnlessEmpty(path);
     });

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Host/ProviderCall.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -12,40 +13,41 @@ namespace Host {
 
 namespace {
 
-constexpr std::string_view kHeadEnd = "\r\n\r\n";
+constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 
-constexpr bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
+class LocalToken : public urma::security::ISecurityToken {
+  public:
+    [[nodiscard]] TSKString getUserName() const override { return "local"; }
+};
 
 }  // namespace
 
-MemoryClient::Answer::Answer(std::string bytes)
-    : bytes_(std::move(bytes)), bodyStart_(bytes_.find(kHeadEnd)) {
-    bodyStart_ = bodyStart_ == std::string::npos ? bytes_.size() : bodyStart_ + kHeadEnd.size();
+MemoryClient::Response::Response(std::string bytes)
+    : bytes_(std::move(bytes)), bodyStart_(bytes_.find(kHeaderEnd)) {
+    bodyStart_ = bodyStart_ == std::string::npos ? bytes_.size() : bodyStart_ + kHeaderEnd.size();
 }
 
-std::string_view MemoryClient::Answer::status() const noexcept {
+std::string_view MemoryClient::Response::status() const noexcept {
     constexpr std::string_view kProtocol = "HTTP/1.1 ";  // or 1.0
     constexpr std::size_t kLength = 3;
-    const std::string_view head = std::string_view(bytes_).substr(0, bodyStart_);
-    if (!head.starts_with("HTTP/1.") || !head.ends_with(kHeadEnd) ||
-        head.find(' ') + 1 != kProtocol.size())
+    const std::string_view header = std::string_view(bytes_).substr(0, bodyStart_);
+    if (!header.starts_with("HTTP/1.") || !header.ends_with(kHeaderEnd) ||
+        header.find(' ') + 1 != kProtocol.size())
         return {};
-    const std::string_view status = head.substr(kProtocol.size(), kLength);
+    const std::string_view status = header.substr(kProtocol.size(), kLength);
     const bool isNumber =
-        status.size() == kLength && std::all_of(status.begin(), status.end(), isDigit);
+        status.size() == kLength && std::all_of(status.begin(), status.end(), Base::isDigit);
     return isNumber ? status : std::string_view();
 }
 
-std::string_view MemoryClient::Answer::body() const noexcept {
+std::string_view MemoryClient::Response::body() const noexcept {
     return std::string_view(bytes_).substr(bodyStart_);
 }
 
 MemoryClient::MemoryClient(const TeskProviderPluginManager& manager, TSKString host)
     : manager_(manager), host_(std::move(host)) {}
 
-MemoryClient::Answer MemoryClient::get(const TSKString& path) const {
+MemoryClient::Response MemoryClient::get(const TSKString& path) const {
     TSKHTTPRequest request("GET", path, "HTTP/1.1");
     request.setHeaderField("Host", host_, false);
     ProviderCall call = callProvider(manager_, request, {.address = "localhost", .port = "0"});
@@ -59,7 +61,15 @@ MemoryClient::Answer MemoryClient::get(const TSKString& path) const {
         case ProviderCall::Outcome::kResponse:
             break;
     }
-    return Answer(std::move(call.response));
+    return Response(std::move(call.response));
+}
+
+bool LocalAuthenticator::authenticateRequest(TSKHTTPRequest& /*request*/,
+                                             TSKGenericHTTPIStream& /*istr*/,
+                                             TSKGenericHTTPOStream& /*ostr*/,
+                                             TSKSmrPtr<urma::security::ISecurityToken>& token) {
+    token = TSKSmrPtr<LocalToken>::make();
+    return true;
 }
 
 }  // namespace Host

@@ -3,21 +3,22 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/ProviderFramework/ITeskAuthenticator.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 namespace Host {
 
-/// Asks the providers for documents as a client does over HTTP, but in memory: the same entry, the
-/// same path, the same bytes.
+/// Requests documents from the providers as a client does over HTTP, but in memory: the same call,
+/// the same path, the same bytes.
 ///
 /// Thread safety: may be used by several threads at once.
 class MemoryClient {
   public:
-    /// A provider's answer.
-    class Answer {
+    /// The response of a provider.
+    class Response {
       public:
-        /// `bytes` are head and body as the provider wrote them.
-        explicit Answer(std::string bytes);
+        /// `bytes` are the header section and the body as the provider wrote them.
+        explicit Response(std::string bytes);
 
         /// The three digits, such as "200"; empty for what is no HTTP response.
         [[nodiscard]] std::string_view status() const noexcept;
@@ -28,17 +29,28 @@ class MemoryClient {
         std::size_t bodyStart_;
     };
 
-    /// `manager` must outlive this. `host` stands for the Host field, such as "localhost:5985".
+    /// `manager` must outlive this. `host` is the header field Host, such as "localhost:5985".
     MemoryClient(const TeskProviderPluginManager& manager, TSKString host);
 
     /// Sends a GET request for a path.
     /// Errors: TeskBaseException when no provider serves the path; whatever the provider throws,
     /// also the TSKHTTPException of a provider that does not accept the client.
-    [[nodiscard]] Answer get(const TSKString& path) const;
+    [[nodiscard]] Response get(const TSKString& path) const;
 
   private:
     const TeskProviderPluginManager& manager_;
     TSKString host_;
+};
+
+/// Accepts every request, for the user "local": for requests that the program makes itself with a
+/// MemoryClient, where nobody else can call.
+///
+/// Thread safety: may be used by several threads at once.
+class LocalAuthenticator : public ITeskAuthenticator {
+  public:
+    bool authenticateRequest(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
+                             TSKGenericHTTPOStream& ostr,
+                             TSKSmrPtr<urma::security::ISecurityToken>& token) override;
 };
 
 }  // namespace Host

@@ -15,22 +15,23 @@ namespace {
 
 class Installation : public ITeskInstallation {
   public:
-    explicit Installation(const std::filesystem::path& folder) : folder_(folder.c_str()) {}
+    explicit Installation(const std::filesystem::path& directory) : directory_(directory.c_str()) {}
 
-    [[nodiscard]] TSKString getInstallationDirectory() const override { return folder_; }
+    [[nodiscard]] TSKString getInstallationDirectory() const override { return directory_; }
 
   private:
-    TSKString folder_;
+    TSKString directory_;
 };
 
-bool holdsLibrary(const std::filesystem::path& folder) {
-    const auto files = std::filesystem::directory_iterator(folder);
+bool holdsLibrary(const std::filesystem::path& directory) {
+    const auto files = std::filesystem::directory_iterator(directory);
     return std::any_of(begin(files), end(files), [](const auto& file) {
         return ProviderLibrary::isLibraryName(file.path().filename().c_str());
     });
 }
 
-// An object manager without one of its providers would answer 404 for what it ought to serve.
+// An object manager without one of its providers would respond with 404 where it should serve a
+// document.
 void requireNone(const TeskProviderPluginManager::Failures& failures) {
     if (failures.empty())
         return;
@@ -61,14 +62,14 @@ ProviderHost::~ProviderHost() {
 }
 
 // Our own providers come first, so that no library takes their URIs.
-void ProviderHost::start(const std::filesystem::path& folder,
+void ProviderHost::start(const std::filesystem::path& directory,
                          const std::vector<urma::pf::Provider*>& ownProviders) {
     for (urma::pf::Provider* const provider : ownProviders)
         requireNone(manager_->addProvider(*provider, provider->getProviderName()));
-    requireNone(manager_->loadProviders(folder.c_str()));
-    if (!holdsLibrary(folder)) {
-        throw TeskBaseException("ProviderHost", TSKString(folder.c_str()) + ": holds no provider",
-                                CIM_ERR_FAILED);
+    requireNone(manager_->loadProviders(directory.c_str()));
+    if (!holdsLibrary(directory)) {
+        throw TeskBaseException(
+            "ProviderHost", TSKString(directory.c_str()) + ": holds no provider", CIM_ERR_FAILED);
     }
     requireNone(manager_->startup());
     requireNone(manager_->postStartup());

@@ -35,7 +35,7 @@ class ProviderHost {
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
   private:
-    void start(const std::filesystem::path& folder,
+    void start(const std::filesystem::path& directory,
                const std::vector<urma::pf::Provider*>& ownProviders);
     void stop() noexcept;
 

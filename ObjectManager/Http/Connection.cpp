@@ -4,27 +4,53 @@
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
-#include <string_view>
 #include <utility>
-#include <variant>
-
-#include "ObjectManager/Http/OwnAnswers.h"
 
 namespace Http {
-
-namespace {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 
-}  // namespace
+void ConnectionSet::add(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    connections_.insert(&connection);
+}
+
+void ConnectionSet::remove(Connection& connection) noexcept {
+    const std::lock_guard lock(mutex_);
+    connections_.erase(&connection);
+    if (connections_.empty())
+        empty_.notify_all();
+}
+
+std::size_t ConnectionSet::size() const {
+    const std::lock_guard lock(mutex_);
+    return connections_.size();
+}
+
+std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
+    std::vector<std::shared_ptr<Connection>> connections;
+    const std::lock_guard lock(mutex_);
+    connections.reserve(connections_.size());
+    for (Connection* const connection : connections_) {
+        // Null for a connection that is being destroyed.
+        if (auto owned = connection->weak_from_this().lock())
+            connections.push_back(std::move(owned));
+    }
+    return connections;
+}
+
+bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
+    std::unique_lock lock(mutex_);
+    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
+}
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
       socket_(std::move(socket)),
       client_(client),
       timer_(socket_.get_executor()),
-      scanner_(context.options.requestLimits) {}
+      parser_(context.options) {}
 
 Connection::~Connection() {
     closeSocket();
@@ -32,20 +58,19 @@ Connection::~Connection() {
 
 void Connection::start() {
     context_.connections.add(*this);
-    // The option TCP_NODELAY is not set: an answer is followed by the end of the connection, which
-    // sends out what there is.
+    // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
     socket_.non_blocking(true);
-    take(&Connection::readHead);
+    take(&Connection::readHeader);
 }
 
-void Connection::turnAway(const Refusal& refusal) {
+void Connection::refuse(const Error& error) {
     context_.connections.add(*this);
-    error_code error;  // shows again when the answer is sent
-    socket_.non_blocking(true, error);
-    // Most clients have sent their request already, which tells whether it is of the method HEAD.
-    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
+    error_code ignored;  // shows again when the response is sent
+    socket_.non_blocking(true, ignored);
+    // Most clients have sent their request already, which tells whether its method is HEAD.
+    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
     received_.assign(context_.readBuffer.data(), length);
-    refuse(refusal);
+    refuseBytes(error);
 }
 
 void Connection::closeIfReading() {
@@ -55,12 +80,12 @@ void Connection::closeIfReading() {
 
 void Connection::abandon() {
     isAbandoned_ = true;
-    if (phase_ != Phase::kAnswering)
+    if (phase_ != Phase::kProcessing)
         close();
 }
 
-// Every step on the I/O thread is taken here. One that fails ends the connection, which else would
-// stay until its time is over.
+// Takes a step on the I/O thread. If it fails, the connection is closed instead of staying open
+// until its timeout.
 void Connection::take(Step step) {
     try {
         (this->*step)();
@@ -70,19 +95,18 @@ void Connection::take(Step step) {
     }
 }
 
-// Most clients have sent their request by the time their connection is accepted.
-void Connection::readHead() {
-    using Progress = RequestHeadScanner::Progress;
-    // One byte more than a head may have, so that the scanner refuses it.
-    const std::size_t most = context_.options.requestLimits.mostHeadBytes + 1;
+// Reads before it waits: most clients have sent their request when their connection is accepted.
+void Connection::readHeader() {
+    // One byte more than the limit, so that the parser sees that it is exceeded.
+    const std::size_t maxBytes = context_.options.maxHeaderSize + 1;
     for (;;) {
         error_code error;
         const std::size_t length = socket_.read_some(
-            boost::asio::buffer(context_.readBuffer, most - received_.size()), error);
+            boost::asio::buffer(context_.readBuffer, maxBytes - received_.size()), error);
         if (error == boost::asio::error::would_block) {
             if (!isLimited_)
-                limitPhase(context_.options.headTime);
-            waitFor(tcp::socket::wait_read, &Connection::readHead);
+                limitPhase(context_.options.headerTimeout);
+            waitFor(tcp::socket::wait_read, &Connection::readHeader);
             return;
         }
         if (error) {
@@ -90,68 +114,67 @@ void Connection::readHead() {
             return;
         }
         received_.append(context_.readBuffer.data(), length);
-        switch (scanner_.scan(received_)) {
-            case Progress::kIncomplete:
+        switch (parser_.parse(received_)) {
+            case RequestParser::State::kIncomplete:
                 break;
-            case Progress::kComplete:
-                takeRequest();
+            case RequestParser::State::kComplete:
+                queueRequest();
                 return;
-            case Progress::kRefused:
-                refuse(scanner_.refusal());
+            case RequestParser::State::kRefused:
+                refuseBytes(parser_.error());
                 return;
         }
     }
 }
 
-// Hands the request to a worker.
-void Connection::takeRequest() {
-    auto head = parseRequestHead(scanner_.headIn(received_), context_.options.requestLimits);
-    if (const auto* refusal = std::get_if<Refusal>(&head)) {
-        refuse(*refusal);
-        return;
-    }
-    request_ = std::move(std::get<RequestHead>(head));
-    hasMoreToCome_ = request_->announcesBody || received_.size() > scanner_.end();
+void Connection::queueRequest() {
+    hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
-    phase_ = Phase::kAnswering;
+    phase_ = Phase::kProcessing;
+    if (context_.prepare)
+        prepared_ = context_.prepare(parser_.request().message);
     if (!postToWorkers())
-        answerWith({.status = 503, .text = "The server has too many requests. Try again later."});
+        sendError({.status = 503, .text = "The server has too many requests. Try again later."});
 }
 
-// Whether they take it; the connection is the workers' then.
+// Returns whether a worker takes the request; the connection belongs to the worker then.
 bool Connection::postToWorkers() {
-    auto job = [self = shared_from_this()] { self->answerRequest(); };
-    if (!context_.options.isQuick(request_->request))
+    auto job = [self = shared_from_this()] { self->processRequest(); };
+    if (context_.needsPasswordHash && context_.needsPasswordHash(request()))
         return context_.workers.postSlow(std::move(job));
     context_.workers.postQuick(std::move(job));
     return true;
 }
 
-void Connection::refuse(const Refusal& refusal) {
-    hasMoreToCome_ = true;  // nobody knows where the request ends
-    answerWith(refusal);
+TSKHTTPRequest& Connection::request() {
+    return prepared_ != nullptr ? *prepared_ : parser_.request().message;
 }
 
-void Connection::answerWith(const Refusal& refusal) {
-    answer_ = answerOf(refusal, scanner_.isHeadRequest(received_));
+void Connection::refuseBytes(const Error& error) {
+    hasMoreToCome_ = true;  // the end of the request is unknown
+    sendError(error);
+}
+
+void Connection::sendError(const Error& error) {
+    response_ = errorResponse(error, parser_.isHeadRequest(received_));
     beginWriting();
 }
 
-// Run by a worker. When there is no memory for an answer, the connection closes with the job.
-void Connection::answerRequest() {
-    answer_ = context_.dispatcher.answer(request_->request, client_);
+// Run by a worker. When there is no memory for a response, the connection closes with the job.
+void Connection::processRequest() {
+    response_ = context_.dispatcher.respond(request(), client_);
     const Sending sending = isAbandoned_ ? Sending::kFailed : send();
     if (sending == Sending::kBlocked)
         continueOnIoThread(&Connection::beginWriting);
     else if (sending == Sending::kDone && clientSendsMore())
-        continueOnIoThread(&Connection::beginDraining);
+        continueOnIoThread(&Connection::beginLingering);
     else
         closeSocket();
 }
 
 void Connection::beginWriting() {
     phase_ = Phase::kWriting;
-    limitPhase(context_.options.responseTime);
+    limitPhase(context_.options.responseTimeout);
     write();
 }
 
@@ -160,16 +183,16 @@ void Connection::write() {
     if (sending == Sending::kBlocked)
         waitFor(tcp::socket::wait_write, &Connection::write);
     else if (sending == Sending::kDone && clientSendsMore())
-        beginDraining();
+        beginLingering();
     else
         close();
 }
 
 // Sends what the socket takes now.
 Connection::Sending Connection::send() {
-    while (!answer_->isSent()) {
+    while (!response_->isSent()) {
         error_code error;
-        answer_->consume(socket_.write_some(answer_->unsent(), error));
+        response_->consume(socket_.write_some(response_->unsent(), error));
         if (error == boost::asio::error::would_block)
             return Sending::kBlocked;
         if (error)
@@ -183,25 +206,25 @@ bool Connection::clientSendsMore() const {
     return hasMoreToCome_ || socket_.available(error) > 0;
 }
 
-void Connection::beginDraining() {
+void Connection::beginLingering() {
     if (isAbandoned_) {
         close();
         return;
     }
-    phase_ = Phase::kDraining;
-    limitPhase(context_.options.drainTime);
-    answer_.reset();
+    phase_ = Phase::kLingering;
+    limitPhase(context_.options.lingerTimeout);
+    response_.reset();
     error_code error;  // shows again when the client's bytes are read
     socket_.shutdown(tcp::socket::shutdown_send, error);
-    drain();
+    linger();
 }
 
-void Connection::drain() {
+void Connection::linger() {
     error_code error;
-    drainedBytes_ += socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
-    const bool goesOn = !error || error == boost::asio::error::would_block;
-    if (goesOn && drainedBytes_ <= context_.options.mostDrainedBytes)
-        waitFor(tcp::socket::wait_read, &Connection::drain);
+    lingerBytes_ += socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
+    const bool isOpen = !error || error == boost::asio::error::would_block;
+    if (isOpen && lingerBytes_ <= context_.options.maxLingerBytes)
+        waitFor(tcp::socket::wait_read, &Connection::linger);
     else
         close();
 }
@@ -213,18 +236,18 @@ void Connection::close() noexcept {
     closeSocket();
 }
 
-// What a worker may do, who must not touch the phase and the timer. A client who sees that its
-// connection has ended may count on the place.
+// May be called by a worker, which must not touch the phase and the timer. Leaves the set before
+// the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
     context_.connections.remove(*this);
     error_code error;  // the socket is closed in any case
     socket_.close(error);
 }
 
-// What a phase waits for is of no interest to the next one.
+// The wait ends with the phase.
 void Connection::waitFor(tcp::socket::wait_type type, Step next) {
     const auto onEvent = [self = shared_from_this(), next, phase = phase_](error_code /*error*/) {
-        // A failure of the socket shows in what comes next.
+        // A failure of the socket shows in the next step.
         if (self->phase_ == phase)
             self->take(next);
     };
@@ -236,10 +259,10 @@ void Connection::continueOnIoThread(Step next) {
                       [self = shared_from_this(), next] { self->take(next); });
 }
 
-// Ends this phase after that time.
-void Connection::limitPhase(std::chrono::milliseconds most) {
+// Ends this phase after `timeout`.
+void Connection::limitPhase(std::chrono::milliseconds timeout) {
     isLimited_ = true;
-    timer_.expires_after(most);
+    timer_.expires_after(timeout);
     timer_.async_wait([self = shared_from_this(), phase = phase_](error_code error) {
         if (!error && self->phase_ == phase)
             self->take(&Connection::onTimeout);
@@ -248,7 +271,7 @@ void Connection::limitPhase(std::chrono::milliseconds most) {
 
 void Connection::onTimeout() {
     if (phase_ == Phase::kReading)
-        refuse({.status = 408, .text = "The head of the request has not come in in time."});
+        refuseBytes({.status = 408, .text = "The header section was not received in time."});
     else
         close();
 }

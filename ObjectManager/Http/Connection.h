@@ -4,50 +4,86 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
-#include "ObjectManager/Http/Answer.h"
-#include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
-#include "ObjectManager/Http/Refusal.h"
-#include "ObjectManager/Http/RequestHead.h"
-#include "ObjectManager/Http/RequestHeadScanner.h"
-#include "ObjectManager/Http/ServerOptions.h"
+#include "ObjectManager/Http/ErrorResponses.h"
+#include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Http/RequestParser.h"
+#include "ObjectManager/Http/Response.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
+
+class Connection;
+
+/// The open connections of a server.
+///
+/// Thread safety: may be used by several threads at once.
+class ConnectionSet {
+  public:
+    /// `connection` must be removed before it is destroyed.
+    /// Errors: std::bad_alloc.
+    void add(Connection& connection);
+
+    /// Does nothing if `connection` is not in the set.
+    void remove(Connection& connection) noexcept;
+
+    [[nodiscard]] std::size_t size() const;
+
+    /// The connections that are open now.
+    /// Errors: std::bad_alloc.
+    [[nodiscard]] std::vector<std::shared_ptr<Connection>> all() const;
+
+    /// Returns true as soon as the set is empty, false if it is not at the deadline.
+    [[nodiscard]] bool waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const;
+
+  private:
+    mutable std::mutex mutex_;
+    mutable std::condition_variable empty_;
+    std::unordered_set<Connection*> connections_;  // guarded by mutex_
+};
 
 /// What the connections of a server share.
 ///
 /// Thread safety: the read buffer belongs to the I/O thread; the rest is as safe as its types say.
 struct ConnectionContext {
-    const ServerOptions& options;
+    const Options& options;
     const Dispatcher& dispatcher;
     WorkerPool& workers;
     ConnectionSet& connections;
 
-    /// Bytes stay here only during one call, so that a connection that waits takes no buffer.
+    /// See Server; may be empty.
+    std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
+    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+
+    /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
 };
 
-/// One client: reads the head of its request, has a worker make the answer, sends it, closes. There
-/// is one request a connection. As long as something is to come of it, it keeps itself alive.
+/// A connection of one client: reads the header section of a request, has a worker make the
+/// response, sends it, closes. There is one request per connection. A connection keeps itself alive
+/// while it has something to do.
 ///
 /// A connection goes through these phases, some of which it may skip:
 ///
-/// - reading: the I/O thread waits for the head. When there are too many slow requests already, it
-///   goes on with writing.
-/// - answering: a worker runs the provider and sends what the socket takes at once. If that is all,
-///   and the client sends nothing more, the worker closes the connection.
-/// - writing: the I/O thread sends the rest as the client takes it.
-/// - draining: the client has the answer but still sends. To close now would make the client's
-///   system drop what the client has not read, so what comes is read and thrown away.
+/// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
+///   which there is no worker, gets an error; the next phase is writing.
+/// - processing: a worker runs the provider and sends what the socket takes at once. If that is the
+///   whole response and the client sends nothing more, the worker closes the connection.
+/// - writing: the I/O thread sends the rest as the client reads it.
+/// - lingering: the client has the response but still sends. To close the connection now would
+///   discard what the client has not read yet, so its bytes are read and dropped first.
 ///
-/// Thread safety: belongs to the I/O thread, but for what stands under "answering".
+/// Thread safety: belongs to the I/O thread, except for what a worker does while processing.
 class Connection : public std::enable_shared_from_this<Connection> {
   public:
     /// `socket` is open and belongs to the I/O thread's io_context; `context` must outlive the
@@ -59,63 +95,65 @@ class Connection : public std::enable_shared_from_this<Connection> {
     /// Closes the connection.
     ~Connection();
 
-    /// Enters the connection into the context's set, where it stays while it is open, and begins to
+    /// Adds the connection to the context's set, where it stays while it is open, and begins to
     /// read.
-    /// Errors: std::bad_alloc, boost::system::system_error; the connection is closed then. The
-    /// same passes out of the io_context's run later on.
+    /// Errors: std::bad_alloc, boost::system::system_error; the connection is closed then. Later
+    /// ones are thrown out of the io_context's run.
     void start();
 
-    /// In place of start(): answers `refusal` at once, whatever the client has sent or will send.
+    /// Instead of start(): sends `error` at once, whatever the client has sent or will send.
     /// Errors: as start().
-    void turnAway(const Refusal& refusal);
+    void refuse(const Error& error);
 
-    /// Closes if the head of the request has not come in yet.
+    /// Closes the connection if the header section has not come in yet.
     void closeIfReading();
 
-    /// Closes; if a worker has the connection, as soon as the provider has returned.
+    /// Closes the connection; if a worker processes the request, as soon as the provider has
+    /// returned.
     void abandon();
 
   private:
-    enum class Phase { kReading, kAnswering, kWriting, kDraining, kClosed };
+    enum class Phase { kReading, kProcessing, kWriting, kLingering, kClosed };
     enum class Sending { kDone, kBlocked, kFailed };
 
     using Step = void (Connection::*)();
 
     void take(Step step);
-    void readHead();
-    void takeRequest();
+    void readHeader();
+    void queueRequest();
     [[nodiscard]] bool postToWorkers();
-    void refuse(const Refusal& refusal);
-    void answerWith(const Refusal& refusal);
-    void answerRequest();
+    [[nodiscard]] TSKHTTPRequest& request();
+    void refuseBytes(const Error& error);
+    void sendError(const Error& error);
+    void processRequest();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
     [[nodiscard]] bool clientSendsMore() const;
-    void beginDraining();
-    void drain();
+    void beginLingering();
+    void linger();
     void close() noexcept;
     void closeSocket() noexcept;
 
     void waitFor(boost::asio::ip::tcp::socket::wait_type type, Step next);
     void continueOnIoThread(Step next);
-    void limitPhase(std::chrono::milliseconds most);
+    void limitPhase(std::chrono::milliseconds timeout);
     void onTimeout();
 
     ConnectionContext& context_;
     boost::asio::ip::tcp::socket socket_;
     boost::asio::ip::tcp::endpoint client_;
     boost::asio::steady_timer timer_;
-    Phase phase_ = Phase::kReading;          // read and changed by the I/O thread alone
-    bool isLimited_ = false;                 // the time for a phase is running
+    Phase phase_ = Phase::kReading;          // used by the I/O thread only
+    bool isLimited_ = false;                 // whether the timeout of a phase has begun
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
 
     std::string received_;
-    RequestHeadScanner scanner_;
-    std::optional<RequestHead> request_;
-    bool hasMoreToCome_ = false;  // the client has sent or announced more than a head
-    std::optional<Answer> answer_;
-    std::size_t drainedBytes_ = 0;
+    RequestParser parser_;
+    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
+    bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    std::optional<Response> response_;
+    std::size_t lingerBytes_ = 0;
 };
 
 }  // namespace Http

@@ -6,11 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Host/ProviderCall.h"
-#include "ObjectManager/Http/ErrorLog.h"
-#include "ObjectManager/Http/LogText.h"
-#include "ObjectManager/Http/OwnAnswers.h"
-#include "ObjectManager/Http/UriHost.h"
+#include "ObjectManager/Http/ErrorResponses.h"
+#include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Http/RequestTarget.h"
 
 namespace Http {
 
@@ -20,38 +21,35 @@ bool isHead(const TSKHTTPRequest& request) {
     return request.getMethod() == "HEAD";
 }
 
-Answer failed(const TSKHTTPRequest& request, std::string_view reason) {
-    logError(toLogText(request.getMethod()) + " " + toLogText(request.getUri()) + ": " +
-             toLogText(reason));
-    return answerOf({.status = 500, .text = "The server failed; its log says why."},
-                    isHead(request));
+Response fail(const TSKHTTPRequest& request, std::string_view reason) {
+    Base::log(kLogComponent, TeskTraceLog::SeverityError,
+              Base::logText(request.getMethod()) + " " + Base::logText(request.getUri()) + ": " +
+                  Base::logText(reason));
+    return errorResponse({.status = 500, .text = "The server failed; its log says why."},
+                         isHead(request));
 }
 
 }  // namespace
 
-Answer Dispatcher::answer(TSKHTTPRequest& request,
-                          const boost::asio::ip::tcp::endpoint& client) const {
-    using Outcome = Host::ProviderCall::Outcome;
+Response Dispatcher::respond(TSKHTTPRequest& request,
+                             const boost::asio::ip::tcp::endpoint& client) const {
+    using enum Host::ProviderCall::Outcome;
     try {
         Host::ProviderCall call = Host::callProvider(
             manager_, request,
             {.address = toUriHost(client.address()), .port = std::to_string(client.port())});
-        switch (call.outcome) {
-            case Outcome::kNotFound:
-                return answerOf({.status = 404, .text = "There is nothing at this path."},
-                                isHead(request));
-            case Outcome::kNotAuthenticated:
-                return makeChallenge();
-            case Outcome::kResponse:
-                break;
-        }
-        if (std::optional<Answer> answer = Answer::make(std::move(call.response), isHead(request)))
-            return std::move(*answer);
-        return failed(request, "no HTTP response was written");
+        if (call.outcome == kNotFound)
+            return errorResponse({.status = 404, .text = "There is nothing at this path."},
+                                 isHead(request));
+        if (call.outcome == kNotAuthenticated)
+            return authenticationChallenge();
+        if (auto response = Response::make(std::move(call.response), isHead(request)))
+            return std::move(*response);
+        return fail(request, "no HTTP response was written");
     } catch (const std::exception& exception) {
-        return failed(request, exception.what());
+        return fail(request, exception.what());
     } catch (...) {
-        return failed(request, "an exception of unknown type");
+        return fail(request, "an exception of unknown type");
     }
 }
 

@@ -4,8 +4,9 @@
 #include <exception>
 #include <future>
 
-#include "ObjectManager/Http/ErrorLog.h"
-#include "ObjectManager/Http/LogText.h"
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Http/Options.h"
 
 namespace Http {
 
@@ -30,7 +31,8 @@ void IoThread::run() noexcept {
         try {
             context_.run();
         } catch (const std::exception& exception) {
-            logError("A connection failed: " + toLogText(exception.what()));
+            Base::log(kLogComponent, TeskTraceLog::SeverityError,
+                      "A connection failed: " + Base::logText(exception.what()));
         }
     }
 }

@@ -9,7 +9,7 @@ namespace Http {
 
 /// A thread that runs an io_context.
 ///
-/// Thread safety: belongs to one thread, another than the one that it starts.
+/// Thread safety: belongs to one thread, which is not the one that it starts.
 class IoThread {
   public:
     IoThread() = default;
@@ -19,7 +19,7 @@ class IoThread {
 
     [[nodiscard]] boost::asio::io_context& context() noexcept { return context_; }
 
-    /// What a handler throws is logged; the next one is run.
+    /// Runs the handlers of the io_context from now on. What a handler throws is logged.
     /// Errors: std::system_error when no thread can be started.
     void start();
     [[nodiscard]] bool isRunning() const noexcept { return thread_.joinable(); }
@@ -28,7 +28,7 @@ class IoThread {
     /// Errors: std::bad_alloc, and what the task throws.
     void call(const std::function<void()>& task);
 
-    /// Runs no further handler; those that wait are destroyed with the io_context.
+    /// Runs no further handler. Those that wait are destroyed with the io_context.
     void stop();
 
   private:

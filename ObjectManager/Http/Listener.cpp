@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "ObjectManager/Http/ErrorLog.h"
+#include "ObjectManager/Base/Log.h"
 
 namespace Http {
 
@@ -21,18 +21,18 @@ namespace {
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 
-// So many are accepted before the other events have their turn.
+// How many connections are accepted before other events are handled.
 constexpr int kBatch = 64;
 
 // How long to wait for file descriptors to become free.
 constexpr std::chrono::milliseconds kPause{100};
 
-void open(tcp::acceptor& acceptor, const std::string& address, std::uint16_t port) {
-    const tcp::endpoint endpoint(boost::asio::ip::make_address(address), port);
+void open(tcp::acceptor& acceptor, const ListenAddress& address) {
+    const tcp::endpoint endpoint(boost::asio::ip::make_address(address.address), address.port);
     acceptor.open(endpoint.protocol());
-    // Children of the process must not keep the port.
+    // Child processes must not keep the port.
     fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC);
-    // After a restart connections of the former process may still linger on the port.
+    // After a restart, connections of the previous process may still be closing on the port.
     acceptor.set_option(tcp::acceptor::reuse_address(true));
     if (endpoint.protocol() == tcp::v6())
         acceptor.set_option(boost::asio::ip::v6_only(false));
@@ -41,22 +41,22 @@ void open(tcp::acceptor& acceptor, const std::string& address, std::uint16_t por
     acceptor.non_blocking(true);
 }
 
-// Whether the failure is that of one connection, and the next may be accepted at once.
-bool isOfOneConnection(const error_code& error) {
+// Whether only one connection is affected, and the next one may be accepted at once.
+bool affectsOneConnection(const error_code& error) {
     return error == boost::asio::error::connection_aborted ||
            error == boost::asio::error::interrupted;
 }
 
 }  // namespace
 
-Listener::Listener(boost::asio::io_context& context, const std::string& address, std::uint16_t port)
+Listener::Listener(boost::asio::io_context& context, const ListenAddress& address)
     : acceptor_(context), pauseEnd_(context) {
     try {
-        open(acceptor_, address, port);
+        open(acceptor_, address);
         endpoint_ = acceptor_.local_endpoint();
     } catch (const boost::system::system_error& error) {
-        throw std::system_error(error.code(),
-                                "Cannot listen on " + address + " port " + std::to_string(port));
+        throw std::system_error(error.code(), "Cannot listen on " + address.address + " port " +
+                                                  std::to_string(address.port));
     }
 }
 
@@ -66,7 +66,7 @@ void Listener::start(Accept accept) {
 }
 
 void Listener::close() {
-    error_code error;  // it is closed in any case
+    error_code error;  // the socket is closed in any case
     acceptor_.close(error);
     pauseEnd_.cancel(error);
 }
@@ -83,7 +83,7 @@ void Listener::acceptWaiting() {
         const error_code error = acceptOne();
         if (error == boost::asio::error::would_block)
             break;
-        if (error && !isOfOneConnection(error)) {
+        if (error && !affectsOneConnection(error)) {
             pause(error);
             return;
         }
@@ -95,7 +95,7 @@ void Listener::acceptWaiting() {
 error_code Listener::acceptOne() {
     tcp::endpoint client;
     auto length = static_cast<socklen_t>(client.capacity());
-    // Asio's own accept leaves the connection to the process's children.
+    // Asio's own accept would let child processes inherit the connection.
     const int descriptor = accept4(acceptor_.native_handle(), client.data(), &length, SOCK_CLOEXEC);
     if (descriptor < 0)
         return {errno, boost::system::system_category()};
@@ -112,13 +112,14 @@ error_code Listener::acceptOne() {
     } catch (const std::exception&) {
         return boost::asio::error::no_memory;
     }
-    isShort_ = false;
+    isPaused_ = false;
     return {};
 }
 
 void Listener::pause(const error_code& reason) {
-    if (!std::exchange(isShort_, true))
-        logError("Cannot accept connections for now: " + reason.message());
+    if (!std::exchange(isPaused_, true))
+        Base::log(kLogComponent, TeskTraceLog::SeverityError,
+                  "Cannot accept connections for now: " + reason.message());
     pauseEnd_.expires_after(kPause);
     pauseEnd_.async_wait([this](const error_code& error) {
         if (!error)

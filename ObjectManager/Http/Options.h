@@ -4,73 +4,80 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Http {
 
-/// Where a Server listens.
+/// The component of the server's lines in the log.
+inline constexpr std::string_view kLogComponent = "HttpFrontEnd";
+
+/// An address that a server listens on.
+///
+/// Thread safety: belongs to one thread while it is changed; may be read by several at once.
 struct ListenAddress {
-    /// An IPv4 or IPv6 address, without brackets. "0.0.0.0" is every IPv4 address of the machine,
-    /// "::" every IPv6 and IPv4 address. By default this machine alone: Basic authentication shows
-    /// passwords to everybody on the way.
+    /// An IPv4 or IPv6 address: "0.0.0.0" for every IPv4 address of the machine, "::" for every
+    /// IPv6 and IPv4 address. The default accepts connections from this machine only, because Basic
+    /// authentication sends passwords in clear text.
     std::string address = "127.0.0.1";
 
-    /// 0 takes a port that is free. By default the one that is registered for WS-Management.
+    /// 0 picks a free port. 5985 is registered for WS-Management over HTTP.
     std::uint16_t port = 5985;
 
     friend bool operator==(const ListenAddress&, const ListenAddress&) = default;
 };
 
-/// How a Server listens, and what it allows its clients.
+/// What a Server listens on and what it allows its clients. The limits apply to all listen
+/// addresses together.
 ///
 /// Thread safety: belongs to one thread while it is changed; may be read by several at once.
 struct Options {
-    /// Where to listen, at one place at least. Everything else here counts for all of them
-    /// together.
     std::vector<ListenAddress> listen = {{}};
 
-    /// Threads that run providers; 0 for one for each processor. Providers compute, so more would
-    /// only take turns.
+    /// Threads that run providers; 0 for one per processor. Providers compute and never wait for
+    /// clients, so more threads would only take turns.
     unsigned workers = 0;
 
-    /// Bytes of the header section with the empty line at its end. A Kerberos token in an
-    /// Authorization header field takes up to 12 KiB; more is answered 431.
+    /// Bytes of a request line and its header fields, with the empty line at their end. A Kerberos
+    /// token in the Authorization field takes up to 12 KiB. A longer header section gets 431.
     std::size_t maxHeaderSize = 16UL * 1024;
 
-    /// Bytes of the request line without its end. RFC 9112, section 3, recommends 8,000 at least;
-    /// more is answered 414.
+    /// Bytes of a request line without its line end. RFC 9112, section 3, recommends at least
+    /// 8,000. A longer one gets 414.
     std::size_t maxRequestLine = 8UL * 1024;
 
-    /// Header fields. Clients send about ten; more is answered 431, since what looks a field up
-    /// goes through all of them.
+    /// Header fields of a request. Clients send about ten. A field is found by searching through
+    /// all of them, so their number has a limit of its own. More get 431.
     std::size_t maxHeaderFields = 100;
 
-    /// For the client to send the whole header section; answered 408 then. Long enough for a bad
-    /// line, short enough that clients that send nothing do not take the place of others for long.
+    /// Time for a client to send the whole header section; it gets 408 then. Enough for a bad
+    /// network, short enough that idle clients do not hold connections for long.
     std::chrono::milliseconds headerTimeout = std::chrono::seconds(10);
 
-    /// For the client to take the whole response, however steadily it reads; the connection is
-    /// closed then. A document of 10 MiB needs 3 Mbit/s.
+    /// Time for a client to read the whole response; the connection is closed then. A document of
+    /// 10 MiB needs 3 Mbit/s.
     std::chrono::milliseconds responseTimeout = std::chrono::seconds(30);
 
-    /// For requests that run when the server is told to stop. Service managers wait longer before
-    /// they use force.
+    /// Time for running requests to finish when the server stops. Long enough for the largest
+    /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
 
-    /// Open connections, also those that wait for the client to end. One more is answered 503.
-    /// Each takes a file descriptor, and memory for its request and its response.
+    /// Open connections, lingering ones included. One more gets 503. Each takes a file descriptor
+    /// and memory for its request and its response.
     std::size_t maxConnections = 4096;
 
-    /// Connections beyond those that are kept after the 503, for as long as `lingerTimeout` says,
-    /// so that a client that is still sending gets the response. Others are closed at once.
+    /// Connections beyond `maxConnections` that linger after their 503. Others are closed at once,
+    /// and a client that is still sending may lose the response. Enough for a burst of clients,
+    /// few compared to the file descriptors that the process has.
     std::size_t maxRefusedConnections = 64;
 
-    /// Requests that wait for a password hash. One more is answered 503: where one takes the 15 ms
-    /// of a hash and a single worker does them, the last of so many waits for 4 s.
+    /// Requests that wait for a worker to hash their password. One more gets 503. A hash takes
+    /// about 15 ms, so with a single worker for them the last of 256 waits for 4 s.
     std::size_t maxWaitingHashes = 256;
 
-    /// How long, and how many bytes, a client may go on sending after it has got the response; the
-    /// connection is closed then. Clients that send a body first and read afterwards need this.
+    /// How long, and for how many bytes, a connection lingers: after the response it stays open
+    /// for a client that is still sending, since closing it would discard what the client has not
+    /// read yet. Clients that send a body before they read need this.
     std::chrono::milliseconds lingerTimeout = std::chrono::seconds(5);
     std::size_t maxLingerBytes = 16UL * 1024 * 1024;
 

@@ -3,17 +3,15 @@
 #include <algorithm>
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
-#include <memory>
 #include <optional>
+#include <thread>
 #include <utility>
-#include <vector>
 
 #include "ObjectManager/Http/Connection.h"
-#include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
-#include "ObjectManager/Http/UriHost.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -23,19 +21,28 @@ namespace {
 using boost::asio::ip::tcp;
 using std::chrono::steady_clock;
 
-// What a worker does after the provider has returned takes much less.
+// More than a worker needs to finish after the provider has returned.
 constexpr std::chrono::seconds kSettlingTime{1};
+
+unsigned workerCount(const Options& options) {
+    return options.workers > 0 ? options.workers
+                               : std::max(1U, std::thread::hardware_concurrency());
+}
 
 }  // namespace
 
-// The members stand in an order in which the threads end before what they use.
+// The order of the members ends the threads before what they use.
 class Server::Implementation {
   public:
-    Implementation(const ServerOptions& options, const TeskProviderPluginManager& manager)
-        : options_(options), dispatcher_(manager) {
-        for (const auto& [address, port] : options.listen) {
-            const auto& listener = listeners_.emplace_back(
-                std::make_unique<Listener>(ioThread_.context(), address, port));
+    Implementation(const Options& options, const TeskProviderPluginManager& manager,
+                   NeedsPasswordHash needsPasswordHash, Prepare prepare)
+        : options_(options),
+          needsPasswordHash_(std::move(needsPasswordHash)),
+          prepare_(std::move(prepare)),
+          dispatcher_(manager) {
+        for (const ListenAddress& address : options.listen) {
+            const auto& listener =
+                listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
             addresses_.push_back({.address = toUriHost(listener->endpoint().address()),
                                   .port = listener->endpoint().port()});
         }
@@ -53,9 +60,9 @@ class Server::Implementation {
     }
 
     void start() {
-        workers_.emplace(options_.workers, options_.mostSlowWaiting);
+        workers_.emplace(workerCount(options_), options_.maxWaitingHashes);
         context_.emplace(contextOf(connections_));
-        turnedAwayContext_.emplace(contextOf(turnedAway_));
+        refusedContext_.emplace(contextOf(refused_));
         for (const std::unique_ptr<Listener>& listener : listeners_) {
             listener->start([this](tcp::socket socket, const tcp::endpoint& client) {
                 accept(std::move(socket), client);
@@ -64,8 +71,8 @@ class Server::Implementation {
         ioThread_.start();
     }
 
-    bool stop(std::chrono::milliseconds gracePeriod) {
-        const steady_clock::time_point deadline = steady_clock::now() + gracePeriod;
+    bool stop() {
+        const steady_clock::time_point deadline = steady_clock::now() + options_.shutdownTimeout;
         if (!ioThread_.isRunning()) {
             closeListeners();
             return true;
@@ -74,7 +81,7 @@ class Server::Implementation {
             closeListeners();
             for (const auto& connection : connections_.all())
                 connection->closeIfReading();
-            for (const auto& connection : turnedAway_.all())
+            for (const auto& connection : refused_.all())
                 connection->abandon();
         });
         if (!connections_.waitUntilEmpty(deadline)) {
@@ -92,7 +99,9 @@ class Server::Implementation {
         return {.options = options_,
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
-                .connections = connections};
+                .connections = connections,
+                .needsPasswordHash = needsPasswordHash_,
+                .prepare = prepare_};
     }
 
     void closeListeners() {
@@ -101,36 +110,40 @@ class Server::Implementation {
     }
 
     void accept(tcp::socket socket, const tcp::endpoint& client) {
-        if (connections_.size() < options_.mostConnections)
+        if (connections_.size() < options_.maxConnections)
             std::make_shared<Connection>(*context_, std::move(socket), client)->start();
         else
-            turnAway(std::move(socket), client);
+            refuse(std::move(socket), client);
     }
 
-    void turnAway(tcp::socket socket, const tcp::endpoint& client) {
-        const bool mayStay = turnedAway_.size() < options_.mostTurnedAway;
+    void refuse(tcp::socket socket, const tcp::endpoint& client) {
+        const bool mayLinger = refused_.size() < options_.maxRefusedConnections;
         const auto connection =
-            std::make_shared<Connection>(*turnedAwayContext_, std::move(socket), client);
-        connection->turnAway(
+            std::make_shared<Connection>(*refusedContext_, std::move(socket), client);
+        connection->refuse(
             {.status = 503, .text = "The server has too many connections. Try again later."});
-        if (!mayStay)
+        if (!mayLinger)
             connection->abandon();
     }
 
-    ServerOptions options_;
+    Options options_;
+    NeedsPasswordHash needsPasswordHash_;
+    Prepare prepare_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
-    ConnectionSet turnedAway_;  // answered, but they may still send
+    ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
     std::optional<ConnectionContext> context_;
-    std::optional<ConnectionContext> turnedAwayContext_;
+    std::optional<ConnectionContext> refusedContext_;
     IoThread ioThread_;
     std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<ListenAddress> addresses_;
     std::optional<WorkerPool> workers_;
 };
 
-Server::Server(const ServerOptions& options, const TeskProviderPluginManager& manager)
-    : implementation_(std::make_unique<Implementation>(options, manager)) {}
+Server::Server(const Options& options, const TeskProviderPluginManager& manager,
+               NeedsPasswordHash needsPasswordHash, Prepare prepare)
+    : implementation_(std::make_unique<Implementation>(
+          options, manager, std::move(needsPasswordHash), std::move(prepare))) {}
 
 Server::~Server() = default;
 
@@ -142,8 +155,8 @@ void Server::start() {
     implementation_->start();
 }
 
-bool Server::stop(std::chrono::milliseconds gracePeriod) {
-    return implementation_->stop(gracePeriod);
+bool Server::stop() {
+    return implementation_->stop();
 }
 
 }  // namespace Http

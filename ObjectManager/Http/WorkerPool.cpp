@@ -15,7 +15,7 @@ void runFirst(std::deque<WorkerPool::Job>& waiting, std::unique_lock<std::mutex>
     try {
         job();
     } catch (...) {
-        // The job has told whom it concerns, or there is no memory to do so.
+        // The job has reported its failure, or there is no memory to do so.
     }
     job = nullptr;
     lock.lock();
@@ -23,8 +23,8 @@ void runFirst(std::deque<WorkerPool::Job>& waiting, std::unique_lock<std::mutex>
 
 }  // namespace
 
-WorkerPool::WorkerPool(unsigned threads, std::size_t mostSlowWaiting)
-    : mostSlowWaiting_(mostSlowWaiting), mostSlowRunning_(threads > 1 ? threads - 1 : 1) {
+WorkerPool::WorkerPool(unsigned threads, std::size_t maxSlowWaiting)
+    : maxSlowWaiting_(maxSlowWaiting), maxSlowRunning_(threads > 1 ? threads - 1 : 1) {
     const unsigned count = std::max(1U, threads);
     threads_.reserve(count);
     try {
@@ -52,7 +52,7 @@ void WorkerPool::postQuick(Job job) {
 bool WorkerPool::postSlow(Job job) {
     {
         const std::lock_guard lock(mutex_);
-        if (slow_.size() >= mostSlowWaiting_)
+        if (slow_.size() >= maxSlowWaiting_)
             return false;
         slow_.push_back(std::move(job));
     }
@@ -74,8 +74,8 @@ bool WorkerPool::waitUntilIdle(std::chrono::steady_clock::time_point deadline) {
     return idle_.wait_until(lock, deadline, [this] { return isIdle(); });
 }
 
-// A thread that is woken looks for a job of either kind, and looks again after each job: so none is
-// overlooked, although a slow one may wake a thread that must not run it.
+// A thread looks for jobs of both kinds, and again after each job. So no job is overlooked,
+// although a slow one may wake a thread that must not run it.
 void WorkerPool::runJobs() {
     std::unique_lock lock(mutex_);
     for (;;) {
@@ -116,11 +116,11 @@ void WorkerPool::join() {
 }
 
 bool WorkerPool::mayRunSlow() const {
-    return !slow_.empty() && slowRunning_ < mostSlowRunning_;
+    return !slow_.empty() && slowRunning_ < maxSlowRunning_;
 }
 
 bool WorkerPool::isSlowNext() const {
-    return mayRunSlow() && (quick_.empty() || quickInARow_ >= kMostQuickInARow);
+    return mayRunSlow() && (quick_.empty() || quickInARow_ >= kMaxQuickInARow);
 }
 
 bool WorkerPool::isIdle() const {

@@ -11,43 +11,42 @@
 
 namespace Http {
 
-/// Threads that run jobs of two kinds: quick ones, and slow ones for which nobody shall wait who
-/// has a quick one. Of each kind, those that were posted first run first.
+/// Threads that run quick jobs and slow jobs such that slow jobs never block quick ones. Jobs of
+/// the same kind run in the order in which they were posted.
 ///
-/// A pool of several threads never has slow jobs on all of them, so that a quick one finds a thread
-/// whatever the slow ones do. Elsewhere quick jobs go before slow ones, but not for ever: slow ones
-/// have their turn, too, while quick ones come without end.
+/// A pool of two or more threads keeps one of them free of slow jobs. Otherwise quick jobs run
+/// first, but slow jobs do not starve: see kMaxQuickInARow.
 ///
-/// Thread safety: may be used by several threads at once, but destroyed only by one that is not of
-/// the pool.
+/// Thread safety: may be used by several threads at once. Must not be destroyed by one of its own
+/// threads.
 class WorkerPool {
   public:
-    /// What it throws ends the job and nothing else.
+    /// What a job throws is ignored.
     using Job = std::function<void()>;
 
-    /// After so many quick jobs in a row a slow one is run, if any waits. A quick job takes some
-    /// 0.2 ms and a slow one 15 ms, so that this halves what a thread does for either.
-    static constexpr unsigned kMostQuickInARow = 64;
+    /// After this number of quick jobs a waiting slow job is run. A quick job takes about 0.2 ms
+    /// and a slow one 15 ms, so both kinds get about the same time.
+    static constexpr unsigned kMaxQuickInARow = 64;
 
-    /// Starts `threads` threads, 1 at least. At most `mostSlowWaiting` slow jobs wait.
+    /// Starts `threads` threads, at least 1. At most `maxSlowWaiting` slow jobs wait.
     /// Errors: std::system_error when a thread cannot be started.
-    WorkerPool(unsigned threads, std::size_t mostSlowWaiting);
+    WorkerPool(unsigned threads, std::size_t maxSlowWaiting);
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
-    /// Drops the jobs that wait and waits for those that run.
+    /// Drops the waiting jobs and waits for the running ones.
     ~WorkerPool();
 
     /// Errors: std::bad_alloc.
     void postQuick(Job job);
 
-    /// Returns false, and destroys the job, when too many wait already.
+    /// Returns false, and destroys the job, if too many slow jobs wait already.
     /// Errors: std::bad_alloc.
     [[nodiscard]] bool postSlow(Job job);
 
-    /// Destroys the jobs that no thread has begun.
+    /// Destroys the waiting jobs.
     void dropWaiting();
 
-    /// Returns true as soon as no job waits or runs, false if that is not so at the deadline.
+    /// Returns true as soon as no job waits or runs, false if one still does at the deadline.
     [[nodiscard]] bool waitUntilIdle(std::chrono::steady_clock::time_point deadline);
 
   private:
@@ -56,22 +55,22 @@ class WorkerPool {
     void runSlow(std::unique_lock<std::mutex>& lock);
     void join();
 
-    // To be called with the lock.
+    // To be called with mutex_ locked.
     [[nodiscard]] bool mayRunSlow() const;
     [[nodiscard]] bool isSlowNext() const;
     [[nodiscard]] bool isIdle() const;
 
-    const std::size_t mostSlowWaiting_;
-    const unsigned mostSlowRunning_;
+    const std::size_t maxSlowWaiting_;
+    const unsigned maxSlowRunning_;
 
     std::mutex mutex_;
     std::condition_variable jobWaits_;
     std::condition_variable idle_;
-    std::deque<Job> quick_;      // that wait; guarded by mutex_
-    std::deque<Job> slow_;       // that wait; guarded by mutex_
+    std::deque<Job> quick_;      // waiting; guarded by mutex_
+    std::deque<Job> slow_;       // waiting; guarded by mutex_
     unsigned quickRunning_ = 0;  // guarded by mutex_
     unsigned slowRunning_ = 0;   // guarded by mutex_
-    unsigned quickInARow_ = 0;   // begun while a slow one might have been; guarded by mutex_
+    unsigned quickInARow_ = 0;   // run while a slow job was waiting; guarded by mutex_
     bool isEnding_ = false;      // guarded by mutex_
     std::vector<std::thread> threads_;
 };

@@ -9,21 +9,21 @@ namespace Index {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kSpaces = " \t\r\n";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 
-// The words up to the first empty line, with one blank between them.
+// The words up to the first empty line, with one space between them.
 std::string firstParagraph(std::string_view text) {
     std::string paragraph;
     while (true) {
-        const std::size_t start = text.find_first_not_of(kBlanks);
+        const std::size_t start = text.find_first_not_of(kSpaces);
         if (start == std::string_view::npos)
             return paragraph;
-        const std::string_view blanks = text.substr(0, start);
-        if (!paragraph.empty() && std::count(blanks.begin(), blanks.end(), '\n') > 1)
+        const std::string_view spaces = text.substr(0, start);
+        if (!paragraph.empty() && std::count(spaces.begin(), spaces.end(), '\n') > 1)
             return paragraph;
         text.remove_prefix(start);
-        const std::size_t length = std::min(text.find_first_of(kBlanks), text.size());
+        const std::size_t length = std::min(text.find_first_of(kSpaces), text.size());
         if (!paragraph.empty())
             paragraph += ' ';
         paragraph += text.substr(0, length);
@@ -31,7 +31,8 @@ std::string firstParagraph(std::string_view text) {
     }
 }
 
-// "e.g", "i.e", "U.S", a single letter: what comes before the full stop of an abbreviation.
+// Whether a full stop after `word` belongs to an abbreviation: "e.g", "i.e", "U.S", a single
+// letter.
 bool isAbbreviation(std::string_view word) {
     const std::size_t letters = word.find_first_not_of("(\"'");
     word.remove_prefix(std::min(letters, word.size()));
@@ -47,23 +48,23 @@ bool endsSentence(std::string_view paragraph, std::size_t position) {
     if (paragraph[position + 1] != ' ' || (next >= 'a' && next <= 'z'))
         return false;
     const std::string_view before = paragraph.substr(0, position);
-    const std::size_t blank = before.rfind(' ');
-    return !isAbbreviation(before.substr(blank == std::string_view::npos ? 0 : blank + 1));
+    const std::size_t space = before.rfind(' ');
+    return !isAbbreviation(before.substr(space == std::string_view::npos ? 0 : space + 1));
 }
 
-std::string cut(std::string sentence, std::size_t mostBytes) {
-    if (sentence.size() <= mostBytes)
+std::string cut(std::string sentence, std::size_t maxBytes) {
+    if (sentence.size() <= maxBytes)
         return sentence;
-    std::size_t end = sentence.rfind(' ', mostBytes);
+    std::size_t end = sentence.rfind(' ', maxBytes);
     if (end == std::string::npos)
-        end = Base::startOfCharacter(sentence, mostBytes);
+        end = Base::startOfCharacter(sentence, maxBytes);
     sentence.resize(end);
     return sentence + std::string(kEllipsis);
 }
 
 }  // namespace
 
-std::string firstSentence(std::string_view text, std::size_t mostBytes) {
+std::string firstSentence(std::string_view text, std::size_t maxBytes) {
     std::string sentence = firstParagraph(text);
     for (std::size_t position = 0; position < sentence.size(); ++position) {
         if (endsSentence(sentence, position)) {
@@ -71,7 +72,7 @@ std::string firstSentence(std::string_view text, std::size_t mostBytes) {
             break;
         }
     }
-    return cut(std::move(sentence), mostBytes);
+    return cut(std::move(sentence), maxBytes);
 }
 
 }  // namespace Index

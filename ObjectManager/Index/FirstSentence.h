@@ -6,11 +6,13 @@
 
 namespace Index {
 
-/// The first sentence of a text in UTF-8, on one line: blanks and line ends in a row become one
-/// blank. A sentence ends before an empty line, or with a full stop, question or exclamation mark
-/// that a blank follows and then no small letter, unless the word is an abbreviation such as
-/// "e.g.". One of more than `mostBytes` is cut between two words, or else between two characters,
-/// and ends with "..." as one character, which does not count.
-[[nodiscard]] std::string firstSentence(std::string_view text, std::size_t mostBytes);
+/// The first sentence of a text in UTF-8, on one line: each row of spaces and line ends becomes one
+/// space. A sentence ends before an empty line, and at a full stop, question mark or exclamation
+/// mark that is followed by a space and then no lower-case letter. The full stop of an abbreviation
+/// such as "e.g." does not end it. A sentence of more than `maxBytes` is cut between two words, or
+/// else between two characters, and an ellipsis is added, which does not count.
+///
+/// May be called by several threads at once.
+[[nodiscard]] std::string firstSentence(std::string_view text, std::size_t maxBytes);
 
 }  // namespace Index

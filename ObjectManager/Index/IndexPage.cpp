@@ -1,46 +1,44 @@
 #include "ObjectManager/Index/IndexPage.h"
 
+#include <openssl/evp.h>
 #include <string_view>
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Index/FirstSentence.h"
-#include "ObjectManager/Index/HtmlText.h"
-#include "ObjectManager/Index/PageParts.h"
-#include "ObjectManager/Index/PercentEncoding.h"
-#include "ObjectManager/Index/SourceHash.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
 
 namespace Index {
 
+// The texts of IndexPage.css and IndexPage.js, in a file that the build makes from
+// PageParts.cpp.in.
+extern const std::string_view kPageStyle;
+extern const std::string_view kPageScript;
+
 namespace {
 
-// Longer than a sentence should be. A description that never ends one must not fill the page; the
-// document has all of it.
-constexpr std::size_t kMostDescriptionBytes = 500;
+using Base::htmlText;
+using Base::percentEncodedPath;
 
+// More than a sentence should have. A description without the end of a sentence must not fill the
+// page; the document holds all of it.
+constexpr std::size_t kMaxDescriptionBytes = 500;
+
+// Numbers are written without separators.
 std::string countOf(std::size_t count, const char* singular, const char* plural) {
     return std::to_string(count) + " " + (count == 1 ? singular : plural);
 }
 
-// The written one: what is inherited tells about the superclass.
-std::string descriptionOf(const Repository::CimClass& cimClass,
-                          const Repository::RepositoryOptions& options) {
-    const urma::IQualifier* const qualifier = cimClass.getQualifier("Description", false);
-    if (qualifier == nullptr || !qualifier->hasValue())
-        return {};
-    const TSKString text = qualifier->getValue()->toString();
-    return firstSentence(options.escapeDescriptions ? withoutEscapes(text) : std::string(text),
-                         kMostDescriptionBytes);
-}
-
-// HTML lets the tags out that end items and paragraphs, and the quotes around such links: with a
-// thousand classes that counts.
-void appendClass(std::string& page, const Repository::CimNamespace& nameSpace,
-                 const std::string& folder, const Repository::CimClass& cimClass) {
-    const std::string document = folder + percentEncodedPath(cimClass.name());
+// Without the end tags of items and paragraphs and the quotes around these links, which HTML does
+// not need: with a thousand classes that matters.
+void appendClass(std::string& page, const std::string& directory,
+                 const Repository::CimClass& cimClass) {
+    const std::string document = directory + percentEncodedPath(cimClass.name());
     page += "<li><a href=" + document + ".wsdl>" + htmlText(cimClass.name()) + "</a>";
     if (cimClass.superclass() != nullptr)
         page += " <i>" + htmlText(cimClass.superclass()->name()) + "</i>";
     page += " <a href=" + document + ".xsd>XSD</a>";
-    const std::string description = descriptionOf(cimClass, nameSpace.options());
+    const std::string description = firstSentence(cimClass.description(), kMaxDescriptionBytes);
     if (!description.empty())
         page += " <p>" + htmlText(description);
     page += "\n";
@@ -51,13 +49,13 @@ void appendNamespace(std::string& page, const Repository::CimNamespace& nameSpac
     page += "<section>\n<h2 id=namespace-" + std::to_string(number) + ">" +
             htmlText(nameSpace.name()) + " <small>" +
             countOf(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
-    const std::string folder = percentEncodedPath(nameSpace.name()) + "/";
+    const std::string directory = percentEncodedPath(nameSpace.name()) + "/";
     for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes())
-        appendClass(page, nameSpace, folder, *cimClass);
+        appendClass(page, directory, *cimClass);
     page += "</ul>\n</section>\n";
 }
 
-// Of use where there is more than one namespace.
+// Empty for a single namespace.
 std::string linksToNamespaces(const Repository::ClassRepository& repository) {
     std::string links;
     for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
@@ -127,6 +125,16 @@ std::string makeIndexPage(const Repository::ClassRepository& repository) {
     page += kPageScript;
     page += "</script>\n</body>\n</html>\n";
     return page;
+}
+
+std::string sourceHash(std::string_view text) {
+    unsigned char digest[EVP_MAX_MD_SIZE];
+    unsigned length = 0;
+    if (EVP_Digest(text.data(), text.size(), digest, &length, EVP_sha256(), nullptr) != 1)
+        throw TeskBaseException("sourceHash", "SHA-256 cannot be computed", CIM_ERR_FAILED);
+    unsigned char base64[2 * EVP_MAX_MD_SIZE];
+    EVP_EncodeBlock(base64, digest, static_cast<int>(length));
+    return "'sha256-" + std::string(reinterpret_cast<const char*>(base64)) + "'";
 }
 
 std::string contentSecurityPolicy() {

@@ -10,9 +10,9 @@
 
 namespace Index {
 
-/// The provider of the page at "/" that lists all classes. It leaves all other paths to the front
-/// end, answers GET and HEAD alone (405 for other methods), and needs a client that the
-/// authenticator of the object manager accepts.
+/// Serves the page at "/" that lists all classes, to clients that the authenticator of the object
+/// manager accepts. Methods other than GET and HEAD get the status 405. All other paths are left to
+/// the front end.
 ///
 /// Thread safety: may be used by several threads at once.
 class IndexProvider final : public urma::pf::Provider {
@@ -35,7 +35,7 @@ class IndexProvider final : public urma::pf::Provider {
 
     std::mutex mutex_;
     TSKSmrPtr<Repository::ClassRepository> repository_;  // guarded by mutex_
-    std::shared_ptr<const std::string> page_;  // guarded by mutex_; null until somebody asks
+    std::shared_ptr<const std::string> page_;  // guarded by mutex_; null until it is requested
 };
 
 }  // namespace Index

@@ -2,16 +2,38 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
+#include <iterator>
 #include <libxml/tree.h>
+#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "ObjectManager/Inspection/DocumentInspector.h"
-#include "ObjectManager/Inspection/ValueMapGaps.h"
+#include "Platform/Util/TSKValSlistIterator.h"
 
 namespace Inspection {
 
 namespace {
+
+using Repository::isTrue;
+
+// The number as the documents read it: decimal or hexadecimal, up to 63 bits. A larger number
+// counts as the largest one.
+long numberOf(const std::string& text) {
+    const bool isHexadecimal = text.find_first_of("xX") != std::string::npos;
+    return std::strtol(text.c_str(), nullptr, isHexadecimal ? 16 : 10);
+}
+
+// How many values from 0 up to `number` are not listed. Documents have no gaps above the largest
+// number, nor where as many values are listed as there are below the number.
+unsigned long gapsBelow(long number, const std::set<long>& listed) {
+    if (number <= 0 || number == LONG_MAX || listed.size() > static_cast<std::size_t>(number))
+        return 0;
+    const auto among = std::distance(listed.lower_bound(0), listed.lower_bound(number));
+    return static_cast<unsigned long>(number - among);
+}
 
 class Inspector {
   public:
@@ -55,11 +77,6 @@ class Inspector {
         }
     }
 
-    static bool isTrue(const Repository::CimParameter& parameter, const char* name) {
-        const urma::IQualifier* const qualifier = parameter.getQualifier(name, true);
-        return qualifier != nullptr && qualifier->getValue()->toBoolean();
-    }
-
     void noteGaps(const TSKString& member, const urma::IQualifier* valueMap) {
         const unsigned long count = valueMap == nullptr ? 0 : countGaps(*valueMap->getValue());
         if (count > 0)
@@ -69,15 +86,15 @@ class Inspector {
 
     // The members are named that have most of them.
     void reportGaps() {
-        if (allGaps_ <= kMostGapsOfClass)
+        if (allGaps_ <= kMaxGapsOfClass)
             return;
         const auto most = std::ranges::max(gaps_, {}, &Gaps::count).count;
-        const unsigned long least = std::min(most, kMostGaps + 1);
+        const unsigned long least = std::min(most, kMaxGaps + 1);
         for (const auto& [member, count] : gaps_) {
             if (count >= least)
                 add(FindingKind::kTooManyGaps, member,
                     "the \"..\" of its ValueMap stands for " + std::to_string(count) +
-                        " values; with more than " + std::to_string(kMostGapsOfClass) +
+                        " values; with more than " + std::to_string(kMaxGapsOfClass) +
                         " the documents of a class are not made");
         }
     }
@@ -101,6 +118,28 @@ class Inspector {
 };
 
 }  // namespace
+
+unsigned long countGaps(const ITeskValue& valueMap) {
+    constexpr std::string_view kDotDot = "..";
+    const auto values = valueMap.getArrayValues();
+    if (!values)
+        return 0;
+    unsigned long gaps = 0;
+    std::set<long> listed;
+    long before = -1;
+    TSKValSlistIterator<TSKSmrPtr<ITeskValue>> next(*values);
+    while (next()) {
+        if (!next.key())
+            continue;
+        const std::string entry(next.key()->toString());
+        if (entry == kDotDot)
+            gaps += std::min(gapsBelow(before, listed), ULONG_MAX - gaps);
+        else if (entry.find(kDotDot) == std::string::npos)
+            listed.insert(numberOf(entry));
+        before = numberOf(entry);
+    }
+    return gaps;
+}
 
 std::vector<Finding> inspectClass(const Repository::CimClass& cimClass) {
     return Inspector().inspect(cimClass);

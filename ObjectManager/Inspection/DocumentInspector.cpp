@@ -104,7 +104,7 @@ class SchemaInspector {
             if (isElement(*child) && localName(*child) == "enumeration")
                 ++gaps;
         }
-        if (gaps > kMostGaps) {
+        if (gaps > kMaxGaps) {
             findings_.push_back(finding(
                 FindingKind::kManyGaps, memberAround(restriction),
                 "the \"..\" of its ValueMap is written as " + std::to_string(gaps) + " values"));

@@ -7,7 +7,7 @@ namespace Inspection {
 
 /// What may be wrong with the documents of a class, the most serious first.
 enum class FindingKind : std::uint8_t {
-    kNoDocument,         ///< the provider did not answer with one
+    kNoDocument,         ///< the provider sent none
     kTooManyGaps,        ///< ".." of ValueMaps that would be written as more than 1,000,000 values
     kNotWellFormed,      ///< no XML parser reads the document
     kUnmappedType,       ///< a type without a place in XML Schema, written as "NA"

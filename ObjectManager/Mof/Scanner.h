@@ -37,6 +37,7 @@ class Scanner {
     void scanFrom(std::size_t offset);
     void extendToken(std::size_t length);
     Parser::symbol_type stringToken();
+    std::size_t appendStrings(TSKString& value, std::size_t begin) const;
     [[nodiscard]] std::string_view tokenText() const noexcept;
     [[nodiscard]] TSKString word() const { return TSKString(tokenText()); }
     void reportIncompletePragma(const Pragma& pragma) const;

@@ -5,15 +5,13 @@
 #include <utility>
 
 #include "ObjectManager/Base/NameMap.h"
-#include "ObjectManager/Repository/DefinitionIterator.h"
 
 namespace Repository {
 
 namespace {
 
 template <typename Member, typename Declaration>
-std::vector<Member> makeMembers(std::vector<Declaration>&& declarations,
-                                const RepositoryOptions& options) {
+std::vector<Member> makeMembers(std::vector<Declaration>&& declarations, const Options& options) {
     std::vector<Member> members;
     members.reserve(declarations.size());
     for (Declaration& declaration : declarations)
@@ -74,7 +72,7 @@ bool isOneOf(const Member& member, const std::vector<Member>& members) {
 }  // namespace
 
 CimClass::CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> superclass,
-                   const RepositoryOptions& options)
+                   const Options& options)
     : CimDefinition(std::move(declaration.name.text), std::move(declaration.qualifiers), options),
       superclass_(std::move(superclass)) {
     properties_.declared = makeMembers<CimProperty>(std::move(declaration.properties), options);

@@ -3,8 +3,7 @@
 #include <vector>
 
 #include "ObjectManager/Repository/CimDefinition.h"
-#include "ObjectManager/Repository/CimMethod.h"
-#include "ObjectManager/Repository/CimProperty.h"
+#include "ObjectManager/Repository/CimMembers.h"
 #include "Platform/Cim/ITeskClass.h"
 #include "Platform/Util/TSKReferenceCount.h"
 #include "Platform/Util/TSKSmrPtr.h"
@@ -19,7 +18,7 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
   public:
     /// Takes the texts out of `declaration`. `superclass` is null for a class without one.
     CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> superclass,
-             const RepositoryOptions& options);
+             const Options& options);
 
     [[nodiscard]] CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> getProperties(
         bool includeInherited) const override;

@@ -10,7 +10,7 @@ namespace {
 // Makes each class after its superclass.
 class ClassMaker {
   public:
-    ClassMaker(std::vector<Mof::ClassDeclaration>& declarations, const RepositoryOptions& options)
+    ClassMaker(std::vector<Mof::ClassDeclaration>& declarations, const Options& options)
         : declarations_(declarations), options_(options), classes_(declarations.size()) {
         names_.reserve(declarations.size());
         for (const Mof::ClassDeclaration& declaration : declarations)
@@ -40,7 +40,7 @@ class ClassMaker {
     }
 
     std::vector<Mof::ClassDeclaration>& declarations_;
-    const RepositoryOptions& options_;
+    const Options& options_;
     std::vector<TSKSmrPtr<CimClass>> classes_;
     std::vector<TSKString> names_;  // which the places are found by while declarations are used up
     Base::NameMap<std::size_t> places_;
@@ -49,10 +49,8 @@ class ClassMaker {
 }  // namespace
 
 CimNamespace::CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
-                           const RepositoryOptions& options)
-    : name_(std::move(name)),
-      options_(options),
-      classes_(ClassMaker(declarations, options).makeAll()) {
+                           const Options& options)
+    : name_(std::move(name)), classes_(ClassMaker(declarations, options).makeAll()) {
     std::sort(classes_.begin(), classes_.end(),
               [](const TSKSmrPtr<CimClass>& left, const TSKSmrPtr<CimClass>& right) {
                   return left->name() < right->name();

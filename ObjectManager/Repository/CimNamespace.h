@@ -6,7 +6,7 @@
 #include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Repository/CimClass.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Repository/Options.h"
 
 namespace Repository {
 
@@ -17,12 +17,9 @@ class CimNamespace {
   public:
     /// `declarations` are free of errors, as Mof::compile says. Takes the texts out of them.
     CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
-                 const RepositoryOptions& options);
+                 const Options& options);
 
     [[nodiscard]] const TSKString& name() const noexcept { return name_; }
-
-    /// What its classes were made with.
-    [[nodiscard]] const RepositoryOptions& options() const noexcept { return options_; }
 
     /// Ascending by name, in byte order.
     [[nodiscard]] const std::vector<TSKSmrPtr<CimClass>>& classes() const noexcept {
@@ -34,7 +31,6 @@ class CimNamespace {
 
   private:
     TSKString name_;
-    RepositoryOptions options_;
     std::vector<TSKSmrPtr<CimClass>> classes_;
     Base::NameMap<std::size_t> places_;  // of each class in classes_
 };

@@ -4,11 +4,32 @@
 #include <utility>
 
 #include "ObjectManager/Base/NameMap.h"
-#include "ObjectManager/Repository/DefinitionIterator.h"
+#include "ObjectManager/Repository/CimDefinition.h"
+#include "ObjectManager/Repository/EscapedDescription.h"
 
 namespace Repository {
 
-CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions& options) {
+namespace {
+
+// `name` is apart, because it is taken out of the qualifier already.
+TSKSmrPtr<CimValue> valueOf(const TSKString& name, Mof::Qualifier& qualifier,
+                            const Options& options) {
+    // Only booleans are written without a value.
+    if (!qualifier.value)
+        return CimValue::from(true);
+    if (options.escapeDescriptions && name.equalsIgnoreCase("Description"))
+        return EscapedDescription::from(std::move(*qualifier.value), qualifier.dataType);
+    return CimValue::from(std::move(*qualifier.value), qualifier.dataType);
+}
+
+}  // namespace
+
+CimQualifier::CimQualifier(Mof::Qualifier&& qualifier, const Options& options)
+    : name_(std::move(qualifier.name.text)),
+      propagates_(qualifier.propagates),
+      value_(valueOf(name_, qualifier, options)) {}
+
+CimQualifiers::CimQualifiers(Mof::Qualifiers&& written, const Options& options) {
     written_.reserve(written.size());
     all_.reserve(written.size());
     for (Mof::Qualifier& qualifier : written)
@@ -39,6 +60,11 @@ const CimQualifier* CimQualifiers::find(const TSKString& name,
 CI_AutoPtr_U<urma::Iterator<const urma::IQualifier&>> CimQualifiers::iterate(
     bool includePropagated) const {
     return iterateOver<urma::IQualifier>(all_, includePropagated ? all_.size() : written_.size());
+}
+
+bool isTrue(const urma::IQualified& definition, const TSKString& qualifier) {
+    const urma::IQualifier* const found = definition.getQualifier(qualifier, true);
+    return found != nullptr && found->hasValue() && found->getValue()->toBoolean();
 }
 
 }  // namespace Repository

@@ -1,15 +1,41 @@
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 #include "ObjectManager/Mof/Declarations.h"
-#include "ObjectManager/Repository/CimQualifier.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
-#include "Platform/Cim/Iterator.h"
-#include "Platform/Util/CI_AutoPtr_U.h"
+#include "ObjectManager/Repository/CimValue.h"
+#include "ObjectManager/Repository/Options.h"
+#include "Platform/Cim/IQualified.h"
 
 namespace Repository {
+
+/// A qualifier that is written on a declaration.
+///
+/// Thread safety: immutable, may be used by several threads at once.
+class CimQualifier : public urma::IQualifier {
+  public:
+    /// Takes the texts out of `qualifier`.
+    CimQualifier(Mof::Qualifier&& qualifier, const Options& options);
+
+    [[nodiscard]] TSKString getName() const override { return name_; }
+    [[nodiscard]] bool hasValue() const override { return !value_.isNull(); }
+    [[nodiscard]] TSKSmrPtr<ITeskValue> getValue() const override { return value_; }
+
+    /// As getName, without a copy.
+    [[nodiscard]] const TSKString& name() const noexcept { return name_; }
+    [[nodiscard]] bool isNamed(const TSKString& name) const noexcept {
+        return name_.equalsIgnoreCase(name);
+    }
+    /// As getValue, without a copy; null without one.
+    [[nodiscard]] const CimValue* value() const noexcept { return value_.get(); }
+    /// Whether what overrides the declaration has the qualifier as well.
+    [[nodiscard]] bool propagates() const noexcept { return propagates_; }
+
+  private:
+    TSKString name_;
+    bool propagates_;
+    TSKSmrPtr<CimValue> value_;  // made after the name, on which it depends
+};
 
 /// The qualifiers of a definition: those written on it, and those that the overridden definition
 /// propagates, which stay the overridden definition's.
@@ -18,7 +44,7 @@ namespace Repository {
 class CimQualifiers {
   public:
     /// Takes the texts out of `written`.
-    CimQualifiers(Mof::Qualifiers&& written, const RepositoryOptions& options);
+    CimQualifiers(Mof::Qualifiers&& written, const Options& options);
     CimQualifiers(const CimQualifiers&) = delete;
     CimQualifiers& operator=(const CimQualifiers&) = delete;
     CimQualifiers(CimQualifiers&&) noexcept = default;
@@ -43,5 +69,8 @@ class CimQualifiers {
     std::vector<CimQualifier> written_;
     std::vector<const CimQualifier*> all_;  // the written ones first
 };
+
+/// Whether a definition has a qualifier of that name, written or propagated, that is true.
+[[nodiscard]] bool isTrue(const urma::IQualified& definition, const TSKString& qualifier);
 
 }  // namespace Repository

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
-#include "ObjectManager/Repository/CimType.h"
+#include "ObjectManager/Base/Utf8.h"
 
 namespace Repository {
 
@@ -12,6 +14,18 @@ namespace {
 
 using Mof::DataType;
 using Mof::Literal;
+
+constexpr auto kLastDataType = static_cast<std::size_t>(DataType::kReference);
+
+// Each type, followed by the array of it.
+std::vector<TSKSmrPtr<ITeskType>> allTypes() {
+    std::vector<TSKSmrPtr<ITeskType>> types;
+    for (std::size_t number = 0; number <= kLastDataType; ++number) {
+        for (const bool isArray : {false, true})
+            types.emplace_back(TSKSmrPtr<CimType>::make(static_cast<DataType>(number), isArray));
+    }
+    return types;
+}
 
 // The type that a literal has by itself.
 DataType typeOf(const Literal& literal) {
@@ -46,20 +60,9 @@ TSKString decimal(Number number) {
     return {digits, static_cast<unsigned long>(end.ptr - digits)};
 }
 
-// A character of the basic plane, in UTF-8.
-TSKString utf8(std::uint16_t character) {
+TSKString characterText(std::uint16_t character) {
     TSKString text;
-    const auto append = [&](unsigned byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) {
-        append(character);
-    } else if (character < 0x800) {
-        append(0xC0U | character >> 6U);
-        append(0x80U | (character & 0x3FU));
-    } else {
-        append(0xE0U | character >> 12U);
-        append(0x80U | (character >> 6U & 0x3FU));
-        append(0x80U | (character & 0x3FU));
-    }
+    Base::appendCodePoint(text, character);
     return text;
 }
 
@@ -75,7 +78,7 @@ TSKString textOf(Literal&& literal) {
         case Literal::Kind::kReal:
             return decimal(literal.real);
         case Literal::Kind::kCharacter:
-            return utf8(literal.character);
+            return characterText(literal.character);
         case Literal::Kind::kString:
         case Literal::Kind::kAlias:
             break;
@@ -83,7 +86,7 @@ TSKString textOf(Literal&& literal) {
     return std::move(literal.text);
 }
 
-TSKSmrPtr<ITeskValue> fromLiteral(Literal&& literal, DataType type) {
+TSKSmrPtr<CimValue> fromLiteral(Literal&& literal, DataType type) {
     if (literal.kind == Literal::Kind::kNull)
         return {};
     const bool truth = literal.truth;
@@ -92,15 +95,20 @@ TSKSmrPtr<ITeskValue> fromLiteral(Literal&& literal, DataType type) {
 
 }  // namespace
 
+const TSKSmrPtr<ITeskType>& CimType::of(DataType dataType, bool isArray) {
+    static const std::vector<TSKSmrPtr<ITeskType>> kTypes = allTypes();
+    return kTypes[2 * static_cast<std::size_t>(dataType) + (isArray ? 1 : 0)];
+}
+
 CimValue::CimValue(const TSKSmrPtr<ITeskType>& type, TSKString text, bool truth)
     : type_(type), text_(std::move(text)), truth_(truth) {}
 
-TSKSmrPtr<ITeskValue> CimValue::from(bool truth) {
+TSKSmrPtr<CimValue> CimValue::from(bool truth) {
     return TSKSmrPtr<CimValue>::make(CimType::of(DataType::kBoolean, false),
                                      truth ? "true" : "false", truth);
 }
 
-TSKSmrPtr<ITeskValue> CimValue::from(Mof::Value&& value, std::optional<DataType> type) {
+TSKSmrPtr<CimValue> CimValue::from(Mof::Value&& value, std::optional<DataType> type) {
     const DataType dataType = type ? *type : typeOf(value);
     if (!value.isArray)
         return fromLiteral(std::move(value.literals.front()), dataType);

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Mof/Compiler.h"
 
 namespace Repository {
@@ -16,7 +16,7 @@ std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) 
     std::vector<NamespaceSource> sums;
     for (const NamespaceSource& source : sources) {
         const auto known = std::find_if(sums.begin(), sums.end(), [&](const NamespaceSource& sum) {
-            return Base::CaseInsensitiveEqual()(sum.name, source.name);
+            return Base::equalsIgnoringCase(sum.name, source.name);
         });
         if (known == sums.end())
             sums.push_back(source);
@@ -30,7 +30,7 @@ std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) 
 
 LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                 const std::vector<std::string>& includePath,
-                                const RepositoryOptions& options) {
+                                const Options& options) {
     LoadedRepository loaded;
     std::vector<CimNamespace> namespaces;
     bool failed = false;

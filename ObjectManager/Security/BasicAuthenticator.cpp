@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "ObjectManager/Security/BasicCredentials.h"
+#include "ObjectManager/Security/Credentials.h"
 
 namespace Security {
 
@@ -21,22 +21,42 @@ class UserToken : public urma::security::ISecurityToken {
     const TSKString userName_;
 };
 
-// The credentials of a request that has exactly one field for them.
-std::optional<BasicCredentials> credentialsOf(const TSKHTTPRequest& request) {
+// The value of the one field "Authorization"; null if there is none or more than one.
+const TSKString* authorizationOf(const TSKHTTPRequest& request) {
     const auto isAuthorization = [](const TSKHTTPOperation::HeaderField& field) {
         return field.name.equalsIgnoreCase("Authorization");
     };
     const auto& fields = request.getHeaderFields();
     const auto field = std::ranges::find_if(fields, isAuthorization);
     if (field == fields.end() || std::any_of(field + 1, fields.end(), isAuthorization))
-        return std::nullopt;
-    return parseBasicCredentials(field->value);
+        return nullptr;
+    return &field->value;
 }
 
 }  // namespace
 
-BasicAuthenticator::BasicAuthenticator(UserTable users, CredentialCheckerOptions options)
-    : checker_(std::make_shared<CredentialChecker>(std::move(users), std::move(options))) {}
+// What the field "Authorization" of a request means for the users of one moment.
+struct BasicAuthenticator::Login {
+    TSKString fieldValue;
+    Credentials credentials;
+    std::shared_ptr<CredentialChecker> checker;
+    CredentialChecker::Claim claim;  // of the credentials, made by the checker
+};
+
+// Providers hand this on as the TSKHTTPRequest that they got, without knowing more of it.
+class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
+  public:
+    PreparedRequest(const TSKHTTPRequest& request, std::shared_ptr<const Login> login)
+        : TSKHTTPRequest(request), login_(std::move(login)) {}
+
+    [[nodiscard]] const std::shared_ptr<const Login>& login() const noexcept { return login_; }
+
+  private:
+    std::shared_ptr<const Login> login_;  // null without credentials
+};
+
+BasicAuthenticator::BasicAuthenticator(UserTable users, const Options& options, CheckerHooks hooks)
+    : checker_(std::make_shared<CredentialChecker>(std::move(users), options, std::move(hooks))) {}
 
 void BasicAuthenticator::setUsers(UserTable users) {
     auto checker = std::make_shared<CredentialChecker>(std::move(users), *this->checker());
@@ -44,20 +64,47 @@ void BasicAuthenticator::setUsers(UserTable users) {
     checker_.swap(checker);
 }
 
+std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(const TSKHTTPRequest& request) const {
+    return std::make_unique<PreparedRequest>(request, loginOf(request));
+}
+
+bool BasicAuthenticator::needsPasswordHash(const TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    return login != nullptr && login->checker->needsPasswordHash(login->claim);
+}
+
 bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,
                                              TSKGenericHTTPIStream& /*istr*/,
                                              TSKGenericHTTPOStream& /*ostr*/,
                                              TSKSmrPtr<urma::security::ISecurityToken>& token) {
-    const std::optional<BasicCredentials> credentials = credentialsOf(request);
-    if (!credentials || !checker()->check(credentials->user, credentials->password))
+    const std::shared_ptr<const Login> login = loginOf(request);
+    if (login == nullptr || !login->checker->check(login->credentials, login->claim))
         return false;
-    token = TSKSmrPtr<UserToken>::make(credentials->user);
+    token = TSKSmrPtr<UserToken>::make(login->credentials.user);
     return true;
 }
 
-bool BasicAuthenticator::decidesQuickly(const TSKHTTPRequest& request) const {
-    const std::optional<BasicCredentials> credentials = credentialsOf(request);
-    return !credentials || checker()->decidesQuickly(credentials->user, credentials->password);
+// Null if the request has no credentials. What was prepared counts only for the header field that
+// it was made of, and for the users of now: a password that was revoked since must not be accepted.
+std::shared_ptr<const BasicAuthenticator::Login> BasicAuthenticator::loginOf(
+    const TSKHTTPRequest& request) const {
+    const TSKString* const fieldValue = authorizationOf(request);
+    if (fieldValue == nullptr)
+        return nullptr;
+    const std::shared_ptr<CredentialChecker> checker = this->checker();
+    if (const auto* const prepared = dynamic_cast<const PreparedRequest*>(&request)) {
+        const std::shared_ptr<const Login>& login = prepared->login();
+        if (login != nullptr && login->checker == checker && login->fieldValue == *fieldValue)
+            return login;
+    }
+    std::optional<Credentials> credentials = parseBasicCredentials(*fieldValue);
+    if (!credentials)
+        return nullptr;
+    const CredentialChecker::Claim claim = checker->claim(*credentials);
+    return std::make_shared<const Login>(Login{.fieldValue = *fieldValue,
+                                               .credentials = *std::move(credentials),
+                                               .checker = checker,
+                                               .claim = claim});
 }
 
 std::shared_ptr<CredentialChecker> BasicAuthenticator::checker() const {

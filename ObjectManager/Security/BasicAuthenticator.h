@@ -4,40 +4,52 @@
 #include <mutex>
 
 #include "ObjectManager/Security/CredentialChecker.h"
+#include "ObjectManager/Security/Options.h"
 #include "ObjectManager/Security/UserTable.h"
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
 
 namespace Security {
 
-/// Lets those in who send a name and a password by HTTP's scheme Basic (RFC 7617). Install it with
+/// Authenticates requests by HTTP's scheme Basic (RFC 7617). Install it with
 /// AuthenticationHelper::setAuthenticator.
 ///
 /// Thread safety: may be used by several threads at once.
 class BasicAuthenticator : public ITeskAuthenticator {
   public:
-    /// Errors: TeskBaseException when the system gives no random bytes.
-    explicit BasicAuthenticator(UserTable users, CredentialCheckerOptions options = {});
+    /// Errors: TeskBaseException when the system has no random bytes.
+    explicit BasicAuthenticator(UserTable users, const Options& options = {},
+                                CheckerHooks hooks = {});
 
-    /// From now on these are the users. What was remembered of the former ones is forgotten;
-    /// requests that are just being checked may still be let in as one of them.
+    /// Replaces the users and forgets the verified passwords. A request that is being checked at
+    /// this moment may still be authenticated as one of the former users.
     /// Errors: std::bad_alloc; the users stay as they were.
     void setUsers(UserTable users);
 
-    /// Reads the field "Authorization" of `request` alone and writes nothing: whoever calls the
-    /// providers answers those who are refused.
+    /// A copy of `request` that carries its credentials, parsed and digested, so that the other
+    /// functions do not parse them again. They do so if the header field or the users have changed
+    /// since.
+    /// Errors: std::bad_alloc; TeskBaseException without memory.
+    [[nodiscard]] std::unique_ptr<TSKHTTPRequest> prepare(const TSKHTTPRequest& request) const;
+
+    /// Whether authenticateRequest() must hash a password that was never verified. False where
+    /// there is nothing to check, and for a user whose password was verified once, even if it is no
+    /// longer remembered and costs a hash again: clients that send wrong passwords must not delay
+    /// this user. Takes some microseconds.
+    /// Errors: TeskBaseException without memory.
+    [[nodiscard]] bool needsPasswordHash(const TSKHTTPRequest& request) const;
+
+    /// Reads nothing of `request` but its header field "Authorization", and writes nothing: whoever
+    /// calls the providers responds to unauthenticated requests.
     /// Errors: TeskBaseException when there is no memory to compute a hash.
     bool authenticateRequest(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                              TSKGenericHTTPOStream& ostr,
                              TSKSmrPtr<urma::security::ISecurityToken>& token) override;
 
-    /// Whether authenticateRequest() decides on `request` without making anybody wait: where there
-    /// is nothing to check, or the credential was right before. A right one whose time is over is
-    /// among these, although it costs a hash again: its user shall not queue with strangers, who
-    /// can send wrong ones without end. Takes some microseconds.
-    /// Errors: TeskBaseException without memory.
-    [[nodiscard]] bool decidesQuickly(const TSKHTTPRequest& request) const;
-
   private:
+    struct Login;
+    class PreparedRequest;
+
+    [[nodiscard]] std::shared_ptr<const Login> loginOf(const TSKHTTPRequest& request) const;
     [[nodiscard]] std::shared_ptr<CredentialChecker> checker() const;
 
     mutable std::mutex mutex_;

@@ -14,22 +14,22 @@ CredentialCache::CredentialCache(const CredentialCache& former)
     const TimePoint now = clock_();
     const std::shared_lock lock(former.mutex_);
     order_ = former.order_;
-    for (const CredentialDigest& digest : order_)
+    for (const KeyedDigest& digest : order_)
         expiry_.emplace(digest, now);
 }
 
-bool CredentialCache::contains(const CredentialDigest& digest) const {
+bool CredentialCache::contains(const KeyedDigest& digest) const {
     const std::shared_lock lock(mutex_);
     const auto entry = expiry_.find(digest);
     return entry != expiry_.end() && clock_() < entry->second;
 }
 
-bool CredentialCache::hasHeld(const CredentialDigest& digest) const {
+bool CredentialCache::wasVerified(const KeyedDigest& digest) const {
     const std::shared_lock lock(mutex_);
     return expiry_.contains(digest);
 }
 
-void CredentialCache::remember(const CredentialDigest& digest) {
+void CredentialCache::remember(const KeyedDigest& digest) {
     if (capacity_ == 0)
         return;
     const TimePoint now = clock_();

@@ -8,15 +8,15 @@
 #include <shared_mutex>
 #include <unordered_map>
 
-#include "ObjectManager/Security/CredentialKey.h"
+#include "ObjectManager/Security/KeyedDigest.h"
 
 namespace Security {
 
-/// What tells the time; replaced in tests.
+/// Tells the time; replaced in tests.
 using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-/// Remembers credentials that were verified, by their digests, for a while. That one was verified
-/// once is known for longer, until others take its place.
+/// Remembers verified credentials by their digests for a lifetime. After it, the cache still knows
+/// that they were verified once, until newer ones take their place.
 ///
 /// Thread safety: may be used by several threads at once.
 class CredentialCache {
@@ -24,26 +24,29 @@ class CredentialCache {
     /// Holds at most `capacity` credentials, each remembered for `lifetime` after it was verified.
     CredentialCache(std::chrono::milliseconds lifetime, std::size_t capacity, Clock clock);
 
-    /// Holds what `former` holds, and remembers nothing of it.
+    /// Knows what was verified in `former`, but every lifetime has passed.
     /// Errors: std::bad_alloc.
     explicit CredentialCache(const CredentialCache& former);
     CredentialCache& operator=(const CredentialCache&) = delete;
     ~CredentialCache() = default;
 
-    [[nodiscard]] bool contains(const CredentialDigest& digest) const;
+    /// Whether the credential is remembered.
+    [[nodiscard]] bool contains(const KeyedDigest& digest) const;
 
-    /// Whether the credential was remembered at some time. Not to let anybody in.
-    [[nodiscard]] bool hasHeld(const CredentialDigest& digest) const;
+    /// Whether the credential was verified once, however long ago. Does not authenticate anybody.
+    [[nodiscard]] bool wasVerified(const KeyedDigest& digest) const;
 
-    /// Remembers a credential. When there are too many, the one goes that was verified first.
-    void remember(const CredentialDigest& digest);
+    /// Remembers a credential that was just verified. If the cache is full, the one that was
+    /// verified first is forgotten.
+    /// Errors: std::bad_alloc; the cache stays usable.
+    void remember(const KeyedDigest& digest);
 
   private:
     using TimePoint = std::chrono::steady_clock::time_point;
 
     // A digest is as good as random: a part of it is a good hash.
     struct DigestHash {
-        std::size_t operator()(const CredentialDigest& digest) const noexcept {
+        std::size_t operator()(const KeyedDigest& digest) const noexcept {
             std::size_t hash = 0;
             std::memcpy(&hash, digest.data(), sizeof hash);
             return hash;
@@ -56,8 +59,8 @@ class CredentialCache {
     const std::size_t capacity_;
     const Clock clock_;
     mutable std::shared_mutex mutex_;
-    std::unordered_map<CredentialDigest, TimePoint, DigestHash> expiry_;  // guarded by mutex_
-    std::deque<CredentialDigest> order_;  // first verified first; guarded by mutex_
+    std::unordered_map<KeyedDigest, TimePoint, DigestHash> expiry_;  // guarded by mutex_
+    std::deque<KeyedDigest> order_;  // first verified first; guarded by mutex_
 };
 
 }  // namespace Security

@@ -1,5 +1,7 @@
 #include "ObjectManager/Security/CredentialChecker.h"
 
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace Security {
@@ -20,56 +22,69 @@ class Place {
 
 }  // namespace
 
-CredentialChecker::CredentialChecker(UserTable users, CredentialCheckerOptions options)
+CredentialChecker::CredentialChecker(UserTable users, const Options& options, CheckerHooks hooks)
     : users_(std::move(users)),
-      options_(std::move(options)),
-      key_(std::make_shared<const CredentialKey>()),
-      remembered_(options_.credentialLifetime, options_.mostRemembered, options_.clock),
-      freeHashes_(options_.mostHashesAtOnce) {}
+      options_(options),
+      hooks_(std::move(hooks)),
+      key_(std::make_shared<const DigestKey>()),
+      cache_(options_.credentialLifetime, options_.maxRememberedCredentials, hooks_.clock),
+      freeHashes_(options_.maxConcurrentHashes) {}
 
 CredentialChecker::CredentialChecker(UserTable users, const CredentialChecker& former)
     : users_(std::move(users)),
       options_(former.options_),
+      hooks_(former.hooks_),
       key_(former.key_),
-      remembered_(former.remembered_),
-      freeHashes_(options_.mostHashesAtOnce) {}
+      cache_(former.cache_),
+      freeHashes_(options_.maxConcurrentHashes) {}
 
-bool CredentialChecker::check(std::string_view user, const SecretText& password) {
+CredentialChecker::Claim CredentialChecker::claim(const Credentials& credentials) const {
     // Where nobody has a password there is nobody to keep secret.
     if (users_.users().empty())
+        return {};
+    const User& standIn = standInFor(credentials.user);
+    const User* const known = users_.find(credentials.user);
+    const std::string& hash = (known == nullptr ? standIn : *known).passwordHash;
+    return {.passwordHash = &hash,
+            .isOfUser = known != nullptr,
+            .digest = key_->digest({credentials.user, credentials.password.view(), hash})};
+}
+
+bool CredentialChecker::check(const Credentials& credentials, const Claim& claim) {
+    if (claim.passwordHash == nullptr)
         return false;
-    const Claim claim = claimOf(user, password);
-    if (remembered_.contains(claim.digest))
+    if (cache_.contains(claim.digest))
         return true;
     return checks_.run(claim.digest, [&] {
         // It may have been verified since.
-        if (remembered_.contains(claim.digest))
+        if (cache_.contains(claim.digest))
             return true;
-        const bool isRight = verify(password, claim.passwordHash) && claim.isOfUser;
+        const bool isRight = verify(credentials.password, *claim.passwordHash) && claim.isOfUser;
         if (isRight)
-            remembered_.remember(claim.digest);
+            cache_.remember(claim.digest);
         return isRight;
     });
 }
 
-bool CredentialChecker::decidesQuickly(std::string_view user, const SecretText& password) const {
-    return users_.users().empty() || remembered_.hasHeld(claimOf(user, password).digest);
+bool CredentialChecker::check(const Credentials& credentials) {
+    return check(credentials, claim(credentials));
 }
 
-CredentialChecker::Claim CredentialChecker::claimOf(std::string_view user,
-                                                    const SecretText& password) const {
-    const std::vector<User>& all = users_.users();
-    const User& stranger = all[key_->choose(user, all.size())];
-    const User* const known = users_.find(user);
-    const std::string& hash = (known == nullptr ? stranger : *known).passwordHash;
-    return {.passwordHash = hash,
-            .isOfUser = known != nullptr,
-            .digest = key_->digest(user, password.view(), hash)};
+bool CredentialChecker::needsPasswordHash(const Claim& claim) const {
+    return claim.passwordHash != nullptr && !cache_.wasVerified(claim.digest);
+}
+
+// The user whose hash is tried for an unknown one.
+const User& CredentialChecker::standInFor(std::string_view name) const {
+    const KeyedDigest digest = key_->digest({name});
+    std::uint64_t number = 0;
+    std::memcpy(&number, digest.data(), sizeof number);
+    return users_.users()[number % users_.users().size()];
 }
 
 bool CredentialChecker::verify(const SecretText& password, const std::string& passwordHash) {
     const Place place(freeHashes_);
-    return options_.verify(password, passwordHash);
+    return hooks_.verify(password, passwordHash);
 }
 
 }  // namespace Security

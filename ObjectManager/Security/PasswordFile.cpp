@@ -1,18 +1,14 @@
 #include "ObjectManager/Security/PasswordFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <filesystem>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <sys/file.h>
+#include <system_error>
 #include <utility>
 
-#include "ObjectManager/Security/CredentialText.h"
-#include "ObjectManager/Security/FileLock.h"
-#include "ObjectManager/Security/FileReplacement.h"
+#include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -21,16 +17,20 @@ namespace Security {
 
 namespace {
 
+// More than a million users need.
+constexpr std::size_t kMaxFileSize = 256UL * 1024 * 1024;
+
 [[noreturn]] void fail(const std::string& message) {
     throw TeskBaseException("Security::PasswordFile", TSKString(message), CIM_ERR_FAILED);
 }
 
-[[noreturn]] void failToRead(const std::string& path) {
-    fail(path + ": cannot be read: " + std::strerror(errno));
+[[noreturn]] void fail(const std::string& path, std::string_view what,
+                       const std::error_code& reason) {
+    fail(path + ": " + std::string(what) + ": " + reason.message());
 }
 
-// As a shell takes it for one word.
-std::string quoted(const std::string& path) {
+// A path as one word of a shell command.
+std::string shellQuoted(const std::string& path) {
     constexpr std::string_view kPlain =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./";
     if (path.find_first_not_of(kPlain) == std::string::npos)
@@ -45,63 +45,44 @@ std::string quoted(const std::string& path) {
     return text + "'";
 }
 
-// A file that is open for reading.
-class OpenFile {
-  public:
-    explicit OpenFile(const std::string& path)
-        : path_(path),
-          // O_NONBLOCK: a named pipe would keep us waiting for somebody to write to it.
-          descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        if (descriptor_ < 0)
-            failToRead(path_);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() { close(descriptor_); }
-
-    void requirePrivate() const {
-        struct stat status = {};
-        if (fstat(descriptor_, &status) != 0)
-            failToRead(path_);
-        if (!S_ISREG(status.st_mode))
-            fail(path_ + ": is not a regular file");
-        if ((status.st_mode & (S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH)) != 0) {
-            fail(path_ +
-                 ": others than its owner can read or write it; mend that with: chmod 600 " +
-                 quoted(path_));
+std::string readPrivateFile(const std::string& path) {
+    try {
+        const Base::FileDescriptor file = Base::openForReading(path, Base::FileKind::kRegular);
+        const Base::FileVersion version = Base::FileVersion::of(file);
+        if (!version.isRegular())
+            fail(path + ": is not a regular file");
+        if (version.isAccessibleToOthers()) {
+            fail(path + ": others than its owner can read or write it; correct that with: " +
+                 "chmod 600 " + shellQuoted(path));
         }
+        return Base::readAll(file, kMaxFileSize);
+    } catch (const std::system_error& error) {
+        if (error.code() == std::errc::not_supported)
+            fail(path + ": is not a regular file");
+        fail(path, "cannot be read", error.code());
     }
-
-    [[nodiscard]] std::string readAll() const {
-        std::string text;
-        std::array<char, 4096> buffer = {};
-        for (;;) {
-            const ssize_t count = ::read(descriptor_, buffer.data(), buffer.size());
-            if (count < 0 && errno == EINTR)
-                continue;
-            if (count < 0)
-                failToRead(path_);
-            if (count == 0)
-                return text;
-            text.append(buffer.data(), static_cast<std::size_t>(count));
-        }
-    }
-
-  private:
-    const std::string& path_;
-    int descriptor_;
-};
-
-// The file itself, so that a symbolic link to it stays one when it is replaced.
-std::string withoutLinks(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path target = std::filesystem::canonical(path, error);
-    return error ? path : target.string();
 }
 
-bool exists(const std::string& path) {
-    struct stat status = {};
-    return lstat(path.c_str(), &status) == 0 || errno != ENOENT;
+// The file itself, so that a symbolic link to it stays one when the file is replaced.
+std::filesystem::path withoutLinks(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path target = std::filesystem::canonical(path, error);
+    return error ? std::filesystem::path(path) : target;
+}
+
+// Waits until no other process or thread holds the lock of that directory. The lock is held as long
+// as the result is open; the system releases it when the process crashes.
+Base::FileDescriptor lockDirectory(const std::string& path) {
+    try {
+        Base::FileDescriptor directory = Base::openDirectory(path);
+        while (flock(directory.get(), LOCK_EX) != 0) {
+            if (errno != EINTR)
+                throw std::system_error(errno, std::generic_category());
+        }
+        return directory;
+    } catch (const std::system_error& error) {
+        fail(path, "cannot be locked", error.code());
+    }
 }
 
 }  // namespace
@@ -115,18 +96,23 @@ PasswordFile::PasswordFile(std::string name, std::string_view text) : name_(std:
 }
 
 PasswordFile PasswordFile::read(const std::string& path) {
-    const OpenFile file(path);
-    file.requirePrivate();
-    return {path, file.readAll()};
+    return {path, readPrivateFile(path)};
 }
 
 void PasswordFile::change(const std::string& path,
                           const std::function<void(PasswordFile&)>& change) {
-    const std::string target = withoutLinks(path);
-    const FileLock lock(target);
-    PasswordFile file = exists(target) ? read(target) : PasswordFile(target, "");
+    const std::filesystem::path target = withoutLinks(path);
+    const std::filesystem::path parent = target.parent_path();
+    const Base::FileDescriptor directory = lockDirectory(parent.empty() ? "." : parent.string());
+    const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(target));
+    PasswordFile file = isThere ? read(target) : PasswordFile(target, "");
     change(file);
-    replacePrivateFile(target, file.text());
+    try {
+        Base::replaceFile(directory, target.filename(), file.text(),
+                          {.mode = 0600, .keepsOwner = true, .isDurable = true});
+    } catch (const std::system_error& error) {
+        fail(target, "cannot be written", error.code());
+    }
 }
 
 UserTable PasswordFile::users() const {
@@ -169,16 +155,16 @@ PasswordFile::Line PasswordFile::parseLine(std::string_view text) const {
         return {.text = std::string(text)};
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos)
-        failAtNextLine("there is no colon between name and hash");
+        failAtNextLine("there is no colon between user name and hash");
     const std::string_view user = text.substr(0, colon);
-    if (const std::string_view fault = faultOfUserName(user); !fault.empty())
-        failAtNextLine("the name of the user cannot be used: " + std::string(fault));
+    if (const std::string_view fault = validateUserName(user); !fault.empty())
+        failAtNextLine("the user name cannot be used: " + std::string(fault));
     if (!isPasswordHash(text.substr(colon + 1)))
-        failAtNextLine("the hash is none that this system can check");
+        failAtNextLine("this system cannot check such a password hash");
     const auto earlier = std::ranges::find(lines_, user, &Line::user);
     if (earlier != lines_.end()) {
-        failAtNextLine("the user \"" + std::string(user) + "\" is in line " +
-                       std::to_string(earlier - lines_.begin() + 1) + " already");
+        failAtNextLine("the user \"" + std::string(user) + "\" is already in line " +
+                       std::to_string(earlier - lines_.begin() + 1));
     }
     return {.text = std::string(text), .nameLength = colon};
 }

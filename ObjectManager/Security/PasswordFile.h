@@ -10,40 +10,42 @@
 
 namespace Security {
 
-/// The users and the hashes of their passwords as a file keeps them, one "NAME:HASH" a line. Empty
-/// lines and lines that begin with "#" are kept and mean nothing.
+/// A file with a line "NAME:HASH" for each user, where HASH is the hash of the password. Empty
+/// lines and lines that begin with "#" are comments; changes keep them.
 ///
-/// No message shows what stands in a line that is wrong: it may be a hash, or a password.
+/// No message shows the content of a wrong line: it may be a hash, or a password.
 ///
-/// Thread safety: one object belongs to one thread.
+/// Thread safety: belongs to one thread. change() may be called by several threads and processes at
+/// once.
 class PasswordFile {
   public:
-    /// The file of the given text. `name` stands for it in messages.
-    /// Errors: TeskBaseException for a wrong line; its message says which and why.
+    /// A file with that text. `name` stands for it in messages.
+    /// Errors: TeskBaseException for a wrong line; its message says which one and why.
     PasswordFile(std::string name, std::string_view text);
 
     /// Reads a file.
-    /// Errors: TeskBaseException when it cannot be read, is no regular file, may be read or written
-    /// by others than its owner, or has a wrong line. Its message says how to mend that.
+    /// Errors: TeskBaseException when the file cannot be read, is not a regular file, can be read
+    /// or written by others than its owner, or has a wrong line. Its message says how to correct
+    /// that.
     [[nodiscard]] static PasswordFile read(const std::string& path);
 
-    /// Reads a file, an empty one if there is none, lets `change` change it, and writes it back,
-    /// for its owner alone to read. Nobody else changes it this way meanwhile. What `change` throws
-    /// leaves the file as it was.
-    /// Errors: TeskBaseException as read, and when the file cannot be written; it is as before
-    /// then.
+    /// Reads a file (an empty one if there is none), lets `change` change it, and replaces it by
+    /// the result, which only the owner of the file can read. Calls for files of the same directory
+    /// wait for each other. If `change` throws, the file stays as it was.
+    /// Errors: TeskBaseException as read(), and when the directory cannot be locked or the file
+    /// cannot be written; it stays as it was then.
     static void change(const std::string& path, const std::function<void(PasswordFile&)>& change);
 
     [[nodiscard]] UserTable users() const;
 
-    /// Sets the hash of a user, who is added when there is none of that name. Returns whether one
-    /// was added. Both must be valid, see faultOfUserName and isPasswordHash.
+    /// Sets the hash of a user, and adds the user if there is none of that name. Returns whether
+    /// the user was added. Both must be valid, see validateUserName() and isPasswordHash().
     bool set(std::string_view user, const std::string& passwordHash);
 
     /// Removes a user. Returns whether there was one.
     bool remove(std::string_view user);
 
-    /// As it is written.
+    /// The text of the file.
     [[nodiscard]] std::string text() const;
 
   private:

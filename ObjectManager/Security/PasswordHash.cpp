@@ -8,7 +8,7 @@
 #include <memory>
 #include <openssl/crypto.h>
 
-#include "ObjectManager/Security/CredentialText.h"
+#include "ObjectManager/Security/Credentials.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -37,7 +37,7 @@ bool isGraphic(char byte) noexcept {
     return byte > ' ' && byte <= '~';
 }
 
-// Where crypt(3) works: half of what it needs to know of the password passes through here.
+// The memory in which crypt(3) works. It holds traces of the password, so it is wiped.
 struct Workspace {
     crypt_data data = {};
 
@@ -46,7 +46,7 @@ struct Workspace {
     Workspace& operator=(const Workspace&) = delete;
     ~Workspace() { OPENSSL_cleanse(&data, sizeof data); }
 
-    // What crypt(3) makes of the password; null with errno when it fails. Valid as long as this.
+    // The hash of the password; null with errno if crypt(3) fails. Valid as long as this object.
     [[nodiscard]] const char* hash(const SecretText& password, const char* setting) {
         return crypt_rn(password.zeroTerminated(), setting, &data, sizeof data);
     }
@@ -55,7 +55,7 @@ struct Workspace {
 }  // namespace
 
 std::string hashPassword(const SecretText& password, const PasswordHashOptions& options) {
-    if (const std::string_view fault = faultOfPassword(password.view()); !fault.empty())
+    if (const std::string_view fault = validatePassword(password.view()); !fault.empty())
         fail("The password cannot be used: " + TSKString(fault));
     char setting[CRYPT_GENSALT_OUTPUT_SIZE];
     if (crypt_gensalt_rn(options.method.c_str(), options.cost, nullptr, 0, setting,
@@ -69,8 +69,8 @@ std::string hashPassword(const SecretText& password, const PasswordHashOptions& 
 }
 
 bool verifyPassword(const SecretText& password, const std::string& hash) {
-    // crypt(3) would see the part before a zero byte only.
-    if (!faultOfPassword(password.view()).empty())
+    // crypt(3) would hash only the part before a zero byte.
+    if (!validatePassword(password.view()).empty())
         return false;
     const auto workspace = std::make_unique<Workspace>();
     const char* const made = workspace->hash(password, hash.c_str());

@@ -9,7 +9,7 @@ namespace Security {
 
 namespace {
 
-// More than most passwords have, so that few of them are ever copied.
+// Longer than most passwords, so that few of them are copied while they grow.
 constexpr std::size_t kFirstCapacity = 63;
 
 }  // namespace
@@ -47,13 +47,6 @@ void SecretText::append(char byte) {
         grow(std::max(kFirstCapacity, 2 * capacity_));
     bytes_[size_] = byte;
     bytes_[++size_] = '\0';
-}
-
-void SecretText::shorten(std::size_t size) noexcept {
-    if (size >= size_)
-        return;
-    OPENSSL_cleanse(bytes_.get() + size, size_ - size);
-    size_ = size;
 }
 
 void SecretText::wipe() noexcept {

@@ -23,8 +23,13 @@ class TESK_PLATFORM_EXPORT IQualified {
     /// The name as it was declared.
     [[nodiscard]] virtual TSKString getName() const = 0;
 
-    /// The qualifier of that name, in any case; null when there is none. Belongs to this
-    /// definition. With `includePropagated` false only written ones are found.
+    /// The qualifier of that name, in any case; it belongs to this definition. With
+    /// `includePropagated` false only written ones are found.
+    ///
+    /// Null means that the declaration has no such qualifier: it is neither written there nor, with
+    /// `includePropagated`, propagated to it. It does not mean that the qualifier is false or that
+    /// its type is not declared: what DSP0004 has as the default of an absent qualifier is the
+    /// caller's to know. A qualifier whose value is null is found, and says so by hasValue().
     [[nodiscard]] virtual const IQualifier* getQualifier(const TSKString& name,
                                                          bool includePropagated) const = 0;
 

@@ -4,7 +4,7 @@
 #include "Platform/Util/Export.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
-/// Somebody who wants to be told of indications.
+/// Receives indications.
 ///
 /// Thread safety: may be used by several threads at once.
 class TESK_PLATFORM_EXPORT ITeskSubscriber {

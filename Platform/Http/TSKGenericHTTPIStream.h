@@ -2,7 +2,7 @@
 
 #include "Platform/Util/Export.h"
 
-/// What a client sends after the head of its request.
+/// What a client sends after the header section of its request.
 ///
 /// Thread safety: belongs to one thread.
 class TESK_PLATFORM_EXPORT TSKGenericHTTPIStream {

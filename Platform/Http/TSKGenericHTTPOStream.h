@@ -3,7 +3,8 @@
 #include "Platform/Util/Export.h"
 #include "Platform/Util/TSKString.h"
 
-/// What a client receives: a provider writes its whole response here, head and body.
+/// What a client receives: a provider writes its whole response here: status line, header
+/// section and body.
 ///
 /// Thread safety: belongs to one thread.
 class TESK_PLATFORM_EXPORT TSKGenericHTTPOStream {

@@ -16,8 +16,8 @@ class TESK_PLATFORM_EXPORT TSKHTTPRequest : public TSKHTTPOperation {
     [[nodiscard]] const TSKString& getMethod() const noexcept { return method_; }
     [[nodiscard]] const TSKString& getUri() const noexcept { return uri_; }
 
-    /// The value of the field "Host" as it was sent, null when there was none. Valid until a field
-    /// is set.
+    /// The value of the header field "Host" as it was sent, null when there was none. Valid until a
+    /// header field is set.
     [[nodiscard]] const TSKString* getHost() const noexcept;
 
   private:

@@ -5,7 +5,8 @@
 #include "Platform/Util/Export.h"
 #include "Platform/Util/TSKString.h"
 
-/// The head of a response. The body is what its maker writes to the stream after it.
+/// The status line and header section of a response. The body is what its maker writes to the
+/// stream after them.
 ///
 /// Thread safety: belongs to one thread.
 class TESK_PLATFORM_EXPORT TSKHTTPResponse : public TSKHTTPOperation {
@@ -20,12 +21,13 @@ class TESK_PLATFORM_EXPORT TSKHTTPResponse : public TSKHTTPOperation {
     [[nodiscard]] const TSKString& getReason() const noexcept { return reason_; }
 
     /// Writes the status line, the header fields in their order and the empty line that ends the
-    /// head (RFC 9112, sections 4 and 5), in one piece. The field "Date" is the front end's to add.
+    /// header section (RFC 9112, sections 4 and 5), in one piece. The front end adds the header
+    /// field "Date".
     ///
     /// Errors: TeskBaseException with CIM_ERR_INVALID_PARAMETER, before anything is written, when
-    /// the protocol is not HTTP/1.x, the status code not three digits, a field's name no token, or
-    /// a field's value or the reason holds a carriage return, newline or zero byte. Whatever the
-    /// stream throws.
+    /// the protocol is not HTTP/1.x, the status code not three digits, a header field's name no
+    /// token, or a header field's value or the reason holds a carriage return, newline or zero
+    /// byte. Whatever the stream throws.
     void writeResponseTo(TSKGenericHTTPOStream& stream) const;
 
   private:

@@ -1,10 +1,10 @@
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 
-#include "Platform/Util/TSKInstalled.h"
+#include "Platform/Internal/TSKInstalled.h"
 
 namespace {
 
-TSKInstalled<ITeskAuthenticator> installedAuthenticator;
+constinit TSKInstalled<ITeskAuthenticator> installedAuthenticator;
 
 }  // namespace
 

@@ -11,7 +11,7 @@ class TESK_PLATFORM_EXPORT AuthenticationHelper {
   public:
     /// Checks the credentials of `request`. May read from `istr` and write a challenge to `ostr`.
     /// Returns whether the caller is authenticated, and fills `token` then. Where no authenticator
-    /// is installed nobody is.
+    /// is installed, no caller is.
     [[nodiscard]] static bool authenticateRequest(TSKHTTPRequest& request,
                                                   TSKGenericHTTPIStream& istr,
                                                   TSKGenericHTTPOStream& ostr,

@@ -10,7 +10,7 @@ class TESK_PLATFORM_EXPORT ITeskInstallation {
   public:
     virtual ~ITeskInstallation();
 
-    /// The absolute path of the folder that holds "providers" and the like, without a `/` at its
+    /// The absolute path of the directory that holds "providers" and the like, without a `/` at its
     /// end.
     [[nodiscard]] virtual TSKString getInstallationDirectory() const = 0;
 };

@@ -18,10 +18,14 @@ TSKSmrPtr<ITeskTransaction> Provider::startTransaction(TSKSmrPtr<TeskTransaction
     notSupported("Provider::startTransaction");
 }
 
-void Provider::endTransaction(TSKSmrPtr<ITeskTransaction> /*transaction*/) {}
+void Provider::endTransaction(TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    notSupported("Provider::endTransaction");
+}
 
 void Provider::setProperty(TSKSmrPtr<ITeskInstanceName> /*instance*/, const TSKString& /*name*/,
-                           TSKSmrPtr<ITeskValue> /*value*/, Transaction /*transaction*/) {}
+                           TSKSmrPtr<ITeskValue> /*value*/, Transaction /*transaction*/) {
+    notSupported("Provider::setProperty");
+}
 
 Provider::InstanceNameList Provider::enumerateInstanceNames(const TSKString& /*nameSpace*/,
                                                             const TSKString& /*className*/,
@@ -128,10 +132,14 @@ TSKSmrPtr<ITeskInstanceName> Provider::createInstance(const TSKString& /*nameSpa
 }
 
 void Provider::deleteInstance(TSKSmrPtr<ITeskInstanceName> /*instance*/,
-                              Transaction /*transaction*/) {}
+                              Transaction /*transaction*/) {
+    notSupported("Provider::deleteInstance");
+}
 
 void Provider::modifyInstance(TSKSmrPtr<ITeskInstance> /*instance*/, NameList /*properties*/,
-                              Transaction /*transaction*/) {}
+                              Transaction /*transaction*/) {
+    notSupported("Provider::modifyInstance");
+}
 
 TSKSmrPtr<ITeskValue> Provider::executeMethod(TSKSmrPtr<ITeskInstanceName> /*object*/,
                                               const TSKString& /*method*/, ParameterList /*input*/,
@@ -158,11 +166,15 @@ TSKSmrPtr<ITeskValue> Provider::deregisterObserver(TSKSmrPtr<ITeskInstanceName> 
 
 void Provider::processHTTPRequest(TSKGenericHTTPIStream& /*istr*/, TSKGenericHTTPOStream& /*ostr*/,
                                   TSKHTTPRequest& /*request*/, TSKHTTPResponse& /*response*/,
-                                  bool& /*handled*/, TSKSmrPtr<ITeskTransaction> /*transaction*/) {}
+                                  bool& /*handled*/, TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    notSupported("Provider::processHTTPRequest");
+}
 
 void Provider::processHTTPRequest(TSKGenericHTTPIStream& /*istr*/, TSKGenericHTTPOStream& /*ostr*/,
                                   TSKHTTPRequest& /*request*/, bool& /*handled*/,
-                                  TSKSmrPtr<ITeskTransaction> /*transaction*/) {}
+                                  TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    notSupported("Provider::processHTTPRequest");
+}
 
 void Provider::startup() {}
 
@@ -185,18 +197,28 @@ TSKString Provider::getProviderName() {
 void Provider::setWorkArea(const TSKString& /*path*/) {}
 
 void Provider::addStaticSubscriber(TSKSmrPtr<ITeskSubscriber> /*subscriber*/,
-                                   ITeskIndication::IndicationType /*type*/) {}
+                                   ITeskIndication::IndicationType /*type*/) {
+    notSupported("Provider::addStaticSubscriber");
+}
 
 void Provider::removeStaticSubscriber(TSKSmrPtr<ITeskSubscriber> /*subscriber*/,
-                                      ITeskIndication::IndicationType /*type*/) {}
+                                      ITeskIndication::IndicationType /*type*/) {
+    notSupported("Provider::removeStaticSubscriber");
+}
 
 void Provider::activateSubscription(TSKSmrPtr<ITeskSubscriber> /*subscriber*/,
-                                    TSKSmrPtr<ITeskSubscriptionFilter> /*filter*/) {}
+                                    TSKSmrPtr<ITeskSubscriptionFilter> /*filter*/) {
+    notSupported("Provider::activateSubscription");
+}
 
 void Provider::deactivateSubscription(TSKSmrPtr<ITeskSubscriber> /*subscriber*/,
-                                      TSKSmrPtr<ITeskSubscriptionFilter> /*filter*/) {}
+                                      TSKSmrPtr<ITeskSubscriptionFilter> /*filter*/) {
+    notSupported("Provider::deactivateSubscription");
+}
 
-void Provider::deliverIndication(TSKSmrPtr<ITeskIndication> /*indication*/) {}
+void Provider::deliverIndication(TSKSmrPtr<ITeskIndication> /*indication*/) {
+    notSupported("Provider::deliverIndication");
+}
 
 void Provider::setProviderContext(TSKSmrPtr<ITeskProviderContext> /*context*/) {}
 

@@ -31,8 +31,16 @@ namespace urma::pf {
 /// object, the plug-in manager drives it: startup, postStartup, postStartupIsComplete, then
 /// operations, at last shutdown.
 ///
-/// A provider overrides what it offers. What it leaves throws TeskBaseException with
-/// CIM_ERR_NOT_SUPPORTED where a result is due, and does nothing elsewhere.
+/// A provider overrides what it offers. An operation that it leaves throws TeskBaseException with
+/// CIM_ERR_NOT_SUPPORTED, so that nothing seems to have been done. Only what the object manager
+/// tells a provider does nothing by default: the life cycle, its work area, its context, its
+/// instance manager, dumps and audits.
+///
+/// The operations are those that an object manager may have a use for. `tesk` and the plug-in
+/// manager call few of them: the life cycle, getProviderName and the processHTTPRequest that writes
+/// the whole response. They never call the operations on classes and instances, and neither those
+/// of transactions, observers, indications, work area and version nor the processHTTPRequest that
+/// fills a response.
 ///
 /// The virtual operations are part of the binary interface: their order is kept, new ones are added
 /// at the end.
@@ -52,13 +60,13 @@ class TESK_PLATFORM_EXPORT Provider {
     Provider(const Provider&) = delete;
     Provider& operator=(const Provider&) = delete;
 
-    // Transactions.
+    // Transactions. tesk never calls these; it passes null pointers for transactions.
 
     virtual TSKSmrPtr<ITeskTransaction> startTransaction(TSKSmrPtr<TeskTransactionInfo> info);
     virtual void endTransaction(TSKSmrPtr<ITeskTransaction> transaction);
 
     // Operations on classes and instances (DSP0200, "Intrinsic methods"). A null property list
-    // stands for all properties.
+    // stands for all properties. tesk never calls these.
 
     virtual void setProperty(TSKSmrPtr<ITeskInstanceName> instance, const TSKString& name,
                              TSKSmrPtr<ITeskValue> value, Transaction transaction);
@@ -113,7 +121,7 @@ class TESK_PLATFORM_EXPORT Provider {
                                                 const TSKString& method, ParameterList input,
                                                 ParameterList& output, Transaction transaction);
 
-    // Observers of instances.
+    // Observers of instances. tesk never calls these.
 
     virtual TSKSmrPtr<ITeskValue> registerObserver(TSKSmrPtr<ITeskInstanceName> instance,
                                                    TSKSmrPtr<ITeskSubscriber> subscriber,
@@ -126,15 +134,17 @@ class TESK_PLATFORM_EXPORT Provider {
                                                      TSKSmrPtr<ITeskSubscriptionFilter> filter,
                                                      TSKSmrPtr<ITeskTransaction> transaction);
 
-    // Requests under the URIs that the provider registered with the plug-in manager. What is
-    // thrown is answered by the front end; see TSKHTTPException.
+    // Requests under the URIs that the provider registered with the plug-in manager. The front end
+    // turns what is thrown into a response; see TSKHTTPException.
 
-    /// Fills `response`, the head, and writes the body to `ostr`. `handled` is true when called;
-    /// a provider sets it to false to leave the answer to the front end.
+    /// Fills `response`, the header section, and writes the body to `ostr`. `handled` is true when
+    /// called; a provider sets it to false to leave the response to the front end. tesk never calls
+    /// this one.
     virtual void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                                     TSKHTTPRequest& request, TSKHTTPResponse& response,
                                     bool& handled, TSKSmrPtr<ITeskTransaction> transaction);
-    /// Writes the whole response, head and body, to `ostr`.
+    /// Writes the whole response, header section and body, to `ostr`; `handled` as above. tesk
+    /// responds with 404 where it is false afterwards.
     virtual void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                                     TSKHTTPRequest& request, bool& handled,
                                     TSKSmrPtr<ITeskTransaction> transaction);
@@ -154,16 +164,16 @@ class TESK_PLATFORM_EXPORT Provider {
     /// not call it.
     virtual void initialize();
 
-    /// Fills `version`; returns whether it is known.
+    /// Fills `version`; returns whether it is known. tesk never calls it.
     virtual bool getVersion(TSKString& version);
     /// The name that the provider registers its URIs under; unique among providers. Asked for
     /// when the provider is loaded, before startup; every provider overrides it.
     virtual TSKString getProviderName();
 
-    /// Tells the provider of a folder that it may write to.
+    /// Tells the provider of a directory that it may write to. tesk never calls it.
     virtual void setWorkArea(const TSKString& path);
 
-    // Indications.
+    // Indications. tesk never calls these.
 
     virtual void addStaticSubscriber(TSKSmrPtr<ITeskSubscriber> subscriber,
                                      ITeskIndication::IndicationType type);
@@ -175,7 +185,7 @@ class TESK_PLATFORM_EXPORT Provider {
                                         TSKSmrPtr<ITeskSubscriptionFilter> filter);
     virtual void deliverIndication(TSKSmrPtr<ITeskIndication> indication);
 
-    // Services of the object manager for this provider.
+    // Services of the object manager for this provider. tesk calls none of these and sets neither.
 
     virtual void setProviderContext(TSKSmrPtr<ITeskProviderContext> context);
     virtual TSKSmrPtr<ITeskProviderContext> getProviderContext();
@@ -185,12 +195,14 @@ class TESK_PLATFORM_EXPORT Provider {
     virtual bool hasActiveSubscribers();
     virtual TSKString getNextIndicationIdentifier();
 
-    /// Writes what helps a developer to `stream`, in as much detail as `level` asks for.
+    /// Writes what helps a developer to `stream`, in as much detail as `level` asks for. tesk never
+    /// calls it.
     virtual void debugDump(unsigned int level, std::ostream& stream);
 
     virtual ~Provider();
 
     /// Records an operation for an audit: its result, its transaction, its object and its name.
+    /// tesk never calls it.
     virtual void logAuditInfo(TSKSmrPtr<ITeskValue> result, TSKSmrPtr<ITeskTransaction> transaction,
                               TSKSmrPtr<ITeskInstanceName> object, TSKString operation);
 };

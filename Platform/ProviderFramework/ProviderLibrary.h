@@ -13,7 +13,7 @@ class TESK_PLATFORM_EXPORT ProviderLibrary {
     /// getTeskNAME hands out. The provider belongs to the library.
     ///
     /// A library stays loaded until the process ends, also when it turns out to be of no use, since
-    /// nobody knows what threads and callbacks it has started.
+    /// it may have started threads and registered callbacks.
     ///
     /// Errors: TeskBaseException with CIM_ERR_FAILED and the reason, when the file is no regular
     /// file, cannot be loaded, has no factory, or the factory returns null. Whatever the factory
@@ -21,7 +21,7 @@ class TESK_PLATFORM_EXPORT ProviderLibrary {
     /// the process.
     [[nodiscard]] static urma::pf::Provider& load(const TSKString& file);
 
-    /// Whether a file of that name, without its folder, is taken for a provider library:
+    /// Whether a file of that name, without its directory, is taken for a provider library:
     /// libNAME.so.
     [[nodiscard]] static bool isLibraryName(const TSKString& fileName);
 };

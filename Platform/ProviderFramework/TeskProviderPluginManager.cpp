@@ -7,6 +7,7 @@
 #include <string>
 #include <system_error>
 
+#include "Platform/Internal/TSKInstalled.h"
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TSKValSlistIterator.h"
@@ -17,7 +18,7 @@ namespace {
 
 using Failures = TeskProviderPluginManager::Failures;
 
-TSKInstalled<TeskProviderPluginManager> installedManager;
+constinit TSKInstalled<TeskProviderPluginManager> installedManager;
 
 void log(TeskTraceLog::Severity severity, const TSKString& message) {
     TSKLog::log("TeskProviderPluginManager", message, severity, TeskTraceLog::VerbosityNormal, 0,
@@ -43,10 +44,10 @@ std::optional<TSKString> failureOf(const char* name, const Step& step) {
     }
 }
 
-// The paths of the libraries in a folder, sorted. Throws std::filesystem::filesystem_error.
-std::vector<std::string> librariesIn(const TSKString& folder) {
+// The paths of the libraries in a directory, sorted. Throws std::filesystem::filesystem_error.
+std::vector<std::string> librariesIn(const TSKString& directory) {
     std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.data())) {
+    for (const auto& entry : std::filesystem::directory_iterator(directory.data())) {
         if (ProviderLibrary::isLibraryName(entry.path().filename().c_str()))
             files.push_back(entry.path().string());
     }
@@ -80,12 +81,17 @@ TSKSmrPtr<TeskProviderPluginManager> TeskProviderPluginManager::setTeskProviderP
 }
 
 TSKValSlist<TSKString> TeskProviderPluginManager::getNamespaceList() const {
-    const TSKSmrPtr<ITeskNamespaceList> namespaces = namespaces_.get();
+    TSKSmrPtr<ITeskNamespaceList> namespaces;
+    {
+        const std::shared_lock lock(mutex_);
+        namespaces = namespaces_;
+    }
     return namespaces ? namespaces->getNamespaceList() : TSKValSlist<TSKString>();
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::getRepository() const {
-    return repository_.get();
+    const std::shared_lock lock(mutex_);
+    return repository_;
 }
 
 bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const TSKString& uri) {
@@ -100,21 +106,28 @@ bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const
 TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
     TSKSmrPtr<ITeskNamespaceList> namespaces) {
     const std::vector<TSKString> now = urisOf(namespaces);
-    TSKSmrPtr<ITeskNamespaceList> previous = namespaces_.install(std::move(namespaces));
+    TSKSmrPtr<ITeskNamespaceList> previous = std::move(namespaces);
+    {
+        const std::lock_guard lock(mutex_);
+        namespaces_.swap(previous);
+    }
     routeNamespaces(urisOf(previous), now);
     return previous;
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
     TSKSmrPtr<ITeskRepository> repository) {
-    return repository_.install(std::move(repository));
+    const std::lock_guard lock(mutex_);
+    repository_.swap(repository);
+    return repository;
 }
 
-Failures TeskProviderPluginManager::loadProviders(const TSKString& folder) {
+Failures TeskProviderPluginManager::loadProviders(const TSKString& directory) {
     Failures failures;
     std::vector<std::string> files;
-    if (const auto failure = failureOf("Reading the folder", [&] { files = librariesIn(folder); }))
-        report(failures, folder, *failure);
+    if (const auto failure =
+            failureOf("Reading the directory", [&] { files = librariesIn(directory); }))
+        report(failures, directory, *failure);
     for (const std::string& file : files) {
         const TSKString path = file.c_str();
         if (const auto failure =
@@ -204,7 +217,7 @@ const char* TeskProviderPluginManager::addRoute(const TSKString& providerName,
     return nullptr;
 }
 
-// Gives the namespaces that nobody has registered to the provider that serves the others.
+// Gives the namespaces that no provider has registered to the one that serves the others.
 void TeskProviderPluginManager::routeNamespaces(const std::vector<TSKString>& before,
                                                 const std::vector<TSKString>& now) {
     const std::lock_guard lock(mutex_);

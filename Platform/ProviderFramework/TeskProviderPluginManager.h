@@ -9,7 +9,6 @@
 #include "Platform/ProviderFramework/TeskProviderFailure.h"
 #include "Platform/ProviderFramework/URIRoutingTable.h"
 #include "Platform/Util/Export.h"
-#include "Platform/Util/TSKInstalled.h"
 #include "Platform/Util/TSKSmrPtr.h"
 #include "Platform/Util/TSKString.h"
 #include "Platform/Util/TSKValSlist.h"
@@ -41,9 +40,8 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     /// The names of the CIM namespaces that the object manager holds.
     [[nodiscard]] TSKValSlist<TSKString> getNamespaceList() const;
 
-    /// The object manager's class definitions as they are now, null where there are none. Whoever
-    /// holds the pointer keeps seeing the same definitions, also when the object manager loads
-    /// others.
+    /// The object manager's class definitions as they are now, null where there are none. The
+    /// definitions behind the pointer stay the same, also when the object manager loads others.
     [[nodiscard]] TSKSmrPtr<ITeskRepository> getRepository() const;
 
     /// Routes the requests whose path begins with `uri` to the named provider; see URIRoutingTable.
@@ -66,9 +64,9 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     /// namespaces that no provider has registered.
     TSKSmrPtr<ITeskNamespaceList> setNamespaceList(TSKSmrPtr<ITeskNamespaceList> namespaces);
 
-    /// Loads every library lib*.so of the folder, in the order of their names, and asks each
+    /// Loads every library lib*.so of the directory, in the order of their names, and asks each
     /// provider for its name. See ProviderLibrary::load.
-    Failures loadProviders(const TSKString& folder);
+    Failures loadProviders(const TSKString& directory);
 
     /// Adds a provider that is no library of its own. It must outlive the manager or its
     /// shutdown(); `origin` stands for its file in messages.
@@ -101,10 +99,9 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     void addEntry(urma::pf::Provider& provider, const TSKString& file);
     void removeEntry(const Entry& entry);
 
-    TSKInstalled<ITeskNamespaceList> namespaces_;
-    TSKInstalled<ITeskRepository> repository_;
-
     mutable std::shared_mutex mutex_;
-    URIRoutingTable routes_;      // guarded by mutex_
+    TSKSmrPtr<ITeskNamespaceList> namespaces_;  // guarded by mutex_
+    TSKSmrPtr<ITeskRepository> repository_;     // guarded by mutex_
+    URIRoutingTable routes_;                    // guarded by mutex_
     std::vector<Entry> entries_;  // changed under mutex_, by the life-cycle thread alone
 };

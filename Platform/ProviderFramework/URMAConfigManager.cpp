@@ -1,12 +1,12 @@
 #include "Platform/ProviderFramework/URMAConfigManager.h"
 
-#include "Platform/Util/TSKInstalled.h"
+#include "Platform/Internal/TSKInstalled.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
 namespace {
 
-TSKInstalled<ITeskInstallation> installedInstallation;
+constinit TSKInstalled<ITeskInstallation> installedInstallation;
 
 }  // namespace
 

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "Platform/Util/TSKObjectPool.h"
+#include "Platform/Internal/TSKObjectPool.h"
 
 namespace {
 
@@ -27,11 +27,11 @@ class BufferedOutput {
         used_ += text.size();
     }
 
-    void writeBlanks(unsigned long count) {
-        constexpr std::string_view kBlanks = "                                ";
-        for (; count > kBlanks.size(); count -= kBlanks.size())
-            write(kBlanks);
-        write(kBlanks.substr(0, count));
+    void writeSpaces(unsigned long count) {
+        constexpr std::string_view kSpaces = "                                ";
+        for (; count > kSpaces.size(); count -= kSpaces.size())
+            write(kSpaces);
+        write(kSpaces.substr(0, count));
     }
 
     void flush() {
@@ -77,14 +77,20 @@ constexpr std::array<unsigned char, 256> kEscapeGrowth = [] {
     return growth;
 }();
 
-unsigned long escapeGrowth(std::string_view text) noexcept {
+// A value and how much longer it is when it is escaped, found in one pass.
+struct MeasuredText {
+    std::string_view text;
+    unsigned long growth;
+};
+
+MeasuredText measured(const char* value) noexcept {
+    unsigned long length = 0;
     unsigned long growth = 0;
-    for (const char character : text) {
-        const unsigned char more = kEscapeGrowth[static_cast<unsigned char>(character)];
-        if (more != 0) [[unlikely]]
-            growth += more;
+    if (value != nullptr) {
+        for (; value[length] != '\0'; ++length)
+            growth += kEscapeGrowth[static_cast<unsigned char>(value[length])];
     }
-    return growth;
+    return {.text = {value, length}, .growth = growth};
 }
 
 // These write to a place that is large enough and return the end of what they wrote.
@@ -132,7 +138,7 @@ class SOAPElement::Printer {
 
   private:
     void printElement(const SOAPElement& element, unsigned long level) {
-        output_.writeBlanks(2 * level);
+        output_.writeSpaces(2 * level);
         output_.write("<");
         writeName(output_, *element.name_);
         output_.write(element.attributes_.view());
@@ -144,7 +150,7 @@ class SOAPElement::Printer {
         printElement(*element.firstChild_, level + 1);
         for (const TSKSmrPtr<SOAPElement>& child : element.furtherChildren_)
             printElement(*child, level + 1);
-        output_.writeBlanks(2 * level);
+        output_.writeSpaces(2 * level);
         output_.write("</");
         writeName(output_, *element.name_);
         output_.write(">\n");
@@ -177,19 +183,19 @@ void SOAPElement::operator delete(void* memory) noexcept {
     TSKObjectPool<SOAPElement>::release(memory);
 }
 
-TSKSmrPtr<SOAPElement> SOAPElement::makeElement(TSKSmrPtr<SOAPQName> name) {
+TSKSmrPtr<SOAPElement> SOAPElement::makeElement(const TSKSmrPtr<SOAPQName>& name) {
     if (!name)
         TSKNullPointerException::raise("SOAPElement::makeElement");
-    return TSKSmrPtr<SOAPElement>(new SOAPElement(std::move(name)));
+    return TSKSmrPtr<SOAPElement>(new SOAPElement(name));
 }
 
-void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_view value) {
+void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value) {
     const std::string_view prefix = prefixOf(*name);
     const std::size_t prefixLength = prefix.empty() ? 0 : prefix.size() + 1;
     const std::string_view localName = name->getLocalName();
-    const unsigned long growth = escapeGrowth(value);
+    const auto [text, growth] = measured(value);
 
-    char* target = attributes_.extend(prefixLength + localName.size() + value.size() + growth +
+    char* target = attributes_.extend(prefixLength + localName.size() + text.size() + growth +
                                       (sizeof " =\"\"" - 1));
     *target++ = ' ';
     if (!prefix.empty()) {
@@ -199,21 +205,17 @@ void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_vie
     target = put(target, localName);
     *target++ = '=';
     *target++ = '"';
-    target = growth == 0 ? put(target, value) : putEscaped(target, value);
+    target = growth == 0 ? put(target, text) : putEscaped(target, text);
     *target = '"';
 }
 
-void SOAPElement::addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value) {
-    addAttribute(name, value == nullptr ? std::string_view() : std::string_view(value));
-}
-
-void SOAPElement::addChildElement(TSKSmrPtr<SOAPElement> child) {
+void SOAPElement::addChildElement(TSKSmrPtr<SOAPElement>& child) {
     if (!child)
         TSKNullPointerException::raise("SOAPElement::addChildElement");
     if (!firstChild_)
-        firstChild_ = std::move(child);
+        firstChild_ = child;
     else
-        furtherChildren_.push_back(std::move(child));
+        furtherChildren_.push_back(child);
 }
 
 void SOAPElement::printXML(std::ostream& stream, unsigned long depth) const {

@@ -24,7 +24,7 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
   public:
     /// A detached element without attributes and children.
     /// Errors: a null `name` throws TSKNullPointerException.
-    [[nodiscard]] static TSKSmrPtr<SOAPElement> makeElement(TSKSmrPtr<SOAPQName> name);
+    [[nodiscard]] static TSKSmrPtr<SOAPElement> makeElement(const TSKSmrPtr<SOAPQName>& name);
 
     ~SOAPElement() override;
 
@@ -34,18 +34,19 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
     /// The element's name, shared, never null.
     [[nodiscard]] const TSKSmrPtr<SOAPQName>& getQname() const noexcept { return name_; }
 
-    /// Appends an attribute. The name is taken as it is now; the value is any text, which is
-    /// escaped when it is printed. Nothing checks for an attribute of the same name.
-    /// Errors: a null `name` throws TSKNullPointerException, std::bad_alloc; the element is as it
-    /// was then.
-    void addAttribute(const TSKSmrPtr<SOAPQName>& name, std::string_view value);
+    /// Appends an attribute. The name is taken as it is now. The value is a zero-terminated text,
+    /// which is escaped when it is printed; null is the empty text. Nothing checks for an attribute
+    /// of the same name.
+    /// Errors: a null `name` throws TSKNullPointerException, std::bad_alloc; the element is
+    /// unchanged then.
     void addAttribute(const TSKSmrPtr<SOAPQName>& name, const char* value);
 
-    /// Appends `child` after the existing children.
-    /// Errors: a null `child` throws TSKNullPointerException.
-    void addChildElement(TSKSmrPtr<SOAPElement> child);
+    /// Appends `child`, which is shared from then on, after the existing children.
+    /// Errors: a null `child` throws TSKNullPointerException, std::bad_alloc; the element is
+    /// unchanged then.
+    void addChildElement(TSKSmrPtr<SOAPElement>& child);
 
-    /// Prints the tree as XML text: two blanks a level, a newline after every tag, `<a/>` for an
+    /// Prints the tree as XML text: two spaces a level, a newline after every tag, `<a/>` for an
     /// element without children. Writes no XML declaration and no namespace declarations but those
     /// that were added as attributes. In attribute values `&`, `<`, `>`, `"`, tab, newline and
     /// carriage return are escaped, everything else is written as it is.
@@ -59,7 +60,7 @@ class TESK_PLATFORM_EXPORT SOAPElement final : public TSKReferenceCount {
   private:
     class Printer;
 
-    explicit SOAPElement(TSKSmrPtr<SOAPQName> name) noexcept : name_(std::move(name)) {}
+    explicit SOAPElement(const TSKSmrPtr<SOAPQName>& name) noexcept : name_(name) {}
 
     // A text that grows at its end. Attributes of a schema mostly fit into the element itself.
     class Text {

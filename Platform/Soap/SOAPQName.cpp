@@ -1,6 +1,6 @@
 #include "Platform/Soap/SOAPQName.h"
 
-#include "Platform/Util/TSKObjectPool.h"
+#include "Platform/Internal/TSKObjectPool.h"
 
 SOAPQName::SOAPQName(const char* localName) : localName_(localName) {}
 

@@ -14,7 +14,7 @@ class CI_AutoPtr_U {
   public:
     CI_AutoPtr_U() noexcept = default;
     explicit CI_AutoPtr_U(T* object) noexcept : object_(object) {}
-    // Implicit: whoever makes an iterator makes it as a std::unique_ptr.
+    // Implicit: iterators are made as std::unique_ptr.
     template <typename U>
     requires std::is_convertible_v<U*, T*> CI_AutoPtr_U(std::unique_ptr<U> object)
     noexcept : object_(std::move(object)) {}

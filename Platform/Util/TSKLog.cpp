@@ -3,13 +3,13 @@
 #include <atomic>
 #include <cstdio>
 
-#include "Platform/Util/TSKInstalled.h"
+#include "Platform/Internal/TSKInstalled.h"
 #include "Platform/Util/TSKStreamLogSink.h"
 
 namespace {
 
 std::atomic<TeskTraceLog::Severity> currentLevel = TeskTraceLog::SeverityInformation;
-TSKInstalled<TSKLogSink> installedSink;
+constinit TSKInstalled<TSKLogSink> installedSink;
 
 void writeToSink(const TSKLogEntry& entry) {
     if (const TSKSmrPtr<TSKLogSink> sink = installedSink.get())

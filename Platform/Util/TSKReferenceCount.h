@@ -26,7 +26,7 @@ class TESK_PLATFORM_EXPORT TSKReferenceCount {
 
     /// Deletes this object with its last owner.
     void removeOwner() noexcept {
-        // A sole owner needs no locked instruction: nobody is left who could add another.
+        // A sole owner needs no locked instruction: no other is left that could add one.
         if (owners_.load(std::memory_order_acquire) == 1 ||
             owners_.fetch_sub(1, std::memory_order_acq_rel) == 1)
             delete this;

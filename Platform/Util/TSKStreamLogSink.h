@@ -6,7 +6,7 @@
 
 /// Writes "TIME SEVERITY COMPONENT: MESSAGE" lines to a C stream: the time in UTC as
 /// 2026-01-31T23:59:59.999Z, the severity as a word. Control characters are written as \xHH, so
-/// that nobody can forge a line.
+/// that no message can forge a line.
 ///
 /// Thread safety: may be used by several threads at once; each line is written whole.
 class TESK_PLATFORM_EXPORT TSKStreamLogSink : public TSKLogSink {

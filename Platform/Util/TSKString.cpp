@@ -48,7 +48,7 @@ char* TSKString::allocate(unsigned long capacity) {
 
 void TSKString::releaseBuffer() noexcept {
     Buffer* shared = buffer();
-    // A sole owner needs no locked instruction: nobody is left who could add another.
+    // A sole owner needs no locked instruction: no other is left that could add one.
     if (shared->owners.load(std::memory_order_acquire) != 1 &&
         shared->owners.fetch_sub(1, std::memory_order_acq_rel) != 1)
         return;

@@ -108,7 +108,7 @@ class TESK_PLATFORM_EXPORT TSKString {
     [[nodiscard]] TSKString left(unsigned long length) const { return substr(0, length); }
     [[nodiscard]] TSKString right(unsigned long length) const;
 
-    /// Changes capital letters into small ones, in place. Returns this text.
+    /// Changes upper case letters to lower case, in place. Returns this text.
     TSKString& toLower();
 
     /// Removes from both ends all bytes that stand in `characters`, in place. Returns this text.

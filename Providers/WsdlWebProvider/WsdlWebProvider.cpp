@@ -75,6 +75,22 @@ TSKString serviceAddress(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
     return address;
 }
 
+struct StatusTexts {
+    TSKString STR_OK_CODE = "200";
+    TSKString STR_OK = "OK";
+    TSKString STR_FILE_NOT_FOUND_CODE = "404";
+    TSKString STR_FILE_NOT_FOUND = "File Not Found";
+    TSKString STR_INTERNAL_SERVER_ERROR_CODE = "500";
+    TSKString STR_INTERNAL_SERVER_ERROR = "Internal Server Error";
+};
+
+// Made at the first call and never destroyed: other threads may still serve requests while the
+// process runs its exit handlers.
+const StatusTexts& statusTexts() {
+    static const StatusTexts& texts = *new StatusTexts;
+    return texts;
+}
+
 // The classes that are found; null when none is asked for.
 TSKSmrPtr<WsdlUtil::ClassList> findClasses(const ITeskRepository& repository,
                                            const TSKString& cimNS,
@@ -177,7 +193,7 @@ void WsdlWebProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGeneric
                                          TSKHTTPRequest& request, bool& /*flag*/,
                                          TSKSmrPtr<ITeskTransaction> /*transaction*/) {
     TSKSmrPtr<urma::security::ISecurityToken> securityToken;
-    request.setContentLength(0);  // first of all, so that nobody waits for a body
+    request.setContentLength(0);  // first of all, so that no one waits for a body
     if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, securityToken))
         throw TSKHTTPException("WsdlWebProvider::processHTTPRequest", "Authentication failed", 4);
     process(request, ostr);
@@ -225,27 +241,21 @@ TSKSmrPtr<ITeskRepository> WsdlWebProvider::getTeskRepository() {
 }
 
 void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
-    static const TSKString STR_OK_CODE = "200";
-    static const TSKString STR_OK = "OK";
-    static const TSKString STR_FILE_NOT_FOUND_CODE = "404";
-    static const TSKString STR_FILE_NOT_FOUND = "File Not Found";
-    static const TSKString STR_INTERNAL_SERVER_ERROR_CODE = "500";
-    static const TSKString STR_INTERNAL_SERVER_ERROR = "Internal Server Error";
-
     logRequest("Request received", kTrace);
+    const StatusTexts& texts = statusTexts();
     std::stringstream ss;
     ss.exceptions(std::ios_base::badbit);  // so that no document is sent in part
     const Outcome outcome = request.getUri().endsWith(kStaticDescription, 0)
                                 ? copyStaticDescription(ss)
                                 : generateDocument(request, ostr, ss);
-    TSKString status = STR_FILE_NOT_FOUND_CODE;
-    TSKString reason = STR_FILE_NOT_FOUND;
+    TSKString status = texts.STR_FILE_NOT_FOUND_CODE;
+    TSKString reason = texts.STR_FILE_NOT_FOUND;
     if (outcome == Outcome::kFound) {
-        status = STR_OK_CODE;
-        reason = STR_OK;
+        status = texts.STR_OK_CODE;
+        reason = texts.STR_OK;
     } else if (outcome == Outcome::kNoManager) {
-        status = STR_INTERNAL_SERVER_ERROR_CODE;
-        reason = STR_INTERNAL_SERVER_ERROR;
+        status = texts.STR_INTERNAL_SERVER_ERROR_CODE;
+        reason = texts.STR_INTERNAL_SERVER_ERROR;
     }
 
     TSKHTTPResponse response(request.getProtocol(), status, reason);
@@ -279,7 +289,7 @@ bool getUserInput(TSKString& cimNS, std::vector<TSKString>& classNames, const TS
                          static_cast<unsigned long>(end - start + 1));
     cimNS.trim(" ");
 
-    // Only the small letters ".xsd" ask for a schema. Where the extension is not found behind the
+    // Only ".xsd" in lower case asks for a schema. Where the extension is not found behind the
     // last "/", the length is negative and the name runs to the end of the path.
     const bool isXsdRequest = uri.endsWith(kXsdExtension, 0);
     const long iDotWsdl = myUri.find(isXsdRequest ? kXsdExtension : kWsdlExtension, 0);

@@ -38,10 +38,10 @@ class WsdlWebProvider : public urma::pf::Provider {
                                              TSKSmrPtr<ITeskSubscriptionFilter> filter,
                                              TSKSmrPtr<ITeskTransaction> transaction) override;
 
-    /// Answers a request of an authenticated caller: see process(). Reads no body, and leaves the
-    /// flag as it is.
-    /// Errors: TSKHTTPException with kAuthenticationFailed for any other caller, to whom at most
-    /// the authenticator has written; what process() throws.
+    /// Responds to a request of an authenticated caller; see process(). Reads no body, and leaves
+    /// the flag as it is.
+    /// Errors: TSKHTTPException with kAuthenticationFailed for any other caller, to which only the
+    /// authenticator may have written; what process() throws.
     void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& flag,
                             TSKSmrPtr<ITeskTransaction> transaction) override;
@@ -67,7 +67,7 @@ class WsdlWebProvider : public urma::pf::Provider {
     virtual void setWorkArea(TSKString& path);
     using urma::pf::Provider::setWorkArea;
 
-    /// Null: requests are answered from the plug-in manager's repository.
+    /// Null: documents are made from the plug-in manager's repository.
     TSKSmrPtr<ITeskRepository> getTeskRepository();
 
   private:
@@ -84,25 +84,27 @@ class WsdlWebProvider : public urma::pf::Provider {
 ///     /NAMESPACE/CLASS.wsdl    the WSDL document of a class
 ///     /NAMESPACE/CLASS.xsd     its XML Schema document
 ///     /CLASS.wsdl, /CLASS.xsd  those of a class of the namespace "interop"
-///     …STSService.wsdl         the file of that name in the installation's "providers" folder
+///     …STSService.wsdl         the file of that name in the installation's directory "providers"
 ///
-/// A path with "/xsd" anywhere, in small letters, asks for the schema whatever its ending; a path
-/// that ends with ".xsd" in capitals asks for the WSDL document of a class with that ending in its
+/// A path with "/xsd" anywhere, in lower case, asks for the schema whatever its ending. A path that
+/// ends with ".xsd" in upper case asks for the WSDL document of a class with that ending in its
 /// name.
 ///
-/// The answer is "404" "File Not Found" without a body where there is no such document, "500"
+/// The response is "404" "File Not Found" without a body where there is no such document, and "500"
 /// "Internal Server Error" where there is no plug-in manager. Documents name the host by the
-/// request's field "Host", or by the client's address where there is none. The document is complete
-/// before anything is written.
+/// request's header field "Host", or by the client's address where there is none. The document is
+/// complete before anything is written.
 ///
-/// Errors: what the host's objects throw, but for a TeskBaseException of the class lookup, which is
-/// a document that is not there. Unless the stream threw, nothing has been written then.
+/// Errors: what the host's objects throw, and std::bad_alloc. A TeskBaseException of the class
+/// lookup is no error but a document that is not there. Most exceptions come before anything is
+/// written. Where the stream itself throws, it may hold a part of the response; where there is no
+/// memory for the last line of the log, it holds the whole.
 ///
 /// Thread safety: may be used by several threads at once, each with a request and a stream of its
-/// own.
+/// own; also while the process runs its exit handlers.
 void process(TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr);
 
-/// Reads a request path, in small letters and without the blanks at the ends of each part: sets
+/// Reads a request path, in lower case and without the spaces at the ends of each part: sets
 /// `cimNS` to what stands between its first and its last "/", and appends what stands between the
 /// last "/" and the first extension to `classNames`; to the end of the path where the extension is
 /// not found behind the "/". The path begins with "/"; what stands before the first one is lost.
@@ -118,7 +120,7 @@ void outputFile(const TSKString& fullPath, std::stringstream& ostr);
 /// Whether a path holds "/wsdl".
 [[nodiscard]] bool isWsdlUri(const TSKString& uri);
 
-/// Appends the pieces of `src` between the separators to `values`, without the blanks around them
+/// Appends the pieces of `src` between the separators to `values`, without the spaces around them
 /// and without the empty ones. A rest that begins with a separator is not split any further.
 void tokenize(std::vector<TSKString>& values, const TSKString& src, const TSKString& seperator);
 

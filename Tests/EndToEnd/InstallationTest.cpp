@@ -84,7 +84,7 @@ TEST_F(Installation, NeedsTheProvidersToMakeDocuments) {
     EXPECT_EQ(without.output, "");
     EXPECT_NE(
         without.errors.find("\ntesk: PREFIX/" TESK_PROVIDERS_DIR
-                            ": Reading the folder failed: filesystem error: "
+                            ": Reading the directory failed: filesystem error: "
                             "directory iterator cannot open directory: No such file or directory "
                             "[PREFIX/" TESK_PROVIDERS_DIR "]\n"),
         std::string::npos)

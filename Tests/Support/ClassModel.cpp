@@ -167,7 +167,7 @@ TSKString ModelDefinition<Model, Interface>::getName() const {
 template <typename Model, typename Interface>
 const urma::IQualifier* ModelDefinition<Model, Interface>::getQualifier(
     const TSKString& name, bool includePropagated) const {
-    HostCalls::note("IQualified::getQualifier", name, includePropagated);
+    HostCalls::note("IQualified::getQualifier");
     const ModelQualifier* propagated = nullptr;
     for (const ModelQualifier& qualifier : qualifiers_) {
         if (!qualifier.isNamed(name))
@@ -182,7 +182,7 @@ const urma::IQualifier* ModelDefinition<Model, Interface>::getQualifier(
 template <typename Model, typename Interface>
 CI_AutoPtr_U<urma::Iterator<const urma::IQualifier&>>
 ModelDefinition<Model, Interface>::getQualifiers(bool includePropagated) const {
-    HostCalls::note("IQualified::getQualifiers", includePropagated);
+    HostCalls::note("IQualified::getQualifiers");
     std::vector<const urma::IQualifier*> wanted;
     for (const ModelQualifier& qualifier : qualifiers_) {
         if (includePropagated || !qualifier.isPropagated())
@@ -250,12 +250,12 @@ TSKSmrPtr<ITeskClass> ModelClass::share() const {
 
 CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> ModelClass::getProperties(
     bool includeInherited) const {
-    HostCalls::note("ITeskClass::getProperties", includeInherited);
+    HostCalls::note("ITeskClass::getProperties");
     return iterateMembers<urma::IPropertyDef>(properties_, includeInherited);
 }
 
 CI_AutoPtr_U<urma::Iterator<const urma::IMethodDef&>> ModelClass::getMethods(
     bool includeInherited) const {
-    HostCalls::note("ITeskClass::getMethods", includeInherited);
+    HostCalls::note("ITeskClass::getMethods");
     return iterateMembers<urma::IMethodDef>(methods_, includeInherited);
 }

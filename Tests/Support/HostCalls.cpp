@@ -1,26 +1,23 @@
 #include "Tests/Support/HostCalls.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace HostCalls {
 
 namespace {
 
 thread_local std::size_t callsUntilFailure = 0;
-thread_local Recording* activeRecording = nullptr;
+thread_local bool counting = false;
+thread_local std::size_t counted = 0;
 
 void updateWatched() noexcept {
-    watched = callsUntilFailure != 0 || activeRecording != nullptr;
+    watched = callsUntilFailure != 0 || counting;
 }
 
 }  // namespace
 
 constinit thread_local bool watched = false;
 
-void noteWatched(const char* operation, const std::string& argument) {
-    if (activeRecording != nullptr)
-        activeRecording->calls_.push_back(operation + argument);
+void noteWatched(const char* operation) {
+    ++counted;
     if (callsUntilFailure != 0 && --callsUntilFailure == 0) {
         updateWatched();
         throw Failure(operation);
@@ -32,23 +29,16 @@ void failAt(std::size_t occurrence) noexcept {
     updateWatched();
 }
 
-Recording::Recording() {
-    activeRecording = this;
+void startCounting() noexcept {
+    counted = 0;
+    counting = true;
     updateWatched();
 }
 
-Recording::~Recording() {
-    activeRecording = nullptr;
+std::size_t stopCounting() noexcept {
+    counting = false;
     updateWatched();
-}
-
-std::vector<std::string> Recording::callsOf(const std::string& operation) const {
-    std::vector<std::string> found;
-    std::copy_if(calls_.begin(), calls_.end(), std::back_inserter(found),
-                 [&](const std::string& call) {
-                     return call == operation || call.starts_with(operation + " ");
-                 });
-    return found;
+    return counted;
 }
 
 }  // namespace HostCalls

@@ -3,12 +3,9 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
-#include "Platform/Util/TSKString.h"
-
-/// Watches the calls that this thread makes into the test's object manager (class model,
-/// repository, streams), and makes chosen ones fail.
+/// Counts the calls that this thread makes into the test's object manager (class model, repository,
+/// streams), and makes chosen ones fail.
 namespace HostCalls {
 
 /// What a call throws that is made to fail. Knows nothing of the platform's exceptions, so only a
@@ -18,29 +15,16 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Whether this thread's calls are watched, by a Recording or a failure to come.
+/// Whether this thread's calls are counted, or one of them is to fail.
 extern constinit thread_local bool watched;
 
-void noteWatched(const char* operation, const std::string& argument);
+void noteWatched(const char* operation);
 
-/// Every operation of the test's object manager begins with this. Costs next to nothing while
-/// nobody watches, so that benchmarks can use the same object manager.
+/// Every operation of the test's object manager begins with this. Costs next to nothing while the
+/// thread is not watched, so that benchmarks can use the same object manager.
 inline void note(const char* operation) {
     if (watched)
-        noteWatched(operation, "");
-}
-/// The same with what the operation is called with.
-inline void note(const char* operation, const TSKString& argument) {
-    if (watched)
-        noteWatched(operation, std::string(" ") + argument.data());
-}
-inline void note(const char* operation, const TSKString& argument, bool flag) {
-    if (watched)
-        noteWatched(operation, std::string(" ") + argument.data() + (flag ? " true" : " false"));
-}
-inline void note(const char* operation, bool flag) {
-    if (watched)
-        noteWatched(operation, flag ? " true" : " false");
+        noteWatched(operation);
 }
 
 /// Makes the `occurrence`th call of this thread from now on throw a Failure, counted from 1; 0
@@ -65,23 +49,15 @@ std::size_t failEach(const Operation& operation, const Check& check) {
     }
 }
 
-/// Keeps the calls of this thread while it lives, as "OPERATION", "OPERATION ARGUMENT", "OPERATION
-/// FLAG" or "OPERATION ARGUMENT FLAG".
-class Recording {
-  public:
-    Recording();
-    Recording(const Recording&) = delete;
-    Recording& operator=(const Recording&) = delete;
-    ~Recording();
+void startCounting() noexcept;
+[[nodiscard]] std::size_t stopCounting() noexcept;
 
-    [[nodiscard]] const std::vector<std::string>& calls() const noexcept { return calls_; }
-    /// Those of one operation.
-    [[nodiscard]] std::vector<std::string> callsOf(const std::string& operation) const;
-
-  private:
-    friend void noteWatched(const char* operation, const std::string& argument);
-
-    std::vector<std::string> calls_;
-};
+/// How many calls `operation` makes.
+template <typename Operation>
+[[nodiscard]] std::size_t count(const Operation& operation) {
+    startCounting();
+    operation();
+    return stopCounting();
+}
 
 }  // namespace HostCalls

@@ -10,7 +10,7 @@ void ModelRepository::add(const char* nameSpace, const ModelClass& cimClass) {
 
 TSKSmrPtr<ITeskClass> ModelRepository::getClass(const TSKString& nameSpace,
                                                 const TSKString& className) const {
-    HostCalls::note("ITeskRepository::getClass", nameSpace + ":" + className);
+    HostCalls::note("ITeskRepository::getClass");
     bool knownNamespace = false;
     for (const Entry& entry : entries_) {
         if (!entry.nameSpace.equalsIgnoreCase(nameSpace))

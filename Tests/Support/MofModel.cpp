@@ -6,7 +6,7 @@
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-MofModel::MofModel(std::string_view mof, const Repository::RepositoryOptions& options) {
+MofModel::MofModel(std::string_view mof, const Repository::Options& options) {
     const TemporaryFolder folder;
     const std::string file = folder.write("test.mof", mof);
     const Repository::LoadedRepository loaded = Repository::loadRepository(

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "ObjectManager/Repository/ClassRepository.h"
-#include "ObjectManager/Repository/RepositoryOptions.h"
+#include "ObjectManager/Repository/Options.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
 /// Classes that a test states in MOF, held in the namespace "root/test". The qualifiers of the
@@ -11,7 +11,7 @@
 class MofModel {
   public:
     /// Errors: std::invalid_argument with what the compiler says, when there is something wrong.
-    explicit MofModel(std::string_view mof, const Repository::RepositoryOptions& options = {});
+    explicit MofModel(std::string_view mof, const Repository::Options& options = {});
 
     [[nodiscard]] const TSKSmrPtr<Repository::ClassRepository>& repository() const noexcept {
         return repository_;

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <fstream>
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
@@ -21,6 +22,15 @@ namespace {
 void require(bool done) {
     if (!done)
         throw std::system_error(errno, std::generic_category(), "PseudoTerminal");
+}
+
+// The state of a process as proc(5) shows it: S while it sleeps, R while it runs.
+char stateOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const std::size_t endOfName = text.rfind(") ");
+    return endOfName == std::string::npos ? '\0' : text.at(endOfName + 2);
 }
 
 }  // namespace
@@ -57,6 +67,10 @@ bool PseudoTerminal::waitFor(std::string_view text) {
         if (!readMore())
             return false;
     }
+}
+
+bool PseudoTerminal::waitForPrompt(std::string_view text) {
+    return waitFor(text) && waitUntil([this] { return stateOf(process_) == 'S'; });
 }
 
 void PseudoTerminal::type(std::string_view text) const {

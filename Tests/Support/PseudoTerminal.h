@@ -19,6 +19,10 @@ class PseudoTerminal {
     /// Waits until `text` is shown. Returns whether it was while anybody is patient.
     [[nodiscard]] bool waitFor(std::string_view text);
 
+    /// The same, and then waits until the process sleeps, so that it gets what is typed and the
+    /// signals that are sent from now on while it reads.
+    [[nodiscard]] bool waitForPrompt(std::string_view text);
+
     void type(std::string_view text) const;
     void sendSignal(int signal) const;
 

@@ -1,5 +1,5 @@
-// Feeds what a client may send through all that happens to it between the socket and the response:
-// scanner, parser, routing, a provider that routes by the path, and the answer.
+// Feeds bytes of a client through everything between the socket and the response: parser, routing,
+// a provider that responds by the path, and the response.
 
 #include <boost/asio/ip/tcp.hpp>
 #include <cstddef>
@@ -7,13 +7,12 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <variant>
 
 #include "ObjectManager/Http/Dispatcher.h"
-#include "ObjectManager/Http/HostField.h"
-#include "ObjectManager/Http/OwnAnswers.h"
-#include "ObjectManager/Http/RequestHead.h"
-#include "ObjectManager/Http/RequestHeadScanner.h"
+#include "ObjectManager/Http/ErrorResponses.h"
+#include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Http/RequestParser.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Http/TSKHTTPResponse.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -21,12 +20,10 @@
 
 namespace {
 
-using Http::RequestHead;
-using Http::RequestHeadScanner;
-using Progress = RequestHeadScanner::Progress;
+using Http::RequestParser;
+using State = RequestParser::State;
 
-constexpr Http::RequestLimits kLimits{
-    .mostHeadBytes = 2048, .mostRequestLineBytes = 1024, .mostFields = 20};
+const Http::Options kOptions{.maxHeaderSize = 2048, .maxRequestLine = 1024, .maxHeaderFields = 20};
 
 // Also where assert does nothing.
 void require(bool holds) {
@@ -34,7 +31,7 @@ void require(bool holds) {
         std::abort();
 }
 
-// Answers by the path, in the ways in which a provider may.
+// Responds by the path, in all ways that a provider can.
 class RoutingProvider : public urma::pf::Provider {
   public:
     TSKString getProviderName() override { return "RoutingProvider"; }
@@ -87,18 +84,17 @@ class Host {
     Http::Dispatcher dispatcher_{manager_};
 };
 
-// What a client gets: a head, each line of which ends properly, and a body only where there may be
-// one.
-void checkAnswer(const Http::Answer& answer, bool headOnly) {
+// Requires a whole header section, and a body only where one is allowed.
+void checkResponse(const Http::Response& response, bool withoutBody) {
     std::string text;
-    for (const boost::asio::const_buffer& part : answer.unsent())
+    for (const boost::asio::const_buffer& part : response.unsent())
         text.append(static_cast<const char*>(part.data()), part.size());
     require(text.starts_with("HTTP/1."));
-    const std::size_t headEnd = text.find("\r\n\r\n");
-    require(headEnd != std::string::npos);
-    require(text.find("\r\nDate: ") < headEnd);
-    require(text.find("\r\nConnection: close\r\n") <= headEnd);
-    require(!headOnly || headEnd + 4 == text.size());
+    const std::size_t headerEnd = text.find("\r\n\r\n");
+    require(headerEnd != std::string::npos);
+    require(text.find("\r\nDate: ") < headerEnd);
+    require(text.find("\r\nConnection: close\r\n") <= headerEnd);
+    require(!withoutBody || headerEnd + 4 == text.size());
 }
 
 void checkPath(std::string_view path) {
@@ -115,9 +111,9 @@ void checkPath(std::string_view path) {
 void checkRequest(const TSKHTTPRequest& request) {
     checkPath(request.getUri());
     require(request.getMethod() != "CONNECT" && request.getMethod() != "TRACE");
-    require(request.getHeaderFields().size() <= kLimits.mostFields + 1);
+    require(request.getHeaderFields().size() <= kOptions.maxHeaderFields + 1);
     if (const TSKString* host = request.getHost())
-        require(Http::isHostField(*host));
+        require(Http::isHostWithPort(*host));
     else
         require(request.getProtocol() == "HTTP/1.0");
     std::size_t hosts = 0;
@@ -128,51 +124,44 @@ void checkRequest(const TSKHTTPRequest& request) {
     require(hosts <= 1);
 }
 
-void answerHead(std::string_view head) {
-    static const Host host;
-    auto parsed = Http::parseRequestHead(head, kLimits);
-    if (const auto* refusal = std::get_if<Http::Refusal>(&parsed)) {
-        checkAnswer(Http::answerOf(*refusal, head.starts_with("HEAD ")), head.starts_with("HEAD "));
-        return;
-    }
-    TSKHTTPRequest& request = std::get<RequestHead>(parsed).request;
-    checkRequest(request);
-    const bool headOnly = request.getMethod() == "HEAD";
-    checkAnswer(host.dispatcher().answer(request, {}), headOnly);
+bool isSame(const TSKHTTPRequest& left, const TSKHTTPRequest& right) {
+    return left.getMethod() == right.getMethod() && left.getUri() == right.getUri() &&
+           left.getProtocol() == right.getProtocol() &&
+           left.getHeaderFields().size() == right.getHeaderFields().size();
 }
 
-// However the bytes come in, the scanner finds the same.
-void checkPieces(std::string_view bytes, Progress whole, std::size_t end) {
-    RequestHeadScanner scanner(kLimits);
-    Progress progress = Progress::kIncomplete;
-    for (std::size_t length = 0; length <= bytes.size() && progress == Progress::kIncomplete;
-         ++length)
-        progress = scanner.scan(bytes.substr(0, length));
-    require(progress == whole);
-    require(whole != Progress::kComplete || scanner.end() == end);
+// Requires the same result when the bytes come in one by one.
+void checkByBytes(std::string_view bytes, RequestParser& whole, State expected) {
+    RequestParser parser(kOptions);
+    State state = State::kIncomplete;
+    for (std::size_t length = 0; length <= bytes.size() && state == State::kIncomplete; ++length)
+        state = parser.parse(bytes.substr(0, length));
+    require(state == expected);
+    if (state == State::kComplete) {
+        require(parser.length() == whole.length());
+        require(isSame(parser.request().message, whole.request().message));
+    }
+    if (state == State::kRefused)
+        require(parser.error().status == whole.error().status);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    RequestHeadScanner scanner(kLimits);
-    const Progress progress = scanner.scan(bytes);
-    checkPieces(bytes, progress, scanner.end());
-    switch (progress) {
-        case Progress::kIncomplete:
-            break;
-        case Progress::kComplete:
-            require(scanner.end() <= kLimits.mostHeadBytes);
-            answerHead(scanner.headIn(bytes));
-            break;
-        case Progress::kRefused:
-            checkAnswer(Http::answerOf(scanner.refusal(), scanner.isHeadRequest(bytes)),
-                        scanner.isHeadRequest(bytes));
-            break;
+    RequestParser parser(kOptions);
+    const State state = parser.parse(bytes);
+    checkByBytes(bytes, parser, state);
+    const bool isHead = parser.isHeadRequest(bytes);
+    if (state == State::kComplete) {
+        static const Host host;
+        require(parser.length() <= kOptions.maxHeaderSize);
+        TSKHTTPRequest& request = parser.request().message;
+        require(isHead == (request.getMethod() == "HEAD"));
+        checkRequest(request);
+        checkResponse(host.dispatcher().respond(request, {}), isHead);
     }
-    // The parser does not rely on the scanner.
-    if (progress != Progress::kComplete)
-        answerHead(bytes);
+    if (state == State::kRefused)
+        checkResponse(Http::errorResponse(parser.error(), isHead), isHead);
     return 0;
 }

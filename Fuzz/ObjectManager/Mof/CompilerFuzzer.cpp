@@ -135,8 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkPromises(compilation);
     checkSecondReading(text, compilation);
     std::vector<Repository::CimNamespace> namespaces;
-    namespaces.emplace_back("root/cimv2", std::move(compilation.classes),
-                            Repository::RepositoryOptions());
+    namespaces.emplace_back("root/cimv2", std::move(compilation.classes), Repository::Options());
     readBack(Repository::ClassRepository(std::move(namespaces)));
     return 0;
 }

@@ -7,8 +7,8 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 
 namespace Commands {
@@ -32,7 +32,7 @@ Examples:
 CheckResult checkAll(const CheckOptions& options) {
     const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::ProgramFolders::ofThisProgram().installation);
+                                  Host::InstallationPaths::ofThisProgram().installation);
     const Host::MemoryClient client(host.manager(), "localhost");
     ProgressLine progress(stderr, repository->countClasses(), "classes");
     return checkDocuments(*repository, client, options.jobs, [&] { progress.step(); });

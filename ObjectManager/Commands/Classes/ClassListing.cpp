@@ -9,6 +9,7 @@ namespace Commands {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using Repository::isTrue;
 
 std::string jsonText(const Json& json) {
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -16,11 +17,6 @@ std::string jsonText(const Json& json) {
 
 std::string superclassName(const Repository::CimClass& cimClass) {
     return cimClass.superclass() == nullptr ? "" : cimClass.superclass()->name().data();
-}
-
-bool isTrue(const urma::IQualified& definition, const char* qualifier) {
-    const urma::IQualifier* const found = definition.getQualifier(qualifier, true);
-    return found != nullptr && found->hasValue() && found->getValue()->toBoolean();
 }
 
 // "uint16[]", "CIM_Foo ref".

@@ -14,10 +14,10 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/HostField.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Index/IndexPage.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -38,7 +38,7 @@ struct ExportOptions {
 // Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
 // a host, would break them.
 void requireHost(const std::string& host) {
-    if (!Http::isHostField(host)) {
+    if (!Http::isHostWithPort(host)) {
         throw TeskBaseException(
             "tesk export",
             TSKString(Base::quoted(host) +
@@ -92,7 +92,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::ProgramFolders::ofThisProgram().installation);
+                                  Host::InstallationPaths::ofThisProgram().installation);
     const Host::MemoryClient client(host.manager(), TSKString(options.host));
     ProgressLine progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;

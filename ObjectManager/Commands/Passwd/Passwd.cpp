@@ -8,8 +8,9 @@
 
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Passwd/PasswordInput.h"
-#include "ObjectManager/Security/CredentialText.h"
+#include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordFile.h"
+#include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -20,9 +21,9 @@ namespace {
 using Security::PasswordFile;
 
 constexpr const char* kDetails =
-    "The file holds a line for each user, with a hash of the password. Only its owner may read "
-    "it.\n"
-    "On a terminal the password is asked for twice; else it is the first line of standard input.\n"
+    "The file has a line for each user, with a hash of the password. Only its owner may read it.\n"
+    "On a terminal, the command asks for the password twice; otherwise the password is the first\n"
+    "line of standard input.\n"
     "\n"
     "Examples:\n"
     "  tesk passwd /etc/tesk/users alice            add alice, or change her password\n"
@@ -33,7 +34,7 @@ constexpr const char* kDetails =
     throw TeskBaseException("Commands::runPasswd", TSKString(message), CIM_ERR_FAILED);
 }
 
-// Before anybody types a password: whether it could be written down.
+// Called before a password is typed that could not be saved.
 void requireUsable(const std::string& file) {
     std::error_code ignored;
     if (std::filesystem::exists(file, ignored))
@@ -41,7 +42,7 @@ void requireUsable(const std::string& file) {
 }
 
 std::string removeUser(const PasswdRequest& request) {
-    // There is nothing to remove from a file that does not exist, so none is made.
+    // PasswordFile::change() would create a missing file.
     static_cast<void>(PasswordFile::read(request.file));
     PasswordFile::change(request.file, [&](PasswordFile& file) {
         if (!file.remove(request.user))
@@ -65,26 +66,24 @@ std::string setPassword(const PasswdRequest& request, const PasswordSource& read
 Command passwdCommand() {
     const auto request = std::make_shared<PasswdRequest>();
     const auto requireName = [](const std::string& name) {
-        const std::string_view fault = Security::faultOfUserName(name);
+        const std::string_view fault = Security::validateUserName(name);
         if (!fault.empty())
-            fail("The name cannot be used: " + std::string(fault));
+            fail("The user name cannot be used: " + std::string(fault));
     };
     Command command = {.name = "passwd",
                        .summary = "Sets a user's password, or removes a user",
                        .details = kDetails,
                        .options = {},
                        .run = [request] {
-                           const auto readPassword = [] {
-                               return readNewPassword(STDIN_FILENO, STDERR_FILENO);
-                           };
+                           const auto readPassword = [] { return readNewPassword(STDIN_FILENO); };
                            return runPasswd(*request, readPassword, std::cerr);
                        }};
     command.options.push_back({.name = "FILE",
-                               .help = "The password file; made if it is missing",
+                               .help = "The password file; created if it is missing",
                                .target = &request->file,
                                .isRequired = true});
     command.options.push_back({.name = "USER",
-                               .help = "The name of the user",
+                               .help = "The user name",
                                .target = &request->user,
                                .check = requireName,
                                .isRequired = true});

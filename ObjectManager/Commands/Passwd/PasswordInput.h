@@ -4,10 +4,15 @@
 
 namespace Commands {
 
-/// Reads a new password from the file descriptor `input`. From a terminal: asks for it twice, with
-/// prompts on the file descriptor `prompts`, and does not show what is typed. From anything else:
-/// one line, and not a byte behind it. The end of the line is no part of the password.
-/// Errors: TeskBaseException when it is no valid password, the two differ, or reading fails.
-[[nodiscard]] Security::SecretText readNewPassword(int input, int prompts);
+/// Reads a new password from the file descriptor `input`.
+///
+/// If `input` is a terminal, asks for the password twice at the terminal of the process and does
+/// not show what is typed. If a signal ends or stops the process meanwhile, such as Ctrl-C, the
+/// terminal shows again what is typed.
+///
+/// Otherwise reads one line, and no byte after it. The end of the line is not part of the password.
+///
+/// Errors: TeskBaseException when the password is not valid, the two differ, or reading fails.
+[[nodiscard]] Security::SecretText readNewPassword(int input);
 
 }  // namespace Commands

@@ -95,10 +95,10 @@ std::string samplePath(const Repository::ClassRepository& repository) {
     for (const std::string& address : service.addresses())
         std::cout << " " << address;
     std::cout << "\n";
-    if (!users.madePassword.isEmpty()) {
+    if (!users.generatedPassword.isEmpty()) {
         std::cout << "There is no password file, so this password is good until the service ends:\n"
-                  << "  curl --user " << kMadeUser << ":" << users.madePassword.view() << " "
-                  << service.addresses().front() << samplePath(repository) << "\n";
+                  << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view()
+                  << " " << service.addresses().front() << samplePath(repository) << "\n";
     }
     std::cout.flush();
     return std::cout.good();

@@ -2,47 +2,26 @@
 
 #include <utility>
 
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 
 namespace Commands {
-
-namespace {
-
-Http::ServerOptions serverOptions(const Http::Options& settings,
-                                  const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
-    Http::ServerOptions options;
-    options.listen = settings.listen;
-    options.isQuick = [authenticator](const TSKHTTPRequest& request) {
-        return authenticator->decidesQuickly(request);
-    };
-    if (settings.workers > 0)
-        options.workers = settings.workers;
-    options.requestLimits.mostHeadBytes = settings.maxHeaderSize;
-    options.requestLimits.mostRequestLineBytes = settings.maxRequestLine;
-    options.mostConnections = settings.maxConnections;
-    options.headTime = settings.headerTimeout;
-    options.responseTime = settings.responseTimeout;
-    return options;
-}
-
-TSKSmrPtr<Security::BasicAuthenticator> makeAuthenticator(
-    const Configuration::SecuritySettings& settings, Security::UserTable users) {
-    Security::CredentialCheckerOptions options;
-    options.credentialLifetime = settings.credentialLifetime;
-    return TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), options);
-}
-
-}  // namespace
 
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : shutdownTimeout_(settings.server.shutdownTimeout),
-      authenticator_(makeAuthenticator(settings.security, std::move(users))),
+    : authenticator_(
+          TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
-      host_(repository, authenticator_, Host::ProgramFolders::ofThisProgram().installation,
+      host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
             {&index_}),
-      server_(serverOptions(settings.server, authenticator_), host_.manager()) {}
+      server_(
+          settings.server, host_.manager(),
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->needsPasswordHash(request);
+          },
+          [authenticator = authenticator_](const TSKHTTPRequest& request) {
+              return authenticator->prepare(request);
+          }) {}
 
 Service::~Service() = default;
 
@@ -60,7 +39,7 @@ void Service::setUsers(Security::UserTable users) {
 }
 
 bool Service::stop() {
-    return server_.stop(shutdownTimeout_);
+    return server_.stop();
 }
 
 std::vector<std::string> Service::addresses() const {

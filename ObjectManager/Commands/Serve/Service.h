@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -45,7 +44,6 @@ class Service {
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:
-    std::chrono::milliseconds shutdownTimeout_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Index::IndexProvider index_;
     Host::ProviderHost host_;

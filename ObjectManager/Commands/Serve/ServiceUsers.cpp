@@ -1,34 +1,27 @@
 #include "ObjectManager/Commands/Serve/ServiceUsers.h"
 
-#include <utility>
-
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Security/PasswordFile.h"
 #include "ObjectManager/Security/PasswordHash.h"
-#include "ObjectManager/Security/RandomPassword.h"
+#include "ObjectManager/Security/Random.h"
 
 namespace Commands {
 
-namespace {
-
-void warnOfNoUsers(const std::string& passwordFile) {
-    Base::log("tesk", TeskTraceLog::SeverityWarning,
-              "Nobody is let in: " + passwordFile + " has no users; \"tesk passwd\" adds them");
-}
-
-}  // namespace
-
-ServiceUsers loadUsers(const Configuration::SecuritySettings& settings) {
+ServiceUsers loadUsers(const Security::Options& options) {
     ServiceUsers loaded;
-    if (!settings.passwordFile.empty()) {
-        loaded.users = Security::PasswordFile::read(settings.passwordFile).users();
-        if (loaded.users.users().empty())
-            warnOfNoUsers(settings.passwordFile);
+    if (options.passwordFile.empty()) {
+        loaded.generatedPassword = Security::generatePassword();
+        loaded.users = Security::UserTable(
+            {{.name = kTemporaryUser,
+              .passwordHash = Security::hashPassword(loaded.generatedPassword)}});
         return loaded;
     }
-    loaded.madePassword = Security::makeRandomPassword();
-    loaded.users = Security::UserTable(
-        {{.name = kMadeUser, .passwordHash = Security::hashPassword(loaded.madePassword)}});
+    loaded.users = Security::PasswordFile::read(options.passwordFile).users();
+    if (loaded.users.users().empty()) {
+        Base::log("tesk", TeskTraceLog::SeverityWarning,
+                  "Every request is refused: " + options.passwordFile +
+                      " has no users; \"tesk passwd\" adds them");
+    }
     return loaded;
 }
 

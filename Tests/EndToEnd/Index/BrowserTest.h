@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Index/IndexPage.h"
 #include "Tests/EndToEnd/Index/Shown.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RepositoryTest.h"
 
 /// Shows pages in Chromium, without a window. Its tests are skipped where there is none.
 class BrowserTest : public RepositoryTest {

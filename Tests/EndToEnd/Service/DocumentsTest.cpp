@@ -187,13 +187,13 @@ TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {
     const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
     const auto asks = [&](const std::string& line) { return answer(request(line, fields)); };
     EXPECT_EQ(asks("GET /root/test/../test/TST_Nothing.wsdl HTTP/1.1"),
-              refusal("400 Bad Request", "The path holds a segment of one or two dots."));
+              refusal("400 Bad Request", "The path contains a segment of one or two dots."));
     EXPECT_EQ(asks("GET /root%2ftest/TST_Nothing.wsdl HTTP/1.1"),
               refusal("400 Bad Request",
                       "A percent-encoding in the path stands for a slash or a control character."));
     EXPECT_EQ(
         asks("GET /root/test/TST_Nothing.wsdl HTTP/2.0"),
-        refusal("505 HTTP Version Not Supported", "This server speaks HTTP/1.0 and HTTP/1.1."));
+        refusal("505 HTTP Version Not Supported", "This server supports HTTP/1.0 and HTTP/1.1."));
     EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1", kAlice)),
               refusal("400 Bad Request", "The Host field is missing."));
     EXPECT_EQ(answer(request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
@@ -207,7 +207,7 @@ TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {
               refusal("400 Bad Request",
                       "The request target does not name a host with an optional port."));
     EXPECT_EQ(answer(std::string("\x16\x03\x01\x02\x00\x01\x00", 7)),
-              refusal("400 Bad Request", "The head of the request holds a control character."));
+              refusal("400 Bad Request", "The header section contains a control character."));
     EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
 }
 

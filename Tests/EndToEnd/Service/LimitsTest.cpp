@@ -35,7 +35,7 @@ TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
     start();
     EXPECT_EQ(answer(ofSize(512)), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(answer(ofSize(513)), refusal("431 Request Header Fields Too Large",
-                                           "The head of the request is longer than 512 bytes."));
+                                           "The header section is longer than 512 bytes."));
 }
 
 TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
@@ -52,7 +52,7 @@ TEST_F(ServiceLimits, AClientThatDoesNotSendItsRequestInTimeIsToldSo) {
     const Client silent = connect();
     const Client slow = sending("GET /root/test/TST_Nothing.wsdl HTTP/1.1\r\nHost: a\r\n");
     const std::string late =
-        refusal("408 Request Timeout", "The head of the request has not come in in time.");
+        refusal("408 Request Timeout", "The header section was not received in time.");
     EXPECT_EQ(withoutDate(slow.readAll()), late);
     EXPECT_EQ(withoutDate(silent.readAll()), late);
 }

@@ -159,11 +159,14 @@ TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     writeModel("test.mof", "class TST_Nothing {};\n");
     const std::string users = folder_ / "users";
     std::filesystem::permissions(users, std::filesystem::perms(0640));
+    process().waitForLog("The users stay as they were: ");  // as the file has changed
     reload();
     expectServedAsBefore();
-    expectedLog_ = {"error tesk: Not reloaded, the service goes on as before: " + users +
-                    ": others than its owner can read or write it; mend that with: chmod 600 " +
-                    users};
+    const std::string reason =
+        users + ": others than its owner can read or write it; correct that with: chmod 600 " +
+        users;
+    expectedLog_ = {"error tesk: The users stay as they were: " + reason,
+                    "error tesk: Not reloaded, the service goes on as before: " + reason};
 }
 
 TEST_F(ServiceReload, ManySignalsInARowDoNoHarm) {

@@ -59,10 +59,11 @@ TEST_F(ServiceStart, AnAddressOfAnotherMachine) {
 }
 
 TEST_F(ServiceStart, AnAddressThatIsNone) {
-    expectFailure({"serve", "--listen", "127.0.0.1:65536"}, 2,
-                  {"tesk serve: --listen: \"127.0.0.1:65536\" is not an address with a port, such as "
-                   "\"127.0.0.1:5985\", \"0.0.0.0:5985\" or \"[::1]:5985\"",
-                   "\"tesk serve --help\" tells more."});
+    expectFailure(
+        {"serve", "--listen", "127.0.0.1:65536"}, 2,
+        {"tesk serve: --listen: \"127.0.0.1:65536\" is not an address with a port, such as "
+         "\"127.0.0.1:5985\", \"0.0.0.0:5985\" or \"[::1]:5985\"",
+         "\"tesk serve --help\" tells more."});
 }
 
 TEST_F(ServiceStart, AModelThatIsMissing) {
@@ -103,7 +104,7 @@ TEST_F(ServiceStart, APasswordFileThatIsWrong) {
     writeUsers("alice\n");
     const std::string users = folder_ / "users";
     expectFailure(withConfiguration(), 1,
-                  {"tesk: " + users + ":1: there is no colon between name and hash"});
+                  {"tesk: " + users + ":1: there is no colon between user name and hash"});
 }
 
 TEST_F(ServiceStart, ALogFileThatCannotBeWritten) {

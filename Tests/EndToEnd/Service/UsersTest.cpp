@@ -108,7 +108,7 @@ TEST_F(ServiceUsers, APasswordFileThatIsSpoiltKeepsTheUsersUntilItIsMended) {
     EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
     const std::string kept =
         "error tesk: The users stay as they were: " + std::string(folder_ / "users");
-    expectedLog_ = {kept + ":1: there is no colon between name and hash",
+    expectedLog_ = {kept + ":1: there is no colon between user name and hash",
                     kept + ": cannot be read: No such file or directory"};
 }
 
@@ -120,9 +120,10 @@ TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMends
     EXPECT_EQ(refused.readRest(), "");
     const std::string users = folder_ / "users";
     const std::string command = "chmod 600 " + users;
-    EXPECT_EQ(refused.log(), "tesk: " + users +
-                                 ": others than its owner can read or write it; mend that with: " +
-                                 command + "\n");
+    EXPECT_EQ(refused.log(),
+              "tesk: " + users +
+                  ": others than its owner can read or write it; correct that with: " + command +
+                  "\n");
     EXPECT_EQ(outputOf(command + " 2>&1"), "");
     start();
     EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
@@ -167,8 +168,9 @@ TEST_F(ServiceUsers, ThePasswordThatWasMadeOutlivesAReload) {
 }
 
 TEST_F(ServiceUsers, APasswordFileWithoutUsersIsWarnedOfAtStartAndReload) {
-    const std::string warning = "warning tesk: Nobody is let in: " + (folder_ / "users").string() +
-                                " has no users; \"tesk passwd\" adds them";
+    const std::string warning =
+        "warning tesk: Every request is refused: " + (folder_ / "users").string() +
+        " has no users; \"tesk passwd\" adds them";
     writeUsers("# Nobody yet\n");
     start();
     EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);

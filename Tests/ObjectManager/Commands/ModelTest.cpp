@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "ObjectManager/Commands/Model.h"
-#include "ObjectManager/Host/ProgramFolders.h"
+#include "ObjectManager/Host/InstallationPaths.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -30,7 +30,7 @@ std::string linesOf(const std::vector<Repository::NamespaceSource>& sources) {
 }
 
 TEST(Model, IsTheSampleModelByDefault) {
-    const std::string models = Host::ProgramFolders::ofThisProgram().models;
+    const std::string models = Host::InstallationPaths::ofThisProgram().models;
     EXPECT_EQ(linesOf(namespacesOf({})), "root/cimv2: " + models + "/cimv2/cimv2.mof\n" +
                                              "interop: " + models + "/interop/interop.mof\n");
 }

@@ -16,7 +16,7 @@ inline TSKSmrPtr<Repository::ClassRepository> makeNamedClasses(
         for (const std::string& className : classNames)
             declarations.emplace_back().name.text = TSKString(std::string_view(className));
         namespaces.emplace_back(TSKString(std::string_view(nameSpace)), std::move(declarations),
-                                Repository::RepositoryOptions());
+                                Repository::Options());
     }
     return TSKSmrPtr<Repository::ClassRepository>::make(std::move(namespaces));
 }

@@ -8,14 +8,15 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
+#include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
 
-// Notes what it is asked, answers with a text or what a hook does.
-class AnsweringProvider : public urma::pf::Provider {
+// Notes the request; writes a text or does what a hook does.
+class TextProvider : public urma::pf::Provider {
   public:
-    TSKString getProviderName() override { return "answering"; }
+    TSKString getProviderName() override { return "text"; }
     void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& flag,
                             TSKSmrPtr<ITeskTransaction> transaction) override {
@@ -32,12 +33,12 @@ class AnsweringProvider : public urma::pf::Provider {
         if (fail)
             fail();
         // In pieces, as large documents are written.
-        for (const char character : answer)
+        for (const char character : response)
             ostr.write(&character, 1);
     }
 
     std::string asked;
-    std::string answer;
+    std::string response;
     std::function<void()> fail;
 };
 
@@ -45,15 +46,15 @@ class MemoryClientTest : public testing::Test {
   protected:
     MemoryClientTest() {
         EXPECT_TRUE(manager_.addProvider(provider_, "here").empty());
-        EXPECT_TRUE(manager_.registerURI("answering", "/root"));
+        EXPECT_TRUE(manager_.registerURI("text", "/root"));
     }
 
-    AnsweringProvider provider_;
+    TextProvider provider_;
     TeskProviderPluginManager manager_;
     const Host::MemoryClient client_{manager_, "example.org:5985"};
 };
 
-TEST_F(MemoryClientTest, AsksAsAClientDoesOverHttp) {
+TEST_F(MemoryClientTest, RequestsAsAClientDoesOverHttp) {
     (void)client_.get("/root/cimv2/CIM_Foo.xsd");
     EXPECT_EQ(provider_.asked,
               "GET /root/cimv2/CIM_Foo.xsd HTTP/1.1\n"
@@ -64,33 +65,33 @@ TEST_F(MemoryClientTest, AsksAsAClientDoesOverHttp) {
               "transaction: no");
 }
 
-TEST_F(MemoryClientTest, SplitsTheAnswerIntoStatusAndBody) {
-    provider_.answer = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\na\r\n\r\nb\r\n\r\n";
-    const Host::MemoryClient::Answer answer = client_.get("/root/a");
-    EXPECT_EQ(answer.status(), "200");
-    EXPECT_EQ(answer.body(), "a\r\n\r\nb\r\n\r\n");
+TEST_F(MemoryClientTest, SplitsTheResponseIntoStatusAndBody) {
+    provider_.response = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\na\r\n\r\nb\r\n\r\n";
+    const Host::MemoryClient::Response response = client_.get("/root/a");
+    EXPECT_EQ(response.status(), "200");
+    EXPECT_EQ(response.body(), "a\r\n\r\nb\r\n\r\n");
 }
 
 TEST_F(MemoryClientTest, KeepsZeroBytesOfTheBody) {
-    provider_.answer = std::string("HTTP/1.0 404 File Not Found\r\n\r\n\0x", 33);
-    const Host::MemoryClient::Answer answer = client_.get("/root/a");
-    EXPECT_EQ(answer.status(), "404");
-    EXPECT_EQ(answer.body(), std::string_view("\0x", 2));
+    provider_.response = std::string("HTTP/1.0 404 File Not Found\r\n\r\n\0x", 33);
+    const Host::MemoryClient::Response response = client_.get("/root/a");
+    EXPECT_EQ(response.status(), "404");
+    EXPECT_EQ(response.body(), std::string_view("\0x", 2));
 }
 
 TEST_F(MemoryClientTest, WhatIsNoHttpResponseHasNoStatus) {
-    for (const char* const answer :
+    for (const char* const response :
          {"", "200", "HTTP/1.1 200 OK", "HTTP/1.1 \r\n\r\n", "HTTP/1.1 20\r\n\r\n",
           "HTTP/1.1 20x OK\r\n\r\n", "HTTP/1.10 200\r\n\r\n", "HTTP/2 200 OK\r\n\r\n",
           "http/1.1 200 OK\r\n\r\n"}) {
-        provider_.answer = answer;
-        EXPECT_EQ(client_.get("/root/a").status(), "") << answer;
+        provider_.response = response;
+        EXPECT_EQ(client_.get("/root/a").status(), "") << response;
     }
-    provider_.answer = "<html>\r\n";
+    provider_.response = "<html>\r\n";
     EXPECT_EQ(client_.get("/root/a").body(), "");
 }
 
-TEST_F(MemoryClientTest, SaysThatNobodyServesAPath) {
+TEST_F(MemoryClientTest, SaysThatNoProviderServesAPath) {
     try {
         (void)client_.get("/other/CIM_Foo.xsd");
         FAIL();
@@ -109,19 +110,19 @@ TEST_F(MemoryClientTest, PassesOnWhatTheProviderThrows) {
     EXPECT_THROW((void)client_.get("/root/a"), int);
 }
 
-// Answers with the path.
+// Responds with the path.
 class EchoProvider : public urma::pf::Provider {
   public:
     TSKString getProviderName() override { return "echo"; }
     void processHTTPRequest(TSKGenericHTTPIStream& /*istr*/, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& /*flag*/,
                             TSKSmrPtr<ITeskTransaction> /*transaction*/) override {
-        const TSKString answer = "HTTP/1.1 200 OK\r\n\r\n" + request.getUri();
-        ostr.write(answer.data(), answer.length());
+        const TSKString response = "HTTP/1.1 200 OK\r\n\r\n" + request.getUri();
+        ostr.write(response.data(), response.length());
     }
 };
 
-TEST(MemoryClient, AsksFromManyThreadsAtOnce) {
+TEST(MemoryClient, RequestsFromManyThreadsAtOnce) {
     EchoProvider provider;
     TeskProviderPluginManager manager;
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
@@ -133,6 +134,18 @@ TEST(MemoryClient, AsksFromManyThreadsAtOnce) {
             EXPECT_EQ(client.get(path).body(), std::string_view(path));
         }
     });
+}
+
+TEST(LocalAuthenticator, AcceptsEveryRequestForTheUserLocal) {
+    Host::LocalAuthenticator authenticator;
+    TSKHTTPRequest request("GET", "/", "HTTP/1.1");
+    EmptyInput input;
+    RecordedOutput output;
+    TSKSmrPtr<urma::security::ISecurityToken> token;
+    EXPECT_TRUE(authenticator.authenticateRequest(request, input, output, token));
+    ASSERT_TRUE(token);
+    EXPECT_EQ(token->getUserName(), "local");
+    EXPECT_EQ(output.text, "");
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Host/LocalAuthenticator.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
@@ -139,16 +138,16 @@ TEST_F(ProviderHostTest, OwnProvidersComeBeforeTheLibraries) {
     expectNothingInstalled();
 }
 
-TEST_F(ProviderHostTest, NeedsTheFolderOfProviders) {
+TEST_F(ProviderHostTest, NeedsTheDirectoryOfProviders) {
     std::filesystem::remove(installation_ / "providers");
     EXPECT_EQ(failure(),
-              "HERE/providers: Reading the folder failed: filesystem error: directory "
+              "HERE/providers: Reading the directory failed: filesystem error: directory "
               "iterator cannot open directory: No such file or directory "
               "[HERE/providers]");
     expectNothingInstalled();
 }
 
-// It would answer nothing.
+// It would serve nothing.
 TEST_F(ProviderHostTest, NeedsAProvider) {
     installation_.write("providers/STSService.wsdl", "<a/>");
     EXPECT_EQ(failure(), "HERE/providers: holds no provider");

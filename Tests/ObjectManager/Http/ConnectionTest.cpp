@@ -13,6 +13,7 @@
 
 #include "ObjectManager/Http/Connection.h"
 #include "Platform/Http/TSKHTTPException.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Tests/ObjectManager/Http/RunningServer.h"
 #include "Tests/Support/AllocationProbe.h"
 #include "Tests/Support/Threads.h"
@@ -24,11 +25,67 @@ using boost::asio::ip::tcp;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+class ConnectionSetTest : public testing::Test {
+  protected:
+    std::shared_ptr<Http::Connection> makeConnection() {
+        return std::make_shared<Http::Connection>(context_, tcp::socket(ioContext_),
+                                                  tcp::endpoint());
+    }
+
+    Http::ConnectionSet set_;
+    TeskProviderPluginManager manager_;
+    Http::Dispatcher dispatcher_{manager_};
+    Http::WorkerPool workers_{1, 1};
+    Http::Options options_;
+    Http::ConnectionContext context_{
+        .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};
+    boost::asio::io_context ioContext_;
+};
+
+TEST_F(ConnectionSetTest, ContainsWhatIsAddedUntilItIsRemoved) {
+    const auto first = makeConnection();
+    const auto second = makeConnection();
+    EXPECT_EQ(set_.size(), 0U);
+    set_.add(*first);
+    set_.add(*second);
+    EXPECT_EQ(set_.size(), 2U);
+    EXPECT_EQ(set_.all().size(), 2U);
+    set_.remove(*first);
+    set_.remove(*first);
+    EXPECT_EQ(set_.all(), std::vector({second}));
+    set_.remove(*second);
+    EXPECT_EQ(set_.size(), 0U);
+}
+
+TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
+    {
+        const auto connection = makeConnection();
+        set_.add(*connection);
+    }
+    EXPECT_EQ(set_.size(), 0U);
+}
+
+TEST_F(ConnectionSetTest, WaitsUntilTheLastOneIsRemoved) {
+    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now()));
+    const auto first = makeConnection();
+    const auto second = makeConnection();
+    set_.add(*first);
+    set_.add(*second);
+    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now()));
+    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now() + milliseconds(1)));
+    std::thread removing([&] {
+        set_.remove(*first);
+        set_.remove(*second);
+    });
+    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now() + kPatience));
+    removing.join();
+}
+
 class ConnectionTest : public RunningServer {
   protected:
     static constexpr std::size_t kLarge = 16UL * 1024 * 1024;
 
-    // Has "/test/large" answered with more than any socket takes at once, all else as before.
+    // Makes the response to "/test/large" larger than any socket takes at once.
     void serveLarge() {
         large_.assign(kLarge, 'x');
         provider_.answer = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
@@ -39,13 +96,13 @@ class ConnectionTest : public RunningServer {
         };
     }
 
-    // Runs one connection on this thread, with that allocation of it failing. Returns whether it
-    // has, and what the client got.
-    bool failsToAnswer(std::string_view begin, std::string_view rest, std::size_t occurrence,
-                       std::string& answer) {
+    // Runs one connection on this thread and makes an allocation of it fail. Returns whether one
+    // has failed, and the response that the client got.
+    bool failsToRespond(std::string_view begin, std::string_view rest, std::size_t occurrence,
+                        std::string& response) {
         const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
-        Http::WorkerPool workers(1, options_.mostSlowWaiting);
+        Http::WorkerPool workers(1, options_.maxWaitingHashes);
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,
@@ -73,7 +130,7 @@ class ConnectionTest : public RunningServer {
         AllocationProbe::failAt(0);
         EXPECT_TRUE(isOver);
         EXPECT_TRUE(workers.waitUntilIdle(steady_clock::now() + kPatience));
-        answer = client.readAll();
+        response = client.readAll();
         return hasFailed;
     }
 
@@ -86,15 +143,15 @@ class ConnectionTest : public RunningServer {
     }
 
     static constexpr const char* kGetLarge = "GET /test/large HTTP/1.1\r\nHost: a\r\n\r\n";
-    static constexpr const char* kTimeout = "The head of the request has not come in in time.";
+    static constexpr const char* kTimeout = "The header section was not received in time.";
 
     std::string large_;
 };
 
-TEST_F(ConnectionTest, AnswersWhatTheProviderWrites) {
+TEST_F(ConnectionTest, SendsWhatTheProviderWrites) {
     start();
-    EXPECT_EQ(answer(kGet), kHello);
-    EXPECT_EQ(answer("GET /test HTTP/1.0\r\n\r\n"), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_EQ(responseTo("GET /test HTTP/1.0\r\n\r\n"), kHello);
 }
 
 TEST_F(ConnectionTest, TheProviderGetsTheRequestAsItWasReadAndChecked) {
@@ -106,12 +163,12 @@ TEST_F(ConnectionTest, TheProviderGetsTheRequestAsItWasReadAndChecked) {
         writeTo(ostr, kHello);
     };
     start();
-    EXPECT_EQ(answer("\r\nPOST http://b:80/test/%41?c HTTP/1.1\r\nHost: a\r\nX:\ty \r\n\r\n"),
+    EXPECT_EQ(responseTo("\r\nPOST http://b:80/test/%41?c HTTP/1.1\r\nHost: a\r\nX:\ty \r\n\r\n"),
               kHello);
     EXPECT_EQ(seen, "POST /test/A HTTP/1.1|Host: b:80|X: y");
 }
 
-TEST_F(ConnectionTest, TheProviderIsToldTheClientsAddress) {
+TEST_F(ConnectionTest, TheProviderCanGetTheAddressOfTheClient) {
     std::string seen;
     provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         TSKString host;
@@ -126,68 +183,69 @@ TEST_F(ConnectionTest, TheProviderIsToldTheClientsAddress) {
     EXPECT_EQ(seen, "127.0.0.1 " + std::to_string(client.port()));
 }
 
-TEST_F(ConnectionTest, HeadGetsTheHeadAlone) {
+TEST_F(ConnectionTest, HeadGetsNoBody) {
     start();
     const std::string hello = kHello;
-    EXPECT_EQ(answer("HEAD /test HTTP/1.1\r\nHost: a\r\n\r\n"), hello.substr(0, hello.size() - 5));
-    EXPECT_EQ(answer("HEAD / HTTP/1.1\r\n\r\n"),
+    EXPECT_EQ(responseTo("HEAD /test HTTP/1.1\r\nHost: a\r\n\r\n"),
+              hello.substr(0, hello.size() - 5));
+    EXPECT_EQ(responseTo("HEAD / HTTP/1.1\r\n\r\n"),
               "HTTP/1.1 400 Bad Request\r\nConnection: close\r\n"
               "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 27\r\n\r\n");
 }
 
-TEST_F(ConnectionTest, AFailureOfTheProviderIsAnswered) {
+TEST_F(ConnectionTest, AFailureOfTheProviderGetsAnErrorResponse) {
     provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& /*ostr*/) {
         if (request.getUri() == "/test/private")
             throw TSKHTTPException("here", "no", TSKHTTPException::kAuthenticationFailed);
         throw std::runtime_error("reason");
     };
     start();
-    EXPECT_EQ(answer("GET /test/private HTTP/1.1\r\nHost: a\r\n\r\n"),
+    EXPECT_EQ(responseTo("GET /test/private HTTP/1.1\r\nHost: a\r\n\r\n"),
               "HTTP/1.1 401 Unauthorized\r\nConnection: close\r\n"
               "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\n"
               "Content-Length: 0\r\n\r\n");
-    EXPECT_EQ(answer(kGet),
-              refusal("500 Internal Server Error", "The server failed; its log says why."));
-    EXPECT_EQ(answer("GET /other/path HTTP/1.1\r\nHost: a\r\n\r\n"),
-              refusal("404 Not Found", "There is nothing at this path."));
+    EXPECT_EQ(responseTo(kGet),
+              error("500 Internal Server Error", "The server failed; its log says why."));
+    EXPECT_EQ(responseTo("GET /other/path HTTP/1.1\r\nHost: a\r\n\r\n"),
+              error("404 Not Found", "There is nothing at this path."));
     expectedLog_ = {"HttpFrontEnd|1|2|GET /test: reason"};
 }
 
-TEST_F(ConnectionTest, ARefusedRequestIsAnsweredWithTheReason) {
+TEST_F(ConnectionTest, ARefusedRequestGetsTheReason) {
     start();
-    EXPECT_EQ(answer("GET /test HTTP/1.1\r\n\r\n"),
-              refusal("400 Bad Request", "The Host field is missing."));
+    EXPECT_EQ(responseTo("GET /test HTTP/1.1\r\n\r\n"),
+              error("400 Bad Request", "The Host field is missing."));
     EXPECT_EQ(
-        answer("GET /test HTTP/2.0\r\nHost: a\r\n\r\n"),
-        refusal("505 HTTP Version Not Supported", "This server speaks HTTP/1.0 and HTTP/1.1."));
-    EXPECT_EQ(answer("TRACE /test HTTP/1.1\r\nHost: a\r\n\r\n"),
-              refusal("501 Not Implemented", "This method is not implemented."));
+        responseTo("GET /test HTTP/2.0\r\nHost: a\r\n\r\n"),
+        error("505 HTTP Version Not Supported", "This server supports HTTP/1.0 and HTTP/1.1."));
+    EXPECT_EQ(responseTo("TRACE /test HTTP/1.1\r\nHost: a\r\n\r\n"),
+              error("501 Not Implemented", "This method is not implemented."));
 }
 
 TEST_F(ConnectionTest, AnotherProtocolIsRefusedAtOnce) {
     start();
-    EXPECT_EQ(answer("\x16\x03\x01\x02"),
-              refusal("400 Bad Request", "The head of the request holds a control character."));
+    EXPECT_EQ(responseTo("\x16\x03\x01\x02"),
+              error("400 Bad Request", "The header section contains a control character."));
 }
 
-TEST_F(ConnectionTest, TheHeadHasALimit) {
-    options_.requestLimits.mostHeadBytes = 100;
-    options_.requestLimits.mostRequestLineBytes = 50;
+TEST_F(ConnectionTest, TheHeaderSectionHasALimit) {
+    options_.maxHeaderSize = 100;
+    options_.maxRequestLine = 50;
     start();
     const std::string head = "GET /test HTTP/1.1\r\nHost: a\r\nX: ";
-    EXPECT_EQ(answer(head + std::string(96 - head.size(), 'x') + "\r\n\r\n"), kHello);
-    EXPECT_EQ(answer(head + std::string(97 - head.size(), 'x') + "\r\n\r\n"),
-              refusal("431 Request Header Fields Too Large",
-                      "The head of the request is longer than 100 bytes."));
+    EXPECT_EQ(responseTo(head + std::string(96 - head.size(), 'x') + "\r\n\r\n"), kHello);
+    EXPECT_EQ(responseTo(head + std::string(97 - head.size(), 'x') + "\r\n\r\n"),
+              error("431 Request Header Fields Too Large",
+                    "The header section is longer than 100 bytes."));
     const std::string line = "GET /test";
     const std::string end = " HTTP/1.1";
     const std::string most(50 - line.size() - end.size() - 1, 'x');
-    EXPECT_EQ(answer(line + "/" + most + end + "\r\nHost: a\r\n\r\n"), kHello);
-    EXPECT_EQ(answer(line + "/x" + most + end + "\r\nHost: a\r\n\r\n"),
-              refusal("414 URI Too Long", "The request line is longer than 50 bytes."));
+    EXPECT_EQ(responseTo(line + "/" + most + end + "\r\nHost: a\r\n\r\n"), kHello);
+    EXPECT_EQ(responseTo(line + "/x" + most + end + "\r\nHost: a\r\n\r\n"),
+              error("414 URI Too Long", "The request line is longer than 50 bytes."));
 }
 
-TEST_F(ConnectionTest, AHeadMayComeByteByByte) {
+TEST_F(ConnectionTest, AHeaderSectionMayComeInByteByByte) {
     start();
     const Client client = connect();
     for (const char byte : std::string(kGet))
@@ -195,7 +253,7 @@ TEST_F(ConnectionTest, AHeadMayComeByteByByte) {
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
 }
 
-TEST_F(ConnectionTest, AHeadThatEndsEarlyIsNotAnswered) {
+TEST_F(ConnectionTest, AHeaderSectionThatEndsEarlyGetsNoResponse) {
     start();
     const std::string head = kGet;
     for (std::size_t length = 0; length < head.size(); ++length) {
@@ -204,19 +262,19 @@ TEST_F(ConnectionTest, AHeadThatEndsEarlyIsNotAnswered) {
         EXPECT_EQ(client.readAll(), "") << length;
         EXPECT_FALSE(client.wasReset()) << length;
     }
-    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
 }
 
-TEST_F(ConnectionTest, AHeadThatDoesNotComeInTimeIsAnsweredSo) {
-    options_.headTime = milliseconds(50);
+TEST_F(ConnectionTest, AHeaderSectionThatIsNotReceivedInTimeGets408) {
+    options_.headerTimeout = milliseconds(50);
     start();
     const std::string head = kGet;
     std::vector<Client> clients;
     for (std::size_t length = 0; length < head.size(); ++length)
         clients.push_back(sending(head.substr(0, length)));
     for (const Client& client : clients)
-        EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
-    EXPECT_EQ(answer(kGet), kHello);
+        EXPECT_EQ(withoutDate(client.readAll()), error("408 Request Timeout", kTimeout));
+    EXPECT_EQ(responseTo(kGet), kHello);
 }
 
 TEST_F(ConnectionTest, ARequestThatIsCompletedTooLateIsNotServed) {
@@ -225,46 +283,46 @@ TEST_F(ConnectionTest, ARequestThatIsCompletedTooLateIsNotServed) {
         lateCalls += request.getUri() == "/test/late" ? 1 : 0;
         writeTo(ostr, kHello);
     };
-    options_.headTime = milliseconds(50);
-    options_.mostConnections = 1;
+    options_.headerTimeout = milliseconds(50);
+    options_.maxConnections = 1;
     start();
     const Client client = sending("GET /test/late HTTP/1.1\r\n");
-    EXPECT_EQ(withoutDate(client.readAll()), refusal("408 Request Timeout", kTimeout));
+    EXPECT_EQ(withoutDate(client.readAll()), error("408 Request Timeout", kTimeout));
     EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
     client.endSending();
     waitUntilServed();
     EXPECT_EQ(lateCalls, 0);
 }
 
-TEST_F(ConnectionTest, TheTimeForTheHeadIsForAllOfIt) {
-    options_.headTime = milliseconds(50);
-    options_.drainTime = milliseconds(50);
+TEST_F(ConnectionTest, TheTimeoutIsForTheWholeHeaderSection) {
+    options_.headerTimeout = milliseconds(50);
+    options_.lingerTimeout = milliseconds(50);
     start();
     const Client client = sending("GET /test HTTP/1.1\r\nHost: a\r\nX: ");
     std::string other;
     std::thread reading([&] { other = client.readAll(); });
     EXPECT_TRUE(waitUntil([&] {
-        EXPECT_EQ(answer(kGet), kHello);
+        EXPECT_EQ(responseTo(kGet), kHello);
         return !client.send("x");
     }));
     reading.join();
-    EXPECT_EQ(withoutDate(other), refusal("408 Request Timeout", kTimeout));
+    EXPECT_EQ(withoutDate(other), error("408 Request Timeout", kTimeout));
 }
 
-TEST_F(ConnectionTest, ThoseWhoSendNothingKeepNobodyWaiting) {
+TEST_F(ConnectionTest, IdleClientsDelayNoOtherClient) {
     options_.workers = 1;
     start();
     std::vector<Client> idle;
     for (int count = 0; count < 100; ++count)
         idle.push_back(sending("GET /test HTTP/1.1\r\n"));
-    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
     for (const Client& client : idle)
         EXPECT_TRUE(client.send("Host: a\r\n\r\n"));
     for (const Client& client : idle)
         EXPECT_EQ(withoutDate(client.readAll()), kHello);
 }
 
-TEST_F(ConnectionTest, ThoseWhoReadSlowlyKeepNobodyWaiting) {
+TEST_F(ConnectionTest, SlowReadersDelayNoOtherClient) {
     serveLarge();
     options_.workers = 1;
     start();
@@ -272,12 +330,12 @@ TEST_F(ConnectionTest, ThoseWhoReadSlowlyKeepNobodyWaiting) {
     for (int count = 0; count < 3; ++count)
         slow.push_back(sending(kGetLarge));
     const std::string head = slow.front().read(12);
-    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
     EXPECT_EQ(withoutDate(head + slow.front().readAll()),
               "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
 }
 
-TEST_F(ConnectionTest, ALargeAnswerIsTakenInSmallPieces) {
+TEST_F(ConnectionTest, ALargeResponseMayBeReadInSmallPieces) {
     serveLarge();
     start();
     const Client client = sending(kGetLarge);
@@ -288,10 +346,10 @@ TEST_F(ConnectionTest, ALargeAnswerIsTakenInSmallPieces) {
     EXPECT_EQ(withoutDate(text), "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
 }
 
-TEST_F(ConnectionTest, WhoReadsNothingIsNotWaitedForForever) {
+TEST_F(ConnectionTest, AClientThatReadsNothingIsCutOff) {
     serveLarge();
-    options_.responseTime = milliseconds(50);
-    options_.mostConnections = 1;
+    options_.responseTimeout = milliseconds(50);
+    options_.maxConnections = 1;
     start();
     const Client client = sending(kGetLarge);
     EXPECT_EQ(client.read(12), "HTTP/1.1 200");
@@ -299,10 +357,10 @@ TEST_F(ConnectionTest, WhoReadsNothingIsNotWaitedForForever) {
     EXPECT_LT(client.readAll().size(), kLarge);
 }
 
-TEST_F(ConnectionTest, WhoReadsSlowlyIsNotWaitedForForever) {
+TEST_F(ConnectionTest, AClientThatReadsSlowlyIsCutOff) {
     serveLarge();
-    options_.responseTime = milliseconds(50);
-    options_.mostConnections = 2;
+    options_.responseTimeout = milliseconds(50);
+    options_.maxConnections = 2;
     start();
     const Client client = sending(kGetLarge);
     std::size_t length = 0;
@@ -310,7 +368,7 @@ TEST_F(ConnectionTest, WhoReadsSlowlyIsNotWaitedForForever) {
         length += piece.size();
         // Takes some time, so that the whole would take far longer than allowed.
         if (length < kLarge / 8) {
-            EXPECT_EQ(answer(kGet), kHello);
+            EXPECT_EQ(responseTo(kGet), kHello);
         }
     }
     EXPECT_LT(length, kLarge);
@@ -329,18 +387,18 @@ TEST_F(ConnectionTest, ASecondRequestIsIgnored) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(ConnectionTest, ABodyIsNotWaitedFor) {
+TEST_F(ConnectionTest, TheResponseDoesNotWaitForABody) {
     start();
     for (const char* const fields :
          {"Content-Length: 18446744073709551615\r\n", "Transfer-Encoding: chunked\r\n",
           "Expect: 100-continue\r\nContent-Length: 5\r\n"})
-        EXPECT_EQ(answer("POST /test HTTP/1.1\r\nHost: a\r\n" + std::string(fields) + "\r\n"),
+        EXPECT_EQ(responseTo("POST /test HTTP/1.1\r\nHost: a\r\n" + std::string(fields) + "\r\n"),
                   kHello)
             << fields;
     EXPECT_EQ(provider_.bodyBytes, 0U);
 }
 
-TEST_F(ConnectionTest, WhoSendsALargeBodyFirstStillGetsTheAnswer) {
+TEST_F(ConnectionTest, AClientThatSendsALargeBodyFirstGetsTheResponse) {
     start();
     const std::string body(8UL * 1024 * 1024, 'b');
     const Client client =
@@ -350,24 +408,24 @@ TEST_F(ConnectionTest, WhoSendsALargeBodyFirstStillGetsTheAnswer) {
     EXPECT_FALSE(client.wasReset());
 }
 
-TEST_F(ConnectionTest, WhoIsRefusedWhileSendingStillGetsTheAnswer) {
+TEST_F(ConnectionTest, AClientThatIsRefusedWhileItSendsGetsTheResponse) {
     start();
     const Client client = sending("\x01" + std::string(8UL * 1024 * 1024, 'b'));
     EXPECT_EQ(withoutDate(client.readAll()),
-              refusal("400 Bad Request", "The head of the request holds a control character."));
+              error("400 Bad Request", "The header section contains a control character."));
     EXPECT_FALSE(client.wasReset());
 }
 
-TEST_F(ConnectionTest, WhoEndsSendingAfterTheRequestGetsTheAnswer) {
+TEST_F(ConnectionTest, AClientThatEndsSendingAfterTheRequestGetsTheResponse) {
     start();
     const Client client = sending(kGet);
     client.endSending();
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
 }
 
-TEST_F(ConnectionTest, WhoSendsOnAndOnIsCutOff) {
-    options_.mostConnections = 1;
-    options_.mostDrainedBytes = 100'000;
+TEST_F(ConnectionTest, AClientThatSendsTooMuchAfterTheResponseIsCutOff) {
+    options_.maxConnections = 1;
+    options_.maxLingerBytes = 100'000;
     start();
     const std::string head = "POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 1000000\r\n\r\n";
     const Client client = sending(head);
@@ -378,40 +436,40 @@ TEST_F(ConnectionTest, WhoSendsOnAndOnIsCutOff) {
     waitUntilServed();
 }
 
-TEST_F(ConnectionTest, WhoDoesNotEndIsCutOff) {
-    options_.mostConnections = 1;
-    options_.drainTime = milliseconds(50);
+TEST_F(ConnectionTest, AClientThatStaysAfterTheResponseIsCutOff) {
+    options_.maxConnections = 1;
+    options_.lingerTimeout = milliseconds(50);
     start();
     const Client client = sending("POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n");
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     waitUntilServed();
 }
 
-TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsAnswer) {
+TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsResponse) {
     serveLarge();
     std::promise<void> begun;
     std::promise<void> gone;
-    const auto answerLarge = provider_.answer;
+    const auto respondLarge = provider_.answer;
     provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         if (request.getUri() == "/test/large") {
             begun.set_value();
             gone.get_future().wait();
         }
-        answerLarge(request, ostr);
+        respondLarge(request, ostr);
     };
-    options_.mostConnections = 2;
+    options_.maxConnections = 2;
     start();
     Client client = sending(kGetLarge);
     begun.get_future().wait();
     client.reset();
     gone.set_value();
-    EXPECT_EQ(answer(kGet), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
     server_.reset();  // waits for the provider, which uses what stands above
 }
 
 TEST_F(ConnectionTest, AClientMayGoAwayAtAnyTime) {
     serveLarge();
-    options_.mostConnections = 1;
+    options_.maxConnections = 1;
     start();
     for (const char* const request : {"", "GET", kGetLarge}) {
         {
@@ -433,17 +491,17 @@ TEST_F(ConnectionTest, AFailedAllocationClosesTheConnectionAtMost) {
          {" HTTP/1.1\r\nHost: a\r\n\r\n", " HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n",
           " HTTP/1.1\r\n\r\n"}) {
         std::size_t failures = 0;
-        std::string answer;
-        while (failsToAnswer("GET /test", rest, failures + 1, answer)) {
+        std::string response;
+        while (failsToRespond("GET /test", rest, failures + 1, response)) {
             ++failures;
-            EXPECT_TRUE(answer.empty() || answer.starts_with("HTTP/1.1 ")) << answer;
+            EXPECT_TRUE(response.empty() || response.starts_with("HTTP/1.1 ")) << response;
         }
         EXPECT_GT(failures, 5U) << rest;
-        EXPECT_TRUE(answer.starts_with("HTTP/1.1 ")) << answer;
+        EXPECT_TRUE(response.starts_with("HTTP/1.1 ")) << response;
     }
 }
 
-TEST_F(ConnectionTest, ManyAreAnsweredAtTheSameTime) {
+TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
     constexpr int kThreads = 8;
     constexpr int kRounds = 100;
     provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
@@ -456,7 +514,7 @@ TEST_F(ConnectionTest, ManyAreAnsweredAtTheSameTime) {
     runOnThreads(kThreads, [&](int index) {
         for (int round = 0; round < kRounds; ++round) {
             const std::string path = "/test/" + std::to_string(index * kRounds + round);
-            EXPECT_EQ(answer("GET " + path + " HTTP/1.1\r\nHost: a\r\n\r\n"),
+            EXPECT_EQ(responseTo("GET " + path + " HTTP/1.1\r\nHost: a\r\n\r\n"),
                       "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path +
                           std::string(path.size() * 1000, 'x'));
         }

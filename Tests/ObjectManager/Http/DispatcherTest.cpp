@@ -42,19 +42,19 @@ class DispatcherTest : public testing::Test {
         provider_.addTo(manager_);
     }
 
-    // The answer without its date.
-    [[nodiscard]] std::string answer(const char* path, const char* method = "GET") {
+    // The response without its date.
+    [[nodiscard]] std::string responseTo(const char* path, const char* method = "GET") {
         TSKHTTPRequest request(method, path, "HTTP/1.1");
         const Http::Dispatcher dispatcher(manager_);
-        const Http::Answer answer =
-            dispatcher.answer(request, {boost::asio::ip::make_address("192.0.2.7"), 50000});
+        const Http::Response response =
+            dispatcher.respond(request, {boost::asio::ip::make_address("192.0.2.7"), 50000});
         std::string text;
-        for (const boost::asio::const_buffer& part : answer.unsent())
+        for (const boost::asio::const_buffer& part : response.unsent())
             text.append(static_cast<const char*>(part.data()), part.size());
         return withoutDate(text);
     }
 
-    // Has the provider throw this after it has written a part of its answer.
+    // Has the provider throw this after it has written a part of its response.
     template <typename Exception>
     void makeProviderThrow(Exception exception) {
         provider_.answer = [exception](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
@@ -70,9 +70,9 @@ class DispatcherTest : public testing::Test {
     LogRecording log_;
 };
 
-TEST_F(DispatcherTest, TheProviderOfThePathAnswers) {
-    EXPECT_EQ(answer("/test/a"), kHello);
-    EXPECT_EQ(answer("/TEST"), kHello);
+TEST_F(DispatcherTest, TheProviderOfThePathResponds) {
+    EXPECT_EQ(responseTo("/test/a"), kHello);
+    EXPECT_EQ(responseTo("/TEST"), kHello);
     EXPECT_EQ(log_.lines(), Lines());
 }
 
@@ -85,46 +85,46 @@ TEST_F(DispatcherTest, TheProviderGetsTheRequestAndTheClient) {
         seen = (request.getMethod() + " " + request.getUri() + " " + host + " " + port).data();
         writeTo(ostr, kHello);
     };
-    EXPECT_EQ(answer("/test/a", "POST"), kHello);
+    EXPECT_EQ(responseTo("/test/a", "POST"), kHello);
     EXPECT_EQ(seen, "POST /test/a 192.0.2.7 50000");
     EXPECT_EQ(provider_.bodyBytes, 0U);
 }
 
 TEST_F(DispatcherTest, WithoutAProviderNothingIsFound) {
-    EXPECT_EQ(answer("/other/path"), kNotFound);
-    EXPECT_EQ(answer("/"), kNotFound);
+    EXPECT_EQ(responseTo("/other/path"), kNotFound);
+    EXPECT_EQ(responseTo("/"), kNotFound);
     (void)manager_.shutdown();
-    EXPECT_EQ(answer("/test/a"), kNotFound);
+    EXPECT_EQ(responseTo("/test/a"), kNotFound);
 }
 
-TEST_F(DispatcherTest, AnAnswerThatIsLeftToTheFrontEndIsNotFound) {
+TEST_F(DispatcherTest, AResponseThatTheProviderLeavesOutIsNotFound) {
     provider_.leavesAnswer = true;
-    EXPECT_EQ(answer("/test/a"), kNotFound);
+    EXPECT_EQ(responseTo("/test/a"), kNotFound);
     EXPECT_EQ(log_.lines(), Lines());
 }
 
-TEST_F(DispatcherTest, HeadGetsTheHeadAlone) {
-    EXPECT_EQ(answer("/test/a", "HEAD"),
+TEST_F(DispatcherTest, HeadGetsNoBody) {
+    EXPECT_EQ(responseTo("/test/a", "HEAD"),
               std::string(kHello).substr(0, std::string(kHello).size() - 5));
-    EXPECT_EQ(answer("/other/path", "HEAD"),
+    EXPECT_EQ(responseTo("/other/path", "HEAD"),
               std::string(kNotFound).substr(0, std::string(kNotFound).size() - 31));
     makeProviderThrow(std::runtime_error("reason"));
-    EXPECT_EQ(answer("/test/a", "HEAD"),
+    EXPECT_EQ(responseTo("/test/a", "HEAD"),
               std::string(kFailed).substr(0, std::string(kFailed).size() - 37));
 }
 
-TEST_F(DispatcherTest, ACallerWhoIsNotAuthenticatedGetsTheChallengeAlone) {
+TEST_F(DispatcherTest, AClientThatIsNotAuthenticatedGetsTheChallengeOnly) {
     makeProviderThrow(
         TSKHTTPException("here", "Authentication failed", TSKHTTPException::kAuthenticationFailed));
-    EXPECT_EQ(answer("/test/a"), kChallenge);
-    EXPECT_EQ(answer("/test/a", "HEAD"), kChallenge);
+    EXPECT_EQ(responseTo("/test/a"), kChallenge);
+    EXPECT_EQ(responseTo("/test/a", "HEAD"), kChallenge);
     EXPECT_EQ(log_.lines(), Lines());
 }
 
 TEST_F(DispatcherTest, EveryOtherCodeOfAnHttpExceptionIsAFailure) {
     for (const int code : {3, 5, 0, -4, 404}) {
         makeProviderThrow(TSKHTTPException("here", "reason", code));
-        EXPECT_EQ(answer("/test/a"), kFailed) << code;
+        EXPECT_EQ(responseTo("/test/a"), kFailed) << code;
         EXPECT_EQ(log_.lines().back(),
                   "HttpFrontEnd|1|2|GET /test/a: here: reason (" + std::to_string(code) + ")");
     }
@@ -132,59 +132,59 @@ TEST_F(DispatcherTest, EveryOtherCodeOfAnHttpExceptionIsAFailure) {
 
 TEST_F(DispatcherTest, APlatformExceptionIsAFailure) {
     makeProviderThrow(TeskBaseException("here", "reason", TSKHTTPException::kAuthenticationFailed));
-    EXPECT_EQ(answer("/test/a"), kFailed);
+    EXPECT_EQ(responseTo("/test/a"), kFailed);
     EXPECT_EQ(log_.lines(), errors("GET /test/a: here: reason (4)"));
 }
 
 TEST_F(DispatcherTest, AStandardExceptionIsAFailure) {
     makeProviderThrow(std::runtime_error("the reason"));
-    EXPECT_EQ(answer("/test/a"), kFailed);
+    EXPECT_EQ(responseTo("/test/a"), kFailed);
     EXPECT_EQ(log_.lines(), errors("GET /test/a: the reason"));
 }
 
 TEST_F(DispatcherTest, OutOfMemoryIsAFailure) {
     makeProviderThrow(std::bad_alloc());
-    EXPECT_EQ(answer("/test/a"), kFailed);
+    EXPECT_EQ(responseTo("/test/a"), kFailed);
     EXPECT_EQ(log_.lines(), errors("GET /test/a: std::bad_alloc"));
 }
 
 TEST_F(DispatcherTest, AnythingElseThatIsThrownIsAFailure) {
     makeProviderThrow(42);
-    EXPECT_EQ(answer("/test/a"), kFailed);
+    EXPECT_EQ(responseTo("/test/a"), kFailed);
     EXPECT_EQ(log_.lines(), errors("GET /test/a: an exception of unknown type"));
 }
 
-TEST_F(DispatcherTest, WhatIsNoResponseIsAFailure) {
+TEST_F(DispatcherTest, TextThatIsNotAResponseIsAFailure) {
     for (const char* const written : {"", "hello", "HTTP/1.1 200 OK\r\n"}) {
         provider_.answer = [written](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, written);
         };
-        EXPECT_EQ(answer("/test/a"), kFailed) << written;
+        EXPECT_EQ(responseTo("/test/a"), kFailed) << written;
     }
     const std::string line = "HttpFrontEnd|1|2|GET /test/a: no HTTP response was written";
     EXPECT_EQ(log_.lines(), Lines({line, line, line}));
 }
 
-TEST_F(DispatcherTest, NobodyForgesALineOfTheLog) {
+TEST_F(DispatcherTest, ALogLineCannotBeForged) {
     makeProviderThrow(std::runtime_error("bad\r\nline: \x1b[2J"));
-    EXPECT_EQ(answer("/test/\n2026-01-01 error", "G\rET"), kFailed);
+    EXPECT_EQ(responseTo("/test/\n2026-01-01 error", "G\rET"), kFailed);
     EXPECT_EQ(log_.lines(),
               errors("G\\x0dET /test/\\x0a2026-01-01 error: bad\\x0d\\x0aline: \\x1b[2J"));
 }
 
 TEST_F(DispatcherTest, LongPathsAreCutInTheLog) {
     makeProviderThrow(std::runtime_error("reason"));
-    EXPECT_EQ(answer(("/test/" + std::string(8000, 'a')).c_str()), kFailed);
+    EXPECT_EQ(responseTo(("/test/" + std::string(8000, 'a')).c_str()), kFailed);
     EXPECT_EQ(log_.lines(), errors("GET /test/" + std::string(194, 'a') + "...: reason"));
 }
 
-TEST_F(DispatcherTest, AFailedAllocationIsAnsweredAsLongAsThereIsMemoryForThat) {
+TEST_F(DispatcherTest, AFailedAllocationIsReportedIfThereIsMemoryForThat) {
     const LogRecording quiet(TeskTraceLog::SeverityOff);
     provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, "HTTP/1.1 200 OK\r\n");
         writeTo(ostr, "Content-Length: 100\r\n\r\n" + std::string(100, 'x'));
     };
-    const std::string whole = answer("/test/a/longer/path");
+    const std::string whole = responseTo("/test/a/longer/path");
     std::string text;
     text.reserve(1000);
     const std::size_t failures = AllocationProbe::failEachAllocation(
@@ -192,8 +192,8 @@ TEST_F(DispatcherTest, AFailedAllocationIsAnsweredAsLongAsThereIsMemoryForThat) 
             text.clear();
             TSKHTTPRequest request("GET", "/test/a/longer/path", "HTTP/1.1");
             const Http::Dispatcher dispatcher(manager_);
-            const Http::Answer answer = dispatcher.answer(request, {});
-            for (const boost::asio::const_buffer& part : answer.unsent())
+            const Http::Response response = dispatcher.respond(request, {});
+            for (const boost::asio::const_buffer& part : response.unsent())
                 text.append(static_cast<const char*>(part.data()), part.size());
         },
         [&] { EXPECT_TRUE(text.empty() || withoutDate(text) == kFailed) << text; });

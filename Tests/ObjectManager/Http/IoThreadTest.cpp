@@ -23,7 +23,7 @@ TEST(IoThread, RunsATaskAndWaitsForIt) {
     EXPECT_NE(thread, std::thread::id());
 }
 
-TEST(IoThread, WhatATaskThrowsPassesToTheCaller) {
+TEST(IoThread, AnExceptionOfATaskPassesToTheCaller) {
     IoThread ioThread;
     ioThread.start();
     EXPECT_THROW(ioThread.call([] { throw std::runtime_error("reason"); }), std::runtime_error);
@@ -32,7 +32,7 @@ TEST(IoThread, WhatATaskThrowsPassesToTheCaller) {
     EXPECT_TRUE(ran);
 }
 
-TEST(IoThread, WhatAHandlerThrowsIsLoggedAndTheNextOneRuns) {
+TEST(IoThread, AnExceptionOfAHandlerIsLoggedAndTheNextOneRuns) {
     const LogRecording log;
     IoThread ioThread;
     ioThread.start();

@@ -16,23 +16,23 @@ using Http::Listener;
 std::string failureOf(const std::string& address, std::uint16_t port) {
     boost::asio::io_context context;
     try {
-        const Listener listener(context, address, port);
+        const Listener listener(context, {address, port});
     } catch (const std::system_error& error) {
         return error.what();
     }
     return "none";
 }
 
-TEST(Listener, TakesAFreePortAndTellsIt) {
+TEST(Listener, TakesAFreePort) {
     boost::asio::io_context context;
-    const Listener listener(context, "127.0.0.1", 0);
+    const Listener listener(context, {"127.0.0.1", 0});
     EXPECT_EQ(listener.endpoint().address().to_string(), "127.0.0.1");
     EXPECT_NE(listener.endpoint().port(), 0);
 }
 
-TEST(Listener, APortThatIsInUseIsAnErrorThatNamesIt) {
+TEST(Listener, APortInUseIsAnErrorThatNamesIt) {
     boost::asio::io_context context;
-    const Listener listener(context, "127.0.0.1", 0);
+    const Listener listener(context, {"127.0.0.1", 0});
     const std::uint16_t port = listener.endpoint().port();
     EXPECT_EQ(failureOf("127.0.0.1", port), "Cannot listen on 127.0.0.1 port " +
                                                 std::to_string(port) + ": Address already in use");
@@ -42,13 +42,13 @@ TEST(Listener, APortIsFreeAgainAfterwards) {
     boost::asio::io_context context;
     std::uint16_t port = 0;
     {
-        const Listener listener(context, "127.0.0.1", 0);
+        const Listener listener(context, {"127.0.0.1", 0});
         port = listener.endpoint().port();
     }
     EXPECT_EQ(failureOf("127.0.0.1", port), "none");
 }
 
-TEST(Listener, OnlyAnIpAddressIsListenedOn) {
+TEST(Listener, OnlyAnIpAddressIsAccepted) {
     EXPECT_EQ(failureOf("localhost", 0), "Cannot listen on localhost port 0: Invalid argument");
     EXPECT_EQ(failureOf("", 5985), "Cannot listen on  port 5985: Invalid argument");
 }
@@ -61,7 +61,7 @@ TEST(Listener, AnAddressOfAnotherMachineIsAnError) {
 TEST(Listener, AConnectionThatCannotBeTakenIsClosedAndTheNextOneIsAcceptedLater) {
     const LogRecording log;
     boost::asio::io_context context;
-    Listener listener(context, "127.0.0.1", 0);
+    Listener listener(context, {"127.0.0.1", 0});
     const std::uint16_t port = listener.endpoint().port();
     int calls = 0;
     std::uint16_t clientPort = 0;

@@ -13,8 +13,8 @@
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/WaitUntil.h"
 
-/// A server with one provider, which answers "hello" unless the test says otherwise. Nothing ends
-/// because a machine is slow and the log stays empty, unless the test says otherwise.
+/// A server with one provider, which responds with "hello" unless the test changes that. Unless the
+/// test changes that too, no timeout ends even on a slow machine, and the log stays empty.
 class RunningServer : public testing::Test {
   protected:
     using Lines = std::vector<std::string>;
@@ -25,8 +25,9 @@ class RunningServer : public testing::Test {
 
     RunningServer() {
         options_.listen.front().port = 0;
-        options_.headTime = kPatience;
-        options_.responseTime = kPatience;
+        options_.headerTimeout = kPatience;
+        options_.responseTimeout = kPatience;
+        options_.shutdownTimeout = kPatience;
         provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, kHello);
         };
@@ -39,7 +40,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_);
+        server_.emplace(options_, manager_, needsPasswordHash_, prepare_);
         server_->start();
     }
 
@@ -50,33 +51,35 @@ class RunningServer : public testing::Test {
         return {isIPv6 ? "::1" : "127.0.0.1", port()};
     }
 
-    /// A client who has sent that.
+    /// A client that has sent `bytes`.
     [[nodiscard]] Client sending(const std::string& bytes) const {
         Client client = connect();
         EXPECT_TRUE(client.send(bytes));
         return client;
     }
 
-    /// The answer to that, without its date.
-    [[nodiscard]] std::string answer(const std::string& request) const {
+    /// The response to `request` without its date.
+    [[nodiscard]] std::string responseTo(const std::string& request) const {
         return withoutDate(sending(request).readAll());
     }
 
-    /// Asks again and again until the server has room for the connection.
+    /// Repeats a request until the server has room for the connection.
     void waitUntilServed() const {
         EXPECT_TRUE(
             waitUntil([&] { return sending(kGet).readAll().substr(0, 12) == "HTTP/1.1 200"; }));
     }
 
-    /// What the front end itself answers.
-    [[nodiscard]] static std::string refusal(const std::string& status, const std::string& text) {
+    /// An error response.
+    [[nodiscard]] static std::string error(const std::string& status, const std::string& text) {
         return "HTTP/1.1 " + status +
                "\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
                "Content-Length: " +
                std::to_string(text.size() + 1) + "\r\n\r\n" + text + "\n";
     }
 
-    Http::ServerOptions options_;
+    Http::Options options_;
+    Http::Server::NeedsPasswordHash needsPasswordHash_;
+    Http::Server::Prepare prepare_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     LogRecording log_;

@@ -16,7 +16,7 @@ namespace {
 using Http::WorkerPool;
 using std::chrono::steady_clock;
 
-constexpr std::size_t kMostSlow = 256;
+constexpr std::size_t kMaxSlow = 256;
 
 steady_clock::time_point soon() {
     return steady_clock::now() + kPatience;
@@ -24,7 +24,7 @@ steady_clock::time_point soon() {
 
 TEST(WorkerPool, RunsEveryJob) {
     std::atomic<int> sum = 0;
-    WorkerPool pool(3, kMostSlow);
+    WorkerPool pool(3, kMaxSlow);
     for (int number = 1; number <= 1000; ++number)
         pool.postQuick([&sum, number] { sum += number; });
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
@@ -34,7 +34,7 @@ TEST(WorkerPool, RunsEveryJob) {
 TEST(WorkerPool, OneThreadRunsTheJobsInTheirOrder) {
     std::vector<int> numbers;
     std::vector<int> expected;
-    WorkerPool pool(1, kMostSlow);
+    WorkerPool pool(1, kMaxSlow);
     for (int number = 0; number < 100; ++number) {
         pool.postQuick([&numbers, number] { numbers.push_back(number); });
         expected.push_back(number);
@@ -44,14 +44,14 @@ TEST(WorkerPool, OneThreadRunsTheJobsInTheirOrder) {
 }
 
 TEST(WorkerPool, HasAtLeastOneThread) {
-    WorkerPool pool(0, kMostSlow);
+    WorkerPool pool(0, kMaxSlow);
     std::promise<void> ran;
     pool.postQuick([&] { ran.set_value(); });
     ran.get_future().wait();
 }
 
 TEST(WorkerPool, ThreadsRunJobsAtTheSameTime) {
-    WorkerPool pool(2, kMostSlow);
+    WorkerPool pool(2, kMaxSlow);
     std::promise<void> first;
     std::promise<void> second;
     pool.postQuick([&] {
@@ -65,8 +65,8 @@ TEST(WorkerPool, ThreadsRunJobsAtTheSameTime) {
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
 }
 
-TEST(WorkerPool, AJobThatThrowsEndsAlone) {
-    WorkerPool pool(1, kMostSlow);
+TEST(WorkerPool, AJobThatThrowsDoesNotAffectOthers) {
+    WorkerPool pool(1, kMaxSlow);
     std::atomic<int> ran = 0;
     pool.postQuick([] { throw std::runtime_error("reason"); });
     pool.postQuick([] { throw 42; });
@@ -76,7 +76,7 @@ TEST(WorkerPool, AJobThatThrowsEndsAlone) {
 }
 
 TEST(WorkerPool, AJobIsDestroyedBeforeThePoolIsIdle) {
-    WorkerPool pool(1, kMostSlow);
+    WorkerPool pool(1, kMaxSlow);
     const auto held = std::make_shared<int>(0);
     pool.postQuick([held] {});
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
@@ -84,7 +84,7 @@ TEST(WorkerPool, AJobIsDestroyedBeforeThePoolIsIdle) {
 }
 
 TEST(WorkerPool, IsNotIdleWhileAJobRuns) {
-    WorkerPool pool(1, kMostSlow);
+    WorkerPool pool(1, kMaxSlow);
     std::promise<void> goOn;
     pool.postQuick([&] { goOn.get_future().wait(); });
     EXPECT_FALSE(pool.waitUntilIdle(steady_clock::now()));
@@ -93,8 +93,8 @@ TEST(WorkerPool, IsNotIdleWhileAJobRuns) {
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
 }
 
-TEST(WorkerPool, DropsWhatWaits) {
-    WorkerPool pool(1, kMostSlow);
+TEST(WorkerPool, DropsWaitingJobs) {
+    WorkerPool pool(1, kMaxSlow);
     std::promise<void> begun;
     std::promise<void> goOn;
     std::atomic<int> ran = 0;
@@ -142,14 +142,14 @@ bool runsQuickJob(WorkerPool& pool) {
     return ran->get_future().wait_until(soon()) == std::future_status::ready;
 }
 
-TEST(WorkerPool, QuickJobsRunWhileAnyNumberOfSlowOnesTakesLong) {
+TEST(WorkerPool, SlowJobsNeverBlockQuickOnes) {
     for (const unsigned threads : {2U, 3U}) {
         Blockade blockade;
-        WorkerPool pool(threads, kMostSlow);
+        WorkerPool pool(threads, kMaxSlow);
         for (int count = 0; count < 10; ++count)
             EXPECT_TRUE(pool.postSlow(blockade.job()));
         for (int count = 0; count < 10; ++count)
-            EXPECT_TRUE(runsQuickJob(pool)) << "of " << threads << " threads none is free";
+            EXPECT_TRUE(runsQuickJob(pool)) << "none of " << threads << " threads is free";
         blockade.end();
         EXPECT_TRUE(pool.waitUntilIdle(soon()));
         EXPECT_EQ(blockade.begun(), 10);
@@ -157,7 +157,7 @@ TEST(WorkerPool, QuickJobsRunWhileAnyNumberOfSlowOnesTakesLong) {
 }
 
 TEST(WorkerPool, AllThreadsButOneRunSlowJobsAtTheSameTime) {
-    WorkerPool pool(3, kMostSlow);
+    WorkerPool pool(3, kMaxSlow);
     std::promise<void> first;
     std::promise<void> second;
     EXPECT_TRUE(pool.postSlow([&] {
@@ -172,7 +172,7 @@ TEST(WorkerPool, AllThreadsButOneRunSlowJobsAtTheSameTime) {
 }
 
 TEST(WorkerPool, AllThreadsRunQuickJobsAtTheSameTime) {
-    WorkerPool pool(2, kMostSlow);
+    WorkerPool pool(2, kMaxSlow);
     Blockade blockades[2];
     for (Blockade& blockade : blockades)
         pool.postQuick(blockade.job());
@@ -183,23 +183,23 @@ TEST(WorkerPool, AllThreadsRunQuickJobsAtTheSameTime) {
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
 }
 
-TEST(WorkerPool, ASingleThreadRunsQuickJobsFirstAndSlowOnesInTheirTurn) {
+TEST(WorkerPool, ASingleThreadRunsQuickJobsFirstButDoesNotStarveSlowOnes) {
     Blockade blockade;
     std::string order;
-    WorkerPool pool(1, kMostSlow);
+    WorkerPool pool(1, kMaxSlow);
     pool.postQuick(blockade.job());
     blockade.waitUntilBegun();
     for (const char slow : {'1', '2', '3'})
         EXPECT_TRUE(pool.postSlow([&order, slow] { order += slow; }));
-    for (unsigned count = 0; count < 2 * WorkerPool::kMostQuickInARow + 1; ++count)
+    for (unsigned count = 0; count < 2 * WorkerPool::kMaxQuickInARow + 1; ++count)
         pool.postQuick([&order] { order += 'q'; });
     blockade.end();
     EXPECT_TRUE(pool.waitUntilIdle(soon()));
-    const std::string row(WorkerPool::kMostQuickInARow, 'q');
+    const std::string row(WorkerPool::kMaxQuickInARow, 'q');
     EXPECT_EQ(order, row + "1" + row + "2" + "q" + "3");
 }
 
-TEST(WorkerPool, RefusesASlowJobWhenTooManyWait) {
+TEST(WorkerPool, RefusesASlowJobIfTooManyWait) {
     Blockade blockade;
     std::atomic<int> ran = 0;
     const auto held = std::make_shared<int>(0);
@@ -243,12 +243,12 @@ TEST(WorkerPool, RunsEveryJobOfBothKinds) {
     EXPECT_EQ(tooMany, 0);
 }
 
-TEST(WorkerPool, ItsEndDropsWhatWaitsAndWaitsForWhatRuns) {
+TEST(WorkerPool, ItsEndDropsWaitingJobsAndWaitsForWhatRuns) {
     std::atomic<int> ran = 0;
     std::promise<void> begun;
     std::promise<void> dropped;
     {
-        WorkerPool pool(1, kMostSlow);
+        WorkerPool pool(1, kMaxSlow);
         pool.postQuick([&] {
             begun.set_value();
             dropped.get_future().wait();

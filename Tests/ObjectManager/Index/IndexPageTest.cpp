@@ -4,10 +4,9 @@
 #include <string>
 
 #include "ObjectManager/Index/IndexPage.h"
-#include "ObjectManager/Index/SourceHash.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
 #include "Tests/Support/CimSchema.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
 
@@ -27,7 +26,7 @@ std::string mainOf(const std::string& page) {
 class IndexPageTest : public RepositoryTest {
   protected:
     [[nodiscard]] std::string listOf(const std::string& mof,
-                                     const Repository::RepositoryOptions& options = {}) const {
+                                     const Repository::Options& options = {}) const {
         return between(Index::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
     }
 };
@@ -125,10 +124,8 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
     declarations[1].name.text = "z>";
     declarations[1].superclass.text = declarations[0].name.text;
     std::vector<Repository::CimNamespace> namespaces;
-    namespaces.emplace_back("java script:/<x>", std::move(declarations),
-                            Repository::RepositoryOptions());
-    namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(),
-                            Repository::RepositoryOptions());
+    namespaces.emplace_back("java script:/<x>", std::move(declarations), Repository::Options());
+    namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(), Repository::Options());
     const std::string page =
         Index::makeIndexPage(Repository::ClassRepository(std::move(namespaces)));
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
@@ -163,6 +160,12 @@ TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse
     // What the policy would block, or what would leave the computer.
     EXPECT_FALSE(std::regex_search(page, std::regex(R"(\s(style|on[a-z]+)=)")));
     EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="?(https?:|//))")));
+}
+
+// As "printf TEXT | openssl dgst -sha256 -binary | base64" says.
+TEST(IndexPage, TheHashOfASourceIsInBase64) {
+    EXPECT_EQ(Index::sourceHash(""), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
+    EXPECT_EQ(Index::sourceHash("abc"), "'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='");
 }
 
 TEST_F(IndexPageTest, IsTheSameEachTime) {

@@ -7,8 +7,8 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
 #include "Tests/Support/RecordingStreams.h"
+#include "Tests/Support/RepositoryTest.h"
 #include "Tests/Support/TestHost.h"
 #include "Tests/Support/Threads.h"
 
@@ -62,8 +62,8 @@ class IndexProviderTest : public RepositoryTest {
     IndexProvider provider_{one_};
 };
 
-// The front end sends the head alone to those who ask for no more.
-TEST_F(IndexProviderTest, AnswersGetAndHeadWithThePage) {
+// The front end leaves the body of the response to HEAD out.
+TEST_F(IndexProviderTest, GetAndHeadGetThePage) {
     EXPECT_EQ(answer(provider_, "GET"), found(*one_));
     EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
     EXPECT_EQ(answer(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
@@ -71,7 +71,7 @@ TEST_F(IndexProviderTest, AnswersGetAndHeadWithThePage) {
     EXPECT_EQ(authenticator_->liveTokens(), 0);
 }
 
-TEST_F(IndexProviderTest, LeavesOtherPathsAndAsksNobodyWhoTheyAre) {
+TEST_F(IndexProviderTest, LeavesOtherPathsToTheFrontEndWithoutAuthentication) {
     authenticator_->accepts = false;
     for (const char* const path :
          {"", "//", "/index.html", "/root", "/root/test/TST_One.wsdl", "/?", " /", "/ ", "*"})
@@ -79,7 +79,7 @@ TEST_F(IndexProviderTest, LeavesOtherPathsAndAsksNobodyWhoTheyAre) {
     EXPECT_EQ(authenticator_->calls, 0);
 }
 
-TEST_F(IndexProviderTest, RefusesStrangersWithoutWriting) {
+TEST_F(IndexProviderTest, RefusesUnauthenticatedClientsWithoutWriting) {
     authenticator_->accepts = false;
     for (const char* const method : {"GET", "HEAD", "POST"}) {
         RecordedOutput output;
@@ -89,12 +89,12 @@ TEST_F(IndexProviderTest, RefusesStrangersWithoutWriting) {
     EXPECT_EQ(authenticator_->calls, 3);
 }
 
-TEST_F(IndexProviderTest, RefusesEverybodyWithoutAnAuthenticator) {
+TEST_F(IndexProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
     AuthenticationHelper::setAuthenticator(nullptr);
     EXPECT_THROW((void)answer(provider_, "GET"), TSKHTTPException);
 }
 
-TEST_F(IndexProviderTest, SaysWhichMethodsThereAre) {
+TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
     for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
         EXPECT_EQ(answer(provider_, method),
                   "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"

@@ -3,7 +3,7 @@
 
 #include "ObjectManager/Mof/Compiler.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/ObjectManager/Mof/MofFolder.h"
+#include "Tests/Support/MofFolder.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/DeclarationChecker.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/ObjectManager/Mof/MofFolder.h"
+#include "Tests/Support/MofFolder.h"
 
 namespace {
 

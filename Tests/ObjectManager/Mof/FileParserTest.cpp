@@ -119,6 +119,15 @@ TEST(FileParser, AnUnclosedStringInARowIsAnErrorWhereItBegins) {
               "  ^\n");
 }
 
+TEST(FileParser, FaultsInARowOfStringsThatIsSkippedAreNotReported) {
+    for (const char* const faulty : {"\"\\q\"", "\"b"}) {
+        EXPECT_EQ(faults(std::string("class A_B \"a\" ") + faulty + "\n{};"),
+                  "a.mof:1:11: error: found a string, expected \"{\", \":\" or \"as\"\n"
+                  "class A_B \"a\" " +
+                      std::string(faulty) + "\n          ^\n");
+    }
+}
+
 TEST(FileParser, QualifiersHaveValuesListsAndFlavors) {
     EXPECT_EQ(
         declared(R"([Version ("1.0"), Abstract, Values { "a", "b" } : DisableOverride ToSubclass]

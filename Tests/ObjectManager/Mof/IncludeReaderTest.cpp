@@ -8,7 +8,7 @@
 
 #include "ObjectManager/Mof/IncludeReader.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/ObjectManager/Mof/MofFolder.h"
+#include "Tests/Support/MofFolder.h"
 
 namespace {
 

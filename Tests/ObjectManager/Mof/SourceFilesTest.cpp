@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ObjectManager/Mof/SourceFiles.h"
-#include "Tests/ObjectManager/Mof/MofFolder.h"
+#include "Tests/Support/MofFolder.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "ObjectManager/Repository/CimClass.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
 
@@ -61,8 +61,7 @@ TEST_F(CimClassTest, AsDeclaredAnOverrideTakesThePlaceOfTheOverriddenAndNewOnesA
 }
 
 TEST_F(CimClassTest, MethodsAreAlwaysListedAsDeclared) {
-    for (const Repository::RepositoryOptions& options :
-         {Repository::RepositoryOptions(), kAsDeclared}) {
+    for (const Repository::Options& options : {Repository::Options(), kAsDeclared}) {
         const auto listed = [&](const char* name, bool all) {
             return methodsOf(*classOf(kThreeLevels, name, options), all);
         };

@@ -1,5 +1,5 @@
 #include "ObjectManager/Repository/CimNamespace.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
 

@@ -1,6 +1,58 @@
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "ObjectManager/Repository/CimQualifiers.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
+
+class CimQualifierTest : public RepositoryTest {
+  protected:
+    // The qualifier that is written alone on a class.
+    const urma::IQualifier* only(const std::string& mof) {
+        class_ = classOf("[" + mof + "] class A_B {};", "A_B");
+        return &class_->getQualifiers(false)->current();
+    }
+
+    TSKSmrPtr<ITeskClass> class_;
+};
+
+TEST_F(CimQualifierTest, NamesAreAsWritten) {
+    EXPECT_EQ(only("KEY")->getName(), "KEY");
+}
+
+TEST_F(CimQualifierTest, ABooleanWithoutAValueIsTrue) {
+    const urma::IQualifier* const key = only("Key");
+    EXPECT_TRUE(key->hasValue());
+    EXPECT_TRUE(key->getValue()->toBoolean());
+    EXPECT_EQ(textOf(*key->getValue()->getType()), "boolean");
+    EXPECT_EQ(key->getValue()->toString(), "true");
+    EXPECT_EQ(textOf(only("Key (false)")->getValue().get()), "false");
+}
+
+TEST_F(CimQualifierTest, NullIsNoValue) {
+    const urma::IQualifier* const note = only("Note (null)");
+    EXPECT_FALSE(note->hasValue());
+    EXPECT_TRUE(note->getValue().isNull());
+}
+
+TEST_F(CimQualifierTest, WithoutAValueNothingButABooleanHasOneNotEvenItsDefault) {
+    const std::string file = folder_.write(
+        "b.mof", "Qualifier Note : string = \"default\", Scope (any); [Note] class A_B {};");
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});
+    EXPECT_EQ(qualifiersOf(*loaded.repository->getClass("root/test", "A_B"), true), "Note(null)");
+}
+
+TEST_F(CimQualifierTest, ValuesHaveTheDeclaredType) {
+    const TSKSmrPtr<ITeskClass> found = classOf(
+        "Qualifier MaxLen : uint32, Scope (any); Qualifier Levels : sint8[], Scope (any);\n"
+        "[MaxLen (64), Levels {}, Values {null}] class A_B {};",
+        "A_B");
+    const auto typeOf = [&](const char* name) {
+        return textOf(*found->getQualifier(name, false)->getValue()->getType());
+    };
+    EXPECT_EQ(typeOf("MaxLen"), "uint32");
+    EXPECT_EQ(typeOf("Levels"), "sint8[]");
+    EXPECT_EQ(typeOf("Values"), "string[]");
+}
 
 class CimQualifiersTest : public RepositoryTest {};
 
@@ -117,7 +169,7 @@ TEST_F(CimQualifiersTest, ANullIsWrittenAndHidesWhatIsPropagated) {
     EXPECT_EQ(qualifiersOf(*found, false), "");
 }
 
-// Who looks a qualifier up wants its value.
+// A lookup is for the value.
 TEST_F(CimQualifiersTest, ANullIsNotFound) {
     const TSKSmrPtr<Repository::ClassRepository> repository = load(
         "class A_B { [Note (\"top\")] uint8 p; }; class A_C : A_B { [Note (null)] uint8 p; };\n"
@@ -135,6 +187,22 @@ TEST_F(CimQualifiersTest, LevelsWithoutTheDefinitionLieBetweenAnOverrideAndTheOv
         "class A_D : A_C { uint8 P; };",
         "A_D");
     EXPECT_EQ(qualifiersOf(propertyOf(*found, "P"), true), "Note(top)");
+}
+
+TEST_F(CimQualifiersTest, IsTrueLooksForABooleanThatIsWrittenOrPropagated) {
+    const TSKSmrPtr<ITeskClass> found = classOf(
+        "class A_B { [Key] uint8 p; [Key (false)] uint8 q; [Key (null)] uint8 r; uint8 s;\n"
+        "[Note (\"true\")] uint8 t; };\n"
+        "class A_C : A_B { uint8 p; };",
+        "A_C");
+    const auto isKey = [&](const char* name) {
+        return Repository::isTrue(propertyOf(*found, name), "KEY");
+    };
+    EXPECT_TRUE(isKey("p"));
+    EXPECT_FALSE(isKey("q"));
+    EXPECT_FALSE(isKey("r"));
+    EXPECT_FALSE(isKey("s"));
+    EXPECT_FALSE(Repository::isTrue(propertyOf(*found, "t"), "Note"));
 }
 
 }  // namespace

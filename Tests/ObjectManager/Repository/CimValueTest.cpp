@@ -6,11 +6,35 @@
 #include "ObjectManager/Mof/FileParser.h"
 #include "ObjectManager/Repository/CimValue.h"
 #include "Platform/Util/TSKValSlistIterator.h"
-#include "Tests/ObjectManager/Repository/RepositoryText.h"
+#include "Tests/Support/RepositoryText.h"
 
 namespace {
 
 using Mof::DataType;
+
+TEST(CimType, NamesAreTheKeywordsInLowerCase) {
+    std::string names;
+    for (int number = 0; number <= static_cast<int>(DataType::kReference); ++number) {
+        for (const bool isArray : {false, true}) {
+            const TSKSmrPtr<ITeskType>& type =
+                Repository::CimType::of(static_cast<DataType>(number), isArray);
+            EXPECT_EQ(type->isArray(), isArray);
+            EXPECT_EQ(type->isReference(), number == static_cast<int>(DataType::kReference));
+            names += type->getTypeName().data() + std::string(type->isArray() ? "[] " : " ");
+        }
+    }
+    EXPECT_EQ(names,
+              "uint8 uint8[] sint8 sint8[] uint16 uint16[] sint16 sint16[] uint32 uint32[] sint32 "
+              "sint32[] uint64 uint64[] sint64 sint64[] real32 real32[] real64 real64[] char16 "
+              "char16[] string string[] boolean boolean[] datetime datetime[] ref ref[] ");
+}
+
+TEST(CimType, EachExistsOnce) {
+    EXPECT_EQ(Repository::CimType::of(DataType::kUint8, true),
+              Repository::CimType::of(DataType::kUint8, true));
+    EXPECT_FALSE(Repository::CimType::of(DataType::kUint8, true) ==
+                 Repository::CimType::of(DataType::kUint8, false));
+}
 
 // The value of a qualifier that is written in that way.
 TSKSmrPtr<ITeskValue> valueOf(const std::string& mof, std::optional<DataType> type = {}) {

@@ -5,8 +5,8 @@
 #include "Platform/Util/TSKValSlistIterator.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
 #include "Tests/Support/AllocationProbe.h"
+#include "Tests/Support/RepositoryTest.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -148,8 +148,7 @@ class A_C : A_B { string p[]; uint8 M(A_B ref q); };)")});
         [&] {
             std::vector<Repository::CimNamespace> namespaces;
             namespaces.emplace_back("root/a name longer than fifteen",
-                                    std::vector(compilation.classes),
-                                    Repository::RepositoryOptions());
+                                    std::vector(compilation.classes), Repository::Options());
             const Repository::ClassRepository repository(std::move(namespaces));
             EXPECT_EQ(repository.countClasses(), 2U);
         },

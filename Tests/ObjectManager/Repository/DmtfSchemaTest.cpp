@@ -7,8 +7,8 @@
 #include <string>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/ObjectManager/Repository/RepositoryText.h"
 #include "Tests/Support/CimSchema.h"
+#include "Tests/Support/RepositoryText.h"
 
 namespace {
 

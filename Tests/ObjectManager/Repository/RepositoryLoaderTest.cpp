@@ -1,5 +1,5 @@
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/ObjectManager/Repository/RepositoryTest.h"
+#include "Tests/Support/RepositoryTest.h"
 
 namespace {
 
@@ -21,12 +21,12 @@ TEST_F(RepositoryLoaderTest, NoSourcesGiveAnEmptyRepository) {
     EXPECT_TRUE(loaded.diagnostics.empty());
 }
 
-TEST_F(RepositoryLoaderTest, ASourceMayHaveFilesAndFolders) {
+TEST_F(RepositoryLoaderTest, ASourceMayHaveFilesAndDirectories) {
     const std::string file = folder_.write("a.mof", "class A_B : A_C {};");
-    folder_.write("folder/c.mof", "class A_C : A_D {};");
-    folder_.write("folder/below/d.mof", "class A_D {};");
+    folder_.write("directory/c.mof", "class A_C : A_D {};");
+    folder_.write("directory/below/d.mof", "class A_D {};");
     const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {file, folder_.path("folder")}}}, {}, {});
+        Repository::loadRepository({{"root/one", {file, folder_.path("directory")}}}, {}, {});
     EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C A_D");
 }
@@ -125,7 +125,7 @@ TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
 }
 
 // Each had a list of its own, which was sorted anew: 5,000 classes took seven seconds.
-TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreAnsweredInAMoment) {
+TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreLoadedInAMoment) {
     constexpr int kMany = 3000;
     std::string mof = "class A_B {";
     for (int number = 0; number < kMany; ++number)
@@ -142,7 +142,7 @@ TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreAnsweredInAMo
 }
 
 // The qualifiers of each level were held against each of the level above.
-TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreAnsweredInAMoment) {
+TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreLoadedInAMoment) {
     constexpr int kVeryMany = 20000;
     const auto qualifiers = [](char first) {
         std::string list;

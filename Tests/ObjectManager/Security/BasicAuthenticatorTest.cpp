@@ -1,7 +1,9 @@
 #include <atomic>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ObjectManager/Security/BasicAuthenticator.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
@@ -14,7 +16,7 @@
 namespace {
 
 using Security::BasicAuthenticator;
-using Security::CredentialCheckerOptions;
+using Security::CheckerHooks;
 using Security::SecretText;
 using Security::User;
 using Security::UserTable;
@@ -30,22 +32,29 @@ class UntouchedInput : public TSKGenericHTTPIStream {
 
 class BasicAuthenticatorTest : public testing::Test {
   protected:
-    CredentialCheckerOptions countingOptions() {
-        CredentialCheckerOptions options;
-        options.verify = [this](const SecretText& password, const std::string& hash) {
+    CheckerHooks countingHooks() {
+        CheckerHooks hooks;
+        hooks.verify = [this](const SecretText& password, const std::string& hash) {
             ++hashes_;
             return Security::verifyPassword(password, hash);
         };
-        return options;
+        return hooks;
     }
 
-    // The name in the token of a request with these fields; "refused" without.
-    static std::string authenticate(
-        BasicAuthenticator& authenticator,
-        const std::vector<std::pair<const char*, std::string>>& fields) {
+    using Fields = std::vector<std::pair<const char*, std::string>>;
+
+    static TSKHTTPRequest makeRequest(const Fields& fields) {
         TSKHTTPRequest request("GET", "/", "HTTP/1.1");
         for (const auto& [name, value] : fields)
             request.setHeaderField(name, TSKString(value), true);
+        return request;
+    }
+    static TSKHTTPRequest makeRequest(std::string_view user, std::string_view password) {
+        return makeRequest({{"Authorization", basicField(user, password)}});
+    }
+
+    // The name in the token that a request gets; "refused" without.
+    static std::string authenticate(BasicAuthenticator& authenticator, TSKHTTPRequest& request) {
         UntouchedInput input;
         RecordedOutput output;
         TSKSmrPtr<urma::security::ISecurityToken> token;
@@ -54,25 +63,26 @@ class BasicAuthenticatorTest : public testing::Test {
         EXPECT_EQ(isAccepted, token != nullptr);
         return isAccepted ? token->getUserName().data() : "refused";
     }
+    static std::string authenticate(BasicAuthenticator& authenticator, const Fields& fields) {
+        TSKHTTPRequest request = makeRequest(fields);
+        return authenticate(authenticator, request);
+    }
     static std::string authenticate(BasicAuthenticator& authenticator, std::string_view user,
                                     std::string_view password) {
-        return authenticate(authenticator, {{"Authorization", basicField(user, password)}});
+        TSKHTTPRequest request = makeRequest(user, password);
+        return authenticate(authenticator, request);
     }
 
-    // Whether a request with these fields is decided on quickly.
-    [[nodiscard]] bool isQuick(
-        const std::vector<std::pair<const char*, std::string>>& fields) const {
-        TSKHTTPRequest request("GET", "/", "HTTP/1.1");
-        for (const auto& [name, value] : fields)
-            request.setHeaderField(name, TSKString(value), true);
-        return authenticator_.decidesQuickly(request);
+    [[nodiscard]] bool needsPasswordHash(const Fields& fields) const {
+        return authenticator_.needsPasswordHash(makeRequest(fields));
     }
 
     std::atomic<int> hashes_ = 0;
     BasicAuthenticator authenticator_{
         UserTable(
             {{"alice", kSha512OfSecret}, {"J\xC3\xBCrgen", cheapHash("p\xC3\xA4ss:w\xC3\xB6rd")}}),
-        countingOptions()};
+        {},
+        countingHooks()};
 };
 
 TEST_F(BasicAuthenticatorTest, LetsUsersInAndTellsTheirNames) {
@@ -133,28 +143,90 @@ TEST_F(BasicAuthenticatorTest, ForgetsWhatItVerifiedWhenTheUsersChange) {
     EXPECT_EQ(authenticate(authenticator_, "bob", "new"), "bob");
 }
 
-TEST_F(BasicAuthenticatorTest, DecidesQuicklyWhereThereIsNothingToHash) {
+TEST_F(BasicAuthenticatorTest, NeedsNoPasswordHashWhereThereIsNothingToHash) {
     const std::string field = basicField("alice", "wrong");
-    EXPECT_TRUE(isQuick({}));
-    EXPECT_TRUE(isQuick({{"Authorization", "Bearer YWxpY2U6c2VjcmV0"}}));
-    EXPECT_TRUE(isQuick({{"Authorization", field}, {"Authorization", field}}));
-    EXPECT_FALSE(isQuick({{"Authorization", field}}));
+    EXPECT_FALSE(needsPasswordHash({}));
+    EXPECT_FALSE(needsPasswordHash({{"Authorization", "Bearer YWxpY2U6c2VjcmV0"}}));
+    EXPECT_FALSE(needsPasswordHash({{"Authorization", field}, {"Authorization", field}}));
+    EXPECT_TRUE(needsPasswordHash({{"Authorization", field}}));
     EXPECT_EQ(hashes_, 0);
 }
 
-TEST_F(BasicAuthenticatorTest, DecidesQuicklyOnUsersThatItHasLetInBefore) {
+TEST_F(BasicAuthenticatorTest, NeedsNoPasswordHashForUsersThatWereAuthenticatedBefore) {
     const std::string right = basicField("alice", "secret");
     const std::string wrong = basicField("alice", "wrong");
-    EXPECT_FALSE(isQuick({{"Authorization", right}}));
+    EXPECT_TRUE(needsPasswordHash({{"Authorization", right}}));
     EXPECT_EQ(authenticate(authenticator_, "alice", "secret"), "alice");
     EXPECT_EQ(authenticate(authenticator_, "alice", "wrong"), "refused");
-    EXPECT_TRUE(isQuick({{"Authorization", right}}));
-    EXPECT_FALSE(isQuick({{"Authorization", wrong}}));
+    EXPECT_FALSE(needsPasswordHash({{"Authorization", right}}));
+    EXPECT_TRUE(needsPasswordHash({{"Authorization", wrong}}));
 
     authenticator_.setUsers(UserTable({{"alice", kSha512OfSecret}, {"bob", cheapHash("another")}}));
-    EXPECT_TRUE(isQuick({{"Authorization", right}}));
+    EXPECT_FALSE(needsPasswordHash({{"Authorization", right}}));
     authenticator_.setUsers(UserTable({User{"alice", cheapHash("secret")}}));
-    EXPECT_FALSE(isQuick({{"Authorization", right}}));
+    EXPECT_TRUE(needsPasswordHash({{"Authorization", right}}));
+}
+
+TEST_F(BasicAuthenticatorTest, APreparedRequestIsACopy) {
+    TSKHTTPRequest request("GET", "/a", "HTTP/1.0");
+    request.setHeaderField("Host", "b", false);
+    request.setHeaderField("Authorization", TSKString(basicField("alice", "secret")), false);
+    const std::unique_ptr<TSKHTTPRequest> prepared = authenticator_.prepare(request);
+    EXPECT_EQ(prepared->getMethod(), "GET");
+    EXPECT_EQ(prepared->getUri(), "/a");
+    EXPECT_EQ(prepared->getProtocol(), "HTTP/1.0");
+    ASSERT_EQ(prepared->getHeaderFields().size(), 2U);
+    EXPECT_EQ(*prepared->getHost(), "b");
+}
+
+TEST_F(BasicAuthenticatorTest, APreparedRequestIsAuthenticatedLikeAnyOther) {
+    const auto right = authenticator_.prepare(makeRequest("alice", "secret"));
+    EXPECT_TRUE(authenticator_.needsPasswordHash(*right));
+    EXPECT_EQ(authenticate(authenticator_, *right), "alice");
+    EXPECT_FALSE(authenticator_.needsPasswordHash(*right));
+    EXPECT_EQ(authenticate(authenticator_, *right), "alice");
+    EXPECT_EQ(hashes_, 1);
+
+    const auto wrong = authenticator_.prepare(makeRequest("alice", "wrong"));
+    EXPECT_EQ(authenticate(authenticator_, *wrong), "refused");
+    const auto without = authenticator_.prepare(makeRequest({}));
+    EXPECT_FALSE(authenticator_.needsPasswordHash(*without));
+    EXPECT_EQ(authenticate(authenticator_, *without), "refused");
+    EXPECT_EQ(hashes_, 2);
+}
+
+TEST_F(BasicAuthenticatorTest, APasswordThatWasRevokedAfterARequestWasPreparedIsRefused) {
+    EXPECT_EQ(authenticate(authenticator_, "alice", "secret"), "alice");
+    const auto prepared = authenticator_.prepare(makeRequest("alice", "secret"));
+    EXPECT_FALSE(authenticator_.needsPasswordHash(*prepared));
+    authenticator_.setUsers(UserTable({User{"alice", cheapHash("new")}}));
+    EXPECT_TRUE(authenticator_.needsPasswordHash(*prepared));
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+    authenticator_.setUsers(UserTable());
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+}
+
+TEST_F(BasicAuthenticatorTest, APasswordThatWasSetAfterARequestWasPreparedIsAccepted) {
+    const auto prepared = authenticator_.prepare(makeRequest("alice", "new"));
+    authenticator_.setUsers(UserTable({User{"alice", cheapHash("new")}}));
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "alice");
+}
+
+TEST_F(BasicAuthenticatorTest, TheCredentialsOfAPreparedRequestAreThoseOfItsHeaderField) {
+    const auto prepared = authenticator_.prepare(makeRequest("alice", "secret"));
+    prepared->setHeaderField("Authorization", TSKString(basicField("alice", "wrong")), false);
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+    prepared->setHeaderField("Authorization", TSKString(basicField("alice", "secret")), false);
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "alice");
+    prepared->setHeaderField("Authorization", TSKString(basicField("alice", "secret")), true);
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+}
+
+TEST_F(BasicAuthenticatorTest, ARequestThatAnotherAuthenticatorPreparedIsCheckedAnew) {
+    BasicAuthenticator other(UserTable({User{"alice", cheapHash("other")}}));
+    const auto prepared = other.prepare(makeRequest("alice", "other"));
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+    EXPECT_EQ(authenticate(other, *prepared), "alice");
 }
 
 TEST_F(BasicAuthenticatorTest, CanBeInstalled) {
@@ -180,6 +252,7 @@ TEST_F(BasicAuthenticatorTest, LeavesNoPasswordInMemory) {
     EXPECT_EQ(authenticate(authenticator, {{"Authorization", right}}), "alice");
     EXPECT_EQ(authenticate(authenticator, {{"Authorization", right}}), "alice");
     EXPECT_EQ(authenticate(authenticator, {{"Authorization", wrong}}), "refused");
+    static_cast<void>(authenticator.prepare(makeRequest({{"Authorization", right}})));
     EXPECT_EQ(AllocationProbe::remainsFound(), 0U);
     AllocationProbe::lookFor("");
 }
@@ -192,6 +265,10 @@ TEST_F(BasicAuthenticatorTest, UsersChangeWhileManyThreadsAuthenticate) {
                 authenticator_.setUsers(users);
             else if (index == 1)
                 EXPECT_EQ(authenticate(authenticator_, "alice", "wrong"), "refused");
+            else if (index == 2)
+                EXPECT_EQ(authenticate(authenticator_,
+                                       *authenticator_.prepare(makeRequest("alice", "secret"))),
+                          "alice");
             else
                 EXPECT_EQ(authenticate(authenticator_, "alice", "secret"), "alice");
         }

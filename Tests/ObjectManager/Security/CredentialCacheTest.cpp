@@ -9,10 +9,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using Security::CredentialCache;
-using Security::CredentialDigest;
+using Security::KeyedDigest;
 
-CredentialDigest digest(int number) {
-    CredentialDigest bytes = {};
+KeyedDigest digest(int number) {
+    KeyedDigest bytes = {};
     bytes[0] = static_cast<unsigned char>(number);
     bytes[1] = static_cast<unsigned char>(number >> 8);
     return bytes;
@@ -85,20 +85,20 @@ TEST_F(CredentialCacheTest, WhatHasExpiredMakesRoomFirst) {
 }
 
 TEST_F(CredentialCacheTest, KnowsWhatHasExpiredUntilOthersTakeItsPlace) {
-    EXPECT_FALSE(cache_.hasHeld(digest(1)));
+    EXPECT_FALSE(cache_.wasVerified(digest(1)));
     cache_.remember(digest(1));
-    EXPECT_TRUE(cache_.hasHeld(digest(1)));
+    EXPECT_TRUE(cache_.wasVerified(digest(1)));
     now_ += 1h;
     EXPECT_FALSE(cache_.contains(digest(1)));
-    EXPECT_TRUE(cache_.hasHeld(digest(1)));
+    EXPECT_TRUE(cache_.wasVerified(digest(1)));
     cache_.remember(digest(2));
     cache_.remember(digest(1));  // is the last one now
     cache_.remember(digest(3));
     cache_.remember(digest(4));
-    EXPECT_FALSE(cache_.hasHeld(digest(2)));
+    EXPECT_FALSE(cache_.wasVerified(digest(2)));
     EXPECT_EQ(remembered(), "1 3 4");
     cache_.remember(digest(5));
-    EXPECT_FALSE(cache_.hasHeld(digest(1)));
+    EXPECT_FALSE(cache_.wasVerified(digest(1)));
 }
 
 TEST_F(CredentialCacheTest, ASuccessorKnowsTheSameAndRemembersNothing) {
@@ -107,10 +107,10 @@ TEST_F(CredentialCacheTest, ASuccessorKnowsTheSameAndRemembersNothing) {
     CredentialCache successor(cache_);
     for (int number = 0; number < 3; ++number) {
         EXPECT_FALSE(successor.contains(digest(number)));
-        EXPECT_TRUE(successor.hasHeld(digest(number)));
+        EXPECT_TRUE(successor.wasVerified(digest(number)));
     }
     successor.remember(digest(3));
-    EXPECT_FALSE(successor.hasHeld(digest(0)));
+    EXPECT_FALSE(successor.wasVerified(digest(0)));
     now_ += 10s - 1ns;
     EXPECT_TRUE(successor.contains(digest(3)));
     now_ += 1ns;

@@ -16,8 +16,10 @@
 namespace {
 
 using namespace std::chrono_literals;
+using Security::CheckerHooks;
 using Security::CredentialChecker;
-using Security::CredentialCheckerOptions;
+using Security::Credentials;
+using Security::Options;
 using Security::SecretText;
 using Security::User;
 using Security::UserTable;
@@ -25,8 +27,8 @@ using Security::UserTable;
 // In place of hashes: the hash of the password P is "hash of P".
 class CredentialCheckerTest : public testing::Test {
   protected:
-    CredentialCheckerOptions options() {
-        CredentialCheckerOptions result;
+    CheckerHooks hooks() {
+        CheckerHooks result;
         result.verify = [this](const SecretText& password, const std::string& hash) {
             const std::lock_guard lock(mutex_);
             verified_.push_back(std::string(password.view()) + " against " + hash);
@@ -40,7 +42,16 @@ class CredentialCheckerTest : public testing::Test {
 
     static bool check(CredentialChecker& checker, std::string_view user,
                       std::string_view password) {
-        return checker.check(user, SecretText(password));
+        return checker.check(credentials(user, password));
+    }
+
+    static bool needsPasswordHash(const CredentialChecker& checker, std::string_view user,
+                                  std::string_view password) {
+        return checker.needsPasswordHash(checker.claim(credentials(user, password)));
+    }
+
+    static Credentials credentials(std::string_view user, std::string_view password) {
+        return {.user = std::string(user), .password = SecretText(password)};
     }
 
     // What was hashed since this was asked last.
@@ -57,7 +68,7 @@ class CredentialCheckerTest : public testing::Test {
 using Texts = std::vector<std::string>;
 
 TEST_F(CredentialCheckerTest, AcceptsTheRightPasswordOfTheRightUser) {
-    CredentialChecker checker(users(), options());
+    CredentialChecker checker(users(), {}, hooks());
     EXPECT_TRUE(check(checker, "alice", "a"));
     EXPECT_TRUE(check(checker, "bob", "b"));
     EXPECT_FALSE(check(checker, "alice", "b"));
@@ -74,7 +85,7 @@ TEST_F(CredentialCheckerTest, HashesForReal) {
 }
 
 TEST_F(CredentialCheckerTest, AnUnknownUserCostsOneHashLikeAWrongPassword) {
-    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), options());
+    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), {}, hooks());
     EXPECT_FALSE(check(checker, "alice", "wrong"));
     EXPECT_EQ(takeVerified(), Texts{"wrong against hash of a"});
     EXPECT_FALSE(check(checker, "nobody", "wrong"));
@@ -82,7 +93,7 @@ TEST_F(CredentialCheckerTest, AnUnknownUserCostsOneHashLikeAWrongPassword) {
 }
 
 TEST_F(CredentialCheckerTest, AnUnknownUserIsRefusedEvenWithThePasswordOfAnother) {
-    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), options());
+    CredentialChecker checker(UserTable({User{"alice", "hash of a"}}), {}, hooks());
     EXPECT_FALSE(check(checker, "nobody", "a"));
     EXPECT_FALSE(check(checker, "nobody", "a"));
     EXPECT_FALSE(check(checker, "", "a"));
@@ -90,7 +101,7 @@ TEST_F(CredentialCheckerTest, AnUnknownUserIsRefusedEvenWithThePasswordOfAnother
 }
 
 TEST_F(CredentialCheckerTest, AnUnknownUserAlwaysCostsTheHashOfTheSameUser) {
-    CredentialChecker checker(users(), options());
+    CredentialChecker checker(users(), {}, hooks());
     std::set<std::string> tried;
     for (int number = 0; number < 100; ++number) {
         const std::string name = "nobody" + std::to_string(number);
@@ -104,13 +115,13 @@ TEST_F(CredentialCheckerTest, AnUnknownUserAlwaysCostsTheHashOfTheSameUser) {
 }
 
 TEST_F(CredentialCheckerTest, WhereThereAreNoUsersNothingIsHashed) {
-    CredentialChecker checker(UserTable(), options());
+    CredentialChecker checker(UserTable(), {}, hooks());
     EXPECT_FALSE(check(checker, "alice", "a"));
     EXPECT_EQ(takeVerified(), Texts{});
 }
 
 TEST_F(CredentialCheckerTest, ARightPasswordIsHashedOnceInItsLifetime) {
-    CredentialChecker checker(users(), options());
+    CredentialChecker checker(users(), {}, hooks());
     EXPECT_TRUE(check(checker, "alice", "a"));
     now_ += 5min - 1ns;
     EXPECT_TRUE(check(checker, "alice", "a"));
@@ -120,47 +131,55 @@ TEST_F(CredentialCheckerTest, ARightPasswordIsHashedOnceInItsLifetime) {
     EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
 }
 
-TEST_F(CredentialCheckerTest, DecidesQuicklyOnWhatWasRightBefore) {
-    CredentialChecker checker(users(), options());
-    const auto isQuick = [&](std::string_view user, std::string_view password) {
-        return checker.decidesQuickly(user, SecretText(password));
-    };
-    EXPECT_FALSE(isQuick("alice", "a"));
+TEST_F(CredentialCheckerTest, NeedsAPasswordHashForWhatWasNeverVerified) {
+    CredentialChecker checker(users(), {}, hooks());
+    EXPECT_TRUE(needsPasswordHash(checker, "alice", "a"));
     EXPECT_TRUE(check(checker, "alice", "a"));
     EXPECT_FALSE(check(checker, "alice", "x"));
     EXPECT_FALSE(check(checker, "nobody", "a"));
     takeVerified();
     now_ += 1h;
-    EXPECT_TRUE(isQuick("alice", "a"));
-    EXPECT_FALSE(isQuick("alice", "x"));
-    EXPECT_FALSE(isQuick("bob", "b"));
-    EXPECT_FALSE(isQuick("nobody", "a"));
+    EXPECT_FALSE(needsPasswordHash(checker, "alice", "a"));
+    EXPECT_TRUE(needsPasswordHash(checker, "alice", "x"));
+    EXPECT_TRUE(needsPasswordHash(checker, "bob", "b"));
+    EXPECT_TRUE(needsPasswordHash(checker, "nobody", "a"));
     EXPECT_EQ(takeVerified(), Texts{});
 }
 
-TEST_F(CredentialCheckerTest, WhereThereAreNoUsersItDecidesQuickly) {
-    const CredentialChecker checker(UserTable(), options());
-    EXPECT_TRUE(checker.decidesQuickly("alice", SecretText("a")));
+TEST_F(CredentialCheckerTest, WhereThereAreNoUsersItNeedsNoPasswordHash) {
+    EXPECT_FALSE(needsPasswordHash(CredentialChecker(UserTable()), "alice", "a"));
 }
 
 TEST_F(CredentialCheckerTest, ASuccessorVerifiesAgainAndKnowsWhatWasRight) {
-    CredentialChecker former(UserTable({{"alice", "hash of a"}, {"bob", "hash of b"}}), options());
+    CredentialChecker former(UserTable({{"alice", "hash of a"}, {"bob", "hash of b"}}), {},
+                             hooks());
     EXPECT_TRUE(check(former, "alice", "a"));
     EXPECT_TRUE(check(former, "bob", "b"));
     takeVerified();
     CredentialChecker checker(UserTable({{"alice", "hash of a"}, {"bob", "hash of c"}}), former);
-    EXPECT_TRUE(checker.decidesQuickly("alice", SecretText("a")));
-    EXPECT_FALSE(checker.decidesQuickly("bob", SecretText("b")));
+    EXPECT_FALSE(needsPasswordHash(checker, "alice", "a"));
+    EXPECT_TRUE(needsPasswordHash(checker, "bob", "b"));
     EXPECT_TRUE(check(checker, "alice", "a"));
     EXPECT_FALSE(check(checker, "bob", "b"));
     EXPECT_EQ(takeVerified(), (Texts{"a against hash of a", "b against hash of c"}));
     CredentialChecker withoutBob(UserTable({User{"alice", "hash of a"}}), former);
-    EXPECT_FALSE(withoutBob.decidesQuickly("bob", SecretText("b")));
+    EXPECT_TRUE(needsPasswordHash(withoutBob, "bob", "b"));
     EXPECT_FALSE(check(withoutBob, "bob", "b"));
 }
 
+TEST_F(CredentialCheckerTest, AClaimIsCheckedAsTheCredentialsThatItWasMadeOf) {
+    CredentialChecker checker(users(), {}, hooks());
+    const Credentials alice = credentials("alice", "a");
+    const CredentialChecker::Claim claim = checker.claim(alice);
+    EXPECT_TRUE(checker.needsPasswordHash(claim));
+    EXPECT_TRUE(checker.check(alice, claim));
+    EXPECT_FALSE(checker.needsPasswordHash(claim));
+    const Credentials wrong = credentials("alice", "b");
+    EXPECT_FALSE(checker.check(wrong, checker.claim(wrong)));
+}
+
 TEST_F(CredentialCheckerTest, AWrongPasswordIsHashedEachTime) {
-    CredentialChecker checker(users(), options());
+    CredentialChecker checker(users(), {}, hooks());
     EXPECT_TRUE(check(checker, "alice", "a"));
     takeVerified();
     EXPECT_FALSE(check(checker, "alice", "x"));
@@ -169,9 +188,7 @@ TEST_F(CredentialCheckerTest, AWrongPasswordIsHashedEachTime) {
 }
 
 TEST_F(CredentialCheckerTest, RemembersNoMoreThanItMay) {
-    CredentialCheckerOptions small = options();
-    small.mostRemembered = 1;
-    CredentialChecker checker(users(), small);
+    CredentialChecker checker(users(), {.maxRememberedCredentials = 1}, hooks());
     EXPECT_TRUE(check(checker, "alice", "a"));
     EXPECT_TRUE(check(checker, "bob", "b"));
     EXPECT_TRUE(check(checker, "bob", "b"));
@@ -181,7 +198,7 @@ TEST_F(CredentialCheckerTest, RemembersNoMoreThanItMay) {
 }
 
 TEST_F(CredentialCheckerTest, ManyThreadsWithOneNewCredentialPayForOneHash) {
-    CredentialChecker checker(users(), options());
+    CredentialChecker checker(users(), {}, hooks());
     std::atomic<int> accepted = 0;
     runOnThreads(8, [&](int) { accepted += check(checker, "alice", "a") ? 1 : 0; });
     EXPECT_EQ(accepted, 8);
@@ -192,11 +209,10 @@ TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
     constexpr int kThreads = 8;
     std::atomic<int> running = 0;
     std::atomic<int> mostRunning = 0;
-    CredentialCheckerOptions limited = options();
-    limited.mostHashesAtOnce = 2;
+    CheckerHooks counting = hooks();
     std::latch twoRun(2);
     std::atomic<int> started = 0;
-    limited.verify = [&](const SecretText&, const std::string&) {
+    counting.verify = [&](const SecretText&, const std::string&) {
         const int now = ++running;
         int most = mostRunning;
         while (most < now && !mostRunning.compare_exchange_weak(most, now)) {
@@ -208,7 +224,7 @@ TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
         --running;
         return false;
     };
-    CredentialChecker checker(users(), limited);
+    CredentialChecker checker(users(), {.maxConcurrentHashes = 2}, counting);
     runOnThreads(kThreads, [&](int index) {
         EXPECT_FALSE(check(checker, "alice", "x" + std::to_string(index)));
     });
@@ -217,27 +233,26 @@ TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
 }
 
 TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndGivesItsPlaceBack) {
-    CredentialCheckerOptions failing = options();
-    failing.mostHashesAtOnce = 1;
+    CheckerHooks failing = hooks();
     int calls = 0;
     failing.verify = [&](const SecretText&, const std::string&) -> bool {
         if (++calls == 1)
             throw std::bad_alloc();
         return true;
     };
-    CredentialChecker checker(users(), failing);
+    CredentialChecker checker(users(), {.maxConcurrentHashes = 1}, failing);
     EXPECT_THROW(static_cast<void>(check(checker, "alice", "a")), std::bad_alloc);
     EXPECT_TRUE(check(checker, "alice", "a"));
 }
 
 TEST_F(CredentialCheckerTest, EveryFailedAllocationIsReportedAndForgotten) {
     CredentialChecker checker(UserTable({User{"alice", kSha512OfSecret}}));
-    const SecretText password("secret");
+    const Credentials alice = credentials("alice", "secret");
     const std::size_t failures = AllocationProbe::failEachAllocation(
-        [&] { EXPECT_TRUE(checker.check("alice", password)); },
+        [&] { EXPECT_TRUE(checker.check(alice)); },
         [&] { EXPECT_FALSE(check(checker, "alice", "wrong")); });
     EXPECT_GT(failures, 2U);
-    EXPECT_TRUE(checker.check("alice", password));
+    EXPECT_TRUE(checker.check(alice));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "Tests/ObjectManager/Security/Hashes.h"
 #include "Tests/Support/FolderContent.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Threads.h"
 
 namespace {
 
@@ -78,19 +79,19 @@ TEST(PasswordFile, TakesHashesOfEveryMethod) {
 
 TEST(PasswordFile, AWrongLineIsReportedWithItsNumberAndNotShown) {
     const std::string before = "# comment\n\nalice:" + kHash + "\n";
-    EXPECT_EQ(faultIn(before + "topsecret\n"), "users:4: there is no colon between name and hash");
-    EXPECT_EQ(faultIn(" \n"), "users:1: there is no colon between name and hash");
-    EXPECT_EQ(faultIn(before + ":" + kHash),
-              "users:4: the name of the user cannot be used: it is empty");
+    EXPECT_EQ(faultIn(before + "topsecret\n"),
+              "users:4: there is no colon between user name and hash");
+    EXPECT_EQ(faultIn(" \n"), "users:1: there is no colon between user name and hash");
+    EXPECT_EQ(faultIn(before + ":" + kHash), "users:4: the user name cannot be used: it is empty");
     EXPECT_EQ(faultIn(before + std::string(256, 'n') + ":" + kHash),
-              "users:4: the name of the user cannot be used: it is longer than 255 bytes");
+              "users:4: the user name cannot be used: it is longer than 255 bytes");
     EXPECT_EQ(faultIn(before + "b\tb:" + kHash),
-              "users:4: the name of the user cannot be used: "
+              "users:4: the user name cannot be used: "
               "it contains control characters or is not UTF-8");
 }
 
 TEST(PasswordFile, AnUnusableHashIsReportedAndNotShown) {
-    const std::string expected = "users:1: the hash is none that this system can check";
+    const std::string expected = "users:1: this system cannot check such a password hash";
     for (const std::string& hash :
          {std::string(), std::string("topsecret"), std::string("*"), kHash + ":0:", kHash + "\r",
           kHash.substr(0, 20), " " + kHash, std::string("alice"), "$9$" + kHash.substr(3)})
@@ -99,7 +100,7 @@ TEST(PasswordFile, AnUnusableHashIsReportedAndNotShown) {
 
 TEST(PasswordFile, ADoubledUserIsReportedWithBothLines) {
     EXPECT_EQ(faultIn("# users\na:" + kHash + "\nb:" + kHash + "\na:" + kOtherHash + "\n"),
-              "users:4: the user \"a\" is in line 2 already");
+              "users:4: the user \"a\" is already in line 2");
 }
 
 class PasswordFileOnDiskTest : public testing::Test {
@@ -128,7 +129,7 @@ TEST_F(PasswordFileOnDiskTest, ALongOneIsReadToItsEnd) {
 
 TEST_F(PasswordFileOnDiskTest, AWrongLineIsReportedWithThePath) {
     writePrivate(folder_, "users", "\nbob\n");
-    EXPECT_EQ(failureToRead(), path_ + ":2: there is no colon between name and hash");
+    EXPECT_EQ(failureToRead(), path_ + ":2: there is no colon between user name and hash");
 }
 
 TEST_F(PasswordFileOnDiskTest, AMissingOneIsReported) {
@@ -141,7 +142,7 @@ TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandTh
         ASSERT_EQ(chmod(path_.c_str(), mode), 0);
         EXPECT_EQ(failureToRead(),
                   path_ +
-                      ": others than its owner can read or write it; mend that with: "
+                      ": others than its owner can read or write it; correct that with: "
                       "chmod 600 " +
                       path_)
             << mode;
@@ -156,7 +157,8 @@ TEST_F(PasswordFileOnDiskTest, TheCommandThatMendsItCanBePasted) {
     const std::string path = folder_.write("it's \"mine\" $x", "");
     ASSERT_EQ(chmod(path.c_str(), 0644), 0);
     EXPECT_EQ(failureOf([&] { static_cast<void>(PasswordFile::read(path)); }),
-              path + ": others than its owner can read or write it; mend that with: chmod 600 '" +
+              path +
+                  ": others than its owner can read or write it; correct that with: chmod 600 '" +
                   folder_.path().string() + "/it'\\''s \"mine\" $x'");
 }
 
@@ -222,13 +224,52 @@ TEST_F(PasswordFileOnDiskTest, AWrongFileIsNotChanged) {
     const std::string text = "alice\n";
     writePrivate(folder_, "users", text);
     EXPECT_EQ(failureOf([&] { PasswordFile::change(path_, addBob); }),
-              path_ + ":1: there is no colon between name and hash");
+              path_ + ":1: there is no colon between user name and hash");
     EXPECT_EQ(contentOfFile(path_), text);
     ASSERT_EQ(chmod(path_.c_str(), 0644), 0);
-    EXPECT_EQ(
-        failureOf([&] { PasswordFile::change(path_, addBob); }),
-        path_ + ": others than its owner can read or write it; mend that with: chmod 600 " + path_);
+    EXPECT_EQ(failureOf([&] { PasswordFile::change(path_, addBob); }),
+              path_ +
+                  ": others than its owner can read or write it; correct that with: chmod 600 " +
+                  path_);
     EXPECT_EQ(contentOfFile(path_), text);
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeByRootKeepsTheOwner) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can change the owner of a file";
+    writePrivate(folder_, "users", "");
+    ASSERT_EQ(chown(path_.c_str(), 12345, 12346), 0);
+    PasswordFile::change(path_, addBob);
+    struct stat status = {};
+    ASSERT_EQ(stat(path_.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 12345U);
+    EXPECT_EQ(status.st_gid, 12346U);
+    EXPECT_EQ(modeOf(path_), 0600U);
+}
+
+TEST_F(PasswordFileOnDiskTest, AFileInTheCurrentDirectoryIsChanged) {
+    const std::filesystem::path previous = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+    PasswordFile::change("users", addBob);
+    std::filesystem::current_path(previous);
+    EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
+}
+
+TEST_F(PasswordFileOnDiskTest, AMissingDirectoryIsReported) {
+    EXPECT_EQ(failureOf([&] { PasswordFile::change(folder_ / "missing/users", addBob); }),
+              (folder_ / "missing").string() + ": cannot be locked: No such file or directory");
+}
+
+TEST_F(PasswordFileOnDiskTest, ManyThreadsThatChangeItAtOnceLoseNothing) {
+    runOnThreads(8, [&](int index) {
+        for (int number = 0; number < 10; ++number) {
+            PasswordFile::change(path_, [&](PasswordFile& file) {
+                file.set("user" + std::to_string(index * 10 + number), kHash);
+            });
+        }
+    });
+    EXPECT_EQ(PasswordFile::read(path_).users().users().size(), 80U);
+    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, ManyProcessesThatChangeItAtOnceLoseNothing) {

@@ -28,7 +28,7 @@ TEST(SecretText, IsEmptyAtFirst) {
     EXPECT_STREQ(text.zeroTerminated(), "");
 }
 
-TEST(SecretText, HoldsACopyWithAZeroByteBehind) {
+TEST(SecretText, HoldsACopyWithAZeroByteAtItsEnd) {
     const SecretText text(kSecret);
     EXPECT_EQ(text.view(), kSecret);
     EXPECT_EQ(text.size(), kSecret.size());
@@ -52,17 +52,6 @@ TEST(SecretText, AppendsToACopy) {
     SecretText text("ab");
     text.append('c');
     EXPECT_EQ(text.view(), "abc");
-}
-
-TEST(SecretText, IsShortened) {
-    SecretText text("abc");
-    text.shorten(3);
-    EXPECT_EQ(text.view(), "abc");
-    text.shorten(1);
-    EXPECT_EQ(text.view(), "a");
-    EXPECT_STREQ(text.zeroTerminated(), "a");
-    text.shorten(0);
-    EXPECT_TRUE(text.isEmpty());
 }
 
 TEST(SecretText, MovesAndLeavesNothingBehind) {
@@ -102,14 +91,6 @@ TEST(SecretText, LeavesNothingInMemoryWhenItGrows) {
                   SecretText text(kSecret);
                   for (int count = 0; count < 1000; ++count)
                       text.append('x');
-              }),
-              0U);
-}
-
-TEST(SecretText, LeavesNothingInMemoryAfterItWasShortened) {
-    EXPECT_EQ(remainsAfter([] {
-                  SecretText text(kSecret);
-                  text.shorten(1);
               }),
               0U);
 }

@@ -455,15 +455,15 @@ TEST_F(TeskProviderPluginManagerTest, LoadsTheGoodLibrariesBesideTheBrokenOnes) 
     EXPECT_EQ(asLines(manager_.shutdown()), Lines());
 }
 
-TEST_F(TeskProviderPluginManagerTest, ReportsAFolderThatCannotBeRead) {
+TEST_F(TeskProviderPluginManagerTest, ReportsADirectoryThatCannotBeRead) {
     const Lines failures = asLines(manager_.loadProviders("/nowhere"));
     ASSERT_EQ(failures.size(), 1U);
-    EXPECT_TRUE(failures[0].starts_with("/nowhere: Reading the folder failed: ")) << failures[0];
+    EXPECT_TRUE(failures[0].starts_with("/nowhere: Reading the directory failed: ")) << failures[0];
     EXPECT_NE(failures[0].find("No such file or directory"), std::string::npos) << failures[0];
     EXPECT_EQ(log_.lines(), asLogLines(failures));
 }
 
-TEST_F(TeskProviderPluginManagerTest, AFolderWithoutLibrariesIsFine) {
+TEST_F(TeskProviderPluginManagerTest, ADirectoryWithoutLibrariesIsFine) {
     const TemporaryFolder folder;
     folder.write("Readme.txt", "");
     EXPECT_EQ(asLines(manager_.loadProviders(folder.path().c_str())), Lines());

@@ -18,12 +18,12 @@ Element makeElement(const char* localName, const char* prefix = nullptr) {
 }
 
 Element addChild(const Element& parent, const char* localName) {
-    const Element child = makeElement(localName);
+    Element child = makeElement(localName);
     parent->addChildElement(child);
     return child;
 }
 
-void addAttribute(const Element& element, const char* name, std::string_view value) {
+void addAttribute(const Element& element, const char* name, const char* value) {
     element->addAttribute(TSKSmrPtr<SOAPQName>::make(name), value);
 }
 
@@ -40,14 +40,15 @@ TEST(SOAPElement, PrintsAnEmptyElementClosed) {
 TEST(SOAPElement, PrintsPrefixesOfElementsAndAttributes) {
     const Element root = makeElement("schema", "xs");
     root->addAttribute(TSKSmrPtr<SOAPQName>::make("lang", "xml"), "en");
-    root->addChildElement(makeElement("element", ""));
+    Element child = makeElement("element", "");
+    root->addChildElement(child);
     EXPECT_EQ(printed(root),
               "<xs:schema xml:lang=\"en\">\n"
               "  <element/>\n"
               "</xs:schema>\n");
 }
 
-TEST(SOAPElement, PrintsTwoBlanksALevelAndANewlineAfterEveryTag) {
+TEST(SOAPElement, PrintsTwoSpacesALevelAndANewlineAfterEveryTag) {
     const Element root = makeElement("a");
     const Element first = addChild(root, "b");
     addChild(addChild(first, "c"), "d");
@@ -94,7 +95,7 @@ TEST(SOAPElement, EscapesBetweenOrdinaryText) {
 TEST(SOAPElement, PrintsEmptyAttributes) {
     const Element root = makeElement("a");
     addAttribute(root, "v", "");
-    root->addAttribute(TSKSmrPtr<SOAPQName>::make("w"), static_cast<const char*>(nullptr));
+    root->addAttribute(TSKSmrPtr<SOAPQName>::make("w"), nullptr);
     EXPECT_EQ(printed(root), "<a v=\"\" w=\"\"/>\n");
 }
 
@@ -121,7 +122,7 @@ TEST(SOAPElement, LeavesOutElementsDeeperThanTheGivenDepth) {
 
 TEST(SOAPElement, AChildMayHaveTwoParents) {
     const Element root = makeElement("a");
-    const Element shared = makeElement("shared");
+    Element shared = makeElement("shared");
     addChild(root, "b")->addChildElement(shared);
     root->addChildElement(shared);
     EXPECT_EQ(shared.owners(), 3);
@@ -135,7 +136,7 @@ TEST(SOAPElement, AChildMayHaveTwoParents) {
 }
 
 TEST(SOAPElement, KeepsSharedChildrenAliveAndReleasesThem) {
-    const Element shared = makeElement("shared");
+    Element shared = makeElement("shared");
     {
         const Element first = makeElement("a");
         const Element second = makeElement("b");
@@ -168,7 +169,8 @@ TEST(SOAPElement, RefusesNullPointers) {
     EXPECT_THROW((void)SOAPElement::makeElement(nullptr), TSKNullPointerException);
     const Element root = makeElement("a");
     EXPECT_THROW(root->addAttribute(nullptr, "v"), TSKNullPointerException);
-    EXPECT_THROW(root->addChildElement(nullptr), TSKNullPointerException);
+    Element null;
+    EXPECT_THROW(root->addChildElement(null), TSKNullPointerException);
     EXPECT_EQ(printed(root), "<a/>\n");
 }
 
@@ -228,7 +230,7 @@ TEST(SOAPElement, LeaksNothingWhenAnAllocationFails) {
 TEST(SOAPElement, AFailedAddLeavesTheElementAsItWas) {
     const Element root = makeElement("a");
     addChild(root, "first");  // which needs no memory of its own
-    const Element child = makeElement("b");
+    Element child = makeElement("b");
     const auto name = TSKSmrPtr<SOAPQName>::make("v");
     const std::string longValue(200, 'x');  // which has no room in the element
     AllocationProbe::failAt(1);

@@ -174,7 +174,6 @@ INSTANTIATE_TEST_SUITE_P(, DocumentTest,
                                          Documents{"TST_Methods", {methods()}},
                                          Documents{"NoClasses", {}},
                                          Documents{"OneClass", {classOne()}},
-                                         Documents{"TwoClasses", {classOne(), two()}},
                                          Documents{"ThreeClasses", {classOne(), two(), three()}}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 

@@ -3,86 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <list>
-#include <utility>
 
 namespace {
 
 using Entries = std::vector<std::optional<std::string>>;
-
-/// An element to be printed; a list keeps references to children valid while more are added.
-struct Element {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> attributes;
-    std::list<Element> children;
-};
-
-/// Appends a child after the existing ones; every element is in the prefix of the root.
-Element& addChild(Element& parent, const std::string& localName) {
-    parent.children.push_back(Element{"xs:" + localName, {}, {}});
-    return parent.children.back();
-}
-
-/// Appends a child whose only content is the attribute "value".
-void addFacet(Element& parent, const std::string& localName, const std::string& value) {
-    addChild(parent, localName).attributes.push_back({"value", value});
-}
-
-/// Appends the restriction that narrows `base`.
-Element& addRestriction(Element& parent, const std::string& base) {
-    Element& restriction = addChild(parent, "restriction");
-    restriction.attributes.push_back({"base", base});
-    return restriction;
-}
-
-/// Appends the wildcard for attributes of any namespace.
-void addAnyAttribute(Element& parent) {
-    Element& anyAttribute = addChild(parent, "anyAttribute");
-    anyAttribute.attributes.push_back({"namespace", "##any"});
-    anyAttribute.attributes.push_back({"processContents", "lax"});
-}
-
-/// The attribute text of a value.
-std::string escaped(const std::string& value) {
-    std::string text;
-    for (const char c : value) {
-        if (c == '&') {
-            text += "&amp;";
-        } else if (c == '<') {
-            text += "&lt;";
-        } else if (c == '>') {
-            text += "&gt;";
-        } else if (c == '"') {
-            text += "&quot;";
-        } else if (c == '\t') {
-            text += "&#9;";
-        } else if (c == '\n') {
-            text += "&#10;";
-        } else if (c == '\r') {
-            text += "&#13;";
-        } else {
-            text += c;
-        }
-    }
-    return text;
-}
-
-/// The printed element, two blanks a level and a newline after every tag.
-std::string printed(const Element& element, std::size_t level) {
-    const std::string indentation(2 * level, ' ');
-    std::string text = indentation + "<" + element.name;
-    for (const auto& [name, value] : element.attributes) {
-        text += " " + name + "=\"" + escaped(value) + "\"";
-    }
-    if (element.children.empty()) {
-        return text + "/>\n";
-    }
-    text += ">\n";
-    for (const Element& child : element.children) {
-        text += printed(child, level + 1);
-    }
-    return text + indentation + "</" + element.name + ">\n";
-}
 
 /// The built-in XML Schema type of a CIM type.
 std::string xsType(const std::string& typeName) {
@@ -211,118 +135,117 @@ std::string upperBoundFromNext(const std::vector<std::string>& entries, std::siz
     return i + 1 < entries.size() ? std::to_string(minusOne(numberOf(entries[i + 1]))) : "";
 }
 
-/// Appends a simple type for the values from `minValue` to `maxValue`; an empty bound is open.
-void addInterval(Element& parent, const std::string& typeName, const std::string& minValue,
-                 const std::string& maxValue) {
-    const std::string base = isStringType(typeName) ? cimType(typeName) : xsType(typeName);
-    Element& restriction = addRestriction(addChild(parent, "simpleType"), base);
+void addEnumeration(NaiveRestriction& restriction, const std::string& value) {
+    restriction.facets.push_back("enumeration " + value);
+}
+
+void addAnyAttribute(NaiveRestriction& restriction) {
+    restriction.facets.push_back("anyAttribute");
+}
+
+/// The member for the values from `minValue` to `maxValue`; an empty bound is open.
+NaiveRestriction interval(int depth, const std::string& typeName, const std::string& minValue,
+                          const std::string& maxValue) {
+    NaiveRestriction member{
+        depth, isStringType(typeName) ? cimType(typeName) : xsType(typeName), {}};
     if (!minValue.empty())
-        addFacet(restriction, "minInclusive", minValue);
+        member.facets.push_back("minInclusive " + minValue);
     if (!maxValue.empty())
-        addFacet(restriction, "maxInclusive", maxValue);
+        member.facets.push_back("maxInclusive " + maxValue);
+    return member;
 }
 
 /// The result when no entry holds "..": one enumeration for each entry.
-void addEnumerations(Element& root, const std::string& typeName, const Entries& entries,
-                     bool addMaxLength, long maxLength) {
-    Element& restriction = addRestriction(root, cimType(typeName));
+NaiveRestriction enumerations(const std::string& typeName, const Entries& entries,
+                              bool addMaxLength, long maxLength) {
+    NaiveRestriction restriction{0, cimType(typeName), {}};
     if (entries.empty())
-        return;
+        return restriction;
     if (addMaxLength)
-        addFacet(restriction, "maxLength", std::to_string(maxLength));
+        restriction.facets.push_back("maxLength " + std::to_string(maxLength));
     for (const std::optional<std::string>& entry : entries) {
-        if (!entry)
-            continue;
-        addFacet(restriction, "enumeration", isStringType(typeName) ? *entry : normalised(*entry));
+        if (entry)
+            addEnumeration(restriction, isStringType(typeName) ? *entry : normalised(*entry));
     }
     addAnyAttribute(restriction);
+    return restriction;
 }
 
-/// Appends the member for a range that is not the lone "..".
-void addRange(Element& topUnion, const std::string& typeName,
-              const std::vector<std::string>& entries, std::size_t i) {
+/// The member for a range that is not the lone "..".
+NaiveRestriction range(const std::string& typeName, const std::vector<std::string>& entries,
+                       std::size_t i) {
     const std::string& entry = entries[i];
     const std::size_t dots = entry.find("..");
     const std::string before = entry.substr(0, dots);
     const std::string after = entry.substr(dots + 2);
     if (entry.starts_with("..")) {
         const std::string lower = std::to_string(plusOne(previousNumber(entries, i)));
-        addInterval(topUnion, typeName, lower, normalised(after));
-    } else if (entry.ends_with("..")) {
-        addInterval(topUnion, typeName, normalised(before), upperBoundFromNext(entries, i));
-    } else {
-        addInterval(topUnion, typeName, normalised(before), normalised(after));
+        return interval(1, typeName, lower, normalised(after));
     }
+    if (entry.ends_with(".."))
+        return interval(1, typeName, normalised(before), upperBoundFromNext(entries, i));
+    return interval(1, typeName, normalised(before), normalised(after));
 }
 
-/// Appends the member for the lone "..": the unlisted numbers below it and the interval above.
-void addLoneDotDot(Element& topUnion, const std::string& typeName,
+/// Appends the members for the lone "..": the unlisted numbers below it and the interval above.
+void addLoneDotDot(std::vector<NaiveRestriction>& members, const std::string& typeName,
                    const std::vector<std::string>& entries, std::size_t i,
                    const std::vector<std::int64_t>& listed) {
     const std::int64_t q = previousNumber(entries, i);
     const std::string lower = std::to_string(plusOne(q));
     const std::string upper = upperBoundFromNext(entries, i);
     if (static_cast<std::int64_t>(listed.size()) >= plusOne(q)) {
-        addInterval(topUnion, typeName, lower, upper);
+        members.push_back(interval(1, typeName, lower, upper));
         return;
     }
-    Element& gapUnion = addChild(addChild(topUnion, "simpleType"), "union");
-    Element& gaps = addRestriction(addChild(gapUnion, "simpleType"), xsType(typeName));
+    NaiveRestriction gaps{2, xsType(typeName), {}};
     for (std::int64_t number = 0; number < q; ++number) {
         if (!contains(listed, number))
-            addFacet(gaps, "enumeration", std::to_string(number));
+            addEnumeration(gaps, std::to_string(number));
     }
-    addInterval(gapUnion, typeName, lower, upper);
+    members.push_back(gaps);
+    members.push_back(interval(2, typeName, lower, upper));
 }
 
 /// The result when some entry holds "..": a union with members in the order of the entries.
-void addUnion(Element& root, const std::string& typeName, const Entries& allEntries) {
-    Element& outerRestriction = addRestriction(root, "cim:cimAnySimpleType");
-    Element& topUnion = addChild(addChild(outerRestriction, "simpleType"), "union");
+std::vector<NaiveRestriction> unionOf(const std::string& typeName, const Entries& allEntries) {
+    std::vector<NaiveRestriction> members = {{0, "cim:cimAnySimpleType", {}}};
+    addAnyAttribute(members.front());
     std::vector<std::string> entries;
     for (const std::optional<std::string>& entry : allEntries) {
         if (entry)
             entries.push_back(*entry);
     }
     std::vector<std::int64_t> listed;
-    Element* openRestriction = nullptr;
+    bool open = false;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (!containsDotDot(entries[i])) {
-            if (openRestriction == nullptr) {
-                openRestriction =
-                    &addRestriction(addChild(topUnion, "simpleType"), xsType(typeName));
-            }
+            if (!open)
+                members.push_back({1, xsType(typeName), {}});
+            open = true;
             const std::string value = normalised(entries[i]);
-            addFacet(*openRestriction, "enumeration", value);
+            addEnumeration(members.back(), value);
             const std::int64_t number = decimalValue(value);
             if (!contains(listed, number))
                 listed.push_back(number);
             continue;
         }
-        openRestriction = nullptr;
-        if (entries[i] == "..") {
-            addLoneDotDot(topUnion, typeName, entries, i, listed);
-        } else {
-            addRange(topUnion, typeName, entries, i);
-        }
+        open = false;
+        if (entries[i] == "..")
+            addLoneDotDot(members, typeName, entries, i, listed);
+        else
+            members.push_back(range(typeName, entries, i));
     }
-    addAnyAttribute(outerRestriction);
+    return members;
 }
 
 }  // namespace
 
-std::string naiveValueMapRestriction(const std::string& typeName, const Entries& entries,
-                                     bool addMaxLength, long maxLength) {
-    Element root{"xs:simpleContent", {}, {}};
-    bool anyDotDot = false;
+std::vector<NaiveRestriction> naiveValueMap(const std::string& typeName, const Entries& entries,
+                                            bool addMaxLength, long maxLength) {
     for (const std::optional<std::string>& entry : entries) {
         if (entry && containsDotDot(*entry))
-            anyDotDot = true;
+            return unionOf(typeName, entries);
     }
-    if (anyDotDot) {
-        addUnion(root, typeName, entries);
-    } else {
-        addEnumerations(root, typeName, entries, addMaxLength, maxLength);
-    }
-    return printed(root, 0);
+    return {enumerations(typeName, entries, addMaxLength, maxLength)};
 }

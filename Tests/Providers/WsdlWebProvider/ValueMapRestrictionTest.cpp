@@ -706,22 +706,7 @@ TEST(ValueMapRestriction, AFailedUnionLeavesWhatWasBuiltBefore) {
                   WsdlUtil::addRestrictionValueMapChildElement(parent, ModelType("uint8"),
                                                                ModelValue{"1", "3.."}, false, 0);
               }),
-              std::vector<std::string>({
-                  "ITeskValue::getType" + nothing,
-                  "ITeskType::isArray" + nothing,
-                  "ITeskValue::getArrayValues" + nothing,
-                  "ITeskValue::toString" + nothing,
-                  "ITeskValue::toString" + nothing,
-                  "ITeskValue::getArrayValues" + begun,
-                  "ITeskValue::toString" + begun,
-                  "ITeskValue::toString" + begun,
-                  "ITeskType::isReference" + untyped,
-                  "ITeskType::getTypeName" + untyped,
-                  "ITeskType::getTypeName" + untypedRange,
-                  "ITeskType::getTypeName" + untypedRange,
-                  "ITeskType::isReference" + untypedRange,
-                  "ITeskType::getTypeName" + untypedRange,
-              }));
+              std::vector<std::string>({nothing, begun, untyped, untypedRange}));
 }
 
 TEST(ValueMapRestriction, EveryFailureOfTheHostPasses) {
@@ -732,7 +717,7 @@ TEST(ValueMapRestriction, EveryFailureOfTheHostPasses) {
             Element parent = SchemaPrinting::makeElement("parent", "xs");
             WsdlUtil::addRestrictionValueMapChildElement(parent, type, valueMap, true, 8);
         };
-        const std::size_t calls = SchemaPrinting::countCalls(build);
+        const std::size_t calls = HostCalls::count(build);
         EXPECT_EQ(HostCalls::failEach(build, [](const std::string&) {}), calls);
     }
 }

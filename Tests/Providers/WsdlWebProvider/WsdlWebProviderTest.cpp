@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -224,6 +226,81 @@ TEST(WsdlWebProviderLibrary, TheFactoryCanBeCalledAgainAfterItFailed) {
     EXPECT_GE(failures, 1);
     EXPECT_EQ(provider->getProviderName(), "WsdlWebProvider");
     EXPECT_EQ(library.callFactory(), provider);
+}
+
+TEST(WsdlWebProviderLibrary, LoadingItNeedsNoMemoryThatMightBeMissing) {
+    const TemporaryFolder folder;
+    const std::filesystem::path copy = folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    AllocationProbe::failAt(1);
+    void* const library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
+    const bool failed = AllocationProbe::hasFailed();
+    AllocationProbe::failAt(0);
+    EXPECT_NE(library, nullptr);
+    EXPECT_FALSE(failed);
+}
+
+// What a host thread is served while the process runs its exit handlers.
+class ServingAtExit {
+  public:
+    // Its handler runs after all that is registered later, by the library for instance.
+    static void prepare() {
+        setUp();
+        std::atexit([] {
+            const std::string before = *responses_;
+            std::thread([] { serve(); }).join();
+            std::_Exit(*responses_ == before && before.find("Internal") != before.npos ? 0 : 1);
+        });
+        library_ = new FreshLibrary;
+        serve();
+    }
+
+  private:
+    static void setUp() {
+        TSKLog::setLevel(TeskTraceLog::SeverityOff);
+        responses_ = new std::string;
+        host_ = new TestHost;
+        host_->repository().add("root/test", classOne());
+    }
+
+    static std::string responseTo(const char* path) {
+        TSKHTTPRequest request("GET", path, "HTTP/1.1");
+        EmptyInput input;
+        RecordedOutput output;
+        bool handled = true;
+        library_->callFactory()->processHTTPRequest(input, output, request, handled, {});
+        return output.text;
+    }
+
+    static void serve() {
+        const auto manager = TeskProviderPluginManager::getTeskProviderPluginManager();
+        *responses_ = responseTo("/root/test/TST_One.wsdl") + responseTo("/root/test/TST_One.xsd") +
+                      responseTo("/nothing");
+        TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+        *responses_ += responseTo("/root/test/TST_One.wsdl");
+        TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+    }
+
+    // Never destroyed.
+    static inline std::string* responses_;
+    static inline TestHost* host_;
+    static inline FreshLibrary* library_;
+};
+
+TEST(WsdlWebProviderLibrary, AHostThreadMayGenerateWhileTheProcessRunsItsExitHandlers) {
+    EXPECT_EXIT(
+        {
+            ServingAtExit::prepare();
+            std::exit(2);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+// Freed memory mostly reads as before, so the test above fails for sure under AddressSanitizer
+// alone.
+TEST(WsdlWebProviderLibrary, NothingOfItIsDestroyedAtExit) {
+    EXPECT_EQ(outputOf("nm --dynamic --undefined-only --format=just-symbols '" PLUGIN_FILE "'")
+                  .find("__cxa_atexit"),
+              std::string::npos);
 }
 
 TEST(WsdlWebProviderLibrary, DeletingTheInstanceForgetsIt) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ObjectManager/Commands/Check/DocumentCheck.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"

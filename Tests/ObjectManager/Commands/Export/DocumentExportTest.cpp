@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "ObjectManager/Commands/Export/DocumentExport.h"
-#include "ObjectManager/Host/LocalAuthenticator.h"
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"

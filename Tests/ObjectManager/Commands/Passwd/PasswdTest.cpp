@@ -11,6 +11,7 @@
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Passwd/Passwd.h"
 #include "ObjectManager/Security/PasswordFile.h"
+#include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/ObjectManager/Commands/ParsedCommand.h"
 #include "Tests/Support/PseudoTerminal.h"
@@ -117,10 +118,10 @@ TEST_F(PasswdTest, NobodyIsAskedForAPasswordThatCouldNotBeWrittenDown) {
     ASSERT_EQ(chmod(path_.c_str(), 0644), 0);
     EXPECT_EQ(run(request("alice"), "secret"),
               "1: tesk passwd: FOLDER/users: others than its owner can read or write it; "
-              "mend that with: chmod 600 FOLDER/users\n");
+              "correct that with: chmod 600 FOLDER/users\n");
     ASSERT_EQ(chmod(path_.c_str(), 0600), 0);
     EXPECT_EQ(run(request("alice"), "secret"),
-              "1: tesk passwd: FOLDER/users:1: there is no colon between name and hash\n");
+              "1: tesk passwd: FOLDER/users:1: there is no colon between user name and hash\n");
     EXPECT_EQ(asked_, 0);
     EXPECT_EQ(content(), "alice\n");
 }
@@ -129,7 +130,7 @@ TEST_F(PasswdTest, AMissingFolderIsReported) {
     PasswdRequest there = request("alice");
     there.file = folder_ / "missing/users";
     EXPECT_EQ(run(there, "secret"),
-              "1: tesk passwd: FOLDER/missing/users.lock: cannot be locked: "
+              "1: tesk passwd: FOLDER/missing: cannot be locked: "
               "No such file or directory\n");
 }
 
@@ -181,7 +182,7 @@ TEST_F(PasswdCommandTest, AnInterruptedOneChangesNothing) {
     PseudoTerminal terminal([this] { return action_(); });
     ASSERT_TRUE(terminal.waitFor("Password: "));
     terminal.type("topsecret\n");
-    ASSERT_TRUE(terminal.waitFor("Again: "));
+    ASSERT_TRUE(terminal.waitForPrompt("Again: "));
     terminal.type("\x03");
     EXPECT_EQ(terminal.waitForEnd(), "signal 2");
     EXPECT_TRUE(terminal.echoes());
@@ -209,10 +210,10 @@ TEST_F(PasswdCommandTest, EndsWithStatus1WhenTheWorkFails) {
 TEST_F(PasswdCommandTest, WrongUsageIsReported) {
     EXPECT_EQ(parse({}), "FILE is required");
     EXPECT_EQ(parse({path_}), "USER is required");
-    EXPECT_EQ(parse({path_, ""}), "USER: The name cannot be used: it is empty");
-    EXPECT_EQ(parse({path_, "a:b"}), "USER: The name cannot be used: it contains a colon");
+    EXPECT_EQ(parse({path_, ""}), "USER: The user name cannot be used: it is empty");
+    EXPECT_EQ(parse({path_, "a:b"}), "USER: The user name cannot be used: it contains a colon");
     EXPECT_EQ(parse({path_, std::string(256, 'a')}),
-              "USER: The name cannot be used: it is longer than 255 bytes");
+              "USER: The user name cannot be used: it is longer than 255 bytes");
     EXPECT_EQ(parse({path_, "a", "b"}), "The following argument was not expected: b");
     EXPECT_EQ(parse({"--remove", path_, "a"}), "there is no option \"--remove\"");
 }
@@ -233,15 +234,16 @@ TEST_F(PasswdCommandTest, ItsHelpShowsHowItIsUsed) {
 Usage: tesk passwd [OPTIONS] FILE USER
 
 Positionals:
-  FILE TEXT REQUIRED          The password file; made if it is missing
-  USER TEXT REQUIRED          The name of the user
+  FILE TEXT REQUIRED          The password file; created if it is missing
+  USER TEXT REQUIRED          The user name
 
 Options:
   -h,--help                   Print this help message and exit
   --delete                    Remove the user
 
-The file holds a line for each user, with a hash of the password. Only its owner may read it.
-On a terminal the password is asked for twice; else it is the first line of standard input.
+The file has a line for each user, with a hash of the password. Only its owner may read it.
+On a terminal, the command asks for the password twice; otherwise the password is the first
+line of standard input.
 
 Examples:
   tesk passwd /etc/tesk/users alice            add alice, or change her password

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
@@ -12,7 +13,7 @@ namespace {
 // The password, or why there is none.
 std::string readPassword(int input) {
     try {
-        const Security::SecretText password = Commands::readNewPassword(input, STDERR_FILENO);
+        const Security::SecretText password = Commands::readNewPassword(input);
         return "[" + std::string(password.view()) + "]";
     } catch (const TeskBaseException& exception) {
         return exception.getMessage().data();
@@ -42,17 +43,22 @@ std::string readPasswordFrom(std::string_view text) {
     return readPassword(input.descriptor());
 }
 
-// At a terminal: types what is given, a line for each prompt.
+// Reads a password at a terminal and shows it.
+int readAndShow() {
+    const std::string text = readPassword(STDIN_FILENO) + "\n";
+    return write(STDOUT_FILENO, text.data(), text.size()) < 0 ? 1 : 0;
+}
+
+// At a terminal: types the given lines, one for each prompt.
 std::string typePassword(std::initializer_list<std::string_view> lines) {
-    PseudoTerminal terminal([] {
-        const std::string text = readPassword(STDIN_FILENO) + "\n";
-        return write(STDOUT_FILENO, text.data(), text.size()) < 0 ? 1 : 0;
-    });
+    PseudoTerminal terminal(&readAndShow);
     for (const std::string_view line : lines) {
         EXPECT_TRUE(terminal.waitFor(": ")) << terminal.shown();
+        EXPECT_FALSE(terminal.echoes());
         terminal.type(std::string(line) + "\n");
     }
     EXPECT_EQ(terminal.waitForEnd(), "status 0");
+    EXPECT_TRUE(terminal.echoes());
     return terminal.shown();
 }
 
@@ -113,6 +119,78 @@ TEST(PasswordInput, WhatCanBeNoPasswordNeedNotBeTypedTwice) {
     EXPECT_EQ(typePassword({""}), "Password: \r\nThe password cannot be used: it is empty\r\n");
     EXPECT_EQ(typePassword({std::string(512, 'x')}),
               "Password: \r\nThe password cannot be used: it is longer than 511 bytes\r\n");
+}
+
+TEST(PasswordInput, WhatIsTypedCanBeCorrected) {
+    EXPECT_EQ(typePassword({"ab\x7F"
+                            "c",
+                            "ac"}),
+              "Password: \r\nAgain: \r\n[ac]\r\n");
+}
+
+TEST(PasswordInput, TheRestOfALineThatIsTooLongIsNotReadLater) {
+    PseudoTerminal terminal([] {
+        const int first = readAndShow();
+        return first + readAndShow();
+    });
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    terminal.type(std::string(1500, 'x') + "\n");
+    ASSERT_TRUE(terminal.waitFor("511 bytes"));
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    terminal.type("y\n");
+    ASSERT_TRUE(terminal.waitFor("Again: "));
+    terminal.type("y\n");
+    EXPECT_EQ(terminal.waitForEnd(), "status 0");
+    EXPECT_EQ(terminal.shown(),
+              "Password: \r\nThe password cannot be used: it is longer than 511 bytes\r\n"
+              "Password: \r\nAgain: \r\n[y]\r\n");
+}
+
+TEST(PasswordInput, TheTerminalEchoesAgainAfterAnInterruption) {
+    PseudoTerminal terminal(&readAndShow);
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    EXPECT_FALSE(terminal.echoes());
+    terminal.type("half\x03");
+    EXPECT_EQ(terminal.waitForEnd(), "signal 2");
+    EXPECT_EQ(terminal.shown(), "Password: \r\n");
+    EXPECT_TRUE(terminal.echoes());
+}
+
+TEST(PasswordInput, TheTerminalEchoesAgainAfterASignal) {
+    for (const int signal : {SIGTERM, SIGHUP, SIGQUIT}) {
+        PseudoTerminal terminal(&readAndShow);
+        ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+        terminal.sendSignal(signal);
+        EXPECT_EQ(terminal.waitForEnd(), "signal " + std::to_string(signal));
+        EXPECT_TRUE(terminal.echoes());
+    }
+}
+
+TEST(PasswordInput, IsAskedForAgainAfterAStop) {
+    // No shell could continue the process, so the system does not let it stop.
+    PseudoTerminal terminal(&readAndShow);
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    terminal.type("half\x1A");
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    EXPECT_FALSE(terminal.echoes());
+    terminal.type("whole\n");
+    ASSERT_TRUE(terminal.waitFor("Again: "));
+    terminal.type("whole\n");
+    EXPECT_EQ(terminal.waitForEnd(), "status 0");
+    EXPECT_EQ(terminal.shown(), "Password: \r\nPassword: \r\nAgain: \r\n[whole]\r\n");
+}
+
+TEST(PasswordInput, SignalsWorkAsBeforeAfterwards) {
+    PseudoTerminal terminal([] {
+        readAndShow();
+        pause();
+        return 0;
+    });
+    ASSERT_TRUE(terminal.waitForPrompt("Password: "));
+    terminal.type("\n");
+    ASSERT_TRUE(terminal.waitFor("empty"));
+    terminal.type("\x03");
+    EXPECT_EQ(terminal.waitForEnd(), "signal 2");
 }
 
 }  // namespace

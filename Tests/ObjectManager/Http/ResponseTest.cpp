@@ -1,0 +1,99 @@
+#include <gtest/gtest.h>
+#include <string>
+
+#include "ObjectManager/Http/Response.h"
+#include "Tests/ObjectManager/Http/WithoutDate.h"
+
+namespace {
+
+using Http::dateField;
+using Http::Response;
+
+// What would be sent now.
+std::string unsentOf(const Response& response) {
+    std::string text;
+    for (const boost::asio::const_buffer& part : response.unsent())
+        text.append(static_cast<const char*>(part.data()), part.size());
+    return text;
+}
+
+std::string sent(const std::string& text, bool withoutBody = false) {
+    return unsentOf(Response::make(text, withoutBody).value());
+}
+
+TEST(Response, TheDateFollowsTheStatusLine) {
+    const std::string response =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nX: y\r\n\r\nbody\r\n\r\nmore";
+    EXPECT_EQ(sent(response).substr(0, 23), "HTTP/1.1 200 OK\r\nDate: ");
+    EXPECT_EQ(withoutDate(sent(response)), response);
+}
+
+TEST(Response, AMissingConnectionFieldIsAdded) {
+    EXPECT_EQ(withoutDate(sent("HTTP/1.0 404 No\r\n\r\n")),
+              "HTTP/1.0 404 No\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(
+        withoutDate(sent("HTTP/1.1 200 OK\r\nX: Connection: \r\n\r\nConnection: close\r\n")),
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nX: Connection: \r\n\r\nConnection: close\r\n");
+    EXPECT_EQ(withoutDate(sent("HTTP/1.1 200 OK\r\nX: y\r\ncONNECTION:close\r\n\r\n")),
+              "HTTP/1.1 200 OK\r\nX: y\r\ncONNECTION:close\r\n\r\n");
+}
+
+TEST(Response, TheBodyIsLeftOutForHead) {
+    EXPECT_EQ(withoutDate(sent(
+                  "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 4\r\n\r\nbody", true)),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 4\r\n\r\n");
+}
+
+TEST(Response, OnlyAResponseIsSent) {
+    for (const char* const response :
+         {"", "body", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\n\n", "HTTP/2 200\r\n\r\n",
+          " HTTP/1.1 200 OK\r\n\r\n", "HTTP/1.1 200 OK\r\nX: y\r\n"})
+        EXPECT_FALSE(Response::make(response, false).has_value()) << response;
+}
+
+TEST(Response, IsSentInPiecesOfAnySize) {
+    const std::string written = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nbody";
+    const std::string whole = sent(written);
+    for (std::size_t piece = 1; piece <= whole.size(); ++piece) {
+        Response response = Response::make(written, false).value();
+        std::string text;
+        while (!response.isSent()) {
+            const std::string next = unsentOf(response).substr(0, piece);
+            response.consume(next.size());
+            text += next;
+        }
+        EXPECT_EQ(withoutDate(text), written) << piece;
+        EXPECT_EQ(unsentOf(response), "");
+    }
+}
+
+TEST(Response, TheBodyIsNotCopied) {
+    std::string written =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + std::string(100'000, 'x');
+    const char* const bytes = written.data();
+    const std::size_t statusLine = 17;
+    const Response response = Response::make(std::move(written), false).value();
+    EXPECT_EQ(response.unsent()[0].data(), bytes);
+    EXPECT_EQ(response.unsent()[2].data(), bytes + statusLine);
+}
+
+TEST(DateField, IsWrittenAsRfc9110Shows) {
+    EXPECT_EQ(dateField(784'111'777), "Date: Sun, 06 Nov 1994 08:49:37 GMT\r\n");
+}
+
+TEST(DateField, EveryDayAndMonthHasItsName) {
+    EXPECT_EQ(dateField(0), "Date: Thu, 01 Jan 1970 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'709'164'800), "Date: Thu, 29 Feb 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'711'929'599), "Date: Sun, 31 Mar 2024 23:59:59 GMT\r\n");
+    EXPECT_EQ(dateField(1'711'929'600), "Date: Mon, 01 Apr 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'715'040'000), "Date: Tue, 07 May 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'718'150'400), "Date: Wed, 12 Jun 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'721'347'200), "Date: Fri, 19 Jul 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'723'852'800), "Date: Sat, 17 Aug 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'725'840'000), "Date: Mon, 09 Sep 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'729'555'200), "Date: Tue, 22 Oct 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(1'735'603'200), "Date: Tue, 31 Dec 2024 00:00:00 GMT\r\n");
+    EXPECT_EQ(dateField(253'402'300'799), "Date: Fri, 31 Dec 9999 23:59:59 GMT\r\n");
+}
+
+}  // namespace

@@ -1,0 +1,5 @@
+#pragma once
+
+#include "Platform/Util/TSKString.h"
+
+bool TeskProviderGetDllVersion(TSKString& version);

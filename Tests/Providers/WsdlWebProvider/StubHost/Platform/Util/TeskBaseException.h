@@ -1,0 +1,6 @@
+#pragma once
+
+class TeskBaseException {
+  public:
+    int getErrorCode() const;
+};
