@@ -71,13 +71,13 @@ void Reloader::readAll(std::ostream& messages) {
     std::optional<Security::UserTable> users;
     if (!settings.security.passwordFile.empty())
         users = loadUsers(settings.security).users;
-    service_.setRepository(repository);
-    if (users)
-        service_.setUsers(*std::move(users));
+    const std::string done = "Reloaded: " + contentText(*repository);
+    service_.replace(repository, std::move(users));
+    // Nothing below throws: what is said would not be true.
     passwordFile_ = passwordFile;
     warnOfSettingsThatNeedARestart(settings);
-    settings_.security.passwordFile = settings.security.passwordFile;
-    Base::log("tesk", TeskTraceLog::SeverityInformation, "Reloaded: " + contentText(*repository));
+    settings_.security.passwordFile.swap(settings.security.passwordFile);
+    Base::log("tesk", TeskTraceLog::SeverityInformation, done);
 }
 
 // A password that is generated while the service runs could not be shown to the user.
