@@ -12,9 +12,9 @@
 
 namespace {
 
-// A program makes thousands of allocations, most of them by the same few loops. These many are all
-// made to fail; of those after them each 13th, a number that no loop's length is a multiple of.
-constexpr std::size_t kAll = 300;
+// A program makes thousands of allocations, the later ones by the same few loops. So many are all
+// made to fail; after them every 13th: the allocations of a loop's pass are never a multiple of that.
+constexpr std::size_t kAll = 1000;
 constexpr std::size_t kStride = 13;
 
 // When so many runs of a test have shown something, the others show the same.
@@ -94,7 +94,7 @@ std::vector<std::string> FaultTest::reasons(const std::string& call) {
     if (call == "write")
         words.emplace_back("the output cannot be written");
     if (call == "allocation")
-        words.emplace_back("emory");
+        words.emplace_back("there is not enough memory");
     return words;
 }
 

@@ -29,7 +29,7 @@ class FaultTest : public testing::Test {
     void SetUp() override;
 
     /// Has `run` run the program with the 1st, 2nd, 3rd … call of that kind failing until it makes
-    /// fewer calls. Allocations beyond the first hundreds are sampled.
+    /// fewer calls. Allocations beyond the first thousand are sampled.
     void failEachCall(const std::string& call, const std::function<void(const Fault&)>& run,
                       const std::string& begin = "main");
 
