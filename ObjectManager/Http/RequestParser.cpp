@@ -40,6 +40,7 @@ class HeaderParser final : public http::request_parser<http::empty_body> {
     explicit HeaderParser(std::size_t maxFields) : maxFields_(maxFields) {
         header_limit(std::numeric_limits<std::uint32_t>::max());
         body_limit(std::numeric_limits<std::uint64_t>::max());
+        fields_.reserve(16);  // clients send about ten
     }
 
     // What is wrong with the header section, no error if nothing is.

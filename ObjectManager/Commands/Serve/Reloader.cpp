@@ -25,6 +25,12 @@ std::optional<std::string> failureOf(const Work& work) {
     }
 }
 
+// Owner and permissions may differ: the users are the same.
+bool hasSameContent(const Base::FileVersion& file, const Base::FileVersion& other) {
+    return file.identity == other.identity && file.size == other.size &&
+           file.modifiedNanoseconds == other.modifiedNanoseconds;
+}
+
 void logLines(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
@@ -52,7 +58,7 @@ void Reloader::reloadAll() {
 
 void Reloader::reloadUsersIfChanged() {
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings_.security.passwordFile);
-    if (settings_.security.passwordFile.empty() || passwordFile == passwordFile_)
+    if (settings_.security.passwordFile.empty() || hasSameContent(passwordFile, passwordFile_))
         return;
     passwordFile_ = passwordFile;
     const std::optional<std::string> reason = failureOf([&] {

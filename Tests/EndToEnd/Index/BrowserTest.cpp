@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <regex>
 
-#include "ObjectManager/Index/SourceHash.h"
+#include "ObjectManager/Index/IndexPage.h"
 #include "Tests/Support/RunningProgram.h"
 
 void BrowserTest::SetUp() {
