@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -46,8 +47,12 @@ TSKSmrPtr<TSKLogSink> openSink(const std::string& path) {
 }  // namespace
 
 void log(std::string_view component, TeskTraceLog::Severity severity, std::string_view text) {
-    TSKLog::log(TSKString(component), TSKString(text), severity, TeskTraceLog::VerbosityNormal, 0,
-                TSKLog::CIMOMLOG);
+    try {
+        TSKLog::log(TSKString(component), TSKString(text), severity, TeskTraceLog::VerbosityNormal,
+                    0, TSKLog::CIMOMLOG);
+    } catch (const std::bad_alloc&) {
+        // The line is lost, but what it tells of goes on.
+    }
 }
 
 LogOutput::LogOutput(std::string path, TeskTraceLog::Severity level) : path_(std::move(path)) {

@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <iterator>
+#include <new>
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Utf8.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace Base {
 
@@ -98,6 +100,14 @@ std::string bytesText(std::size_t bytes) {
 
 std::string secondsText(double seconds) {
     return fixed(seconds, 2) + " s";
+}
+
+std::string_view reasonOf(const std::exception& error) noexcept {
+    if (const auto* const failure = dynamic_cast<const TeskBaseException*>(&error))
+        return failure->getMessage();
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
+        return "there is not enough memory";
+    return error.what();
 }
 
 std::string logText(std::string_view text) {

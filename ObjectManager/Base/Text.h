@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +33,10 @@ namespace Base {
 
 /// "0.52 s".
 [[nodiscard]] std::string secondsText(double seconds);
+
+/// Why something failed, as a message says it: that of a TeskBaseException, in plain words that
+/// memory ran out, else what(). Lives as long as the exception.
+[[nodiscard]] std::string_view reasonOf(const std::exception& error) noexcept;
 
 /// `text` as it may stand in a line of the log, whoever it comes from: bytes that are not printable
 /// ASCII become \xHH, a backslash becomes \\; after 200 bytes "..." stands for the rest.

@@ -3,7 +3,7 @@
 #include <exception>
 #include <utility>
 
-#include "Platform/Util/TeskBaseException.h"
+#include "ObjectManager/Base/Text.h"
 
 namespace Commands {
 
@@ -30,11 +30,9 @@ RequestedDocument requestDocument(const Host::MemoryClient& client,
         if (fault.empty())
             return {.response = std::move(response), .failure = {}};
         return {.response = std::nullopt, .failure = name + ": " + fault};
-    } catch (const TeskBaseException& error) {
-        return {.response = std::nullopt,
-                .failure = name + " cannot be made: " + error.getMessage().data()};
     } catch (const std::exception& error) {
-        return {.response = std::nullopt, .failure = name + " cannot be made: " + error.what()};
+        return {.response = std::nullopt,
+                .failure = name + " cannot be made: " + std::string(Base::reasonOf(error))};
     }
 }
 

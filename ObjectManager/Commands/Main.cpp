@@ -3,10 +3,11 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "Platform/Util/TSKLog.h"
-#include "Platform/Util/TeskBaseException.h"
 
 namespace {
 
@@ -31,24 +32,23 @@ Commands::Program makeProgram() {
                      Commands::classesCommand(), Commands::passwdCommand()}};
 }
 
-int run(const Commands::Action& action) {
-    try {
-        return action();
-    } catch (const TeskBaseException& error) {
-        std::cerr << "tesk: " << error.getMessage() << "\n";
-    } catch (const std::exception& error) {
-        std::cerr << "tesk: " << error.what() << "\n";
-    }
-    return kFailed;
+// Does what the command line asks for. Returns the exit status.
+int run(const std::vector<std::string>& arguments) {
+    const Commands::ParsedCommandLine commandLine =
+        Commands::parseCommandLine(makeProgram(), arguments, std::cout, std::cerr);
+    return commandLine.action ? commandLine.action() : commandLine.status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    TSKLog::setLevel(TeskTraceLog::SeverityError);
-    const Commands::ParsedCommandLine commandLine =
-        Commands::parseCommandLine(makeProgram(), {argv + 1, argv + argc}, std::cout, std::cerr);
-    const int status = commandLine.action ? run(commandLine.action) : commandLine.status;
+    int status = kFailed;
+    try {
+        TSKLog::setLevel(TeskTraceLog::SeverityError);
+        status = run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        std::cerr << "tesk: " << Base::reasonOf(error) << "\n";
+    }
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "tesk: the output cannot be written\n";

@@ -1,6 +1,5 @@
 #include "ObjectManager/Host/ProviderHost.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
@@ -22,13 +21,6 @@ class Installation : public ITeskInstallation {
   private:
     TSKString directory_;
 };
-
-bool holdsLibrary(const std::filesystem::path& directory) {
-    const auto files = std::filesystem::directory_iterator(directory);
-    return std::any_of(begin(files), end(files), [](const auto& file) {
-        return ProviderLibrary::isLibraryName(file.path().filename().c_str());
-    });
-}
 
 // An object manager without one of its providers would respond with 404 where it should serve a
 // document.
@@ -67,7 +59,7 @@ void ProviderHost::start(const std::filesystem::path& directory,
     for (urma::pf::Provider* const provider : ownProviders)
         requireNone(manager_->addProvider(*provider, provider->getProviderName()));
     requireNone(manager_->loadProviders(directory.c_str()));
-    if (!holdsLibrary(directory)) {
+    if (ProviderLibrary::filesIn(directory.c_str()).empty()) {
         throw TeskBaseException(
             "ProviderHost", TSKString(directory.c_str()) + ": holds no provider", CIM_ERR_FAILED);
     }

@@ -47,7 +47,7 @@ Response Dispatcher::respond(TSKHTTPRequest& request,
             return std::move(*response);
         return fail(request, "no HTTP response was written");
     } catch (const std::exception& exception) {
-        return fail(request, exception.what());
+        return fail(request, Base::reasonOf(exception));
     } catch (...) {
         return fail(request, "an exception of unknown type");
     }

@@ -32,7 +32,7 @@ void IoThread::run() noexcept {
             context_.run();
         } catch (const std::exception& exception) {
             Base::log(kLogComponent, TeskTraceLog::SeverityError,
-                      "A connection failed: " + Base::logText(exception.what()));
+                      "A connection failed: " + Base::logText(Base::reasonOf(exception)));
         }
     }
 }

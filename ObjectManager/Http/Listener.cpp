@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -74,8 +75,21 @@ void Listener::close() {
 void Listener::waitForClients() {
     acceptor_.async_wait(tcp::acceptor::wait_read, [this](const error_code& error) {
         if (error != boost::asio::error::operation_aborted)
-            acceptWaiting();
+            continueAccepting();
     });
+}
+
+// A failure must not end the waiting: nothing else would begin it again. One comes here only when
+// there is no memory to wait with; all connections wait for some then.
+void Listener::continueAccepting() {
+    while (acceptor_.is_open()) {
+        try {
+            acceptWaiting();
+            return;
+        } catch (const std::exception&) {
+            std::this_thread::sleep_for(kPause);
+        }
+    }
 }
 
 void Listener::acceptWaiting() {
@@ -100,18 +114,21 @@ error_code Listener::acceptOne() {
     if (descriptor < 0)
         return {errno, boost::system::system_category()};
     client.resize(length);
-    tcp::socket socket(acceptor_.get_executor());
     error_code error;
-    socket.assign(client.protocol(), descriptor, error);
-    if (error) {
-        ::close(descriptor);
-        return error;
-    }
+    bool isOwned = false;
     try {
-        accept_(std::move(socket), client);
+        tcp::socket socket(acceptor_.get_executor());
+        socket.assign(client.protocol(), descriptor, error);
+        isOwned = !error;
+        if (isOwned)
+            accept_(std::move(socket), client);
     } catch (const std::exception&) {
-        return boost::asio::error::no_memory;
+        error = boost::asio::error::no_memory;
     }
+    if (!isOwned)
+        ::close(descriptor);
+    if (error)
+        return error;
     isPaused_ = false;
     return {};
 }
@@ -123,7 +140,7 @@ void Listener::pause(const error_code& reason) {
     pauseEnd_.expires_after(kPause);
     pauseEnd_.async_wait([this](const error_code& error) {
         if (!error)
-            acceptWaiting();
+            continueAccepting();
     });
 }
 

@@ -40,6 +40,7 @@ class Listener {
 
   private:
     void waitForClients();
+    void continueAccepting();
     void acceptWaiting();
     [[nodiscard]] boost::system::error_code acceptOne();
     void pause(const boost::system::error_code& reason);

@@ -37,8 +37,7 @@ WorkerPool::WorkerPool(unsigned threads, std::size_t maxSlowWaiting)
 }
 
 WorkerPool::~WorkerPool() {
-    dropWaiting();
-    join();
+    join();  // jobs that wait are destroyed with their queues
 }
 
 void WorkerPool::postQuick(Job job) {

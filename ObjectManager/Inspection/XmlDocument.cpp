@@ -1,7 +1,10 @@
 #include "ObjectManager/Inspection/XmlDocument.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <libxml/parser.h>
+#include <libxml/xmlmemory.h>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -50,6 +53,40 @@ class FirstError {
     xmlError error_ = {};
 };
 
+// libxml2 goes on without what it could not allocate, and does not always say so. So its
+// allocations of this thread that fail are noted here.
+thread_local bool ranOutOfMemory = false;
+
+void* noted(void* memory) noexcept {
+    if (memory == nullptr)
+        ranOutOfMemory = true;
+    return memory;
+}
+
+void* allocate(std::size_t size) noexcept {
+    return noted(std::malloc(size));
+}
+
+void* reallocate(void* memory, std::size_t size) noexcept {
+    return noted(std::realloc(memory, size));
+}
+
+char* duplicate(const char* text) noexcept {
+    return static_cast<char*>(noted(strdup(text)));
+}
+
+// The message is for a terminal, and the failure is reported by an exception.
+void ignoreMessage(void* /*context*/, const char* /*format*/, ...) noexcept {}
+
+void setUpLibrary() {
+    xmlMemSetup(std::free, allocate, reallocate, duplicate);
+    xmlSetGenericErrorFunc(nullptr, ignoreMessage);
+    ranOutOfMemory = false;
+    xmlInitParser();
+    if (ranOutOfMemory)
+        throw std::bad_alloc();
+}
+
 void ignoreEntity(void* /*context*/, const xmlChar* /*name*/, int /*type*/,
                   const xmlChar* /*publicId*/, const xmlChar* /*systemId*/,
                   xmlChar* /*content*/) noexcept {}
@@ -57,7 +94,9 @@ void ignoreEntity(void* /*context*/, const xmlChar* /*name*/, int /*type*/,
 Context makeContext() {
     // Sets up what all parsers share, before several threads want it.
     static std::once_flag once;
-    std::call_once(once, xmlInitParser);
+    std::call_once(once, setUpLibrary);
+    ranOutOfMemory = false;
+    xmlSetGenericErrorFunc(nullptr, ignoreMessage);
     Context context(xmlNewParserCtxt());
     if (!context)
         throw std::bad_alloc();
@@ -86,6 +125,8 @@ XmlDocument::XmlDocument(std::string_view text) {
     constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE;
     document_.reset(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
                                       nullptr, nullptr, kOptions));
+    if (ranOutOfMemory)
+        throw std::bad_alloc();
     if (error.hasOccurred())
         fault_ = error.text();
     else if (!document_)

@@ -1,7 +1,11 @@
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
 
@@ -61,4 +65,22 @@ bool ProviderLibrary::isLibraryName(const TSKString& fileName) {
     const std::string_view name = fileName;
     return name.size() > kPrefix.size() + kSuffix.size() && name.starts_with(kPrefix) &&
            name.ends_with(kSuffix);
+}
+
+// An iterator of <filesystem> would end the process when memory runs out.
+std::vector<std::string> ProviderLibrary::filesIn(const TSKString& directory) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(directory.data()), &closedir);
+    if (entries == nullptr)
+        throw std::system_error(errno, std::generic_category());
+    std::vector<std::string> files;
+    errno = 0;
+    while (const dirent* const entry = readdir(entries.get())) {
+        if (isLibraryName(entry->d_name))
+            files.push_back(directory.data() + std::string("/") + entry->d_name);
+        errno = 0;
+    }
+    if (errno != 0)
+        throw std::system_error(errno, std::generic_category());
+    std::ranges::sort(files);
+    return files;
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "Platform/ProviderFramework/Provider.h"
 #include "Platform/Util/Export.h"
 #include "Platform/Util/TSKString.h"
@@ -24,4 +27,8 @@ class TESK_PLATFORM_EXPORT ProviderLibrary {
     /// Whether a file of that name, without its directory, is taken for a provider library:
     /// libNAME.so.
     [[nodiscard]] static bool isLibraryName(const TSKString& fileName);
+
+    /// The paths of the files of such names in a directory, sorted.
+    /// Errors: std::system_error when the directory cannot be read.
+    [[nodiscard]] static std::vector<std::string> filesIn(const TSKString& directory);
 };

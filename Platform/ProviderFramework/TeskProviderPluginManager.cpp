@@ -1,11 +1,10 @@
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
-#include <system_error>
 
 #include "Platform/Internal/TSKInstalled.h"
 #include "Platform/ProviderFramework/ProviderLibrary.h"
@@ -37,22 +36,13 @@ std::optional<TSKString> failureOf(const char* name, const Step& step) {
     try {
         step();
         return std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return TSKString(name) + " failed: there is not enough memory";
     } catch (const std::exception& exception) {
         return TSKString(name) + " failed: " + exception.what();
     } catch (...) {
         return TSKString(name) + " failed with an exception of unknown type";
     }
-}
-
-// The paths of the libraries in a directory, sorted. Throws std::filesystem::filesystem_error.
-std::vector<std::string> librariesIn(const TSKString& directory) {
-    std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory.data())) {
-        if (ProviderLibrary::isLibraryName(entry.path().filename().c_str()))
-            files.push_back(entry.path().string());
-    }
-    std::ranges::sort(files);
-    return files;
 }
 
 // The URIs of the namespaces in a list, which may be null.
@@ -125,8 +115,8 @@ TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
 Failures TeskProviderPluginManager::loadProviders(const TSKString& directory) {
     Failures failures;
     std::vector<std::string> files;
-    if (const auto failure =
-            failureOf("Reading the directory", [&] { files = librariesIn(directory); }))
+    if (const auto failure = failureOf("Reading the directory",
+                                       [&] { files = ProviderLibrary::filesIn(directory); }))
         report(failures, directory, *failure);
     for (const std::string& file : files) {
         const TSKString path = file.c_str();

@@ -82,12 +82,9 @@ TEST_F(Installation, NeedsTheProvidersToMakeDocuments) {
     const ProgramRun without = run(TESK_PROGRAM_DIR "/tesk check");
     EXPECT_EQ(without.end, "status 1");
     EXPECT_EQ(without.output, "");
-    EXPECT_NE(
-        without.errors.find("\ntesk: PREFIX/" TESK_PROVIDERS_DIR
-                            ": Reading the directory failed: filesystem error: "
-                            "directory iterator cannot open directory: No such file or directory "
-                            "[PREFIX/" TESK_PROVIDERS_DIR "]\n"),
-        std::string::npos)
+    EXPECT_NE(without.errors.find("\ntesk: PREFIX/" TESK_PROVIDERS_DIR
+                                  ": Reading the directory failed: No such file or directory\n"),
+              std::string::npos)
         << without.errors;
     std::filesystem::create_directories(prefix_ / TESK_PROVIDERS_DIR);
     const ProgramRun empty = run(TESK_PROGRAM_DIR "/tesk check");

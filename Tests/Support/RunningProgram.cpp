@@ -78,6 +78,12 @@ void RunningProgram::pause() const {
             0);
 }
 
+bool RunningProgram::isRunning() const {
+    siginfo_t ended = {};
+    require(waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0);
+    return ended.si_pid == 0;
+}
+
 std::string RunningProgram::waitForStatus() {
     // By its number: the header of glibc 2.36 declares pidfd_open in a way that C++ cannot link.
     const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process_, 0));

@@ -26,6 +26,8 @@ class RunningProgram {
     /// Stops the program and waits until it stands still, or has ended; SIGCONT lets it go on.
     void pause() const;
 
+    [[nodiscard]] bool isRunning() const;
+
     /// A program that runs longer than anybody is patient is killed, and its end tells so.
     [[nodiscard]] ProgramRun waitForEnd();
 

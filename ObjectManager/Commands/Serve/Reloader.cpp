@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/Serve/ServiceUsers.h"
-#include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
 
@@ -20,10 +20,8 @@ std::optional<std::string> failureOf(const Work& work) {
     try {
         work();
         return std::nullopt;
-    } catch (const TeskBaseException& error) {
-        return error.getMessage().data();
     } catch (const std::exception& error) {
-        return error.what();
+        return std::string(Base::reasonOf(error));
     }
 }
 
@@ -73,13 +71,13 @@ void Reloader::readAll(std::ostream& messages) {
     std::optional<Security::UserTable> users;
     if (!settings.security.passwordFile.empty())
         users = loadUsers(settings.security).users;
-    service_.setRepository(repository);
-    if (users)
-        service_.setUsers(*std::move(users));
+    const std::string done = "Reloaded: " + contentText(*repository);
+    service_.replace(repository, std::move(users));
+    // Nothing below throws: what is said would not be true.
     passwordFile_ = passwordFile;
     warnOfSettingsThatNeedARestart(settings);
-    settings_.security.passwordFile = settings.security.passwordFile;
-    Base::log("tesk", TeskTraceLog::SeverityInformation, "Reloaded: " + contentText(*repository));
+    settings_.security.passwordFile.swap(settings.security.passwordFile);
+    Base::log("tesk", TeskTraceLog::SeverityInformation, done);
 }
 
 // A password that is generated while the service runs could not be shown to the user.

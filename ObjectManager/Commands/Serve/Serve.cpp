@@ -148,14 +148,15 @@ int runServe(const ServeOptions& options) {
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);
+    // Before the service is announced: from then on it ends by signals alone.
+    Reloader reloader(
+        service, [&options](std::ostream& messages) { return readSettings(options, messages); },
+        settings, passwordFile);
     service.start();
     if (!announce(service, *repository, users)) {
         (void)stop(service);
         return 1;  // the program says that its output cannot be written
     }
-    Reloader reloader(
-        service, [&options](std::ostream& messages) { return readSettings(options, messages); },
-        settings, passwordFile);
     int signal = 0;
     while ((signal = signals.waitFor(kPasswordFileInterval)) == 0 || signal == SIGHUP) {
         if (signal == SIGHUP) {

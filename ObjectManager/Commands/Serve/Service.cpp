@@ -9,7 +9,8 @@ namespace Commands {
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : authenticator_(
+    : repository_(repository),
+      authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
@@ -29,9 +30,19 @@ void Service::start() {
     server_.start();
 }
 
-void Service::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
-    host_.setRepository(repository);
-    index_.setRepository(repository);
+void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
+                      std::optional<Security::UserTable> users) {
+    try {
+        host_.setRepository(repository);
+        index_.setRepository(repository);
+        if (users)
+            setUsers(*std::move(users));
+    } catch (...) {
+        host_.setRepository(repository_);
+        index_.setRepository(repository_);
+        throw;
+    }
+    repository_ = repository;
 }
 
 void Service::setUsers(Security::UserTable users) {

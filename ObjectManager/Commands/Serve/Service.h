@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,10 @@ class Service {
     /// Serves from now on.
     void start();
 
-    /// Requests that begin from now on are served from these classes and users.
-    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    /// Requests that begin from now on are served from these classes and, if there are any, for
+    /// these users. Neither is replaced when this throws, as it does when memory runs out.
+    void replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
+                 std::optional<Security::UserTable> users);
     void setUsers(Security::UserTable users);
 
     /// Takes no further requests and finishes those that run, within the shutdown timeout. Returns
@@ -44,6 +47,7 @@ class Service {
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:
+    TSKSmrPtr<Repository::ClassRepository> repository_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Index::IndexProvider index_;
     Host::ProviderHost host_;

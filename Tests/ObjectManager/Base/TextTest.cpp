@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "ObjectManager/Base/Text.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace {
 
@@ -16,6 +19,13 @@ using Base::percentEncodedPath;
 using Base::secondsText;
 using Base::withSeparators;
 using Base::xmlText;
+
+TEST(Text, TheReasonOfAFailureIsWhatAMessageSays) {
+    EXPECT_EQ(Base::reasonOf(TeskBaseException("Somewhere", "it is too late", 1)),
+              "it is too late");
+    EXPECT_EQ(Base::reasonOf(std::bad_alloc()), "there is not enough memory");
+    EXPECT_EQ(Base::reasonOf(std::runtime_error("it is too early")), "it is too early");
+}
 
 TEST(Text, QuotesAndJoins) {
     EXPECT_EQ(Base::quoted("CIM_Foo"), "\"CIM_Foo\"");

@@ -140,10 +140,7 @@ TEST_F(ProviderHostTest, OwnProvidersComeBeforeTheLibraries) {
 
 TEST_F(ProviderHostTest, NeedsTheDirectoryOfProviders) {
     std::filesystem::remove(installation_ / "providers");
-    EXPECT_EQ(failure(),
-              "HERE/providers: Reading the directory failed: filesystem error: directory "
-              "iterator cannot open directory: No such file or directory "
-              "[HERE/providers]");
+    EXPECT_EQ(failure(), "HERE/providers: Reading the directory failed: No such file or directory");
     expectNothingInstalled();
 }
 

@@ -1,0 +1,181 @@
+// The commands that end by themselves, with each of their calls into the C library failing once. A
+// command does what it would have done without, or says what it could not do and why; what it has
+// written is complete.
+
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+#include <unistd.h>
+
+#include "Tests/EndToEnd/Faults/Faults.h"
+#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/RunningProgram.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class CommandFaults : public FaultTest, public testing::WithParamInterface<std::string> {
+  protected:
+    static constexpr const char* kOldClasses =
+        "Qualifier Key : boolean = false, Scope(property);\n"
+        "class TST_A { [Key] uint32 Id; };\n"
+        "class TST_Gone { string Text; };\n";
+    static constexpr const char* kNewClasses =
+        "Qualifier Key : boolean = false, Scope(property);\n"
+        "class TST_A { [Key] uint32 Id; string Added; };\n"
+        "class TST_B : TST_A { uint32 Stop([Key(false)] uint32 When); };\n";
+
+    [[nodiscard]] ProgramRun run(const std::vector<std::string>& arguments, const Fault& fault,
+                                 const std::string& input = "/dev/null") const {
+        std::vector<std::string> command = {PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        RunningProgram program(command, [&] {
+            inject(fault);
+            dup2(open(input.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+        });
+        return program.waitForEnd();
+    }
+
+    // A run without a fault.
+    [[nodiscard]] ProgramRun run(const std::vector<std::string>& arguments,
+                                 const std::string& input = "/dev/null") const {
+        return run(arguments, {.call = "", .number = 0}, input);
+    }
+
+    // One that has done what it should tells so by its status; one that has not says why, unless
+    // the fault took the means to do so.
+    void expectToldFailure(const ProgramRun& run, const Fault& fault) const {
+        ASSERT_EQ(run.end, "status 1") << run.errors;
+        const bool couldTell = report().find("/errors\n") == std::string::npos;
+        EXPECT_TRUE(!couldTell || namesReason(run.errors + run.output, fault)) << "not said why:\n"
+                                                                               << run.errors;
+    }
+};
+
+class CheckFaults : public CommandFaults {};
+
+std::string withoutTime(const std::string& text) {
+    return std::regex_replace(text, std::regex(", [0-9]+\\.[0-9][0-9] s:"), ", TIME:");
+}
+
+TEST_P(CheckFaults, CheckFindsTheSameOrSaysWhyNot) {
+    const std::string model = folder_.write("test.mof", kNewClasses);
+    const std::vector<std::string> arguments = {"check", "--jobs", "2", "--namespace",
+                                                "root/test=" + model};
+    const ProgramRun right = run(arguments);
+    ASSERT_EQ(right.end, "status 0") << right.errors;
+    failEachCall(GetParam(), [&](const Fault& fault) {
+        const ProgramRun outcome = run(arguments, fault);
+        if (outcome.end == "status 0")
+            EXPECT_EQ(withoutTime(outcome.output), withoutTime(right.output));
+        else
+            expectToldFailure(outcome, fault);
+    });
+}
+
+class ExportFaults : public CommandFaults {
+  protected:
+    // What an export of these classes makes of the folder.
+    void exportClasses(const char* classes, const fs::path& output) const {
+        folder_.write("test.mof", classes);
+        const ProgramRun done = run(arguments(output));
+        ASSERT_EQ(done.end, "status 0") << done.errors;
+    }
+
+    [[nodiscard]] std::vector<std::string> arguments(const fs::path& output) const {
+        return {"export",   "--prune",     "--jobs",
+                "2",        "--namespace", "root/test=" + (folder_ / "test.mof").string(),
+                "--output", output};
+    }
+
+    // "old" and "new" for files that are whole.
+    [[nodiscard]] std::map<std::string, std::string> states(const FolderContent& content) const {
+        std::map<std::string, std::string> states;
+        for (const auto& [name, text] : content) {
+            const bool isNew = after_.contains(name) && after_.at(name) == text;
+            const bool isOld = before_.contains(name) && before_.at(name) == text;
+            states[name] = isNew ? "new" : isOld ? "old" : "neither old nor new:\n" + text;
+        }
+        return states;
+    }
+
+    // Nothing half, nothing unknown, and nothing gone but what shall go.
+    void expectWholeFiles(const FolderContent& content) const {
+        for (const auto& [name, state] : states(content))
+            EXPECT_TRUE(state == "new" || state == "old") << name << " is " << state;
+        for (const auto& [name, text] : before_)
+            EXPECT_TRUE(content.contains(name) || !after_.contains(name)) << name << " is lost";
+    }
+
+    FolderContent before_;
+    FolderContent after_;
+};
+
+TEST_P(ExportFaults, ExportLeavesCompleteFilesAndSaysWhatIsMissing) {
+    ASSERT_NO_FATAL_FAILURE(exportClasses(kOldClasses, folder_ / "old"));
+    ASSERT_NO_FATAL_FAILURE(exportClasses(kNewClasses, folder_ / "new"));
+    before_ = contentOf(folder_ / "old");
+    after_ = contentOf(folder_ / "new");
+    const fs::path output = folder_ / "out";
+    failEachCall(GetParam(), [&](const Fault& fault) {
+        fs::remove_all(output);
+        fs::copy(folder_ / "old", output, fs::copy_options::recursive);
+        const ProgramRun outcome = run(arguments(output), fault);
+        const FolderContent now = contentOf(output);
+        // What cannot be removed stays, and what cannot be opened is not known to be stale.
+        if (!report().starts_with("unlink"))
+            expectWholeFiles(now);
+        if (outcome.end == "status 0" && report().find(" TST_Gone.") == std::string::npos)
+            EXPECT_EQ(states(now), states(after_)) << outcome.output << outcome.errors;
+        else if (outcome.end == "status 0")
+            EXPECT_EQ(now.size(), after_.size() + 1) << "more than the file stays";
+        else
+            expectToldFailure(outcome, fault);
+    });
+}
+
+class PasswdFaults : public CommandFaults {};
+
+TEST_P(PasswdFaults, PasswdKeepsTheFileOrChangesItWhole) {
+    const std::string bob =
+        "bob:$6$rounds=1000$saltsalt$LAV5VE5Y7w1d73x1mFNspYWUpazfmwv2SoepNXNKJ/otop/"
+        "Zok96Hr8Q13LEv0DRY/x8v0/crpIjl8NJSAqXV/\n";
+    const std::regex withAlice("alice:\\$[^\n:]{50,}\n");
+    const std::string secret = folder_.write("secret", "secret\n");
+    fs::create_directory(folder_ / "users");
+    const fs::path file = folder_ / "users" / "users";
+    failEachCall(GetParam(), [&](const Fault& fault) {
+        fs::remove_all(folder_ / "users");
+        fs::create_directory(folder_ / "users");
+        folder_.write("users/users", bob);
+        fs::permissions(file, fs::perms(0600));
+        const ProgramRun outcome = run({"passwd", file, "alice"}, fault, secret);
+        FolderContent now = contentOf(folder_ / "users");
+        const std::string text = std::exchange(now["users"], "");
+        ASSERT_TRUE(text.starts_with(bob)) << text;
+        const std::string added = text.substr(bob.size());
+        if (outcome.end == "status 0") {
+            EXPECT_TRUE(std::regex_match(added, withAlice)) << text;
+        } else {
+            EXPECT_TRUE(added.empty() || std::regex_match(added, withAlice)) << text;
+            expectToldFailure(outcome, fault);
+        }
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+        if (!report().starts_with("unlink")) {
+            EXPECT_EQ(now, FolderContent({{"users", ""}}));
+        }
+    });
+}
+
+std::string nameOf(const testing::TestParamInfo<std::string>& info) {
+    return info.param;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, CheckFaults, testing::ValuesIn(commandCalls()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Each, ExportFaults, testing::ValuesIn(commandCalls()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Each, PasswdFaults, testing::ValuesIn(commandCalls()), nameOf);
+
+}  // namespace
