@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     const std::string_view number = argc == 3 ? argv[2] : "";
     const auto [end, error] = std::from_chars(number.begin(), number.end(), count);
     if (number.empty() || error != std::errc() || end != number.end()) {
-        std::fputs("Usage: GenerateModel FOLDER CLASSES\n", stderr);
+        std::fputs("Usage: GenerateModel DIRECTORY CLASSES\n", stderr);
         return 2;
     }
     try {

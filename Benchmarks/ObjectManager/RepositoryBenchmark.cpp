@@ -11,7 +11,7 @@
 #include "Benchmarks/Support/GeneratedModel.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -63,9 +63,9 @@ BENCHMARK(loadDmtfSchema)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 // The goal: ten times the classes take ten times the time and memory at most.
 void loadGeneratedModel(benchmark::State& state) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     measureLoads(state,
-                 writeGeneratedModel(folder.path(), static_cast<std::size_t>(state.range(0))));
+                 writeGeneratedModel(directory.path(), static_cast<std::size_t>(state.range(0))));
 }
 BENCHMARK(loadGeneratedModel)
     ->Arg(1500)
@@ -75,9 +75,9 @@ BENCHMARK(loadGeneratedModel)
 
 void findClass(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{.name = "root/cimv2", .paths = {writeGeneratedModel(folder.path(), count)}}}, {}, {});
+        {{.name = "root/cimv2", .paths = {writeGeneratedModel(directory.path(), count)}}}, {}, {});
     // In lower case, as paths of requests are asked for.
     std::vector<TSKString> names;
     for (std::size_t number = 0; number < count; ++number)

@@ -68,14 +68,15 @@ void writeFile(const std::filesystem::path& file, const std::string& text) {
 
 }  // namespace
 
-std::filesystem::path writeGeneratedModel(const std::filesystem::path& folder, std::size_t count) {
+std::filesystem::path writeGeneratedModel(const std::filesystem::path& directory,
+                                          std::size_t count) {
     std::string main = kQualifiers;
     for (std::size_t number = 0; number < count; ++number) {
         const std::string file = nameOf(number) + ".mof";
-        writeFile(folder / file, classText(number));
+        writeFile(directory / file, classText(number));
         main += "#pragma include (\"" + file + "\")\n";
     }
-    std::filesystem::path mainFile = folder / "model.mof";
+    std::filesystem::path mainFile = directory / "model.mof";
     writeFile(mainFile, main);
     return mainFile;
 }

@@ -7,7 +7,7 @@
 
 #include "Tests/EndToEnd/TeskProgram.h"
 #include "Tests/Support/CimSchema.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -17,18 +17,18 @@ class CheckCommand : public testing::Test {
   protected:
     // Writes a MOF file; returns "root/test=FILE" for the command line.
     [[nodiscard]] std::string write(const std::string& name, const std::string& mof) const {
-        return "root/test='" + folder_.write(name, mof).string() + "'";
+        return "root/test='" + directory_.write(name, mof).string() + "'";
     }
 
     // With paths below the directory of the test as they were written.
     [[nodiscard]] std::string shown(const std::string& text) const {
-        return replaced(text, folder_.path().string() + "/", "");
+        return replaced(text, directory_.path().string() + "/", "");
     }
 
-    const TemporaryFolder folder_;
+    const TemporaryDirectory directory_;
 };
 
-constexpr const char* kQualifiers = "#pragma include (\"" MODELS_FOLDER "/qualifiers.mof\")\n";
+constexpr const char* kQualifiers = "#pragma include (\"" MODELS_DIRECTORY "/qualifiers.mof\")\n";
 
 TEST_F(CheckCommand, FindsNoErrorInTheSampleModel) {
     const ProgramRun run = runTesk("check");
@@ -127,18 +127,20 @@ TEST_F(CheckCommand, NeedsAPathThatIsThere) {
               "tesk: the classes have errors and are not used\n");
 }
 
-TEST_F(CheckCommand, TakesAFolder) {
+TEST_F(CheckCommand, TakesADirectory) {
     (void)write("a.mof", "class TST_A {};");
     (void)write("b.mof", "class TST_B : TST_A {};");
     (void)write("Readme.txt", "this is no MOF");
-    const ProgramRun run = runTesk("check --namespace root/test='" + folder_.path().string() + "'");
+    const ProgramRun run =
+        runTesk("check --namespace root/test='" + directory_.path().string() + "'");
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
     EXPECT_TRUE(run.output.starts_with("2 classes in 1 namespace, 4 documents, ")) << run.output;
 }
 
 TEST_F(CheckCommand, SaysThatANamespaceHasNoClass) {
-    const ProgramRun run = runTesk("check --namespace root/test='" + folder_.path().string() + "'");
+    const ProgramRun run =
+        runTesk("check --namespace root/test='" + directory_.path().string() + "'");
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "tesk: warning: the namespace root/test has no class\n");
     EXPECT_EQ(withoutTime(run.output),
@@ -197,11 +199,11 @@ TEST_F(CheckCommand, EscapesDescriptions) {
 TEST_F(CheckCommand, TakesNamespacesAndOptionsFromAConfiguration) {
     (void)write("a.mof", std::string(kQualifiers) +
                              "[Description(\"a & b\")]\nclass TST_A {};\nclass TST_B {};\n");
-    const std::string file = folder_.write("tesk.toml",
-                                           "[namespaces]\n"
-                                           "\"root/test\" = \"a.mof\"\n"
-                                           "[repository]\n"
-                                           "escape_descriptions = false\n");
+    const std::string file = directory_.write("tesk.toml",
+                                              "[namespaces]\n"
+                                              "\"root/test\" = \"a.mof\"\n"
+                                              "[repository]\n"
+                                              "escape_descriptions = false\n");
     const ProgramRun run = runTesk("check --config '" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "");
@@ -214,7 +216,7 @@ TEST_F(CheckCommand, TakesNamespacesAndOptionsFromAConfiguration) {
 }
 
 TEST_F(CheckCommand, ShowsWhatIsWrongWithAConfiguration) {
-    const std::string file = folder_.write("tesk.toml", "\nnothing = 1\n");
+    const std::string file = directory_.write("tesk.toml", "\nnothing = 1\n");
     const ProgramRun run = runTesk("check --config '" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Tests/EndToEnd/TeskProgram.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -85,8 +85,8 @@ TEST(ClassesCommand, WritesJsonForPrograms) {
 }
 
 TEST(ClassesCommand, ListsTheClassesOfGivenFiles) {
-    const TemporaryFolder folder;
-    const std::string file = folder.write("a.mof", "class TST_B : TST_A {}; class TST_A {};");
+    const TemporaryDirectory directory;
+    const std::string file = directory.write("a.mof", "class TST_B : TST_A {}; class TST_A {};");
     EXPECT_EQ(outputOf("classes --namespace root/acme='" + file + "'"),
               "root/acme  (2 classes)\n"
               "  TST_A\n"
@@ -119,8 +119,8 @@ TEST(ClassesCommand, SaysWhereClassesAreListedWhenThereIsNoSuch) {
 }
 
 TEST(ClassesCommand, ShowsNothingOfClassesWithErrors) {
-    const TemporaryFolder folder;
-    const std::string file = folder.write("a.mof", "class TST_A {};\nclass TST_B : TST_C {};\n");
+    const TemporaryDirectory directory;
+    const std::string file = directory.write("a.mof", "class TST_A {};\nclass TST_B : TST_C {};\n");
     const ProgramRun run = runTesk("classes --namespace root/acme='" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");

@@ -7,7 +7,7 @@
 
 #include "Tests/EndToEnd/HelpText.h"
 #include "Tests/EndToEnd/TeskProgram.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -43,11 +43,11 @@ exit $status
 class Completion : public testing::Test {
   protected:
     Completion() {
-        (void)folder_.write("complete", kComplete);
-        (void)folder_.write("acme.mof", "class ACME_Fan {}; class ACME_Pump : ACME_Fan {};");
-        (void)folder_.write("tesk.toml", "[namespaces]\n\"root/acme\" = \"acme.mof\"\n");
-        (void)folder_.write("two words.mof", "class TWO_Words {};");
-        std::filesystem::create_directory(folder_ / "output");
+        (void)directory_.write("complete", kComplete);
+        (void)directory_.write("acme.mof", "class ACME_Fan {}; class ACME_Pump : ACME_Fan {};");
+        (void)directory_.write("tesk.toml", "[namespaces]\n\"root/acme\" = \"acme.mof\"\n");
+        (void)directory_.write("two words.mof", "class TWO_Words {};");
+        std::filesystem::create_directory(directory_ / "output");
     }
 
     // What is offered at the end of the line, or at the cursor.
@@ -55,7 +55,7 @@ class Completion : public testing::Test {
                                                 const std::string& cursor = "") const {
         const std::string escaped = replaced(line, "'", "'\\''");
         const ProgramRun run =
-            runProgram("cd '" + folder_.path().string() +
+            runProgram("cd '" + directory_.path().string() +
                        "' && bash --norc --noprofile complete '" + escaped + "' " + cursor);
         EXPECT_EQ(run.errors, "") << line;
         std::istringstream lines(run.output);
@@ -70,7 +70,7 @@ class Completion : public testing::Test {
         return offered(PROGRAM " " + line);
     }
 
-    const TemporaryFolder folder_;
+    const TemporaryDirectory directory_;
 };
 
 using Words = std::set<std::string>;
@@ -118,7 +118,7 @@ TEST_F(Completion, OffersFiles) {
     EXPECT_EQ(offered("tesk serve --config 'two w"), Words{"two words.mof"});
 }
 
-TEST_F(Completion, OffersFoldersAloneForDocuments) {
+TEST_F(Completion, OffersDirectorysAloneForDocuments) {
     EXPECT_EQ(offered("tesk export --output "), Words{"output"});
 }
 
@@ -158,7 +158,7 @@ TEST_F(Completion, OffersClassesOfTheModelThatIsGiven) {
 TEST_F(Completion, RunsNothingThatALineWouldRunOnlyWhenItIsEntered) {
     EXPECT_EQ(offeredBehindProgram("classes --config $(touch${IFS}ran) "), Words());
     EXPECT_EQ(offeredBehindProgram("classes --config `touch${IFS}ran` "), Words());
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "ran"));
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "ran"));
     EXPECT_EQ(offered("no-such-program classes "), Words());
 }
 

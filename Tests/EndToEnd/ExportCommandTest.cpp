@@ -13,9 +13,9 @@
 
 #include "Tests/EndToEnd/ExportedDocument.h"
 #include "Tests/Support/CimSchema.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RunningProgram.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -39,20 +39,20 @@ class ExportTest : public testing::Test {
         return RunningProgram(command(arguments), prepare).waitForEnd();
     }
 
-    [[nodiscard]] std::string out() const { return folder_ / "out"; }
-    [[nodiscard]] FolderContent content() const { return contentOf(out()); }
+    [[nodiscard]] std::string out() const { return directory_ / "out"; }
+    [[nodiscard]] DirectoryContent content() const { return contentOf(out()); }
 
     // The files below the directory, without directories.
     [[nodiscard]] std::vector<std::string> files() const {
         std::vector<std::string> names;
         for (const auto& [name, text] : content()) {
-            if (text != "(folder)")
+            if (text != "(directory)")
                 names.push_back(name);
         }
         return names;
     }
 
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
 };
 
 TEST_F(ExportTest, WritesTheSampleModelAndAnIndex) {
@@ -63,13 +63,13 @@ TEST_F(ExportTest, WritesTheSampleModelAndAnIndex) {
         run.output, std::regex("59 classes in 2 namespaces, 118 documents, [0-9.]+ [KM]B, "
                                "[0-9.]+ s: 118 written, 0 unchanged, 0 removed\n")))
         << run.output;
-    FolderContent all = content();
+    DirectoryContent all = content();
     EXPECT_EQ(files().size(), kSampleDocuments + 1);
     const std::string index = all["index.html"];
     EXPECT_NE(index.find("href=root/cimv2/CIM_ComputerSystem.wsdl>"), std::string::npos);
     all.erase("index.html");
     for (const auto& [name, text] : all)
-        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
     EXPECT_NE(all["root/cimv2/CIM_ComputerSystem.wsdl"].find("http://localhost:5985/"),
               std::string::npos);
 }
@@ -79,7 +79,7 @@ TEST_F(ExportTest, ASecondTimeChangesNothing) {
     const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
     for (const std::string& name : files())
         fs::last_write_time(fs::path(out()) / name, longAgo);
-    const FolderContent before = content();
+    const DirectoryContent before = content();
     const ProgramRun run = runExport({"--jobs", "3"});
     EXPECT_EQ(run.end, "status 0");
     EXPECT_NE(run.output.find(": 0 written, 118 unchanged, 0 removed\n"), std::string::npos)
@@ -151,7 +151,7 @@ TEST_F(ExportTest, AClassThatCannotBeAFileIsReportedAndTheOthersAreWritten) {
     const std::string fits(250, 'x');
     const std::string isTooLong(251, 'y');
     const std::string mof =
-        folder_.write("a.mof", "class " + fits + " {}; class " + isTooLong + " {};");
+        directory_.write("a.mof", "class " + fits + " {}; class " + isTooLong + " {};");
     const ProgramRun run = runExport({"--namespace", "a=" + mof});
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "a:" + isTooLong + ": " + isTooLong + ".wsdl is longer than 255 bytes\n");
@@ -161,11 +161,11 @@ TEST_F(ExportTest, AClassThatCannotBeAFileIsReportedAndTheOthersAreWritten) {
 }
 
 TEST_F(ExportTest, PruneRemovesTheDocumentsOfClassesThatAreGone) {
-    const std::string two = folder_.write("two.mof", "class A {}; class B {};");
-    const std::string one = folder_.write("one.mof", "class A {};");
+    const std::string two = directory_.write("two.mof", "class A {}; class B {};");
+    const std::string one = directory_.write("one.mof", "class A {};");
     (void)runExport({"--namespace", "n=" + two, "--namespace", "n/below=" + two});
-    folder_.write("out/n/foreign.xsd", "<xs:schema/>");
-    folder_.write("out/B.xsd", contentOfFile(fs::path(out()) / "n/B.xsd"));
+    directory_.write("out/n/foreign.xsd", "<xs:schema/>");
+    directory_.write("out/B.xsd", contentOfFile(fs::path(out()) / "n/B.xsd"));
     const std::vector<std::string> namespaces = {"--namespace", "n=" + one};
     EXPECT_NE(runExport(namespaces).output.find(", 0 removed"), std::string::npos);
     const ProgramRun run = runExport({"--namespace", "n=" + one, "--prune"});
@@ -178,9 +178,9 @@ TEST_F(ExportTest, PruneRemovesTheDocumentsOfClassesThatAreGone) {
 }
 
 TEST_F(ExportTest, PruneRemovesTheDocumentsUnderTheFormerCaseOfAName) {
-    const std::string before = folder_.write("before.mof", "class TST_A {};");
+    const std::string before = directory_.write("before.mof", "class TST_A {};");
     (void)runExport({"--namespace", "n=" + before});
-    const std::string after = folder_.write("after.mof", "class TST_a {};");
+    const std::string after = directory_.write("after.mof", "class TST_a {};");
     const ProgramRun run = runExport({"--namespace", "n=" + after, "--prune"});
     EXPECT_EQ(run.end, "status 0");
     EXPECT_NE(run.output.find(": 2 written, 0 unchanged, 2 removed\n"), std::string::npos)
@@ -190,10 +190,10 @@ TEST_F(ExportTest, PruneRemovesTheDocumentsUnderTheFormerCaseOfAName) {
 
 // A shell stands for the export that was killed: its number is that of a process, and free again.
 TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
-    const std::string mof = folder_.write("one.mof", "class A {};");
+    const std::string mof = directory_.write("one.mof", "class A {};");
     const std::string leave =
-        "mkdir -p \"$0/n\" && for folder in \"$0\" \"$0/n\"; do "
-        "echo part > \"$folder/.tesk-export-$$-1\"; done";
+        "mkdir -p \"$0/n\" && for directory in \"$0\" \"$0/n\"; do "
+        "echo part > \"$directory/.tesk-export-$$-1\"; done";
     EXPECT_EQ(RunningProgram({"sh", "-c", leave, out()}).waitForEnd().end, "status 0");
     EXPECT_EQ(files().size(), 2U);
     EXPECT_EQ(runExport({"--namespace", "n=" + mof}).end, "status 0");
@@ -206,7 +206,7 @@ TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
 }
 
 TEST_F(ExportTest, AFileInPlaceOfTheDirectoryIsAnError) {
-    folder_.write("out", "a file");
+    directory_.write("out", "a file");
     const ProgramRun run = runExport({});
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");
@@ -215,11 +215,11 @@ TEST_F(ExportTest, AFileInPlaceOfTheDirectoryIsAnError) {
 
 TEST_F(ExportTest, AFileInPlaceOfANamespaceIsAnError) {
     fs::create_directory(out());
-    folder_.write("out/root", "a file");
+    directory_.write("out/root", "a file");
     const ProgramRun run = runExport({});
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "tesk: cannot make the directory " + out() + "/root: Not a directory\n");
-    EXPECT_EQ(content(), (FolderContent{{"root", "a file"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"root", "a file"}}));
 }
 
 TEST_F(ExportTest, AFileOverTheLimitOfTheProcessIsAnErrorThatLeavesNoPart) {
@@ -234,7 +234,7 @@ TEST_F(ExportTest, AFileOverTheLimitOfTheProcessIsAnErrorThatLeavesNoPart) {
                                                         ": File too large\n")))
         << run.errors;
     for (const auto& [name, text] : content())
-        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
 }
 
 // A file system of its own, which is gone with this process.
@@ -245,7 +245,7 @@ TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
         mount("tesk-test", out().c_str(), "tmpfs", 0, "size=512k") != 0)
         GTEST_SKIP() << "this user may not mount a file system";
     const ProgramRun run = runExport({});
-    const FolderContent written = content();
+    const DirectoryContent written = content();
     EXPECT_EQ(umount(out().c_str()), 0);
     EXPECT_EQ(run.end, "status 1");
     EXPECT_TRUE(std::regex_match(run.errors, std::regex("tesk: cannot write " + out() +
@@ -254,7 +254,7 @@ TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
         << run.errors;
     EXPECT_GT(written.size(), 2U);
     for (const auto& [name, text] : written)
-        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
 }
 
 TEST_F(ExportTest, OutputThatCannotBeWrittenIsAnError) {
@@ -273,11 +273,11 @@ TEST_F(ExportTest, TheDmtfSchemaIsWrittenWithoutAFailure) {
     EXPECT_EQ(run.errors, "");
     EXPECT_NE(run.output.find("1,438 classes in 1 namespace, 2,876 documents, "),
               std::string::npos);
-    FolderContent all = content();
+    DirectoryContent all = content();
     EXPECT_EQ(all.size(), 2876U + 2 + 1);
     all.erase("index.html");
     for (const auto& [name, text] : all)
-        EXPECT_TRUE(text == "(folder)" || isComplete(text)) << name;
+        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
 }
 
 }  // namespace

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "Tests/EndToEnd/ExportedDocument.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RunningProgram.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/WaitUntil.h"
 
 namespace {
@@ -25,7 +25,7 @@ class ExportStopTest : public testing::Test {
         std::string mof;
         for (int number = 0; number < count; ++number)
             mof += "class TST_C" + std::to_string(number) + " {};\n";
-        return folder_.write("classes.mof", mof);
+        return directory_.write("classes.mof", mof);
     }
 
     void waitForFirstDocument() const {
@@ -33,10 +33,10 @@ class ExportStopTest : public testing::Test {
     }
 
     [[nodiscard]] long countDocuments() const {
-        const std::string folder = out_ + "/n";
-        if (!fs::exists(folder))
+        const std::string directory = out_ + "/n";
+        if (!fs::exists(directory))
             return 0;
-        return std::count_if(fs::directory_iterator(folder), fs::directory_iterator(),
+        return std::count_if(fs::directory_iterator(directory), fs::directory_iterator(),
                              [](const fs::directory_entry& entry) {
                                  const fs::path extension = entry.path().extension();
                                  return extension == ".wsdl" || extension == ".xsd";
@@ -45,11 +45,11 @@ class ExportStopTest : public testing::Test {
 
     // `count` is what the program says that it has written.
     void expectCompleteDocuments(std::string count) const {
-        const FolderContent all = contentOf(out_);
+        const DirectoryContent all = contentOf(out_);
         std::erase(count, ',');
         EXPECT_EQ(std::to_string(all.size() - 1), count);
         for (const auto& [file, text] : all)
-            EXPECT_TRUE(text == "(folder)" || isComplete(text)) << file;
+            EXPECT_TRUE(text == "(directory)" || isComplete(text)) << file;
     }
 
     // The signal comes while the program stands still, so that it is known what was written before.
@@ -79,8 +79,8 @@ class ExportStopTest : public testing::Test {
         expectCompleteDocuments(message[1]);
     }
 
-    TemporaryFolder folder_;
-    std::string out_ = folder_ / "out";
+    TemporaryDirectory directory_;
+    std::string out_ = directory_ / "out";
 };
 
 TEST_F(ExportStopTest, CtrlCLeavesCompleteDocumentsAndBeginsNoOther) {

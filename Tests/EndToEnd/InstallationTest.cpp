@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Tests/EndToEnd/TeskProgram.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -18,12 +18,12 @@ class Installation : public testing::Test {
 
     void copyProviders() const {
         std::filesystem::create_directories(prefix_ / TESK_PROVIDERS_DIR);
-        std::filesystem::copy(BUILD_FOLDER "/" TESK_PROVIDERS_DIR, prefix_ / TESK_PROVIDERS_DIR,
+        std::filesystem::copy(BUILD_DIRECTORY "/" TESK_PROVIDERS_DIR, prefix_ / TESK_PROVIDERS_DIR,
                               std::filesystem::copy_options::recursive);
     }
     void copyModels() const {
         std::filesystem::create_directories((prefix_ / TESK_MODELS_DIR).parent_path());
-        std::filesystem::copy(MODELS_FOLDER, prefix_ / TESK_MODELS_DIR,
+        std::filesystem::copy(MODELS_DIRECTORY, prefix_ / TESK_MODELS_DIR,
                               std::filesystem::copy_options::recursive);
     }
 
@@ -33,7 +33,7 @@ class Installation : public testing::Test {
         return run;
     }
 
-    const TemporaryFolder prefix_;
+    const TemporaryDirectory prefix_;
 };
 
 TEST_F(Installation, MayBeMoved) {
@@ -48,7 +48,7 @@ TEST_F(Installation, MayBeMoved) {
 
 TEST_F(Installation, IsFoundThroughALinkToTheProgram) {
     copyModels();
-    const TemporaryFolder other;
+    const TemporaryDirectory other;
     std::filesystem::create_symlink(prefix_ / TESK_PROGRAM_DIR "/tesk", other / "tesk");
     const ProgramRun run =
         this->run("PATH='" + other.path().string() + "' && tesk classes interop");

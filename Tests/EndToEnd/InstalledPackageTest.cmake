@@ -1,14 +1,14 @@
 # Installs the project, builds the examples against the installed copy, and sends requests to the
 # example host, which loads the plug-in and the example provider.
 
-set(PREFIX ${WORK_FOLDER}/prefix)
-file(REMOVE_RECURSE ${WORK_FOLDER})
+set(PREFIX ${WORK_DIRECTORY}/prefix)
+file(REMOVE_RECURSE ${WORK_DIRECTORY})
 
 function(run)
   execute_process(COMMAND ${ARGN} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-run(${CMAKE_COMMAND} --install ${BUILD_FOLDER} --prefix ${PREFIX})
+run(${CMAKE_COMMAND} --install ${BUILD_DIRECTORY} --prefix ${PREFIX})
 foreach(FILE
     include/tesk/Platform/Util/TSKString.h
     include/tesk/Platform/ProviderFramework/Provider.h
@@ -33,20 +33,20 @@ foreach(HEADER ${HEADERS})
   endif()
 endforeach()
 
-run(${CMAKE_COMMAND} -S ${PROJECT_FOLDER} -B ${WORK_FOLDER}/build -G ${GENERATOR}
+run(${CMAKE_COMMAND} -S ${PROJECT_DIRECTORY} -B ${WORK_DIRECTORY}/build -G ${GENERATOR}
     -D CMAKE_CXX_COMPILER=${COMPILER} -D CMAKE_PREFIX_PATH=${PREFIX})
-run(${CMAKE_COMMAND} --build ${WORK_FOLDER}/build)
+run(${CMAKE_COMMAND} --build ${WORK_DIRECTORY}/build)
 
 # Moved, so that nothing is found at the place where it was installed.
-file(RENAME ${PREFIX} ${WORK_FOLDER}/moved)
+file(RENAME ${PREFIX} ${WORK_DIRECTORY}/moved)
 
 # Sends a request for PATH to the example host and compares the response with the pattern.
 function(expect_response PATH PATTERN)
-  file(WRITE ${WORK_FOLDER}/request "GET ${PATH} HTTP/1.1\r\nHost: localhost\r\n\r\n")
+  file(WRITE ${WORK_DIRECTORY}/request "GET ${PATH} HTTP/1.1\r\nHost: localhost\r\n\r\n")
   execute_process(
-    COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_FOLDER}/moved/${LIBRARY_DIR}
-      ${WORK_FOLDER}/build/Host ${WORK_FOLDER}/moved/${LIBRARY_DIR}/tesk ${WORK_FOLDER}/build/providers
-    INPUT_FILE ${WORK_FOLDER}/request
+    COMMAND ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${WORK_DIRECTORY}/moved/${LIBRARY_DIR}
+      ${WORK_DIRECTORY}/build/Host ${WORK_DIRECTORY}/moved/${LIBRARY_DIR}/tesk ${WORK_DIRECTORY}/build/providers
+    INPUT_FILE ${WORK_DIRECTORY}/request
     OUTPUT_VARIABLE RESPONSE
     COMMAND_ERROR_IS_FATAL ANY)
   if(NOT RESPONSE MATCHES "${PATTERN}")

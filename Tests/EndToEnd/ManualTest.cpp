@@ -15,8 +15,8 @@ namespace {
 constexpr const char* kModelSection = "Where classes come from";
 
 std::string shownPage() {
-    const ProgramRun run =
-        runProgram("mandoc -T ascii -O width=200 '" MANUAL_FOLDER "/tesk.1' | sed 's/.\\x08//g'");
+    const ProgramRun run = runProgram("mandoc -T ascii -O width=200 '" MANUAL_DIRECTORY
+                                      "/tesk.1' | sed 's/.\\x08//g'");
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
     return run.output;
@@ -93,8 +93,8 @@ TEST(Manual, OverviewHasTheOptionsOfTheHelpAndNoOthers) {
 }
 
 TEST(Manual, PagesAreWithoutFaults) {
-    const ProgramRun lint = runProgram("mandoc -T lint -W warning '" MANUAL_FOLDER
-                                       "/tesk.1' '" MANUAL_FOLDER "/tesk.toml.5'");
+    const ProgramRun lint = runProgram("mandoc -T lint -W warning '" MANUAL_DIRECTORY
+                                       "/tesk.1' '" MANUAL_DIRECTORY "/tesk.toml.5'");
     EXPECT_EQ(lint.end, "status 0");
     EXPECT_EQ(lint.output, "");
     EXPECT_EQ(lint.errors, "");

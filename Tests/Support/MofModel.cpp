@@ -4,13 +4,13 @@
 #include <string>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 MofModel::MofModel(std::string_view mof, const Repository::Options& options) {
-    const TemporaryFolder folder;
-    const std::string file = folder.write("test.mof", mof);
+    const TemporaryDirectory directory;
+    const std::string file = directory.write("test.mof", mof);
     const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{.name = "root/test", .paths = {MODELS_FOLDER "/qualifiers.mof", file}}}, {}, options);
+        {{.name = "root/test", .paths = {MODELS_DIRECTORY "/qualifiers.mof", file}}}, {}, options);
     std::string faults;
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         faults += diagnostic.toString();

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <sys/wait.h>
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -30,9 +30,9 @@ std::string endOf(int status) {
 }  // namespace
 
 ProgramRun runProgram(const std::string& command) {
-    const TemporaryFolder folder;
-    const std::string output = folder / "output";
-    const std::string errors = folder / "errors";
+    const TemporaryDirectory directory;
+    const std::string output = directory / "output";
+    const std::string errors = directory / "errors";
     // The command's own redirections come later, so they count.
     const std::string line =
         "{ " + command + "\n} < /dev/null > '" + output + "' 2> '" + errors + "'";

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/Support/MofFolder.h"
+#include "Tests/Support/MofDirectory.h"
 #include "Tests/Support/RepositoryText.h"
 
 /// Loads the classes of a text into the namespace "root/test". The qualifiers of the text may be
@@ -20,7 +20,7 @@ class RepositoryTest : public testing::Test {
     TSKSmrPtr<ITeskClass> classOf(const std::string& mof, const char* name,
                                   const Repository::Options& options = {}) const;
 
-    MofFolder folder_;
+    MofDirectory directory_;
 };
 
 /// The order of declaration.

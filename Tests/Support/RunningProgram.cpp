@@ -9,7 +9,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/WaitUntil.h"
 
 namespace {
@@ -39,8 +39,8 @@ void resetSignals() {
 
 RunningProgram::RunningProgram(const std::vector<std::string>& command,
                                const std::function<void()>& prepare) {
-    const std::string output = folder_ / "output";
-    const std::string errors = folder_ / "errors";
+    const std::string output = directory_ / "output";
+    const std::string errors = directory_ / "errors";
     std::vector<char*> arguments;
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -105,7 +105,7 @@ std::string RunningProgram::waitForStatus() {
 ProgramRun RunningProgram::waitForEnd() {
     ProgramRun run;
     run.end = waitForStatus();
-    run.output = contentOfFile(folder_ / "output");
-    run.errors = contentOfFile(folder_ / "errors");
+    run.output = contentOfFile(directory_ / "output");
+    run.errors = contentOfFile(directory_ / "errors");
     return run;
 }

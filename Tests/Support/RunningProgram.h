@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "Tests/Support/ProgramRun.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// A program in a process of its own, without standard input and with the signals as they are by
 /// default.
 class RunningProgram {
   public:
-    /// Starts the program of that path, or of that name in one of the folders for programs.
+    /// Starts the program of that path, or of that name in one of the directorys for programs.
     /// `prepare` runs in the new process, before the program does.
     explicit RunningProgram(const std::vector<std::string>& command,
                             const std::function<void()>& prepare = {});
@@ -34,6 +34,6 @@ class RunningProgram {
   private:
     [[nodiscard]] std::string waitForStatus();
 
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
     pid_t process_ = -1;
 };

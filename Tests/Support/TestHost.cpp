@@ -10,15 +10,15 @@ namespace {
 
 class Installation : public ITeskInstallation {
   public:
-    explicit Installation(const std::filesystem::path& folder) : folder_(folder.c_str()) {}
+    explicit Installation(const std::filesystem::path& directory) : directory_(directory.c_str()) {}
 
     [[nodiscard]] TSKString getInstallationDirectory() const override {
         HostCalls::note("ITeskInstallation::getInstallationDirectory");
-        return folder_;
+        return directory_;
     }
 
   private:
-    TSKString folder_;
+    TSKString directory_;
 };
 
 class Token : public urma::security::ISecurityToken {
@@ -66,7 +66,7 @@ void TestHost::writeProvidersFile(const std::string& name, const std::string& co
     installation_.write("providers/" + name, content);
 }
 
-void TestHost::makeProvidersFolder(const std::string& name) const {
+void TestHost::makeProvidersDirectory(const std::string& name) const {
     std::filesystem::create_directory(installation_ / ("providers/" + name));
 }
 

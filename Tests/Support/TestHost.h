@@ -8,7 +8,7 @@
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 #include "Tests/Support/ModelRepository.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// Lets everybody in, or nobody, and remembers what it was shown.
 class TestAuthenticator : public ITeskAuthenticator {
@@ -30,7 +30,7 @@ class TestAuthenticator : public ITeskAuthenticator {
 };
 
 /// Everything that a provider reaches of an object manager, installed while this lives: a plug-in
-/// manager with a repository, an authenticator, and an installation whose "providers" folder is
+/// manager with a repository, an authenticator, and an installation whose "providers" directory is
 /// empty.
 class TestHost {
   public:
@@ -43,16 +43,16 @@ class TestHost {
     [[nodiscard]] ModelRepository& repository() { return *repository_; }
     [[nodiscard]] TestAuthenticator& authenticator() { return *authenticator_; }
 
-    /// Makes a file, or a folder, in the installation's "providers" folder.
+    /// Makes a file, or a directory, in the installation's "providers" directory.
     void writeProvidersFile(const std::string& name, const std::string& content) const;
-    void makeProvidersFolder(const std::string& name) const;
+    void makeProvidersDirectory(const std::string& name) const;
 
     void removeManager();
     void removeRepository();
     void removeInstallation();
 
   private:
-    TemporaryFolder installation_;
+    TemporaryDirectory installation_;
     TSKSmrPtr<ModelRepository> repository_ = TSKSmrPtr<ModelRepository>::make();
     TSKSmrPtr<TeskProviderPluginManager> manager_ = TSKSmrPtr<TeskProviderPluginManager>::make();
     TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();

@@ -6,8 +6,8 @@ import unittest
 REPOSITORY = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../.."))
 TESK_PROGRAM = os.environ["TESK_PROGRAM"]
 XERCES_PROGRAM = os.environ["XERCES_PROGRAM"]
-# Every model has a folder here.
-WORK_FOLDER = os.environ["CLIENTS_WORK_FOLDER"]
+# Every model has a directory here.
+WORK_DIRECTORY = os.environ["CLIENTS_WORK_DIRECTORY"]
 
 # Directories that may be missing: what needs them is skipped then.
 CIM_SCHEMA = os.environ.get("CIM_SCHEMA_DIR")

@@ -1,4 +1,4 @@
-"""A service that answers every request alike and keeps what it was asked."""
+"""A service with one response to every request, which keeps what it was asked."""
 
 import http.server
 import os
@@ -7,19 +7,19 @@ import threading
 
 from lxml import etree
 
-_FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "Messages")
+_DIRECTORY = os.path.join(os.path.dirname(os.path.abspath(__file__)), "Messages")
 _IGNORED = re.compile(r"^uuid:[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
 
 
 def readMessage(name):
-    with open(os.path.join(_FOLDER, name), "rb") as file:
+    with open(os.path.join(_DIRECTORY, name), "rb") as file:
         return file.read()
 
 
 class FakeService:
     """Use as a context. Once it is left, contentTypes and requests hold what came."""
 
-    def __init__(self, answer):
+    def __init__(self, response):
         self.contentTypes = []
         self.requests = []
         service = self
@@ -30,9 +30,9 @@ class FakeService:
                 service.requests.append(self.rfile.read(int(self.headers["Content-Length"])))
                 self.send_response(200)
                 self.send_header("Content-Type", "application/soap+xml; charset=utf-8")
-                self.send_header("Content-Length", str(len(answer)))
+                self.send_header("Content-Length", str(len(response)))
                 self.end_headers()
-                self.wfile.write(answer)
+                self.wfile.write(response)
 
             def log_message(self, *_):
                 pass

@@ -29,17 +29,17 @@ class GettingStartedTest(unittest.TestCase):
         self.guide = Guide.Guide.read("getting-started.md")
         temporary = tempfile.TemporaryDirectory()
         self.addCleanup(temporary.cleanup)
-        self.folder = temporary.name
-        os.symlink(os.path.join(Environment.REPOSITORY, "Models"), os.path.join(self.folder, "Models"))
+        self.directory = temporary.name
+        os.symlink(os.path.join(Environment.REPOSITORY, "Models"), os.path.join(self.directory, "Models"))
         for name, language, block in (("acme.mof", "mof", "acme"), ("tesk.toml", "toml", "settings")):
-            with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+            with open(os.path.join(self.directory, name), "w", encoding="utf-8") as file:
                 file.write(self.guide.text(language, block))
 
     def expected(self, name):
         return withoutTime(self.guide.text("output", name))
 
     def runBlock(self, name):
-        status, output = Guide.runCommands(self.guide.text("sh", name), self.folder)
+        status, output = Guide.runCommands(self.guide.text("sh", name), self.directory)
         # The mistake is there to be found.
         self.assertEqual((status, withoutTime(output)), (1 if name == "mistake" else 0, self.expected(name)))
 
@@ -58,7 +58,7 @@ class GettingStartedTest(unittest.TestCase):
         command = shlex.split(self.guide.text("sh", "serve"))
         self.assertEqual(command[0], "tesk")
         service = subprocess.Popen([Environment.TESK_PROGRAM, *command[1:], "--listen", "127.0.0.1:0"],
-                                   cwd=self.folder, text=True, stdout=subprocess.PIPE,
+                                   cwd=self.directory, text=True, stdout=subprocess.PIPE,
                                    stderr=subprocess.DEVNULL)
         with service:
             try:
@@ -69,7 +69,7 @@ class GettingStartedTest(unittest.TestCase):
                     self.assertIn(f"`{said.strip().replace(address, _ADDRESS)}`", page.read())
                 commands = self.guide.text("sh", "curl")
                 self.assertIn(_ADDRESS, commands)
-                self.assertEqual(Guide.runCommands(commands.replace(_ADDRESS, address), self.folder,
+                self.assertEqual(Guide.runCommands(commands.replace(_ADDRESS, address), self.directory,
                                                    http_proxy=""),
                                  (0, self.guide.text("output", "curl")))
             finally:
@@ -87,7 +87,7 @@ class GettingStartedTest(unittest.TestCase):
             script = os.path.join(Environment.REPOSITORY, "Scripts", "with-catalog")
             status, outputs[name] = Guide.runCommands(
                 shlex.join([script, Environment.CATALOG, "bash", "-euo", "pipefail", "-c", commands]),
-                self.folder)
+                self.directory)
             self.assertEqual(status, 0, outputs[name])
         for name in ("zeep", "gsoap-function"):
             self.assertEqual(outputs[name], self.guide.text("output", name))

@@ -50,17 +50,17 @@ class GsoapCase(unittest.TestCase):
         cls.guide = Guide.Guide.read()
 
     def setUp(self):
-        self.folder = tempfile.mkdtemp(dir=Environment.WORK_FOLDER)
-        self.addCleanup(shutil.rmtree, self.folder)
+        self.directory = tempfile.mkdtemp(dir=Environment.WORK_DIRECTORY)
+        self.addCleanup(shutil.rmtree, self.directory)
         for name in ("documents", "schemas", "Scripts"):
-            os.symlink(self.model.path(name), os.path.join(self.folder, name))
+            os.symlink(self.model.path(name), os.path.join(self.directory, name))
 
     def generate(self, className):
         """Runs the guide's commands for a class; gives what the programs complain of."""
         commands = self.guide.text("sh", "gsoap-generate")
         self.assertIn("root/cimv2/CIM_ComputerSystem", commands)
         commands = commands.replace("root/cimv2/CIM_ComputerSystem", className)
-        status, output = Guide.runCommands(commands, self.folder)
+        status, output = Guide.runCommands(commands, self.directory)
         self.assertEqual(status, 0, output)
         self.assertIn("Compilation successful", output)
         return _COMPLAINT.findall(output)
@@ -81,10 +81,10 @@ class GsoapCallTest(GsoapCase):
 
     def testGuidesProgramCallsAMethod(self):
         self.generate("root/cimv2/CIM_ComputerSystem")
-        with open(os.path.join(self.folder, "call.cpp"), "w", encoding="utf-8") as file:
+        with open(os.path.join(self.directory, "call.cpp"), "w", encoding="utf-8") as file:
             file.write(self.guide.text("cpp", "gsoap-call"))
-        with FakeService.FakeService(FakeService.readMessage("Answer.xml")) as service:
-            result = Guide.runCommands(self.guide.text("sh", "gsoap-call"), self.folder,
+        with FakeService.FakeService(FakeService.readMessage("Response.xml")) as service:
+            result = Guide.runCommands(self.guide.text("sh", "gsoap-call"), self.directory,
                                        SERVICE=service.address)
         self.assertEqual(result, (0, self.guide.text("output", "gsoap-call")))
         expected = FakeService.outline(FakeService.readMessage("GsoapRequest.xml"))
@@ -93,4 +93,4 @@ class GsoapCallTest(GsoapCase):
     def testCodeForAClassWithEverythingCompiles(self):
         self.generate("root/cimv2/TSK_Everything")
         commands = "g++ -c soapC.cpp soapClient.cpp"
-        self.assertEqual(Guide.runCommands(commands, self.folder), (0, ""))
+        self.assertEqual(Guide.runCommands(commands, self.directory), (0, ""))

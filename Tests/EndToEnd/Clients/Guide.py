@@ -40,14 +40,14 @@ class Guide:
         return self._blocks[language, name]
 
 
-def runCommands(commands, folder, **variables):
-    """Runs commands of the guide in the folder; gives exit status and all that they print."""
+def runCommands(commands, directory, **variables):
+    """Runs commands of the guide in the directory; gives exit status and all that they print."""
     environment = dict(os.environ, **variables)
     # The commands have to say themselves what they need.
     environment.pop("XML_CATALOG_FILES")
     environment["PATH"] = os.path.dirname(Environment.TESK_PROGRAM) + os.pathsep + os.environ["PATH"]
     environment["LC_ALL"] = "C.UTF-8"
-    result = subprocess.run(["bash", "-euo", "pipefail", "-c", commands], cwd=folder, env=environment,
+    result = subprocess.run(["bash", "-euo", "pipefail", "-c", commands], cwd=directory, env=environment,
                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                             stderr=subprocess.STDOUT, check=False)
     return result.returncode, result.stdout.decode("utf-8", "replace")

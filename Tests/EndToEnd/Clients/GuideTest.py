@@ -28,45 +28,45 @@ class GuideTest(unittest.TestCase):
         cls.guide = Guide.Guide.read()
 
     def workOn(self, modelName):
-        """A folder of the model's layout, whose documents may be changed."""
+        """A directory of the model's layout, whose documents may be changed."""
         model = Model.Model(modelName)
         model.needMof()
-        folder = tempfile.mkdtemp(dir=Environment.WORK_FOLDER)
-        self.addCleanup(shutil.rmtree, folder)
-        model.copyTo(folder)
-        return folder
+        directory = tempfile.mkdtemp(dir=Environment.WORK_DIRECTORY)
+        self.addCleanup(shutil.rmtree, directory)
+        model.copyTo(directory)
+        return directory
 
     def testEveryCommandIsRunBySomeTest(self):
         self.assertEqual(set(self.guide.names("sh")), _HERE | _ELSEWHERE)
         self.assertLessEqual(set(self.guide.names("output")), set(self.guide.names("sh")))
 
     def testCommandsPrintWhatTheGuideSays(self):
-        folder = self.workOn("sample")
+        directory = self.workOn("sample")
         for name in ("xerces", "zeep-list"):
             with self.subTest(name):
-                self.assertEqual(Guide.runCommands(self.guide.text("sh", name), folder),
+                self.assertEqual(Guide.runCommands(self.guide.text("sh", name), directory),
                                  (0, self.guide.text("output", name)))
 
-    def faultsOf(self, folder, className):
+    def faultsOf(self, directory, className):
         """What libxml2 and Xerces-C do not take in the documents of the class."""
-        path = os.path.join(folder, "documents", className)
+        path = os.path.join(directory, "documents", className)
         parser = etree.XMLParser(no_network=True)
         schema, = etree.parse(path + ".wsdl", parser).getroot().iter(
             "{http://www.w3.org/2001/XMLSchema}schema")
         alone = etree.fromstring(etree.tostring(schema), parser)
         faults = LibxmlTest.compileFaults("libxml2, .wsdl", alone)
         faults += LibxmlTest.compileFaults("libxml2, .xsd", etree.parse(path + ".xsd", parser))
-        faults += XercesTest.loadFaults(folder, [path + ".xsd"])
+        faults += XercesTest.loadFaults(directory, [path + ".xsd"])
         commands = self.guide.text("sh", "valid-wsdl").replace(
             "find documents -name '*.wsdl'", f"echo documents/{className}.wsdl")
-        status, output = Guide.runCommands(commands, folder)
+        status, output = Guide.runCommands(commands, directory)
         return faults + ([] if status == 0 else [("libxml2, WSDL", output)])
 
     def checkWayRound(self, name, modelName, className):
-        folder = self.workOn(modelName)
-        self.assertTrue(self.faultsOf(folder, className), "nothing to go round")
-        self.assertEqual(Guide.runCommands(self.guide.text("sh", name), folder), (0, ""))
-        self.assertEqual(self.faultsOf(folder, className), [])
+        directory = self.workOn(modelName)
+        self.assertTrue(self.faultsOf(directory, className), "nothing to go round")
+        self.assertEqual(Guide.runCommands(self.guide.text("sh", name), directory), (0, ""))
+        self.assertEqual(self.faultsOf(directory, className), [])
 
     def testCopyWithOneRestrictionIsAccepted(self):
         self.checkWayRound("one-restriction", "sample", "root/cimv2/TSK_Server")
@@ -79,11 +79,11 @@ class GuideTest(unittest.TestCase):
 
 
     def testQualifiedCopiesAreAccepted(self):
-        folder = self.workOn("sample")
-        self.assertEqual(Guide.runCommands(self.guide.text("sh", "qualified"), folder), (0, ""))
-        shutil.rmtree(os.path.join(folder, "documents"))
-        os.rename(os.path.join(folder, "qualified"), os.path.join(folder, "documents"))
-        self.assertEqual(self.faultsOf(folder, "root/cimv2/CIM_ComputerSystem"), [])
+        directory = self.workOn("sample")
+        self.assertEqual(Guide.runCommands(self.guide.text("sh", "qualified"), directory), (0, ""))
+        shutil.rmtree(os.path.join(directory, "documents"))
+        os.rename(os.path.join(directory, "qualified"), os.path.join(directory, "documents"))
+        self.assertEqual(self.faultsOf(directory, "root/cimv2/CIM_ComputerSystem"), [])
 
 
 class GuideReaderTest(unittest.TestCase):
@@ -103,5 +103,5 @@ class GuideReaderTest(unittest.TestCase):
             Guide.Guide(f"{_FENCE}sh list\nls\n{_FENCE}\n" * 2)
 
     def testFailureAnywhereInCommandsEndsThem(self):
-        with tempfile.TemporaryDirectory() as folder:
-            self.assertEqual(Guide.runCommands("echo a\nfalse | cat\necho b\n", folder), (1, "a\n"))
+        with tempfile.TemporaryDirectory() as directory:
+            self.assertEqual(Guide.runCommands("echo a\nfalse | cat\necho b\n", directory), (1, "a\n"))

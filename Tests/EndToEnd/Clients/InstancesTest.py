@@ -10,18 +10,18 @@ import Environment
 import Guide
 import Model
 
-_FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "Instances")
+_DIRECTORY = os.path.join(os.path.dirname(os.path.abspath(__file__)), "Instances")
 _CLASS_NAMESPACES = "http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/"
 _FAULT = re.compile(r"^instance\.xml:\d+: element \S+: Schemas validity error : (.*)$")
 
 
 def readInstances():
-    with open(os.path.join(_FOLDER, "Instances.toml"), "rb") as file:
+    with open(os.path.join(_DIRECTORY, "Instances.toml"), "rb") as file:
         return tomllib.load(file)["instance"]
 
 
 def readText(name):
-    with open(os.path.join(_FOLDER, name), encoding="utf-8") as file:
+    with open(os.path.join(_DIRECTORY, name), encoding="utf-8") as file:
         return file.read()
 
 
@@ -36,12 +36,12 @@ class InstancesTest(unittest.TestCase):
         """Runs the guide's commands for an instance of the class; gives exit status and output."""
         commands = self.guide.text("sh", "instance")
         self.assertIn("root/cimv2/CIM_SystemDevice", commands)
-        with tempfile.TemporaryDirectory(dir=Environment.WORK_FOLDER) as folder:
+        with tempfile.TemporaryDirectory(dir=Environment.WORK_DIRECTORY) as directory:
             for name in ("documents", "schemas"):
-                os.symlink(self.model.path(name), os.path.join(folder, name))
-            with open(os.path.join(folder, "instance.xml"), "w", encoding="utf-8") as file:
+                os.symlink(self.model.path(name), os.path.join(directory, name))
+            with open(os.path.join(directory, "instance.xml"), "w", encoding="utf-8") as file:
                 file.write(text)
-            return Guide.runCommands(commands.replace("root/cimv2/CIM_SystemDevice", className), folder)
+            return Guide.runCommands(commands.replace("root/cimv2/CIM_SystemDevice", className), directory)
 
     def testInstanceOfTheGuideIsValid(self):
         self.assertEqual(self.validate(self.guide.text("xml", "instance")),
@@ -51,7 +51,7 @@ class InstancesTest(unittest.TestCase):
         instances = readInstances()
         self.assertEqual(len({instance["class"] for instance in instances}), 10)
         self.assertEqual(sorted(instance["file"] for instance in instances),
-                         sorted(name for name in os.listdir(_FOLDER) if name.endswith(".xml")))
+                         sorted(name for name in os.listdir(_DIRECTORY) if name.endswith(".xml")))
         for instance in instances:
             with self.subTest(instance["file"]):
                 self.assertEqual(self.validate(readText(instance["file"]), instance["class"]),

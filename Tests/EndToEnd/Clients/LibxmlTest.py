@@ -37,10 +37,10 @@ class LibxmlTest(unittest.TestCase):
 
     def testEveryDocumentIsWellFormed(self):
         commands = self.guide.text("sh", "well-formed")
-        self.assertEqual(Guide.runCommands(commands, self.model.folder), (0, ""))
+        self.assertEqual(Guide.runCommands(commands, self.model.directory), (0, ""))
 
     def testEveryWsdlIsValidByTheSchemasOfWsdlAndItsSoapBinding(self):
-        _, output = Guide.runCommands(self.guide.text("sh", "valid-wsdl"), self.model.folder)
+        _, output = Guide.runCommands(self.guide.text("sh", "valid-wsdl"), self.model.directory)
         self.assertEqual(sorted(_VERDICT.findall(output)), self.model.documents(".wsdl"))
         Rejections.check(self, "libxml2 WSDL", self.model, _FAULT.findall(output))
 
@@ -59,13 +59,13 @@ class LibxmlTest(unittest.TestCase):
                 ('style="document"', 'style="documents"',
                  [soap + "binding', attribute 'style': [facet 'enumeration'] The value 'documents' is "
                   "not an element of the set {'rpc', 'document'}."])):
-            with self.subTest(new), tempfile.TemporaryDirectory(dir=self.model.folder) as folder:
-                os.symlink(self.model.path("schemas"), os.path.join(folder, "schemas"))
-                os.mkdir(os.path.join(folder, "documents"))
+            with self.subTest(new), tempfile.TemporaryDirectory(dir=self.model.directory) as directory:
+                os.symlink(self.model.path("schemas"), os.path.join(directory, "schemas"))
+                os.mkdir(os.path.join(directory, "documents"))
                 self.assertEqual(text.count(old), 1)
-                with open(os.path.join(folder, "documents", "a.wsdl"), "w", encoding="utf-8") as file:
+                with open(os.path.join(directory, "documents", "a.wsdl"), "w", encoding="utf-8") as file:
                     file.write(text.replace(old, new))
-                _, output = Guide.runCommands(self.guide.text("sh", "valid-wsdl"), folder)
+                _, output = Guide.runCommands(self.guide.text("sh", "valid-wsdl"), directory)
                 self.assertEqual([message for _, message in _FAULT.findall(output)], messages)
 
     def testEverySchemaCompilesAloneAndInItsWsdl(self):

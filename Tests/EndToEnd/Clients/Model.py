@@ -1,4 +1,4 @@
-"""The two models whose documents the clients read, each exported into a folder of its own."""
+"""The two models whose documents the clients read, each exported into a directory of its own."""
 
 import os
 import shutil
@@ -16,7 +16,7 @@ class Model:
 
     def __init__(self, name):
         self.name = name
-        self.folder = os.path.join(Environment.WORK_FOLDER, name)
+        self.directory = os.path.join(Environment.WORK_DIRECTORY, name)
 
     @staticmethod
     def ofThisRun():
@@ -32,35 +32,35 @@ class Model:
 
     def export(self):
         """Writes all documents anew; gives what tesk printed."""
-        shutil.rmtree(self.folder, ignore_errors=True)
-        os.makedirs(self.folder)
+        shutil.rmtree(self.directory, ignore_errors=True)
+        os.makedirs(self.directory)
         for name, target in (("schemas", Environment.STANDARD_SCHEMAS),
                              ("cim_schema", Environment.CIM_SCHEMA),
                              ("Scripts", os.path.join(Environment.REPOSITORY, "Scripts"))):
             if target:
-                os.symlink(os.path.abspath(target), os.path.join(self.folder, name))
+                os.symlink(os.path.abspath(target), os.path.join(self.directory, name))
         commands = Guide.Guide.read().text("sh", EXPORTS[self.name])
-        status, output = Guide.runCommands(commands, self.folder)
+        status, output = Guide.runCommands(commands, self.directory)
         if status != 0:
             raise AssertionError(f"the export ended with {status}:\n{output}")
         return output
 
-    def copyTo(self, folder):
-        """Lays the folder out as the model's own, with documents that may be changed."""
-        shutil.copytree(self.path("documents"), os.path.join(folder, "documents"))
+    def copyTo(self, directory):
+        """Lays the directory out as the model's own, with documents that may be changed."""
+        shutil.copytree(self.path("documents"), os.path.join(directory, "documents"))
         for name in ("schemas", "Scripts"):
-            os.symlink(self.path(name), os.path.join(folder, name))
+            os.symlink(self.path(name), os.path.join(directory, name))
 
     def documents(self, suffix):
-        """The documents with the suffix, relative to the model's folder, such as
+        """The documents with the suffix, relative to the model's directory, such as
         documents/root/cimv2/CIM_Component.xsd; at least one."""
         found = []
-        for folder, _, files in os.walk(os.path.join(self.folder, "documents")):
-            found += [os.path.relpath(os.path.join(folder, file), self.folder)
+        for directory, _, files in os.walk(os.path.join(self.directory, "documents")):
+            found += [os.path.relpath(os.path.join(directory, file), self.directory)
                       for file in files if file.endswith(suffix)]
         if not found:
-            raise AssertionError(f"no {suffix} documents in {self.folder}; was the export run?")
+            raise AssertionError(f"no {suffix} documents in {self.directory}; was the export run?")
         return sorted(found)
 
     def path(self, document):
-        return os.path.join(self.folder, document)
+        return os.path.join(self.directory, document)

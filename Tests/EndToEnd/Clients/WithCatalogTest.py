@@ -1,4 +1,4 @@
-"""Scripts/with-catalog: what it answers, what it says and how it ends."""
+"""Scripts/with-catalog: its responses, messages and exit status."""
 
 import os
 import signal
@@ -17,8 +17,8 @@ _CATALOG = """<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog">
 _FETCH = """
 import sys, urllib.error, urllib.request
 try:
-    with urllib.request.urlopen(sys.argv[1]) as answer:
-        print(answer.status, answer.headers["Content-Type"], answer.read().decode())
+    with urllib.request.urlopen(sys.argv[1]) as response:
+        print(response.status, response.headers["Content-Type"], response.read().decode())
 except urllib.error.HTTPError as error:
     print(error.code)
 except urllib.error.URLError as error:
@@ -29,19 +29,19 @@ except urllib.error.URLError as error:
 class WithCatalogTest(unittest.TestCase):
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = folder.name
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = directory.name
         self.write("catalog.xml", _CATALOG)
-        os.mkdir(os.path.join(self.folder, "files"))
+        os.mkdir(os.path.join(self.directory, "files"))
         self.write("files/a.xml", "<a>ä</a>")
 
     def write(self, name, text):
-        with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+        with open(os.path.join(self.directory, name), "w", encoding="utf-8") as file:
             file.write(text)
 
     def runProgram(self, *arguments):
-        result = subprocess.run([_PROGRAM, *arguments], cwd=self.folder, capture_output=True, text=True,
+        result = subprocess.run([_PROGRAM, *arguments], cwd=self.directory, capture_output=True, text=True,
                                 check=False)
         return result.returncode, result.stdout, result.stderr
 
@@ -75,7 +75,7 @@ class WithCatalogTest(unittest.TestCase):
 
     def testInterruptLeavesTheEndToTheCommand(self):
         command = "trap 'echo interrupted; exit 5' INT; echo ready; while :; do read -r _; done"
-        with subprocess.Popen([_PROGRAM, "catalog.xml", "sh", "-c", command], cwd=self.folder, text=True,
+        with subprocess.Popen([_PROGRAM, "catalog.xml", "sh", "-c", command], cwd=self.directory, text=True,
                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               process_group=0) as process:
             self.assertEqual(process.stdout.readline(), "ready\n")

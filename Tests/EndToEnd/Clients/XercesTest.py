@@ -13,10 +13,10 @@ _HEAD = """<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"
     xmlns:cim="http://schemas.dmtf.org/wbem/wscim/1/common">"""
 
 
-def loadFaults(folder, documents):
+def loadFaults(directory, documents):
     """Pairs of document and message for what Xerces-C does not take. Each document must be spoken
     of, so that none goes unread."""
-    result = subprocess.run([Environment.XERCES_PROGRAM, Environment.CATALOG], cwd=folder,
+    result = subprocess.run([Environment.XERCES_PROGRAM, Environment.CATALOG], cwd=directory,
                             input="".join(document + "\n" for document in documents),
                             stdout=subprocess.PIPE, text=True, check=True)
     lines = [tuple(line.split("\t", 1)) for line in result.stdout.splitlines()]
@@ -33,13 +33,13 @@ class XercesTest(unittest.TestCase):
         cls.model = Model.Model.ofThisRun()
 
     def faultsOf(self, schema):
-        with tempfile.TemporaryDirectory() as folder:
-            with open(os.path.join(folder, "a.xsd"), "w", encoding="utf-8") as file:
+        with tempfile.TemporaryDirectory() as directory:
+            with open(os.path.join(directory, "a.xsd"), "w", encoding="utf-8") as file:
                 file.write(_HEAD + schema + "</xs:schema>")
-            return [message for _, message in loadFaults(folder, ["a.xsd"])]
+            return [message for _, message in loadFaults(directory, ["a.xsd"])]
 
     def testEverySchemaLoadsWithFullChecking(self):
-        faults = loadFaults(self.model.folder, self.model.documents(".xsd"))
+        faults = loadFaults(self.model.directory, self.model.documents(".xsd"))
         Rejections.check(self, "Xerces-C", self.model, faults)
 
     def testContentThatOnlyFullCheckingRefusesIsRefused(self):

@@ -23,15 +23,15 @@ _OF_EVERY_CLASS = {"Create", "Delete", "Enumerate", "Get", "Pull", "Put"}
 
 def listOperations(model, documents):
     """For each document what ZeepLister.py writes of it."""
-    folder = os.path.dirname(os.path.abspath(__file__))
+    directory = os.path.dirname(os.path.abspath(__file__))
     command = [os.path.join(Environment.REPOSITORY, "Scripts", "with-catalog"), Environment.CATALOG,
-               sys.executable, os.path.join(folder, "ZeepLister.py")]
-    result = subprocess.run(command, cwd=model.folder, text=True, check=True,
+               sys.executable, os.path.join(directory, "ZeepLister.py")]
+    result = subprocess.run(command, cwd=model.directory, text=True, check=True,
                             input="".join(document + "\n" for document in documents),
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     if result.stderr:
         raise AssertionError(result.stderr)
-    return {answer.pop("document"): answer for answer in map(json.loads, result.stdout.splitlines())}
+    return {response.pop("document"): response for response in map(json.loads, result.stdout.splitlines())}
 
 
 def statedOperations(path):
@@ -48,16 +48,16 @@ class ZeepTest(unittest.TestCase):
 
     def testEveryWsdlLoadsAndShowsItsOperations(self):
         documents = self.model.documents(".wsdl")
-        answers = listOperations(self.model, documents)
-        self.assertEqual(sorted(answers), documents)
+        responses = listOperations(self.model, documents)
+        self.assertEqual(sorted(responses), documents)
         findings = []
-        for document, answer in answers.items():
+        for document, response in responses.items():
             stated = statedOperations(self.model.path(document))
             self.assertLessEqual(_OF_EVERY_CLASS, set(stated), document)
-            if "error" in answer:
-                findings.append((document, answer["error"]))
+            if "error" in response:
+                findings.append((document, response["error"]))
                 continue
-            shown = collections.Counter(answer["operations"])
+            shown = collections.Counter(response["operations"])
             self.assertLessEqual(set(shown), set(stated), document)
             findings += [(document, f"shows {shown[name]} of {times} operations {name}")
                          for name, times in stated.items() if shown[name] != times]
@@ -70,16 +70,16 @@ class ZeepCallTest(unittest.TestCase):
     def setUp(self):
         model = Model.Model.ofThisRun()
         self.guide = Guide.Guide.read()
-        self.folder = tempfile.mkdtemp(dir=Environment.WORK_FOLDER)
-        self.addCleanup(shutil.rmtree, self.folder)
-        model.copyTo(self.folder)
-        with open(os.path.join(self.folder, "call.py"), "w", encoding="utf-8") as file:
+        self.directory = tempfile.mkdtemp(dir=Environment.WORK_DIRECTORY)
+        self.addCleanup(shutil.rmtree, self.directory)
+        model.copyTo(self.directory)
+        with open(os.path.join(self.directory, "call.py"), "w", encoding="utf-8") as file:
             file.write(self.guide.text("python", "zeep-call"))
 
-    def call(self, commands, answer):
+    def call(self, commands, response):
         """Runs the guide's program; gives the outline of its only request."""
-        with FakeService.FakeService(FakeService.readMessage(answer)) as service:
-            result = Guide.runCommands(commands, self.folder, SERVICE=service.address)
+        with FakeService.FakeService(FakeService.readMessage(response)) as service:
+            result = Guide.runCommands(commands, self.directory, SERVICE=service.address)
         self.assertEqual(result, (0, self.guide.text("output", "zeep-call")))
         self.assertEqual(
             service.contentTypes,
@@ -88,13 +88,13 @@ class ZeepCallTest(unittest.TestCase):
         return service.outlines()[0]
 
     def testGuidesProgramCallsAMethod(self):
-        request = self.call(self.guide.text("sh", "zeep-call"), "Answer.xml")
+        request = self.call(self.guide.text("sh", "zeep-call"), "Response.xml")
         expected = FakeService.outline(FakeService.readMessage("ZeepRequest.xml"))
         self.assertEqual(request, expected)
 
     def testQualifiedCopiesQualifyParameters(self):
         commands = self.guide.text("sh", "qualified") + self.guide.text("sh", "zeep-call").replace(
             " documents/", " qualified/")
-        request = self.call(commands, "QualifiedAnswer.xml")
+        request = self.call(commands, "QualifiedResponse.xml")
         expected = FakeService.outline(FakeService.readMessage("ZeepQualifiedRequest.xml"))
         self.assertEqual(request, expected)

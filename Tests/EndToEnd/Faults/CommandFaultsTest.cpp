@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "Tests/EndToEnd/Faults/Faults.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RunningProgram.h"
 
 namespace {
@@ -62,7 +62,7 @@ std::string withoutTime(const std::string& text) {
 }
 
 TEST_P(CheckFaults, CheckFindsTheSameOrSaysWhyNot) {
-    const std::string model = folder_.write("test.mof", kNewClasses);
+    const std::string model = directory_.write("test.mof", kNewClasses);
     const std::vector<std::string> arguments = {"check", "--jobs", "2", "--namespace",
                                                 "root/test=" + model};
     const ProgramRun right = run(arguments);
@@ -78,21 +78,21 @@ TEST_P(CheckFaults, CheckFindsTheSameOrSaysWhyNot) {
 
 class ExportFaults : public CommandFaults {
   protected:
-    // What an export of these classes makes of the folder.
+    // What an export of these classes makes of the directory.
     void exportClasses(const char* classes, const fs::path& output) const {
-        folder_.write("test.mof", classes);
+        directory_.write("test.mof", classes);
         const ProgramRun done = run(arguments(output));
         ASSERT_EQ(done.end, "status 0") << done.errors;
     }
 
     [[nodiscard]] std::vector<std::string> arguments(const fs::path& output) const {
         return {"export",   "--prune",     "--jobs",
-                "2",        "--namespace", "root/test=" + (folder_ / "test.mof").string(),
+                "2",        "--namespace", "root/test=" + (directory_ / "test.mof").string(),
                 "--output", output};
     }
 
     // "old" and "new" for files that are whole.
-    [[nodiscard]] std::map<std::string, std::string> states(const FolderContent& content) const {
+    [[nodiscard]] std::map<std::string, std::string> states(const DirectoryContent& content) const {
         std::map<std::string, std::string> states;
         for (const auto& [name, text] : content) {
             const bool isNew = after_.contains(name) && after_.at(name) == text;
@@ -103,28 +103,28 @@ class ExportFaults : public CommandFaults {
     }
 
     // Nothing half, nothing unknown, and nothing gone but what shall go.
-    void expectWholeFiles(const FolderContent& content) const {
+    void expectWholeFiles(const DirectoryContent& content) const {
         for (const auto& [name, state] : states(content))
             EXPECT_TRUE(state == "new" || state == "old") << name << " is " << state;
         for (const auto& [name, text] : before_)
             EXPECT_TRUE(content.contains(name) || !after_.contains(name)) << name << " is lost";
     }
 
-    FolderContent before_;
-    FolderContent after_;
+    DirectoryContent before_;
+    DirectoryContent after_;
 };
 
 TEST_P(ExportFaults, ExportLeavesCompleteFilesAndSaysWhatIsMissing) {
-    ASSERT_NO_FATAL_FAILURE(exportClasses(kOldClasses, folder_ / "old"));
-    ASSERT_NO_FATAL_FAILURE(exportClasses(kNewClasses, folder_ / "new"));
-    before_ = contentOf(folder_ / "old");
-    after_ = contentOf(folder_ / "new");
-    const fs::path output = folder_ / "out";
+    ASSERT_NO_FATAL_FAILURE(exportClasses(kOldClasses, directory_ / "old"));
+    ASSERT_NO_FATAL_FAILURE(exportClasses(kNewClasses, directory_ / "new"));
+    before_ = contentOf(directory_ / "old");
+    after_ = contentOf(directory_ / "new");
+    const fs::path output = directory_ / "out";
     failEachCall(GetParam(), [&](const Fault& fault) {
         fs::remove_all(output);
-        fs::copy(folder_ / "old", output, fs::copy_options::recursive);
+        fs::copy(directory_ / "old", output, fs::copy_options::recursive);
         const ProgramRun outcome = run(arguments(output), fault);
-        const FolderContent now = contentOf(output);
+        const DirectoryContent now = contentOf(output);
         // What cannot be removed stays, and what cannot be opened is not known to be stale.
         if (!report().starts_with("unlink"))
             expectWholeFiles(now);
@@ -144,16 +144,16 @@ TEST_P(PasswdFaults, PasswdKeepsTheFileOrChangesItWhole) {
         "bob:$6$rounds=1000$saltsalt$LAV5VE5Y7w1d73x1mFNspYWUpazfmwv2SoepNXNKJ/otop/"
         "Zok96Hr8Q13LEv0DRY/x8v0/crpIjl8NJSAqXV/\n";
     const std::regex withAlice("alice:\\$[^\n:]{50,}\n");
-    const std::string secret = folder_.write("secret", "secret\n");
-    fs::create_directory(folder_ / "users");
-    const fs::path file = folder_ / "users" / "users";
+    const std::string secret = directory_.write("secret", "secret\n");
+    fs::create_directory(directory_ / "users");
+    const fs::path file = directory_ / "users" / "users";
     failEachCall(GetParam(), [&](const Fault& fault) {
-        fs::remove_all(folder_ / "users");
-        fs::create_directory(folder_ / "users");
-        folder_.write("users/users", bob);
+        fs::remove_all(directory_ / "users");
+        fs::create_directory(directory_ / "users");
+        directory_.write("users/users", bob);
         fs::permissions(file, fs::perms(0600));
         const ProgramRun outcome = run({"passwd", file, "alice"}, fault, secret);
-        FolderContent now = contentOf(folder_ / "users");
+        DirectoryContent now = contentOf(directory_ / "users");
         const std::string text = std::exchange(now["users"], "");
         ASSERT_TRUE(text.starts_with(bob)) << text;
         const std::string added = text.substr(bob.size());
@@ -165,7 +165,7 @@ TEST_P(PasswdFaults, PasswdKeepsTheFileOrChangesItWhole) {
         }
         EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
         if (!report().starts_with("unlink")) {
-            EXPECT_EQ(now, FolderContent({{"users", ""}}));
+            EXPECT_EQ(now, DirectoryContent({{"users", ""}}));
         }
     });
 }

@@ -8,12 +8,13 @@
 #include <map>
 #include <ostream>
 
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 
 namespace {
 
 // A program makes thousands of allocations, the later ones by the same few loops. So many are all
-// made to fail; after them every 13th: the allocations of a loop's pass are never a multiple of that.
+// made to fail; after them every 13th: the allocations of a loop's pass are never a multiple of
+// that.
 constexpr std::size_t kAll = 1000;
 constexpr std::size_t kStride = 13;
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// One call of a program into the C library that is made to fail.
 struct Fault {
@@ -49,8 +49,8 @@ class FaultTest : public testing::Test {
     /// The words by which it may be named, for a message.
     [[nodiscard]] static std::vector<std::string> reasons(const std::string& call);
 
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
 
   private:
-    TemporaryFolder reports_;
+    TemporaryDirectory reports_;
 };

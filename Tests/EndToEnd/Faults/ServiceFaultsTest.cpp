@@ -16,7 +16,7 @@
 
 #include "Tests/EndToEnd/Faults/Faults.h"
 #include "Tests/ObjectManager/Http/Client.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RunningProgram.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -27,10 +27,10 @@ namespace fs = std::filesystem;
 // A service in a process of its own, whose output can be read while it runs.
 class Service {
   public:
-    Service(const std::vector<std::string>& command, const TemporaryFolder& folder,
+    Service(const std::vector<std::string>& command, const TemporaryDirectory& directory,
             const std::function<void()>& prepare)
-        : output_(folder.write("output", "")),
-          log_(folder.write("log", "")),
+        : output_(directory.write("output", "")),
+          log_(directory.write("log", "")),
           program_(command, [&] {
               prepare();
               dup2(open(output_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC), STDOUT_FILENO);
@@ -96,8 +96,8 @@ class ServiceFaults : public FaultTest {
         FaultTest::SetUp();
         if (IsSkipped())
             return;
-        folder_.write("users", kUsers);
-        fs::permissions(folder_ / "users", fs::perms(0600));
+        directory_.write("users", kUsers);
+        fs::permissions(directory_ / "users", fs::perms(0600));
         old_ = rightResponse(kOldClasses);
         new_ = rightResponse(kNewClasses);
         ASSERT_TRUE(old_.starts_with("HTTP/1.1 200 OK\r\n")) << old_;
@@ -105,16 +105,16 @@ class ServiceFaults : public FaultTest {
     }
 
     [[nodiscard]] Service start(const Fault& fault) const {
-        return {
-            {PROGRAM, "serve", "--listen", "127.0.0.1:0", "--namespace",
-             "root/test=" + (folder_ / "test.mof").string(), "--password-file", folder_ / "users"},
-            folder_,
-            [&] { inject(fault); }};
+        return {{PROGRAM, "serve", "--listen", "127.0.0.1:0", "--namespace",
+                 "root/test=" + (directory_ / "test.mof").string(), "--password-file",
+                 directory_ / "users"},
+                directory_,
+                [&] { inject(fault); }};
     }
 
     void writeClasses(const char* classes) const {
-        folder_.write("new.mof", classes);
-        fs::rename(folder_ / "new.mof", folder_ / "test.mof");
+        directory_.write("new.mof", classes);
+        fs::rename(directory_ / "new.mof", directory_ / "test.mof");
     }
 
     // What a service without a fault sends.

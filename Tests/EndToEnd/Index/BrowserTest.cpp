@@ -19,13 +19,13 @@ std::string BrowserTest::withScript(std::string page, const std::string& script)
 
 Shown BrowserTest::show(const std::string& page, const std::string& fragment,
                         const std::vector<std::string>& options) const {
-    const std::string file = folder_.write("index.html", page);
+    const std::string file = directory_.write("index.html", page);
     std::vector<std::string> command = {"chromium",
                                         "--headless",
                                         "--no-sandbox",
                                         "--disable-gpu",
                                         "--disable-dev-shm-usage",
-                                        "--user-data-dir=" + folder_.path("profile"),
+                                        "--user-data-dir=" + directory_.path("profile"),
                                         "--enable-logging=stderr",
                                         "--virtual-time-budget=5000"};
     command.insert(command.end(), options.begin(), options.end());

@@ -87,8 +87,8 @@ class IndexPageAccessTest : public BrowserTest {
     // no room on a phone.
     [[nodiscard]] std::string titleInWidth(const std::string& page, int width,
                                            const std::string& script) const {
-        folder_.write("framed.html",
-                      withScript(page, script + "parent.postMessage(document.title, '*');"));
+        directory_.write("framed.html",
+                         withScript(page, script + "parent.postMessage(document.title, '*');"));
         return show(
                    "<!DOCTYPE html><title>nothing</title><script>"
                    "addEventListener('message', (event) => { document.title = event.data; });"
@@ -101,7 +101,7 @@ class IndexPageAccessTest : public BrowserTest {
 
     // All with the same classes.
     [[nodiscard]] std::string pageOfNamespaces(const Names& names, const std::string& mof) const {
-        const std::string file = folder_.write("classes.mof", mof);
+        const std::string file = directory_.write("classes.mof", mof);
         std::vector<Repository::NamespaceSource> sources;
         for (const std::string& name : names)
             sources.push_back({.name = name, .paths = {file}});

@@ -16,10 +16,10 @@ Hammer::~Hammer() {
     static_cast<void>(stop());
 }
 
-void Hammer::waitForAnswers(int count) const {
-    int seen = answers_;
-    for (const int last = seen + count; seen < last; seen = answers_)
-        answers_.wait(seen);
+void Hammer::waitForResponses(int count) const {
+    int seen = responses_;
+    for (const int last = seen + count; seen < last; seen = responses_)
+        responses_.wait(seen);
 }
 
 std::vector<std::string> Hammer::stop() {
@@ -32,13 +32,13 @@ std::vector<std::string> Hammer::stop() {
 
 void Hammer::run() {
     while (!ends_) {
-        const std::string answer = ask();
-        if (answer != expected_) {
+        const std::string response = ask();
+        if (response != expected_) {
             const std::lock_guard lock(mutex_);
-            wrong_.push_back(answer);
+            wrong_.push_back(response);
         }
-        ++answers_;
-        answers_.notify_all();
+        ++responses_;
+        responses_.notify_all();
     }
 }
 
@@ -47,8 +47,8 @@ std::string Hammer::ask() const {
         const Client client("127.0.0.1", port_);
         if (!client.send(request_))
             return "the request could not be sent";
-        const std::string answer = client.readAll();
-        return answer.empty() ? answer : withoutDate(answer);
+        const std::string response = client.readAll();
+        return response.empty() ? response : withoutDate(response);
     } catch (const std::exception& error) {
         return error.what();
     }

@@ -12,16 +12,16 @@
 /// Thread safety: belongs to one thread.
 class Hammer {
   public:
-    /// `expected` is the one answer that is right, without its date.
+    /// `expected` is the right response, without its date.
     Hammer(std::uint16_t port, std::string request, std::string expected, int clients = 4);
     Hammer(const Hammer&) = delete;
     Hammer& operator=(const Hammer&) = delete;
     ~Hammer();
 
-    /// Returns when so many more answers have come, right ones or wrong ones.
-    void waitForAnswers(int count) const;
+    /// Returns when so many more responses have come, right or wrong ones.
+    void waitForResponses(int count) const;
 
-    /// Ends it; returns what was answered, or went wrong, instead of what was expected.
+    /// Ends it; returns the responses, or failures, that were not as expected.
     [[nodiscard]] std::vector<std::string> stop();
 
   private:
@@ -32,7 +32,7 @@ class Hammer {
     std::string request_;
     std::string expected_;
     std::atomic<bool> ends_ = false;
-    std::atomic<int> answers_ = 0;
+    std::atomic<int> responses_ = 0;
     std::mutex mutex_;
     std::vector<std::string> wrong_;  // guarded by mutex_
     std::vector<std::thread> clients_;

@@ -13,7 +13,7 @@ class ServiceIndexPage : public RunningService {
     // Of the classes that the model has now.
     [[nodiscard]] std::string page() const {
         const Repository::LoadedRepository loaded = Repository::loadRepository(
-            {{.name = "root/test", .paths = {folder_ / "test.mof"}}}, {}, {});
+            {{.name = "root/test", .paths = {directory_ / "test.mof"}}}, {}, {});
         return Index::makeIndexPage(*loaded.repository);
     }
 
@@ -27,43 +27,43 @@ class ServiceIndexPage : public RunningService {
 
 TEST_F(ServiceIndexPage, IsAnsweredWhole) {
     start();
-    EXPECT_EQ(answer(get("/")), head() + page());
-    EXPECT_EQ(answer(get("/?a=b")), head() + page());
-    EXPECT_EQ(answer(get("http://" + std::string(kHost))), head() + page());
+    EXPECT_EQ(response(get("/")), head() + page());
+    EXPECT_EQ(response(get("/?a=b")), head() + page());
+    EXPECT_EQ(response(get("http://" + std::string(kHost))), head() + page());
 }
 
 TEST_F(ServiceIndexPage, HasAHeadOfItsOwn) {
     start();
     const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
-    EXPECT_EQ(answer(request("HEAD / HTTP/1.1", fields)), head());
+    EXPECT_EQ(response(request("HEAD / HTTP/1.1", fields)), head());
 }
 
 TEST_F(ServiceIndexPage, IsForThoseWhoMayReadTheDocuments) {
     start();
-    EXPECT_EQ(answer("GET / HTTP/1.1\r\nHost: a\r\n\r\n"), kChallenge);
+    EXPECT_EQ(response("GET / HTTP/1.1\r\nHost: a\r\n\r\n"), kChallenge);
 }
 
 TEST_F(ServiceIndexPage, CannotBeChanged) {
     start();
     const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
-    EXPECT_EQ(answer(request("DELETE / HTTP/1.1", fields)),
+    EXPECT_EQ(response(request("DELETE / HTTP/1.1", fields)),
               "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
               "Content-Length: 0\r\n\r\n");
 }
 
 TEST_F(ServiceIndexPage, IsAtNoOtherPath) {
     start();
-    EXPECT_EQ(answer(get("/index.html")),
+    EXPECT_EQ(response(get("/index.html")),
               refusal("404 Not Found", "There is nothing at this path."));
 }
 
 TEST_F(ServiceIndexPage, ShowsTheClassesOfAReload) {
     start();
-    const std::string before = answer(get("/"));
+    const std::string before = response(get("/"));
     writeModel("test.mof", "class TST_New {};\n");
     reload();
-    EXPECT_EQ(answer(get("/")), head() + page());
-    EXPECT_NE(answer(get("/")), before);
+    EXPECT_EQ(response(get("/")), head() + page());
+    EXPECT_NE(response(get("/")), before);
 }
 
 }  // namespace

@@ -33,16 +33,16 @@ class ServiceLimits : public RunningService {
 TEST_F(ServiceLimits, AHeadThatIsOneByteTooLongIsRefused) {
     serverKeys_["max_header_size"] = "512";
     start();
-    EXPECT_EQ(answer(ofSize(512)), found(expected("TST_Nothing.wsdl")));
-    EXPECT_EQ(answer(ofSize(513)), refusal("431 Request Header Fields Too Large",
-                                           "The header section is longer than 512 bytes."));
+    EXPECT_EQ(response(ofSize(512)), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(ofSize(513)), refusal("431 Request Header Fields Too Large",
+                                             "The header section is longer than 512 bytes."));
 }
 
 TEST_F(ServiceLimits, ARequestLineThatIsOneByteTooLongIsRefused) {
     serverKeys_["max_request_line"] = "100";
     start();
-    EXPECT_EQ(answer(withLine(100)), kNotFound);
-    EXPECT_EQ(answer(withLine(101)),
+    EXPECT_EQ(response(withLine(100)), kNotFound);
+    EXPECT_EQ(response(withLine(101)),
               refusal("414 URI Too Long", "The request line is longer than 100 bytes."));
 }
 
@@ -66,10 +66,10 @@ TEST_F(ServiceLimits, AClientThatDoesNotTakeItsResponseLosesIt) {
     const std::string begin = idle.read(100);
     EXPECT_EQ(begin.substr(0, 15), "HTTP/1.1 200 OK");
     // There is room for another one only when the first is closed.
-    waitForAnswer(get("/root/test/TST_None.wsdl"), "HTTP/1.1 404 File Not Found");
+    waitForResponse(get("/root/test/TST_None.wsdl"), "HTTP/1.1 404 File Not Found");
     const std::string rest = idle.readAll();
     EXPECT_FALSE(rest.ends_with("</wsdl:definitions>\n"));
-    waitForAnswer(get("/root/test/TST_Large.wsdl"), "HTTP/1.1 200 OK");
+    waitForResponse(get("/root/test/TST_Large.wsdl"), "HTTP/1.1 200 OK");
 }
 
 TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
@@ -80,11 +80,11 @@ TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
     const Client second = connect();
     {
         const Client third = connect();
-        EXPECT_EQ(answer(request),
+        EXPECT_EQ(response(request),
                   refusal("503 Service Unavailable",
                           "The server has too many connections. Try again later."));
     }
-    waitForAnswer(request, "HTTP/1.1 200 OK");
+    waitForResponse(request, "HTTP/1.1 200 OK");
     for (const Client* const client : {&first, &second}) {
         EXPECT_TRUE(client->send(request));
         EXPECT_EQ(withoutDate(client->readAll()), found(expected("TST_Nothing.wsdl")));
@@ -96,7 +96,7 @@ TEST_F(ServiceLimits, TheLimitOfClientsIsForAllAddressesTogether) {
     serverKeys_["max_connections"] = "2";
     start();
     const Client first = connect();
-    EXPECT_EQ(answer(get("/root/test/TST_None.wsdl")), kNotFound);  // the first is accepted
+    EXPECT_EQ(response(get("/root/test/TST_None.wsdl")), kNotFound);  // the first is accepted
     const Client second("127.0.0.1", port(1));
     const Client third("127.0.0.1", port(1));
     EXPECT_EQ(withoutDate(third.readAll()),
@@ -129,7 +129,7 @@ TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
     serverKeys_["workers"] = "2";
     start();
     const std::string hers = get("/root/test/TST_Nothing.wsdl");
-    EXPECT_EQ(answer(hers), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(hers), found(expected("TST_Nothing.wsdl")));
     std::vector<Client> strangers;
     for (std::size_t count = 0; count < kStrangers; ++count) {
         const std::string password = "wrong" + std::to_string(count);
@@ -138,7 +138,7 @@ TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
                     "Host: a\r\nAuthorization: " + basicField("mallory", password) + "\r\n")));
     }
     for (int count = 0; count < 5; ++count)
-        EXPECT_EQ(answer(hers), found(expected("TST_Nothing.wsdl")));
+        EXPECT_EQ(response(hers), found(expected("TST_Nothing.wsdl")));
     // She did not wait for the hashes that were asked for before; one worker may be at the last.
     EXPECT_FALSE(strangers[kStrangers - 3].hasInput());
     for (const Client& stranger : strangers)

@@ -51,7 +51,7 @@ class ServiceLoad : public RunningService {
         const std::string document = found(expected("OneClass.wsdl"));
         runOnThreads(8, [&](int /*index*/) {
             for (int count = 0; count < requests / 8; ++count)
-                ASSERT_EQ(answer(request), document);
+                ASSERT_EQ(response(request), document);
         });
     }
 };
@@ -101,7 +101,7 @@ TEST_F(ServiceLoad, SixtyFourClientsGetEveryDocumentOfTheDmtfSchema) {
     std::atomic<std::size_t> next = 0;
     runOnThreads(64, [&](int /*index*/) {
         for (std::size_t index = next++; index < paths.size(); index = next++)
-            ASSERT_EQ(answer(get(paths[index])), found(documents.document(paths[index])));
+            ASSERT_EQ(response(get(paths[index])), found(documents.document(paths[index])));
     });
 }
 
@@ -132,7 +132,7 @@ TEST_F(ServiceLoad, TwoThousandIdleConnectionsKeepNobodyFromBeingServed) {
 TEST_F(ServiceLoad, TheFilesThatTheProcessMayOpenAreUsed) {
     writeConfiguration();
     startWith({"-c", "ulimit -S -n 40 && exec \"$@\"", "sh", TESK_PROGRAM, "serve", "--config",
-               folder_ / "tesk.toml"},
+               directory_ / "tesk.toml"},
               "/bin/sh");
     std::vector<Client> idle;
     for (int count = 0; count < 200; ++count)
@@ -149,7 +149,7 @@ TEST_F(ServiceLoad, SlowClientsDoNotSlowDownOthers) {
     start();
     const std::string large = get("/root/test/TST_Large.wsdl");
     const std::string small = get("/root/test/TST_One.wsdl");
-    const std::string largeDocument = answer(large);
+    const std::string largeDocument = response(large);
     std::vector<Client> readers;
     std::vector<Client> senders;
     for (int count = 0; count < 8; ++count) {
@@ -163,7 +163,7 @@ TEST_F(ServiceLoad, SlowClientsDoNotSlowDownOthers) {
             EXPECT_TRUE(senders[index].send({&byte, 1}));
             read[index] += readers[index].read(100);
         }
-        EXPECT_EQ(answer(small), document);
+        EXPECT_EQ(response(small), document);
     }
     for (std::size_t index = 0; index < readers.size(); ++index) {
         EXPECT_EQ(withoutDate(senders[index].readAll()), document);

@@ -8,7 +8,7 @@
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/Files.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/WaitUntil.h"
 
 namespace {
@@ -24,7 +24,7 @@ class ServiceLogFile : public RunningService {
     [[nodiscard]] Lines linesOf(const char* file) const {
         const std::regex own("[-0-9T:.]+Z (.* tesk: .*)");
         Lines lines;
-        std::istringstream stream(contentOfFile(folder_ / file));
+        std::istringstream stream(contentOfFile(directory_ / file));
         std::smatch match;
         for (std::string line; std::getline(stream, line);) {
             if (std::regex_match(line, match, own))
@@ -35,7 +35,7 @@ class ServiceLogFile : public RunningService {
 
     void waitForLines(const char* file, const Lines& lines) const {
         (void)waitUntil(
-            [&] { return std::filesystem::exists(folder_ / file) && linesOf(file) == lines; });
+            [&] { return std::filesystem::exists(directory_ / file) && linesOf(file) == lines; });
         EXPECT_EQ(linesOf(file), lines);
     }
 };
@@ -43,7 +43,7 @@ class ServiceLogFile : public RunningService {
 TEST_F(ServiceLogFile, IsOpenedAnewAfterItWasMovedAway) {
     process().signal(SIGHUP);
     waitForLines("log", {"information tesk: Reloaded: 2 classes in 1 namespace"});
-    std::filesystem::rename(folder_ / "log", folder_ / "log.1");
+    std::filesystem::rename(directory_ / "log", directory_ / "log.1");
     process().signal(SIGHUP);
     waitForLines("log", {"information tesk: Reloaded: 2 classes in 1 namespace"});
     process().signal(SIGTERM);
@@ -55,16 +55,16 @@ TEST_F(ServiceLogFile, IsOpenedAnewAfterItWasMovedAway) {
 }
 
 TEST_F(ServiceLogFile, GoesOnWhereItIsWhenItCannotBeOpenedAnew) {
-    std::filesystem::rename(folder_ / "log", folder_ / "log.1");
-    std::filesystem::create_directory(folder_ / "log");
+    std::filesystem::rename(directory_ / "log", directory_ / "log.1");
+    std::filesystem::create_directory(directory_ / "log");
     process().signal(SIGHUP);
     waitForLines("log.1", {"error tesk: The log goes on as before: the log file " +
-                               (folder_ / "log").string() + " cannot be written: Is a directory",
+                               (directory_ / "log").string() + " cannot be written: Is a directory",
                            "information tesk: Reloaded: 2 classes in 1 namespace"});
 }
 
 TEST_F(ServiceLogFile, HoldsWhatKeepsAReloadFromWorking) {
-    const std::string file = folder_.write("test.mof", "class TST_One { x };");
+    const std::string file = directory_.write("test.mof", "class TST_One { x };");
     process().signal(SIGHUP);
     waitForLines(
         "log", {"error tesk: " + file + ":1:19: error: found \"}\", expected \"ref\"",

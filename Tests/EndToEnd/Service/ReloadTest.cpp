@@ -9,11 +9,11 @@
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 
 namespace {
 
-// Every test begins with a service under load, and ends with the load having got right answers
+// Every test begins with a service under load, and ends with the load having got right responses
 // alone.
 class ServiceReload : public RunningService {
   protected:
@@ -21,17 +21,17 @@ class ServiceReload : public RunningService {
         start();
         hammer_.emplace(port(), get("/root/test/TST_Nothing.wsdl"),
                         found(expected("TST_Nothing.wsdl")));
-        hammer_->waitForAnswers(20);
+        hammer_->waitForResponses(20);
     }
 
     void TearDown() override {
-        hammer_->waitForAnswers(20);
+        hammer_->waitForResponses(20);
         EXPECT_EQ(hammer_->stop(), Lines());
         RunningService::TearDown();
     }
 
     void expectServedAsBefore() const {
-        EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), found(expected("OneClass.wsdl")));
+        EXPECT_EQ(response(get("/root/test/TST_One.wsdl")), found(expected("OneClass.wsdl")));
     }
 
     std::optional<Hammer> hammer_;
@@ -39,11 +39,11 @@ class ServiceReload : public RunningService {
 
 TEST_F(ServiceReload, ClassesComeAndGo) {
     expectServedAsBefore();
-    EXPECT_EQ(answer(get("/root/test/TST_Two.wsdl")), kNotFound);
+    EXPECT_EQ(response(get("/root/test/TST_Two.wsdl")), kNotFound);
     writeModel("test.mof", "class TST_Nothing {};\nclass TST_Two {};\n");
     reload();
-    EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), kNotFound);
-    EXPECT_EQ(answer(get("/root/test/TST_Two.wsdl")).substr(0, 15), "HTTP/1.1 200 OK");
+    EXPECT_EQ(response(get("/root/test/TST_One.wsdl")), kNotFound);
+    EXPECT_EQ(response(get("/root/test/TST_Two.wsdl")).substr(0, 15), "HTTP/1.1 200 OK");
     EXPECT_NE(process().log().find("information tesk: Reloaded: 2 classes in 1 namespace\n"),
               std::string::npos)
         << process().log();
@@ -51,27 +51,27 @@ TEST_F(ServiceReload, ClassesComeAndGo) {
 
 TEST_F(ServiceReload, NamespacesComeAndGo) {
     const std::string request = get("/root/new/TST_One.wsdl");
-    EXPECT_EQ(answer(request), refusal("404 Not Found", "There is nothing at this path."));
-    EXPECT_EQ(answer(get("/TST_One.wsdl")),
+    EXPECT_EQ(response(request), refusal("404 Not Found", "There is nothing at this path."));
+    EXPECT_EQ(response(get("/TST_One.wsdl")),
               refusal("404 Not Found", "There is nothing at this path."));
     namespaces_["Root/New"] = "test.mof";
     namespaces_["interop"] = "test.mof";
     writeConfiguration();
     reload();
-    const std::string new1 = answer(request);
+    const std::string new1 = response(request);
     EXPECT_EQ(new1, found(expected("OneClass.wsdl")));
-    EXPECT_EQ(answer(get("/TST_One.xsd")), found(expected("OneClass.xsd")));
+    EXPECT_EQ(response(get("/TST_One.xsd")), found(expected("OneClass.xsd")));
 
     namespaces_.erase("Root/New");
     writeConfiguration();
     reload();
-    EXPECT_EQ(answer(request), kNotFound);
+    EXPECT_EQ(response(request), kNotFound);
     expectedLog_ = {"error WsdlAdapter::processInput: Exception while writing response. err=3"};
 
     namespaces_["root/new"] = "test.mof";
     writeConfiguration();
     reload();
-    EXPECT_EQ(answer(request), new1);
+    EXPECT_EQ(response(request), new1);
 }
 
 TEST_F(ServiceReload, UsersComeAndGo) {
@@ -81,19 +81,19 @@ TEST_F(ServiceReload, UsersComeAndGo) {
             "Host: " + std::string(kHost) + "\r\nAuthorization: Basic " + password + "\r\n");
     };
     const std::string bobSecret = "Ym9iOnNlY3JldA==";
-    EXPECT_EQ(answer(ofBob(bobSecret)), kChallenge);
+    EXPECT_EQ(response(ofBob(bobSecret)), kChallenge);
     const std::string alice = "alice:" + std::string(kSha512OfSecret) + "\n";
     writeUsers(alice + "bob:" + kSha512OfSecret + "\n");
     reload();
-    EXPECT_EQ(answer(ofBob(bobSecret)), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(ofBob(bobSecret)), found(expected("TST_Nothing.wsdl")));
     writeUsers(alice);
     reload();
-    EXPECT_EQ(answer(ofBob(bobSecret)), kChallenge);
+    EXPECT_EQ(response(ofBob(bobSecret)), kChallenge);
 }
 
 TEST_F(ServiceReload, ABrokenModelKeepsTheOldOne) {
     const std::string file =
-        folder_.write("test.mof", "class TST_Nothing {};\nclass TST_One { x };");
+        directory_.write("test.mof", "class TST_Nothing {};\nclass TST_One { x };");
     reload();
     expectServedAsBefore();
     expectedLog_ = {
@@ -104,7 +104,7 @@ TEST_F(ServiceReload, ABrokenModelKeepsTheOldOne) {
 }
 
 TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
-    const std::string file = folder_ / "test.mof";
+    const std::string file = directory_ / "test.mof";
     std::filesystem::rename(file, file + ".away");
     reload();
     expectServedAsBefore();
@@ -114,7 +114,7 @@ TEST_F(ServiceReload, AMissingModelKeepsTheOldOneUntilItIsBack) {
         "not used"};
     writeModel("test.mof", "class TST_Nothing {};\n");
     reload();
-    EXPECT_EQ(answer(get("/root/test/TST_One.wsdl")), kNotFound);
+    EXPECT_EQ(response(get("/root/test/TST_One.wsdl")), kNotFound);
 }
 
 TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
@@ -124,7 +124,7 @@ TEST_F(ServiceReload, ABrokenConfigurationKeepsTheOldOne) {
     reload();
     expectServedAsBefore();
     expectedLog_ = {
-        "error tesk: " + (folder_ / "tesk.toml").string() +
+        "error tesk: " + (directory_ / "tesk.toml").string() +
             ":6:1: error: unknown key \"max_conections\" in [server]; did you mean "
             "\"max_connections\"?",
         "error tesk: Not reloaded, the service goes on as before: the configuration has errors and "
@@ -142,11 +142,11 @@ TEST_F(ServiceReload, WhatNeedsAStartIsTold) {
 }
 
 TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
-    const std::string file = folder_ / "tesk.toml";
+    const std::string file = directory_ / "tesk.toml";
     std::string text = contentOfFile(file);
     const std::string key = "password_file = \"users\"\n";
     ASSERT_NE(text.find(key), std::string::npos);
-    folder_.write("tesk.toml", text.erase(text.find(key), key.size()));
+    directory_.write("tesk.toml", text.erase(text.find(key), key.size()));
     reload();
     expectServedAsBefore();
     expectedLog_ = {
@@ -157,7 +157,7 @@ TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
 // Neither is changed if one of the two cannot be.
 TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     writeModel("test.mof", "class TST_Nothing {};\n");
-    const std::string users = folder_ / "users";
+    const std::string users = directory_ / "users";
     std::filesystem::permissions(users, std::filesystem::perms(0640));
     process().waitForLog("The users stay as they were: ");  // as the file has changed
     reload();
@@ -175,7 +175,7 @@ TEST_F(ServiceReload, ManySignalsInARowDoNoHarm) {
     process().waitForLog("Reloaded");
     writeModel("test.mof", "class TST_Nothing {};\nclass TST_Two {};\n");
     process().signal(SIGHUP);
-    waitForAnswer(get("/root/test/TST_Two.wsdl"), "HTTP/1.1 200 OK");
+    waitForResponse(get("/root/test/TST_Two.wsdl"), "HTTP/1.1 200 OK");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ void RunningService::TearDown() {
 }
 
 void RunningService::writeModel(std::string_view name, std::string_view classes) const {
-    folder_.write(name, std::string(kQualifiers) + std::string(classes));
+    directory_.write(name, std::string(kQualifiers) + std::string(classes));
 }
 
 std::string RunningService::largeClass() {
@@ -70,7 +70,7 @@ std::string RunningService::largeClass() {
 
 void RunningService::writeUsers(std::string_view text) const {
     // The service never sees half of it.
-    std::filesystem::rename(writePrivate(folder_, "users.new", text), folder_ / "users");
+    std::filesystem::rename(writePrivate(directory_, "users.new", text), directory_ / "users");
 }
 
 void RunningService::writeConfiguration() const {
@@ -84,12 +84,12 @@ void RunningService::writeConfiguration() const {
     for (const auto& [key, value] : serverKeys_)
         text += key + " = " + value + "\n";
     text += "[security]\npassword_file = \"users\"\n[log]\n" + logKeys_;
-    folder_.write("tesk.toml", text);
+    directory_.write("tesk.toml", text);
 }
 
 void RunningService::start() {
     writeConfiguration();
-    startWith({"serve", "--config", folder_ / "tesk.toml"});
+    startWith({"serve", "--config", directory_ / "tesk.toml"});
 }
 
 void RunningService::startWith(const std::vector<std::string>& arguments,
@@ -119,20 +119,20 @@ Client RunningService::sending(std::string_view bytes) const {
     return client;
 }
 
-std::string RunningService::answer(std::string_view request) const {
-    return withoutDate(answerWithDate(request));
+std::string RunningService::response(std::string_view request) const {
+    return withoutDate(responseWithDate(request));
 }
 
-std::string RunningService::answerWithDate(std::string_view request) const {
+std::string RunningService::responseWithDate(std::string_view request) const {
     return sending(request).readAll();
 }
 
-void RunningService::waitForAnswer(std::string_view request, std::string_view begin) const {
-    std::string answer;
+void RunningService::waitForResponse(std::string_view request, std::string_view begin) const {
+    std::string response;
     EXPECT_TRUE(waitUntil([&] {
-        answer = answerWithDate(request);
-        return answer.starts_with(begin);
-    })) << answer.substr(0, begin.size());
+        response = responseWithDate(request);
+        return response.starts_with(begin);
+    })) << response.substr(0, begin.size());
 }
 
 std::string RunningService::found(std::string_view document, std::string_view protocol) {

@@ -10,7 +10,7 @@
 
 #include "Tests/EndToEnd/Service/TeskProcess.h"
 #include "Tests/ObjectManager/Http/Client.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// `tesk serve` with a configuration, a model and a password file of the test's own.
 ///
@@ -65,26 +65,26 @@ class RunningService : public testing::Test {
     [[nodiscard]] Client connect() const { return {"127.0.0.1", port()}; }
     /// A client who has sent that.
     [[nodiscard]] Client sending(std::string_view bytes) const;
-    /// The answer to that, without its date.
-    [[nodiscard]] std::string answer(std::string_view request) const;
+    /// The response to that, without its date.
+    [[nodiscard]] std::string response(std::string_view request) const;
     /// The same with the date.
-    [[nodiscard]] std::string answerWithDate(std::string_view request) const;
-    /// Asks until the answer begins with that.
-    void waitForAnswer(std::string_view request, std::string_view begin) const;
+    [[nodiscard]] std::string responseWithDate(std::string_view request) const;
+    /// Asks until the response begins with that.
+    void waitForResponse(std::string_view request, std::string_view begin) const;
 
-    /// The answer with a document.
+    /// The response with a document.
     [[nodiscard]] static std::string found(std::string_view document,
                                            std::string_view protocol = "HTTP/1.1");
     /// The document of that name in Tests/Providers, as the service sends it to that host.
     [[nodiscard]] static std::string expected(const std::string& name,
                                               const std::string& host = kHost);
-    /// What the front end itself answers.
+    /// The responses of the front end itself.
     [[nodiscard]] static std::string refusal(const std::string& status, const std::string& text);
 
     /// Tells the service to read everything again, and waits until it has tried.
     void reload();
 
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
     std::map<std::string, std::string> namespaces_;  ///< name and path of each
     std::vector<std::string> listen_ = {"127.0.0.1:0"};
     /// The keys of [server]. Nothing ends because a machine is slow, unless the test says so.

@@ -71,7 +71,7 @@ TEST_F(ServiceShutdown, IdleConnectionsAreClosed) {
     const Client silent = connect();
     const Client slow = sending("GET /root/test/TST_Nothing.wsdl HTTP/1.1\r\nHost: a\r\n");
     // By then both are accepted.
-    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
     process().signal(SIGTERM);
     EXPECT_EQ(silent.readAll(), "");
     EXPECT_EQ(slow.readAll(), "");
@@ -91,16 +91,16 @@ TEST_F(ServiceShutdown, RunningRequestsAreAnsweredWhole) {
     expectProvidersShutDown();
 }
 
-// Whoever is answered at all is answered whole.
-TEST_F(ServiceShutdown, UnderLoadNobodyGetsAPartOfAnAnswer) {
+// Whoever gets a response gets a whole one.
+TEST_F(ServiceShutdown, UnderLoadNobodyGetsAPartOfAResponse) {
     start();
     const std::string document = found(expected("TST_Nothing.wsdl"));
     Hammer hammer(port(), get("/root/test/TST_Nothing.wsdl"), document, 16);
-    hammer.waitForAnswers(100);
+    hammer.waitForResponses(100);
     process().signal(SIGTERM);
     expectProvidersShutDown();
-    for (const std::string& answer : hammer.stop())
-        EXPECT_FALSE(answer.starts_with("HTTP")) << answer;
+    for (const std::string& response : hammer.stop())
+        EXPECT_FALSE(response.starts_with("HTTP")) << response;
 }
 
 // The service listens on two addresses: the second must not serve on while the first is finishing.
@@ -115,7 +115,7 @@ TEST_F(ServiceShutdown, NoAddressTakesRequestsWhileAnotherFinishes) {
     expectProvidersShutDown();
 }
 
-TEST_F(ServiceShutdown, AReloadThatIsAskedForTooLateDoesNotCutAnswersOff) {
+TEST_F(ServiceShutdown, AReloadThatIsAskedForTooLateDoesNotCutResponsesOff) {
     serveLargeClass();
     const Client client = readingLargeDocument();
     process().signal(SIGTERM);

@@ -23,7 +23,7 @@ class ServiceStart : public RunningService {
         return {"serve", "--config", configuration()};
     }
 
-    [[nodiscard]] std::string configuration() const { return folder_ / "tesk.toml"; }
+    [[nodiscard]] std::string configuration() const { return directory_ / "tesk.toml"; }
 };
 
 TEST_F(ServiceStart, SaysWhatItServesAndWhere) {
@@ -50,7 +50,7 @@ TEST_F(ServiceStart, APortInUse) {
     EXPECT_NE(second.log().find("Z information WsdlWebProvider: Shutdown called\n"),
               std::string::npos)
         << second.log();
-    EXPECT_EQ(answer(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
 }
 
 TEST_F(ServiceStart, AnAddressOfAnotherMachine) {
@@ -67,14 +67,14 @@ TEST_F(ServiceStart, AnAddressThatIsNone) {
 }
 
 TEST_F(ServiceStart, AModelThatIsMissing) {
-    const std::string file = folder_ / "none.mof";
+    const std::string file = directory_ / "none.mof";
     expectFailure({"serve", "--namespace", "root/test=" + file}, 1,
                   {file + ": error: cannot be read: No such file or directory",
                    "tesk: the classes have errors and are not used"});
 }
 
 TEST_F(ServiceStart, AModelThatIsWrong) {
-    const std::string file = folder_.write("wrong.mof", "class TST_One { x };");
+    const std::string file = directory_.write("wrong.mof", "class TST_One { x };");
     expectFailure({"serve", "--namespace", "root/test=" + file}, 1,
                   {file + ":1:19: error: found \"}\", expected \"ref\"", "class TST_One { x };",
                    "                  ^", "tesk: the classes have errors and are not used"});
@@ -95,14 +95,14 @@ TEST_F(ServiceStart, AConfigurationThatIsMissing) {
 }
 
 TEST_F(ServiceStart, APasswordFileThatIsMissing) {
-    const std::string users = folder_ / "nobody";
+    const std::string users = directory_ / "nobody";
     expectFailure({"serve", "--password-file", users}, 1,
                   {"tesk: " + users + ": cannot be read: No such file or directory"});
 }
 
 TEST_F(ServiceStart, APasswordFileThatIsWrong) {
     writeUsers("alice\n");
-    const std::string users = folder_ / "users";
+    const std::string users = directory_ / "users";
     expectFailure(withConfiguration(), 1,
                   {"tesk: " + users + ":1: there is no colon between user name and hash"});
 }
@@ -110,7 +110,7 @@ TEST_F(ServiceStart, APasswordFileThatIsWrong) {
 TEST_F(ServiceStart, ALogFileThatCannotBeWritten) {
     logKeys_ = "file = \"missing/log\"\n";
     expectFailure(withConfiguration(), 1,
-                  {"tesk: the log file " + (folder_ / "missing/log").string() +
+                  {"tesk: the log file " + (directory_ / "missing/log").string() +
                    " cannot be written: No such file or directory"});
 }
 

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "Tests/ObjectManager/Security/Files.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/WaitUntil.h"
 
 namespace {
@@ -95,7 +95,7 @@ int count(std::string_view text, std::string_view part) {
 
 TeskProcess::TeskProcess(const std::vector<std::string>& arguments, std::string_view input,
                          const std::filesystem::path& program) {
-    folder_.write("input", input);
+    directory_.write("input", input);
     start(arguments, program);
 }
 
@@ -115,7 +115,7 @@ void TeskProcess::start(const std::vector<std::string>& arguments,
     std::array<int, 2> pipe{};
     require(pipe2(pipe.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe2");
     output_ = pipe[0];
-    const Streams streams(folder_ / "input", pipe[1], folder_ / "log");
+    const Streams streams(directory_ / "input", pipe[1], directory_ / "log");
     const UsualSignals signals;
     std::vector<std::string> words = arguments;
     words.insert(words.begin(), program);
@@ -162,7 +162,7 @@ bool TeskProcess::readMore() {
 }
 
 std::string TeskProcess::log() const {
-    return contentOfFile(folder_ / "log");
+    return contentOfFile(directory_ / "log");
 }
 
 void TeskProcess::waitForLog(std::string_view text, int times) const {

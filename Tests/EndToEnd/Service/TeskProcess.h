@@ -6,7 +6,7 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// The program `tesk` in a process of its own. Whatever it takes longer for than a minute fails the
 /// test.
@@ -50,7 +50,7 @@ class TeskProcess {
     [[nodiscard]] bool hasEndedWithin(int milliseconds);
     [[nodiscard]] bool readMore();
 
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
     pid_t id_ = -1;
     int handle_ = -1;  // becomes readable when the process ends
     int output_ = -1;

@@ -24,13 +24,13 @@ class ServiceUsers : public RunningService {
 
     // Sets the password with the program; returns what it says.
     std::string setPassword(const std::string& user, const std::string& password) {
-        TeskProcess passwd({"passwd", folder_ / "users", user}, password + "\n");
+        TeskProcess passwd({"passwd", directory_ / "users", user}, password + "\n");
         EXPECT_EQ(passwd.wait(), 0);
         return passwd.log();
     }
 
     std::string removeUser(const std::string& user) {
-        TeskProcess passwd({"passwd", "--delete", folder_ / "users", user});
+        TeskProcess passwd({"passwd", "--delete", directory_ / "users", user});
         EXPECT_EQ(passwd.wait(), 0);
         return passwd.log();
     }
@@ -40,7 +40,7 @@ TEST_F(ServiceUsers, AStrangerIsAskedForAPasswordWhateverHeAsksFor) {
     start();
     for (const char* const path : {"/root/test/TST_Nothing.wsdl", "/root/test/TST_None.wsdl",
                                    "/root/test/STSService.wsdl", "/root/test/"})
-        EXPECT_EQ(answer(with("", path)), kChallenge) << path;
+        EXPECT_EQ(response(with("", path)), kChallenge) << path;
 }
 
 TEST_F(ServiceUsers, CredentialsMustBeRight) {
@@ -50,75 +50,76 @@ TEST_F(ServiceUsers, CredentialsMustBeRight) {
           basicField("bob", "secret"), basicField("Alice", "secret"), std::string("Basic"),
           std::string("Basic ****"), std::string("Bearer YWxpY2U6c2VjcmV0"),
           std::string("YWxpY2U6c2VjcmV0")})
-        EXPECT_EQ(answer(with(wrong)), kChallenge) << wrong;
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+        EXPECT_EQ(response(with(wrong)), kChallenge) << wrong;
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
 }
 
 TEST_F(ServiceUsers, AHeadRequestOfAStrangerIsRefusedAlike) {
     start();
-    EXPECT_EQ(answer(request("HEAD /root/test/TST_Nothing.wsdl HTTP/1.1",
-                             "Host: " + std::string(kHost) + "\r\n")),
+    EXPECT_EQ(response(request("HEAD /root/test/TST_Nothing.wsdl HTTP/1.1",
+                               "Host: " + std::string(kHost) + "\r\n")),
               kChallenge);
 }
 
 TEST_F(ServiceUsers, PasswordsAreSetByTeskPasswd) {
-    std::filesystem::remove(folder_ / "users");
-    const std::string users = folder_ / "users";
+    std::filesystem::remove(directory_ / "users");
+    const std::string users = directory_ / "users";
     EXPECT_EQ(setPassword("bob", "open sesame"), "Added the user \"bob\" to " + users + "\n");
     start();
-    EXPECT_EQ(answer(with(basicField("bob", "open sesame"))), found(expected("TST_Nothing.wsdl")));
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("bob", "open sesame"))),
+              found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), kChallenge);
 }
 
 TEST_F(ServiceUsers, AChangedPasswordCountsAfterAReload) {
     start();
-    const std::string users = folder_ / "users";
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    const std::string users = directory_ / "users";
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(setPassword("alice", "changed"),
               "Changed the password of the user \"alice\" in " + users + "\n");
     EXPECT_EQ(setPassword("bob", "b"), "Added the user \"bob\" to " + users + "\n");
     reload();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
-    EXPECT_EQ(answer(with(basicField("alice", "changed"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("alice", "changed"))), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(removeUser("alice"), "Removed the user \"alice\" from " + users + "\n");
     reload();
-    EXPECT_EQ(answer(with(basicField("alice", "changed"))), kChallenge);
-    EXPECT_EQ(answer(with(basicField("bob", "b"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "changed"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("bob", "b"))), found(expected("TST_Nothing.wsdl")));
 }
 
 TEST_F(ServiceUsers, AChangeOfThePasswordFileCountsWithoutAReload) {
     start();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
     (void)setPassword("bob", "b");
-    waitForAnswer(with(basicField("bob", "b")), "HTTP/1.1 200 ");
+    waitForResponse(with(basicField("bob", "b")), "HTTP/1.1 200 ");
     (void)removeUser("alice");
-    waitForAnswer(with(basicField("alice", "secret")), "HTTP/1.1 401 ");
+    waitForResponse(with(basicField("alice", "secret")), "HTTP/1.1 401 ");
 }
 
 TEST_F(ServiceUsers, APasswordFileThatIsSpoiltKeepsTheUsersUntilItIsMended) {
     start();
     writeUsers("alice\n");
     process().waitForLog("The users stay as they were: ");
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
-    std::filesystem::remove(folder_ / "users");
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    std::filesystem::remove(directory_ / "users");
     process().waitForLog("The users stay as they were: ", 2);
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
     writeUsers("bob:" + std::string(kSha512OfSecret) + "\n");
-    waitForAnswer(with(basicField("bob", "secret")), "HTTP/1.1 200 ");
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    waitForResponse(with(basicField("bob", "secret")), "HTTP/1.1 200 ");
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), kChallenge);
     const std::string kept =
-        "error tesk: The users stay as they were: " + std::string(folder_ / "users");
+        "error tesk: The users stay as they were: " + std::string(directory_ / "users");
     expectedLog_ = {kept + ":1: there is no colon between user name and hash",
                     kept + ": cannot be read: No such file or directory"};
 }
 
 TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMendsIt) {
-    std::filesystem::permissions(folder_ / "users", std::filesystem::perms(0644));
+    std::filesystem::permissions(directory_ / "users", std::filesystem::perms(0644));
     writeConfiguration();
-    TeskProcess refused({"serve", "--config", folder_ / "tesk.toml"});
+    TeskProcess refused({"serve", "--config", directory_ / "tesk.toml"});
     EXPECT_EQ(refused.wait(), 1);
     EXPECT_EQ(refused.readRest(), "");
-    const std::string users = folder_ / "users";
+    const std::string users = directory_ / "users";
     const std::string command = "chmod 600 " + users;
     EXPECT_EQ(refused.log(),
               "tesk: " + users +
@@ -126,7 +127,7 @@ TEST_F(ServiceUsers, APasswordFileThatOthersReadIsRefusedWithTheCommandThatMends
                   "\n");
     EXPECT_EQ(outputOf(command + " 2>&1"), "");
     start();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
 }
 
 // The command in the printed lines is run by a shell, as a person would paste it.
@@ -169,29 +170,29 @@ TEST_F(ServiceUsers, ThePasswordThatWasMadeOutlivesAReload) {
 
 TEST_F(ServiceUsers, APasswordFileWithoutUsersIsWarnedOfAtStartAndReload) {
     const std::string warning =
-        "warning tesk: Every request is refused: " + (folder_ / "users").string() +
+        "warning tesk: Every request is refused: " + (directory_ / "users").string() +
         " has no users; \"tesk passwd\" adds them";
     writeUsers("# Nobody yet\n");
     start();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), kChallenge);
     EXPECT_EQ(unusualLines(process().log()), Lines{warning});
     EXPECT_EQ(setPassword("alice", "secret"),
-              "Added the user \"alice\" to " + (folder_ / "users").string() + "\n");
+              "Added the user \"alice\" to " + (directory_ / "users").string() + "\n");
     reload();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
     EXPECT_EQ(unusualLines(process().log()), Lines{warning});
     writeUsers("");
     process().waitForLog(warning, 2);  // as the file has changed
     reload();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), kChallenge);
     expectedLog_ = {warning, warning, warning};
 }
 
 TEST_F(ServiceUsers, NoPasswordComesIntoTheLog) {
     logKeys_ = "level = 4\n";
     start();
-    EXPECT_EQ(answer(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
-    EXPECT_EQ(answer(with(basicField("alice", "wrong-one"))), kChallenge);
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("alice", "wrong-one"))), kChallenge);
     expectedLog_ = {"trace WsdlAdapter::processInput: Request received",
                     "trace WsdlAdapter::processInput: Request processing completed normally"};
     const std::string log = process().log();

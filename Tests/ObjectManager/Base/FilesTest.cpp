@@ -13,9 +13,9 @@
 #include <utility>
 
 #include "ObjectManager/Base/Files.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/ResourceLimit.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -91,27 +91,28 @@ TEST(FileDescriptor, AFailedCloseIsReported) {
 }
 
 TEST(Reading, ReadsAllBytes) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     for (const std::size_t length : {0U, 1U, 4095U, 4096U, 4097U, 100000U}) {
         const std::string content(length, 'x');
-        EXPECT_EQ(readFile(folder.write("file", content), kNoLimit), content) << length;
+        EXPECT_EQ(readFile(directory.write("file", content), kNoLimit), content) << length;
     }
 }
 
 TEST(Reading, ReadsAPipeToItsEnd) {
-    const TemporaryFolder folder;
-    const std::string path = folder / "pipe";
+    const TemporaryDirectory directory;
+    const std::string path = directory / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const std::string content(10'000, 'x');
-    std::thread writer([&] { folder.write("pipe", content); });
+    std::thread writer([&] { directory.write("pipe", content); });
     const std::string read = readFile(path, kNoLimit, FileKind::kAny);
     writer.join();
     EXPECT_EQ(read, content);
 }
 
 TEST(Reading, ReadsAFileInParts) {
-    const TemporaryFolder folder;
-    const FileDescriptor file = openForReading(folder.write("file", "0123456789"), FileKind::kAny);
+    const TemporaryDirectory directory;
+    const FileDescriptor file =
+        openForReading(directory.write("file", "0123456789"), FileKind::kAny);
     char buffer[4] = {};
     std::string content;
     for (std::size_t count = sizeof buffer; count == sizeof buffer;) {
@@ -123,16 +124,17 @@ TEST(Reading, ReadsAFileInParts) {
 }
 
 TEST(Reading, ReadsFromWhereTheFileStands) {
-    const TemporaryFolder folder;
-    const FileDescriptor file = openForReading(folder.write("file", "0123456789"), FileKind::kAny);
+    const TemporaryDirectory directory;
+    const FileDescriptor file =
+        openForReading(directory.write("file", "0123456789"), FileKind::kAny);
     char buffer[4] = {};
     (void)Base::readUpTo(file, buffer);
     EXPECT_EQ(readAll(file, kNoLimit), "456789");
 }
 
 TEST(Reading, AFileMayHaveAsManyBytesAsAllowedAndNoMore) {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("file", std::string(10'000, 'x'));
+    const TemporaryDirectory directory;
+    const std::string path = directory.write("file", std::string(10'000, 'x'));
     EXPECT_EQ(readFile(path, 10'000).size(), 10'000U);
     EXPECT_EQ(failureOf([&] { (void)readFile(path, 9'999); }), std::errc::file_too_large);
 }
@@ -143,20 +145,20 @@ TEST(Reading, AnEndlessDeviceIsNotRead) {
 }
 
 TEST(Reading, AFileThatIsNotThereIsNone) {
-    const TemporaryFolder folder;
-    const std::string missing = folder / "missing";
+    const TemporaryDirectory directory;
+    const std::string missing = directory / "missing";
     EXPECT_FALSE(Base::openIfThere(missing, FileKind::kAny));
-    EXPECT_FALSE(Base::openIfThere(folder.write("file", "") / "below", FileKind::kAny));
+    EXPECT_FALSE(Base::openIfThere(directory.write("file", "") / "below", FileKind::kAny));
     EXPECT_EQ(failureOf([&] { (void)openForReading(missing, FileKind::kAny); }),
               std::errc::no_such_file_or_directory);
 }
 
 TEST(Reading, WhatCannotBeReadIsAnError) {
-    const TemporaryFolder folder;
-    EXPECT_EQ(failureOf([&] { (void)readFile(folder.path(), kNoLimit); }),
+    const TemporaryDirectory directory;
+    EXPECT_EQ(failureOf([&] { (void)readFile(directory.path(), kNoLimit); }),
               std::errc::is_a_directory);
-    fs::create_symlink("loop", folder / "loop");
-    EXPECT_EQ(failureOf([&] { (void)Base::openIfThere(folder / "loop", FileKind::kAny); }),
+    fs::create_symlink("loop", directory / "loop");
+    EXPECT_EQ(failureOf([&] { (void)Base::openIfThere(directory / "loop", FileKind::kAny); }),
               std::errc::too_many_symbolic_link_levels);
     char buffer[4] = {};
     EXPECT_EQ(failureOf([&] { (void)Base::readUpTo(FileDescriptor(), buffer); }),
@@ -165,8 +167,8 @@ TEST(Reading, WhatCannotBeReadIsAnError) {
 
 // To which no process ever writes.
 TEST(Reading, APipeIsNotWaitedForWhereARegularFileIsWanted) {
-    const TemporaryFolder folder;
-    const std::string pipe = folder / "pipe";
+    const TemporaryDirectory directory;
+    const std::string pipe = directory / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     for (const std::string& path : {pipe, std::string("/dev/null")}) {
         EXPECT_EQ(failureOf([&] { (void)openForReading(path, FileKind::kRegular); }),
@@ -177,8 +179,8 @@ TEST(Reading, APipeIsNotWaitedForWhereARegularFileIsWanted) {
 
 class FileVersionTest : public testing::Test {
   protected:
-    TemporaryFolder folder_;
-    const std::string file_ = folder_.write("file", "text");
+    TemporaryDirectory directory_;
+    const std::string file_ = directory_.write("file", "text");
     const FileVersion before_ = FileVersion::of(file_);
 };
 
@@ -190,7 +192,7 @@ TEST_F(FileVersionTest, StaysWhileNothingChanges) {
 
 TEST_F(FileVersionTest, ChangesWithTheContent) {
     const auto time = fs::last_write_time(file_);
-    folder_.write("file", "texts");
+    directory_.write("file", "texts");
     fs::last_write_time(file_, time);
     EXPECT_NE(FileVersion::of(file_), before_);
 }
@@ -207,29 +209,29 @@ TEST_F(FileVersionTest, ChangesWithThePermissions) {
 
 TEST_F(FileVersionTest, ChangesWhenAnotherFileTakesTheName) {
     const auto time = fs::last_write_time(file_);
-    const std::string other = folder_.write("other", "text");
+    const std::string other = directory_.write("other", "text");
     fs::last_write_time(other, time);
     fs::rename(other, file_);
     EXPECT_NE(FileVersion::of(file_), before_);
 }
 
 TEST_F(FileVersionTest, ThereMayBeNoFile) {
-    EXPECT_EQ(FileVersion::of(folder_ / "none"), FileVersion());
+    EXPECT_EQ(FileVersion::of(directory_ / "none"), FileVersion());
     EXPECT_NE(before_, FileVersion());
     EXPECT_EQ(failureOf([] { (void)FileVersion::of(FileDescriptor()); }),
               std::errc::bad_file_descriptor);
 }
 
 TEST_F(FileVersionTest, TheIdentityIsTheSameByEveryPath) {
-    fs::create_symlink("file", folder_ / "link");
-    EXPECT_EQ(FileVersion::of(folder_ / "link").identity, before_.identity);
-    EXPECT_NE(FileVersion::of(folder_.write("other", "")).identity, before_.identity);
+    fs::create_symlink("file", directory_ / "link");
+    EXPECT_EQ(FileVersion::of(directory_ / "link").identity, before_.identity);
+    EXPECT_NE(FileVersion::of(directory_.write("other", "")).identity, before_.identity);
 }
 
 TEST_F(FileVersionTest, TellsTheTypeAndWhoHasAccess) {
     EXPECT_TRUE(before_.isRegular());
     EXPECT_FALSE(before_.isDirectory());
-    EXPECT_TRUE(FileVersion::of(folder_.path()).isDirectory());
+    EXPECT_TRUE(FileVersion::of(directory_.path()).isDirectory());
     EXPECT_FALSE(FileVersion::of("/dev/null").isRegular());
     for (const unsigned mode : {0600U, 0700U, 0611U}) {
         fs::permissions(file_, fs::perms(mode));
@@ -259,14 +261,14 @@ class ReplaceFileTest : public testing::Test {
   protected:
     // What is in the directory is one file with this content.
     void expectOnlyFile(const std::string& content) const {
-        EXPECT_EQ(contentOf(folder_.path()), (FolderContent{{"users", content}}));
+        EXPECT_EQ(contentOf(directory_.path()), (DirectoryContent{{"users", content}}));
     }
     [[nodiscard]] unsigned mode() const {
         return static_cast<unsigned>(fs::status(path_).permissions());
     }
 
-    const TemporaryFolder folder_;
-    const std::string path_ = folder_ / "users";
+    const TemporaryDirectory directory_;
+    const std::string path_ = directory_ / "users";
 };
 
 TEST_F(ReplaceFileTest, MakesANewFileWithItsPermissions) {
@@ -282,7 +284,7 @@ TEST_F(ReplaceFileTest, MakesANewFileWithItsPermissions) {
 
 TEST_F(ReplaceFileTest, TakesThePlaceOfAFile) {
     const Umask mask(0);
-    folder_.write("users", "a longer text than the new one\n");
+    directory_.write("users", "a longer text than the new one\n");
     fs::permissions(path_, fs::perms::all);
     replaceFile(path_, "new\n", kPrivate);
     expectOnlyFile("new\n");
@@ -299,20 +301,20 @@ TEST_F(ReplaceFileTest, WritesLongAndEmptyTexts) {
 
 TEST_F(ReplaceFileTest, WritesIntoTheCurrentDirectory) {
     const fs::path previous = fs::current_path();
-    fs::current_path(folder_.path());
+    fs::current_path(directory_.path());
     replaceFile("users", "one\n");
     fs::current_path(previous);
     expectOnlyFile("one\n");
 }
 
 TEST_F(ReplaceFileTest, WritesIntoADirectoryThatIsOpen) {
-    const FileDescriptor directory = Base::openDirectory(folder_.path());
+    const FileDescriptor directory = Base::openDirectory(directory_.path());
     replaceFile(directory, "users", "one\n", kPrivate);
     expectOnlyFile("one\n");
 }
 
 TEST_F(ReplaceFileTest, AReaderOfTheOldFileGoesOnReadingIt) {
-    folder_.write("users", "old\n");
+    directory_.write("users", "old\n");
     std::ifstream stream(path_);
     replaceFile(path_, "new\n");
     std::string line;
@@ -321,17 +323,17 @@ TEST_F(ReplaceFileTest, AReaderOfTheOldFileGoesOnReadingIt) {
 }
 
 TEST_F(ReplaceFileTest, ALinkIsReplacedAndItsTargetStays) {
-    const TemporaryFolder elsewhere;
+    const TemporaryDirectory elsewhere;
     fs::create_symlink(elsewhere.write("target", "old\n"), path_);
     replaceFile(path_, "new\n", kPrivate);
     expectOnlyFile("new\n");
-    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"target", "old\n"}}));
+    EXPECT_EQ(contentOf(elsewhere.path()), (DirectoryContent{{"target", "old\n"}}));
 }
 
 TEST_F(ReplaceFileTest, TheOwnerStaysTheSameWhereRootWrites) {
     if (geteuid() != 0)
         GTEST_SKIP() << "Only root can give files away";
-    folder_.write("users", "old\n");
+    directory_.write("users", "old\n");
     for (const bool keeps : {true, false}) {
         ASSERT_EQ(chown(path_.c_str(), 12345, 12346), 0);
         replaceFile(path_, "new\n", {.mode = 0600, .keepsOwner = keeps});
@@ -346,13 +348,13 @@ TEST_F(ReplaceFileTest, AFullDiskLeavesEverythingAsItWas) {
     const std::string text(100'000, 'x');
     for (const bool isThere : {false, true}) {
         if (isThere)
-            folder_.write("users", "old\n");
-        const FolderContent before = contentOf(folder_.path());
+            directory_.write("users", "old\n");
+        const DirectoryContent before = contentOf(directory_.path());
         for (const rlim_t size : {0U, 1U, 4096U, 99'999U}) {
             const ResourceLimit limit(RLIMIT_FSIZE, size);
             EXPECT_EQ(failureOf([&] { replaceFile(path_, text, kPrivate); }),
                       std::errc::file_too_large);
-            EXPECT_EQ(contentOf(folder_.path()), before) << size;
+            EXPECT_EQ(contentOf(directory_.path()), before) << size;
         }
     }
     const ResourceLimit limit(RLIMIT_FSIZE, 100'000);
@@ -362,7 +364,7 @@ TEST_F(ReplaceFileTest, AFullDiskLeavesEverythingAsItWas) {
 
 // The first descriptor is the directory's, the second one the temporary file's.
 TEST_F(ReplaceFileTest, WithoutDescriptorsTheOldFileStays) {
-    folder_.write("users", "old\n");
+    directory_.write("users", "old\n");
     const int next = Base::openDirectory("/").get();
     for (const int more : {0, 1}) {
         std::error_code failure;
@@ -376,7 +378,7 @@ TEST_F(ReplaceFileTest, WithoutDescriptorsTheOldFileStays) {
 }
 
 TEST_F(ReplaceFileTest, AMissingDirectoryIsReported) {
-    EXPECT_EQ(failureOf([&] { replaceFile(folder_ / "missing/users", "new\n"); }),
+    EXPECT_EQ(failureOf([&] { replaceFile(directory_ / "missing/users", "new\n"); }),
               std::errc::no_such_file_or_directory);
 }
 
@@ -384,26 +386,26 @@ TEST_F(ReplaceFileTest, ADirectoryIsNotReplaced) {
     fs::create_directory(path_);
     for (const std::string& path : {path_, path_ + "/"}) {
         EXPECT_EQ(failureOf([&] { replaceFile(path, "new\n"); }), std::errc::is_a_directory);
-        EXPECT_EQ(contentOf(folder_.path()), (FolderContent{{"users", "(folder)"}}));
+        EXPECT_EQ(contentOf(directory_.path()), (DirectoryContent{{"users", "(directory)"}}));
     }
 }
 
 // What processes left behind that were killed, or that run on another machine.
 TEST_F(ReplaceFileTest, TemporaryNamesThatAreTakenAreNotUsed) {
-    FolderContent expected;
+    DirectoryContent expected;
     for (const std::string prefix : {"users.", ".export-"}) {
         for (int number = 1; number <= 100; ++number) {
             const std::string name =
                 prefix + std::to_string(getpid()) + "-" + std::to_string(number);
-            folder_.write(name, "part");
+            directory_.write(name, "part");
             expected[name] = "part";
         }
     }
     replaceFile(path_, "one\n");
-    replaceFile(folder_ / "other", "two\n", {.temporaryPrefix = ".export-"});
+    replaceFile(directory_ / "other", "two\n", {.temporaryPrefix = ".export-"});
     expected["users"] = "one\n";
     expected["other"] = "two\n";
-    EXPECT_EQ(contentOf(folder_.path()), expected);
+    EXPECT_EQ(contentOf(directory_.path()), expected);
 }
 
 TEST_F(ReplaceFileTest, SeveralThreadsReplaceTheSameFile) {

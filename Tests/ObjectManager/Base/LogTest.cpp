@@ -6,9 +6,9 @@
 #include "ObjectManager/Base/Log.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TeskBaseException.h"
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RecordingLogSink.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ class LogOutputTest : public testing::Test {
 
     // Whether each of the texts stands in a line of the file, and how many lines there are.
     void expectLines(const std::string& file, const std::vector<std::string>& texts) const {
-        const std::string content = contentOfFile(folder_ / file);
+        const std::string content = contentOfFile(directory_ / file);
         std::size_t start = 0;
         for (const std::string& text : texts) {
             const std::size_t end = content.find('\n', start);
@@ -43,12 +43,12 @@ class LogOutputTest : public testing::Test {
 
     // Puts the log of the process back as it was, after the test.
     const LogRecording recording_;
-    const TemporaryFolder folder_;
-    const std::string path_ = folder_ / "log";
+    const TemporaryDirectory directory_;
+    const std::string path_ = directory_ / "log";
 };
 
 TEST_F(LogOutputTest, AppendsLinesToAFileUntilItsEnd) {
-    folder_.write("log", "tesk: earlier\n");
+    directory_.write("log", "tesk: earlier\n");
     {
         const LogOutput output(path_, TeskTraceLog::SeverityInformation);
         logLine("first");
@@ -76,7 +76,7 @@ TEST_F(LogOutputTest, WithoutAFileTheLogGoesWhereItWent) {
 TEST_F(LogOutputTest, ReopensTheFileAfterItWasRenamed) {
     const LogOutput output(path_, TeskTraceLog::SeverityInformation);
     logLine("first");
-    std::filesystem::rename(path_, folder_ / "log.1");
+    std::filesystem::rename(path_, directory_ / "log.1");
     logLine("second");
     output.reopen();
     logLine("third");
@@ -86,7 +86,7 @@ TEST_F(LogOutputTest, ReopensTheFileAfterItWasRenamed) {
 
 TEST_F(LogOutputTest, GoesOnWhenTheFileCannotBeOpenedAgain) {
     const LogOutput output(path_, TeskTraceLog::SeverityInformation);
-    std::filesystem::rename(path_, folder_ / "log.1");
+    std::filesystem::rename(path_, directory_ / "log.1");
     std::filesystem::create_directory(path_);
     EXPECT_THROW(output.reopen(), TeskBaseException);
     logLine("a line");
@@ -94,7 +94,7 @@ TEST_F(LogOutputTest, GoesOnWhenTheFileCannotBeOpenedAgain) {
 }
 
 TEST_F(LogOutputTest, AFileThatCannotBeWrittenIsAnError) {
-    const std::string path = folder_ / "missing/log";
+    const std::string path = directory_ / "missing/log";
     try {
         const LogOutput output(path, TeskTraceLog::SeverityInformation);
         ADD_FAILURE() << "it is written";

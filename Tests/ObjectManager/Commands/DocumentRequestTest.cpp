@@ -12,8 +12,8 @@
 namespace {
 
 // Requests "A.xsd" of a namespace; returns the document, or "failure: " and the reason.
-std::string request(FunctionProvider::Function answer, const char* nameSpace = "test") {
-    FunctionProvider provider(std::move(answer));
+std::string request(FunctionProvider::Function response, const char* nameSpace = "test") {
+    FunctionProvider provider(std::move(response));
     TeskProviderPluginManager manager;
     provider.addTo(manager);
     const Host::MemoryClient client(manager, "host");

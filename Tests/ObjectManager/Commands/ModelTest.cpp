@@ -6,7 +6,7 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "Platform/Util/TeskBaseException.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -42,12 +42,12 @@ TEST(Model, HasTheNamespacesInTheirOrder) {
 }
 
 TEST(Model, HasTheClassesOfAllNamespaces) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     ModelOptions options;
     options.namespaces = {
-        "root/a=" + folder.write("a.mof", "class TST_A {};").string(),
-        "root/b=" + folder.write("b.mof", "class TST_B {};").string(),
-        "Root/A=" + folder.write("c.mof", "class TST_C {};").string(),
+        "root/a=" + directory.write("a.mof", "class TST_A {};").string(),
+        "root/b=" + directory.write("b.mof", "class TST_B {};").string(),
+        "Root/A=" + directory.write("c.mof", "class TST_C {};").string(),
     };
     const TSKSmrPtr<Repository::ClassRepository> repository = Commands::loadModel(options);
     EXPECT_EQ(repository->namespaces().size(), 2U);
@@ -57,10 +57,10 @@ TEST(Model, HasTheClassesOfAllNamespaces) {
 }
 
 TEST(Model, WithAnErrorIsNotLoaded) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     ModelOptions options;
-    options.namespaces = {"root/a=" + folder.write("a.mof", "class TST_A {};").string(),
-                          "root/b=" + folder.write("b.mof", "class").string()};
+    options.namespaces = {"root/a=" + directory.write("a.mof", "class TST_A {};").string(),
+                          "root/b=" + directory.write("b.mof", "class").string()};
     try {
         (void)Commands::loadModel(options);
         FAIL();
@@ -70,9 +70,9 @@ TEST(Model, WithAnErrorIsNotLoaded) {
 }
 
 TEST(Model, IsThatOfTheConfigurationWithoutNamespacesOnTheCommandLine) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     ModelOptions options;
-    options.configuration = folder.write("tesk.toml", R"([namespaces]
+    options.configuration = directory.write("tesk.toml", R"([namespaces]
 "root/a" = "/a.mof"
 [repository]
 property_order = "declaration"
@@ -86,9 +86,9 @@ property_order = "declaration"
 }
 
 TEST(Model, AWrongConfigurationIsNotUsed) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     ModelOptions options;
-    options.configuration = folder.write("tesk.toml", "nothing = 1\n");
+    options.configuration = directory.write("tesk.toml", "nothing = 1\n");
     std::ostringstream messages;
     try {
         (void)Commands::readSettings(options, messages);

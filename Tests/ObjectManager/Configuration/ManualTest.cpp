@@ -18,7 +18,7 @@ using Configuration::Settings;
 using Configuration::SettingsReading;
 
 std::string page() {
-    std::ifstream stream(DOCS_FOLDER "/man/tesk.toml.5");
+    std::ifstream stream(DOCS_DIRECTORY "/man/tesk.toml.5");
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 

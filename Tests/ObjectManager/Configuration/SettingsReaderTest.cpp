@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "Tests/ObjectManager/Configuration/SettingsText.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -362,15 +362,15 @@ TEST(SettingsReader, AnErrorInTheLanguageIsReportedWithItsPlace) {
 
 class SettingsFileTest : public testing::Test {
   protected:
-    const TemporaryFolder folder_;
-    const std::string path_ = folder_ / "tesk.toml";
+    const TemporaryDirectory directory_;
+    const std::string path_ = directory_ / "tesk.toml";
 };
 
 TEST_F(SettingsFileTest, IsRead) {
-    folder_.write("tesk.toml", "log.level = 1\nsecurity.password_file = 'users'\n");
+    directory_.write("tesk.toml", "log.level = 1\nsecurity.password_file = 'users'\n");
     Settings expected;
     expected.log.level = 1;
-    expected.security.passwordFile = folder_ / "users";
+    expected.security.passwordFile = directory_ / "users";
     const SettingsReading reading = readSettings(path_);
     EXPECT_EQ(errorsOf(reading), "");
     EXPECT_EQ(textOf(reading.settings), textOf(expected));
@@ -382,14 +382,14 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
 }
 
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
-    EXPECT_EQ(errorsOf(readSettings(folder_.path())),
-              folder_.path().string() + ": error: cannot be read: Is a directory\n");
+    EXPECT_EQ(errorsOf(readSettings(directory_.path())),
+              directory_.path().string() + ": error: cannot be read: Is a directory\n");
 }
 
 TEST_F(SettingsFileTest, HasUpToOneMebibyte) {
-    folder_.write("tesk.toml", std::string(1'048'576, '\n'));
+    directory_.write("tesk.toml", std::string(1'048'576, '\n'));
     EXPECT_EQ(errorsOf(readSettings(path_)), "");
-    folder_.write("tesk.toml", std::string(1'048'577, '\n'));
+    directory_.write("tesk.toml", std::string(1'048'577, '\n'));
     EXPECT_EQ(errorsOf(readSettings(path_)),
               path_ + ": error: cannot be read: it is longer than 1 MiB\n");
 }
@@ -398,7 +398,7 @@ class DocumentedSettings : public testing::Test {
   protected:
     // The file that the document shows.
     static std::string example() {
-        std::ifstream stream(DOCS_FOLDER "/configuration.md");
+        std::ifstream stream(DOCS_DIRECTORY "/configuration.md");
         const std::string document(std::istreambuf_iterator<char>(stream), {});
         const std::string begin = "```toml\n";
         const std::size_t start = document.find(begin) + begin.size();
@@ -444,7 +444,7 @@ TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {
 }
 
 TEST_F(DocumentedSettings, TheErrorsAreThoseThatAreShown) {
-    std::ifstream stream(DOCS_FOLDER "/configuration.md");
+    std::ifstream stream(DOCS_DIRECTORY "/configuration.md");
     const std::string document(std::istreambuf_iterator<char>(stream), {});
     const SettingsReading reading =
         parseSettings("tesk.toml", "\n\n\n[server]\nlisen = '127.0.0.1:80'\nworkers = \"4\"\n");

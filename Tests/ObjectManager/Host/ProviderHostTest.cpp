@@ -12,7 +12,7 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/Support/MofModel.h"
 #include "Tests/Support/RecordingLogSink.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class ProviderHostTest : public testing::Test {
         (void)installation_.copy(file, "providers/" + name);
     }
     void installFixture(const std::string& name) const {
-        install(FIXTURES_FOLDER "/lib" + name + ".so", "lib" + name + ".so");
+        install(FIXTURES_DIRECTORY "/lib" + name + ".so", "lib" + name + ".so");
     }
 
     // Why a host cannot be made; the installation is called HERE there.
@@ -39,9 +39,10 @@ class ProviderHostTest : public testing::Test {
                                           installation_.path());
         } catch (const TeskBaseException& error) {
             std::string message = error.getMessage().data();
-            const std::string folder = installation_.path();
-            for (auto at = message.find(folder); at != std::string::npos; at = message.find(folder))
-                message.replace(at, folder.size(), "HERE");
+            const std::string directory = installation_.path();
+            for (auto at = message.find(directory); at != std::string::npos;
+                 at = message.find(directory))
+                message.replace(at, directory.size(), "HERE");
             return message;
         }
         return "none";
@@ -62,7 +63,7 @@ class ProviderHostTest : public testing::Test {
 
     LogRecording log_;
     const MofModel model_{"class TST_A { string Name; };"};
-    const TemporaryFolder installation_;
+    const TemporaryDirectory installation_;
 };
 
 TEST_F(ProviderHostTest, ServesTheClassesWhileItLives) {
@@ -98,8 +99,8 @@ TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     Host::ProviderHost host(model_.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
                             installation_.path());
     const Host::MemoryClient client(host.manager(), "localhost");
-    const TemporaryFolder folder;
-    const std::string mof = folder.write("b.mof", "class TST_B { string Name; };");
+    const TemporaryDirectory directory;
+    const std::string mof = directory.write("b.mof", "class TST_B { string Name; };");
     const Repository::LoadedRepository other = Repository::loadRepository(
         {{.name = "root/test", .paths = {mof}}, {.name = "root/new", .paths = {mof}}}, {}, {});
     host.setRepository(other.repository);

@@ -88,7 +88,7 @@ class ConnectionTest : public RunningServer {
     // Makes the response to "/test/large" larger than any socket takes at once.
     void serveLarge() {
         large_.assign(kLarge, 'x');
-        provider_.answer = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
             if (request.getUri() != "/test/large")
                 return writeTo(ostr, kHello);
             writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
@@ -156,7 +156,7 @@ TEST_F(ConnectionTest, SendsWhatTheProviderWrites) {
 
 TEST_F(ConnectionTest, TheProviderGetsTheRequestAsItWasReadAndChecked) {
     std::string seen;
-    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         seen = (request.getMethod() + " " + request.getUri() + " " + request.getProtocol()).data();
         for (const auto& field : request.getHeaderFields())
             seen += ("|" + field.name + ": " + field.value).data();
@@ -170,7 +170,7 @@ TEST_F(ConnectionTest, TheProviderGetsTheRequestAsItWasReadAndChecked) {
 
 TEST_F(ConnectionTest, TheProviderCanGetTheAddressOfTheClient) {
     std::string seen;
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         TSKString host;
         TSKString port;
         ostr.getPeerAddressString(host, port);
@@ -194,7 +194,7 @@ TEST_F(ConnectionTest, HeadGetsNoBody) {
 }
 
 TEST_F(ConnectionTest, AFailureOfTheProviderGetsAnErrorResponse) {
-    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& /*ostr*/) {
+    provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& /*ostr*/) {
         if (request.getUri() == "/test/private")
             throw TSKHTTPException("here", "no", TSKHTTPException::kAuthenticationFailed);
         throw std::runtime_error("reason");
@@ -279,7 +279,7 @@ TEST_F(ConnectionTest, AHeaderSectionThatIsNotReceivedInTimeGets408) {
 
 TEST_F(ConnectionTest, ARequestThatIsCompletedTooLateIsNotServed) {
     std::atomic<int> lateCalls = 0;
-    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         lateCalls += request.getUri() == "/test/late" ? 1 : 0;
         writeTo(ostr, kHello);
     };
@@ -376,7 +376,7 @@ TEST_F(ConnectionTest, AClientThatReadsSlowlyIsCutOff) {
 
 TEST_F(ConnectionTest, ASecondRequestIsIgnored) {
     std::atomic<int> calls = 0;
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         ++calls;
         writeTo(ostr, kHello);
     };
@@ -449,8 +449,8 @@ TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsResponse) {
     serveLarge();
     std::promise<void> begun;
     std::promise<void> gone;
-    const auto respondLarge = provider_.answer;
-    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    const auto respondLarge = provider_.respond;
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         if (request.getUri() == "/test/large") {
             begun.set_value();
             gone.get_future().wait();
@@ -504,7 +504,7 @@ TEST_F(ConnectionTest, AFailedAllocationClosesTheConnectionAtMost) {
 TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
     constexpr int kThreads = 8;
     constexpr int kRounds = 100;
-    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         const std::string path = request.getUri().data();
         writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path);
         writeTo(ostr, std::string(path.size() * 1000, 'x'));

@@ -36,7 +36,7 @@ constexpr const char* kChallenge =
 class DispatcherTest : public testing::Test {
   protected:
     DispatcherTest() {
-        provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, kHello);
         };
         provider_.addTo(manager_);
@@ -57,7 +57,7 @@ class DispatcherTest : public testing::Test {
     // Has the provider throw this after it has written a part of its response.
     template <typename Exception>
     void makeProviderThrow(Exception exception) {
-        provider_.answer = [exception](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [exception](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, "HTTP/1.1 200 OK\r\n\r\nsecret");
             throw exception;
         };
@@ -78,7 +78,7 @@ TEST_F(DispatcherTest, TheProviderOfThePathResponds) {
 
 TEST_F(DispatcherTest, TheProviderGetsTheRequestAndTheClient) {
     std::string seen;
-    provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         TSKString host;
         TSKString port;
         ostr.getPeerAddressString(host, port);
@@ -156,7 +156,7 @@ TEST_F(DispatcherTest, AnythingElseThatIsThrownIsAFailure) {
 
 TEST_F(DispatcherTest, TextThatIsNotAResponseIsAFailure) {
     for (const char* const written : {"", "hello", "HTTP/1.1 200 OK\r\n"}) {
-        provider_.answer = [written](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [written](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, written);
         };
         EXPECT_EQ(responseTo("/test/a"), kFailed) << written;
@@ -180,7 +180,7 @@ TEST_F(DispatcherTest, LongPathsAreCutInTheLog) {
 
 TEST_F(DispatcherTest, AFailedAllocationIsReportedIfThereIsMemoryForThat) {
     const LogRecording quiet(TeskTraceLog::SeverityOff);
-    provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, "HTTP/1.1 200 OK\r\n");
         writeTo(ostr, "Content-Length: 100\r\n\r\n" + std::string(100, 'x'));
     };

@@ -7,12 +7,12 @@
 
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
-/// A provider whose answers a test states as a function.
+/// A provider whose responses a test states as a function.
 class FunctionProvider : public urma::pf::Provider {
   public:
     using Function = std::function<void(TSKHTTPRequest&, TSKGenericHTTPOStream&)>;
 
-    explicit FunctionProvider(Function function = nullptr) : answer(std::move(function)) {}
+    explicit FunctionProvider(Function function = nullptr) : respond(std::move(function)) {}
 
     TSKString getProviderName() override { return "FunctionProvider"; }
 
@@ -21,7 +21,7 @@ class FunctionProvider : public urma::pf::Provider {
                             TSKSmrPtr<ITeskTransaction> /*transaction*/) override {
         char byte = 0;
         bodyBytes += istr.read(&byte, 1);
-        answer(request, ostr);
+        respond(request, ostr);
         handled = handled && !leavesAnswer;
     }
 
@@ -31,7 +31,7 @@ class FunctionProvider : public urma::pf::Provider {
         (void)manager.registerURI(getProviderName(), "/test");
     }
 
-    Function answer;
+    Function respond;
     bool leavesAnswer = false;  ///< to the front end
     std::atomic<unsigned long> bodyBytes = 0;
 };

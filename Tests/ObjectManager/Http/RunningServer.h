@@ -28,7 +28,7 @@ class RunningServer : public testing::Test {
         options_.headerTimeout = kPatience;
         options_.responseTimeout = kPatience;
         options_.shutdownTimeout = kPatience;
-        provider_.answer = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, kHello);
         };
         provider_.addTo(manager_);

@@ -26,7 +26,7 @@ class ServerTest : public RunningServer {
   protected:
     // Makes the provider report that it has begun, then wait for the test.
     void makeProviderWait() {
-        provider_.answer = [this](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [this](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             ++calls_;
             begun_.set_value();
             goOn_.get_future().wait();
@@ -38,7 +38,7 @@ class ServerTest : public RunningServer {
     // Makes "/test/slow" a request that needs a password hash and waits for `goesOn`; all others
     // get their response at once.
     void serveSlowly(const std::atomic<bool>& goesOn) {
-        provider_.answer = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
             if (request.getUri() == "/test/slow") {
                 ++calls_;
                 calls_.notify_all();
@@ -154,7 +154,7 @@ TEST_F(ServerTest, ListensOnIPv6) {
     if (!hasIPv6())
         GTEST_SKIP() << "This machine has no IPv6.";
     std::string seen;
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         TSKString host;
         TSKString port;
         ostr.getPeerAddressString(host, port);
@@ -172,7 +172,7 @@ TEST_F(ServerTest, EveryIPv6AddressIncludesIPv4) {
     if (!hasIPv6())
         GTEST_SKIP() << "This machine has no IPv6.";
     std::string seen;
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         TSKString host;
         TSKString port;
         ostr.getPeerAddressString(host, port);
@@ -367,7 +367,7 @@ TEST_F(ServerTest, NeedsPasswordHashAndTheProviderGetThePreparedRequest) {
         wasAskedAboutIt = dynamic_cast<const Prepared*>(&request) != nullptr;
         return false;
     };
-    provider_.answer = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         EXPECT_NE(dynamic_cast<const Prepared*>(&request), nullptr);
         EXPECT_EQ(request.getUri(), "/test");
         writeTo(ostr, kHello);
@@ -516,7 +516,7 @@ TEST_F(ServerTest, StopDropsWaitingRequestsAfterTheTimeout) {
 
 TEST_F(ServerTest, StopCutsOffClientsThatReadNothing) {
     const std::string large(16UL * 1024 * 1024, 'x');
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, "HTTP/1.1 200 OK\r\n\r\n");
         writeTo(ostr, large);
     };
@@ -530,7 +530,7 @@ TEST_F(ServerTest, StopCutsOffClientsThatReadNothing) {
 
 TEST_F(ServerTest, StopLetsClientsReadTheirResponse) {
     const std::string large(16UL * 1024 * 1024, 'x');
-    provider_.answer = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
         writeTo(ostr, large);
     };

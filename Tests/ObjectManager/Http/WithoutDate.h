@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// `answer` without the line "Date: ..." behind its status line. Fails the test when there is none,
-/// it is malformed, or its time is not about now.
-[[nodiscard]] std::string withoutDate(const std::string& answer);
+/// `response` without the line "Date: ..." behind its status line. Fails the test when there is
+/// none, it is malformed, or its time is not about now.
+[[nodiscard]] std::string withoutDate(const std::string& response);

@@ -48,11 +48,11 @@ TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
 }
 
 TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
-    const std::string file = folder_.write("a.mof", "class A {};");
+    const std::string file = directory_.write("a.mof", "class A {};");
     const TSKSmrPtr<Repository::ClassRepository> repository =
         Repository::loadRepository({{.name = "root/b", .paths = {file}},
                                     {.name = "a", .paths = {file}},
-                                    {.name = "c", .paths = {folder_.write("c.mof", "")}}},
+                                    {.name = "c", .paths = {directory_.write("c.mof", "")}}},
                                    {}, {})
             .repository;
     ASSERT_TRUE(repository);
@@ -131,18 +131,18 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
               "<a href=#namespace-2>&amp;</a>\n");
-    const std::string folder = "java%20script%3A/%3Cx%3E/";
-    const std::string first = folder + "%3Ca%3E%20%22b%22%20%26c";
+    const std::string directory = "java%20script%3A/%3Cx%3E/";
+    const std::string first = directory + "%3Ca%3E%20%22b%22%20%26c";
     EXPECT_EQ(between(page, "<section>\n", "</section>"),
               "<h2 id=namespace-1>java script:/&lt;x&gt; <small>2 classes</small></h2>\n<ul>\n"
               "<li><a href=" +
                   first + ".wsdl>&lt;a&gt; &quot;b&quot; &amp;c</a> <a href=" + first +
                   ".xsd>XSD</a>\n"
                   "<li><a href=" +
-                  folder +
+                  directory +
                   "z%3E.wsdl>z&gt;</a> <i>&lt;a&gt; &quot;b&quot; "
                   "&amp;c</i> <a href=" +
-                  folder + "z%3E.xsd>XSD</a>\n</ul>\n");
+                  directory + "z%3E.xsd>XSD</a>\n</ul>\n");
 }
 
 TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse) {

@@ -22,9 +22,9 @@ class IndexProviderTest : public RepositoryTest {
     ~IndexProviderTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
 
     // What is written to the client; "(left)" and that when the provider leaves the request.
-    [[nodiscard]] static std::string answer(IndexProvider& provider, const char* method,
-                                            const char* path = "/",
-                                            const char* protocol = "HTTP/1.1") {
+    [[nodiscard]] static std::string response(IndexProvider& provider, const char* method,
+                                              const char* path = "/",
+                                              const char* protocol = "HTTP/1.1") {
         TSKHTTPRequest request(method, path, protocol);
         EmptyInput input;
         RecordedOutput output;
@@ -64,9 +64,9 @@ class IndexProviderTest : public RepositoryTest {
 
 // The front end leaves the body of the response to HEAD out.
 TEST_F(IndexProviderTest, GetAndHeadGetThePage) {
-    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
-    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
-    EXPECT_EQ(answer(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
+    EXPECT_EQ(response(provider_, "GET"), found(*one_));
+    EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
+    EXPECT_EQ(response(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
     EXPECT_EQ(authenticator_->calls, 3);
     EXPECT_EQ(authenticator_->liveTokens(), 0);
 }
@@ -75,7 +75,7 @@ TEST_F(IndexProviderTest, LeavesOtherPathsToTheFrontEndWithoutAuthentication) {
     authenticator_->accepts = false;
     for (const char* const path :
          {"", "//", "/index.html", "/root", "/root/test/TST_One.wsdl", "/?", " /", "/ ", "*"})
-        EXPECT_EQ(answer(provider_, "GET", path), "(left)") << path;
+        EXPECT_EQ(response(provider_, "GET", path), "(left)") << path;
     EXPECT_EQ(authenticator_->calls, 0);
 }
 
@@ -91,12 +91,12 @@ TEST_F(IndexProviderTest, RefusesUnauthenticatedClientsWithoutWriting) {
 
 TEST_F(IndexProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
     AuthenticationHelper::setAuthenticator(nullptr);
-    EXPECT_THROW((void)answer(provider_, "GET"), TSKHTTPException);
+    EXPECT_THROW((void)response(provider_, "GET"), TSKHTTPException);
 }
 
 TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
     for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
-        EXPECT_EQ(answer(provider_, method),
+        EXPECT_EQ(response(provider_, method),
                   "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
                   "Content-Length: 0\r\n\r\n")
             << method;
@@ -104,11 +104,11 @@ TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
 }
 
 TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
-    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    EXPECT_EQ(response(provider_, "GET"), found(*one_));
     provider_.setRepository(other_);
-    EXPECT_EQ(answer(provider_, "GET"), found(*other_));
+    EXPECT_EQ(response(provider_, "GET"), found(*other_));
     provider_.setRepository(one_);
-    EXPECT_EQ(answer(provider_, "HEAD"), found(*one_));
+    EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
 }
 
 TEST_F(IndexProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
@@ -130,11 +130,11 @@ TEST_F(IndexProviderTest, SeveralThreadsAskWhileTheClassesChange) {
         for (int count = 0; count < kRequests; ++count) {
             if (thread == 0)
                 provider_.setRepository(count % 2 == 0 ? other_ : one_);
-            EXPECT_TRUE(right.contains(answer(provider_, "GET")));
+            EXPECT_TRUE(right.contains(response(provider_, "GET")));
         }
     });
     EXPECT_EQ(authenticator_->calls, kThreads * kRequests);
-    EXPECT_EQ(answer(provider_, "GET"), found(*one_));
+    EXPECT_EQ(response(provider_, "GET"), found(*one_));
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST(Finding, EveryKindIsDocumentedWithItsSeverity) {
         expected += std::string("| `") + Inspection::nameOf(kind) + "` | " +
                     (Inspection::isError(kind) ? "error" : "warning") + "\n";
     }
-    std::ifstream page(DOCS_FOLDER "/checking.md");
+    std::ifstream page(DOCS_DIRECTORY "/checking.md");
     std::string documented;
     for (std::string line; std::getline(page, line);) {
         std::smatch row;

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "ObjectManager/Inspection/XmlDocument.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -112,11 +112,11 @@ TEST(XmlDocument, RefusesWhatIsLargerThanTheParserCounts) {
 }
 
 TEST(XmlDocument, FetchesNothing) {
-    const TemporaryFolder folder;
-    const std::string file = folder.write("secret.txt", "secret");
+    const TemporaryDirectory directory;
+    const std::string file = directory.write("secret.txt", "secret");
     EXPECT_EQ(faultOf("<!DOCTYPE a [<!ENTITY e SYSTEM \"" + file + "\">]>\n<a>&e;</a>"),
               "line 2, column 7: Entity 'e' not defined");
-    const std::string grammar = folder.write("a.dtd", "<!ENTITY e 'secret'>");
+    const std::string grammar = directory.write("a.dtd", "<!ENTITY e 'secret'>");
     EXPECT_EQ(faultOf("<!DOCTYPE a SYSTEM \"" + grammar + "\">\n<a>&e;</a>"),
               "line 2, column 7: Entity 'e' not defined");
     EXPECT_EQ(faultOf("<!DOCTYPE a [\n<!ENTITY % e SYSTEM 'http://localhost/a.dtd'>\n%e;]>\n<a/>"),

@@ -4,7 +4,7 @@
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/DeclarationChecker.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/Support/MofFolder.h"
+#include "Tests/Support/MofDirectory.h"
 
 namespace {
 
@@ -32,13 +32,16 @@ class MofDeclarationCheckerTest : public testing::Test {
   protected:
     // Two files: "q.mof" with the qualifiers, and "a.mof".
     Compilation compile(const std::string& mof) {
-        return Mof::compile({folder_.write("q.mof", kQualifiers), folder_.write("a.mof", mof)});
+        return Mof::compile(
+            {directory_.write("q.mof", kQualifiers), directory_.write("a.mof", mof)});
     }
 
     // All that is said about "a.mof".
-    std::string faults(const std::string& mof) { return folder_.shown(compile(mof).diagnostics); }
+    std::string faults(const std::string& mof) {
+        return directory_.shown(compile(mof).diagnostics);
+    }
 
-    MofFolder folder_;
+    MofDirectory directory_;
 };
 
 // Superclasses.
@@ -131,7 +134,8 @@ TEST_F(MofDeclarationCheckerTest, ALongCycleNamesTenClassesAndCountsTheOthers) {
 
 // It was reported a second time, as classes with too many superclasses above them.
 TEST_F(MofDeclarationCheckerTest, ACycleOfMoreThanTwoHundredClassesIsOneError) {
-    EXPECT_EQ(Mof::compile({folder_.write("a.mof", cycleOfClasses(300))}).diagnostics.size(), 1U);
+    EXPECT_EQ(Mof::compile({directory_.write("a.mof", cycleOfClasses(300))}).diagnostics.size(),
+              1U);
 }
 
 TEST_F(MofDeclarationCheckerTest, TwoHundredSuperclassesAreAllowed) {
@@ -189,7 +193,7 @@ TEST_F(MofDeclarationCheckerTest, AQualifierMayBeWrittenInAnotherCase) {
 
 TEST_F(MofDeclarationCheckerTest, OnlyABooleanMayBeWrittenWithoutAValue) {
     const Compilation compilation = compile("[Key, Description, Flags] class A_B {};");
-    EXPECT_EQ(folder_.shown(compilation.diagnostics),
+    EXPECT_EQ(directory_.shown(compilation.diagnostics),
               "a.mof:1:7: warning: the qualifier \"Description\" has no value\n"
               "[Key, Description, Flags] class A_B {};\n"
               "      ^\n"

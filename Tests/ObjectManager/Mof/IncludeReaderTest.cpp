@@ -8,7 +8,7 @@
 
 #include "ObjectManager/Mof/IncludeReader.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/Support/MofFolder.h"
+#include "Tests/Support/MofDirectory.h"
 
 namespace {
 
@@ -26,17 +26,17 @@ class IncludeReaderTest : public testing::Test {
     Compilation read(const char* name, const Mof::CompilerOptions& options = {}) {
         Compilation compilation;
         Mof::Reporter reporter(compilation.files, compilation.diagnostics, options.diagnostics);
-        Mof::readFiles({folder_.path(name)}, options, compilation, reporter);
+        Mof::readFiles({directory_.path(name)}, options, compilation, reporter);
         return compilation;
     }
 
-    void write(const char* name, const std::string& mof) { folder_.write(name, mof); }
+    void write(const char* name, const std::string& mof) { directory_.write(name, mof); }
 
     std::string shown(const Compilation& compilation) {
-        return folder_.shown(compilation.diagnostics);
+        return directory_.shown(compilation.diagnostics);
     }
 
-    MofFolder folder_;
+    MofDirectory directory_;
 };
 
 TEST_F(IncludeReaderTest, IncludedFilesAreFoundBesideTheFile) {
@@ -59,7 +59,7 @@ TEST_F(IncludeReaderTest, IncludedFilesAreFoundOnTheIncludePath) {
     write("first/other.mof", "");
     write("second/b.mof", "class A_B {};");
     const Compilation compilation =
-        read("main.mof", withIncludePath({folder_.path("first"), folder_.path("second")}));
+        read("main.mof", withIncludePath({directory_.path("first"), directory_.path("second")}));
     EXPECT_EQ(textOf(compilation), "class A_B\n");
 }
 
@@ -138,7 +138,7 @@ TEST_F(IncludeReaderTest, AFileOutsideADirectoryThatIsIncludedTwiceIsAWarning) {
 TEST_F(IncludeReaderTest, APipeInADirectoryOrIncludedIsAnErrorAndNotOpened) {
     write("directory/b.mof", "#pragma include (\"../pipe\")");
     for (const char* const name : {"pipe", "directory/a.mof"})
-        ASSERT_EQ(mkfifo(folder_.path(name).c_str(), 0600), 0);
+        ASSERT_EQ(mkfifo(directory_.path(name).c_str(), 0600), 0);
     EXPECT_EQ(
         shown(read("directory")),
         "directory/a.mof: error: cannot be read: it is not a regular file\n"
@@ -149,9 +149,9 @@ TEST_F(IncludeReaderTest, APipeInADirectoryOrIncludedIsAnErrorAndNotOpened) {
 }
 
 TEST_F(IncludeReaderTest, APipeThatIsNamedByTheUserIsRead) {
-    const std::string pipe = folder_.path("pipe");
+    const std::string pipe = directory_.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&] { folder_.write("pipe", "class A_B {};"); });
+    std::thread writer([&] { directory_.write("pipe", "class A_B {};"); });
     const Compilation compilation = read("pipe");
     writer.join();
     EXPECT_EQ(shown(compilation), "");
@@ -176,7 +176,7 @@ TEST_F(IncludeReaderTest, AFileThatCannotBeReadIsAnError) {
 }
 
 TEST_F(IncludeReaderTest, AFileOfADirectoryThatCannotBeReadIsAnErrorAndTheOthersAreRead) {
-    std::filesystem::create_symlink("nowhere", folder_.path("a.mof"));
+    std::filesystem::create_symlink("nowhere", directory_.path("a.mof"));
     write("b.mof", "class A_B {};");
     const Compilation compilation = read("");
     EXPECT_EQ(shown(compilation), "a.mof: error: cannot be read: No such file or directory\n");

@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Mof/Compiler.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ std::string repeated(const std::string& text, std::size_t count) {
 }
 
 Compilation compileText(const std::string& mof) {
-    const TemporaryFolder folder;
-    return Mof::compile({folder.write("a.mof", mof)});
+    const TemporaryDirectory directory;
+    return Mof::compile({directory.write("a.mof", mof)});
 }
 
 // The one default value of what is declared, as a text.

@@ -21,14 +21,14 @@ bool declares(const Compilation& compilation, const char* className) {
 }
 
 TEST(Models, TheSampleModelOfCimv2HasNoFaults) {
-    const Compilation compilation = Mof::compile({MODELS_FOLDER "/cimv2/cimv2.mof"});
+    const Compilation compilation = Mof::compile({MODELS_DIRECTORY "/cimv2/cimv2.mof"});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.classes.size(), 38U);
     EXPECT_TRUE(declares(compilation, "CIM_ComputerSystem"));
 }
 
 TEST(Models, TheSampleModelOfInteropHasNoFaults) {
-    const Compilation compilation = Mof::compile({MODELS_FOLDER "/interop/interop.mof"});
+    const Compilation compilation = Mof::compile({MODELS_DIRECTORY "/interop/interop.mof"});
     EXPECT_EQ(diagnosticsOf(compilation), "");
     EXPECT_EQ(compilation.classes.size(), 21U);
     EXPECT_TRUE(declares(compilation, "CIM_RegisteredProfile"));

@@ -34,7 +34,7 @@ TEST_F(CimQualifierTest, NullIsNoValue) {
 }
 
 TEST_F(CimQualifierTest, WithoutAValueNothingButABooleanHasOneNotEvenItsDefault) {
-    const std::string file = folder_.write(
+    const std::string file = directory_.write(
         "b.mof", "Qualifier Note : string = \"default\", Scope (any); [Note] class A_B {};");
     const Repository::LoadedRepository loaded =
         Repository::loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});

@@ -16,10 +16,10 @@ class ClassRepositoryTest : public RepositoryTest {
     // Two namespaces, which declare a class of the same name otherwise.
     TSKSmrPtr<Repository::ClassRepository> loadTwo() {
         const Repository::LoadedRepository loaded = Repository::loadRepository(
-            {{"root/one", {folder_.write("1.mof", "class A_B { uint8 one; }; class A_C {};")}},
-             {"root/Two", {folder_.write("2.mof", "class A_B { uint8 two; }; class A_D {};")}}},
+            {{"root/one", {directory_.write("1.mof", "class A_B { uint8 one; }; class A_C {};")}},
+             {"root/Two", {directory_.write("2.mof", "class A_B { uint8 two; }; class A_D {};")}}},
             {}, {});
-        EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
+        EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
         return loaded.repository;
     }
 };
@@ -138,12 +138,12 @@ TEST_F(ClassRepositoryTest, AThreadMayReadWhatAnotherOneDropsTheRepositoryOf) {
 }
 
 TEST_F(ClassRepositoryTest, AFailedAllocationWhileItIsMadeLeavesNothingBehind) {
-    const Mof::Compilation compilation = Mof::compile({folder_.write("a.mof", R"(
+    const Mof::Compilation compilation = Mof::compile({directory_.write("a.mof", R"(
 Qualifier Description : string, Scope (any); Qualifier Values : string[], Scope (any);
 [Description ("<a text longer than fifteen>")] class A_B {
     [Values {"x", null}] string p[]; [Values {}] uint8 M([Description (null)] A_B ref q); };
 class A_C : A_B { string p[]; uint8 M(A_B ref q); };)")});
-    EXPECT_EQ(folder_.shown(compilation.diagnostics), "");
+    EXPECT_EQ(directory_.shown(compilation.diagnostics), "");
     const std::size_t failures = AllocationProbe::failEachAllocation(
         [&] {
             std::vector<Repository::CimNamespace> namespaces;

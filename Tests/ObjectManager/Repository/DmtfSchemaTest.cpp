@@ -87,13 +87,13 @@ TEST_F(DmtfSchema, LoadsWithoutDiagnostics) {
     EXPECT_EQ(loaded_.repository->countClasses(), 1438U);
 }
 
-// Each class stands in a file of its name, in a folder of its subject.
+// Each class stands in a file of its name, in a directory of its subject.
 TEST_F(DmtfSchema, EveryClassIsFoundInAnyCase) {
     int classes = 0;
-    const fs::path folder = fs::path(cimSchemaFile()).parent_path();
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+    const fs::path directory = fs::path(cimSchemaFile()).parent_path();
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
         if (entry.path().extension() != ".mof" ||
-            fs::equivalent(entry.path().parent_path(), folder))
+            fs::equivalent(entry.path().parent_path(), directory))
             continue;
         const std::string name = entry.path().stem();
         ASSERT_TRUE(classNamed(name)) << name;
@@ -278,8 +278,8 @@ TEST_F(DmtfSchema, VoltageSensorOverridesManyProperties) {
 
 TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
     const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}},
-                                    {"interop", {MODELS_FOLDER "/interop/interop.mof"}}},
+        Repository::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
+                                    {"interop", {MODELS_DIRECTORY "/interop/interop.mof"}}},
                                    {}, {});
     EXPECT_TRUE(loaded.diagnostics.empty()) << loaded.diagnostics.front().toString();
     ASSERT_TRUE(loaded.repository);
@@ -293,7 +293,7 @@ TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
 // What the model's comment says: the values stay those of the superclass.
 TEST(SampleModel, AnOverrideRestatesOnlyWhatItChanges) {
     const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/cimv2", {MODELS_FOLDER "/cimv2/cimv2.mof"}}}, {}, {});
+        Repository::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}}}, {}, {});
     const TSKSmrPtr<ITeskClass> volume =
         loaded.repository->getClass("root/cimv2", "CIM_StorageVolume");
     const TSKSmrPtr<ITeskClass> extent =

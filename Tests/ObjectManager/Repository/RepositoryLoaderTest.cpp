@@ -22,23 +22,23 @@ TEST_F(RepositoryLoaderTest, NoSourcesGiveAnEmptyRepository) {
 }
 
 TEST_F(RepositoryLoaderTest, ASourceMayHaveFilesAndDirectories) {
-    const std::string file = folder_.write("a.mof", "class A_B : A_C {};");
-    folder_.write("directory/c.mof", "class A_C : A_D {};");
-    folder_.write("directory/below/d.mof", "class A_D {};");
+    const std::string file = directory_.write("a.mof", "class A_B : A_C {};");
+    directory_.write("directory/c.mof", "class A_C : A_D {};");
+    directory_.write("directory/below/d.mof", "class A_D {};");
     const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {file, folder_.path("directory")}}}, {}, {});
-    EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
+        Repository::loadRepository({{"root/one", {file, directory_.path("directory")}}}, {}, {});
+    EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C A_D");
 }
 
 TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/One", {folder_.write("a.mof", "class A_B : A_C {};")}},
-                                    {"root/two", {folder_.write("b.mof", "class A_X {};")}},
-                                    {"ROOT/ONE", {folder_.write("c.mof", "class A_C : A_D {};")}},
-                                    {"root/one", {folder_.write("d.mof", "class A_D {};")}}},
-                                   {}, {});
-    EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/One", {directory_.write("a.mof", "class A_B : A_C {};")}},
+         {"root/two", {directory_.write("b.mof", "class A_X {};")}},
+         {"ROOT/ONE", {directory_.write("c.mof", "class A_C : A_D {};")}},
+         {"root/one", {directory_.write("d.mof", "class A_D {};")}}},
+        {}, {});
+    EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     ASSERT_EQ(loaded.repository->namespaces().size(), 2U);
     EXPECT_EQ(loaded.repository->namespaces()[0].name(), "root/One");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C A_D");
@@ -46,19 +46,19 @@ TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
 }
 
 TEST_F(RepositoryLoaderTest, NamespacesDoNotKnowEachOthersClasses) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {folder_.write("a.mof", "class A_B {};")}},
-                                    {"root/two", {folder_.write("b.mof", "class A_C : A_B {};")}}},
-                                   {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/one", {directory_.write("a.mof", "class A_B {};")}},
+         {"root/two", {directory_.write("b.mof", "class A_C : A_B {};")}}},
+        {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
-    EXPECT_EQ(folder_.shown(loaded.diagnostics),
+    EXPECT_EQ(directory_.shown(loaded.diagnostics),
               "b.mof:1:13: error: the superclass \"A_B\" of \"A_C\" is not declared\n"
               "class A_C : A_B {};\n"
               "            ^\n");
 }
 
 TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
-    const std::string file = folder_.write("a.mof", "class A_B {};");
+    const std::string file = directory_.write("a.mof", "class A_B {};");
     const Repository::LoadedRepository loaded =
         Repository::loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {}, {});
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
@@ -68,14 +68,14 @@ TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
 }
 
 TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespaces) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}},
-                                    {"root/two", {folder_.write("b.mof", "class {};")}},
-                                    {"root/three", {folder_.write("c.mof", "class A_B {};")}},
-                                    {"root/four", {folder_.path("none.mof")}}},
-                                   {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/one", {directory_.write("a.mof", "[Odd] class A_B {};")}},
+         {"root/two", {directory_.write("b.mof", "class {};")}},
+         {"root/three", {directory_.write("c.mof", "class A_B {};")}},
+         {"root/four", {directory_.path("none.mof")}}},
+        {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
-    EXPECT_EQ(folder_.shown(loaded.diagnostics),
+    EXPECT_EQ(directory_.shown(loaded.diagnostics),
               "a.mof:1:2: warning: the qualifier \"Odd\" is not declared\n"
               "[Odd] class A_B {};\n"
               " ^\n"
@@ -87,7 +87,7 @@ TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespa
 
 TEST_F(RepositoryLoaderTest, WarningsComeWithTheRepository) {
     const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{"root/one", {folder_.write("a.mof", "[Odd] class A_B {};")}}}, {}, {});
+        {{"root/one", {directory_.write("a.mof", "[Odd] class A_B {};")}}}, {}, {});
     EXPECT_EQ(loaded.diagnostics.size(), 1U);
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
 }
@@ -95,25 +95,25 @@ TEST_F(RepositoryLoaderTest, WarningsComeWithTheRepository) {
 TEST_F(RepositoryLoaderTest, UndeclaredQualifiersAreKeptAndPropagate) {
     const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{"root/one",
-          {folder_.write("a.mof", "[Odd, Odder (5)] class A_B {}; class A_C : A_B {};")}}},
+          {directory_.write("a.mof", "[Odd, Odder (5)] class A_B {}; class A_C : A_B {};")}}},
         {}, {});
     EXPECT_EQ(qualifiersOf(*loaded.repository->getClass("root/one", "A_C"), true),
               "Odd(true) Odder(5)");
 }
 
 TEST_F(RepositoryLoaderTest, IncludedFilesAreFoundOnTheIncludePath) {
-    folder_.write("shared/b.mof", "class A_C {};");
+    directory_.write("shared/b.mof", "class A_C {};");
     const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{"root/one",
-          {folder_.write("a.mof", "#pragma include (\"b.mof\")\nclass A_B : A_C {};")}}},
-        {folder_.path("shared")}, {});
-    EXPECT_EQ(folder_.shown(loaded.diagnostics), "");
+          {directory_.write("a.mof", "#pragma include (\"b.mof\")\nclass A_B : A_C {};")}}},
+        {directory_.path("shared")}, {});
+    EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C");
 }
 
 TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     const std::string file =
-        folder_.write("a.mof", "[Description (\"<b>\")] class A_B { uint8 q; uint8 p; };");
+        directory_.write("a.mof", "[Description (\"<b>\")] class A_B { uint8 q; uint8 p; };");
     const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{"root/one", {file}}, {"root/two", {file}}}, {},
         {.propertyOrder = Repository::PropertyOrder::kDeclaration, .escapeDescriptions = false});
@@ -134,7 +134,7 @@ TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreLoadedInAMome
     for (int number = 0; number < kMany; ++number)
         mof += "class A_" + std::to_string(number) + " : A_B {};\n";
     const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {folder_.write("a.mof", mof)}}}, {}, {});
+        Repository::loadRepository({{"root/one", {directory_.write("a.mof", mof)}}}, {}, {});
     const Repository::CimNamespace& nameSpace = *loaded.repository->findNamespace("root/one");
     EXPECT_EQ(nameSpace.findClass("A_2999")->properties(),
               nameSpace.findClass("A_B")->properties());
@@ -150,7 +150,7 @@ TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreLoadedInAMoment) {
             list += (number == 0 ? "" : ", ") + std::string(1, first) + std::to_string(number);
         return "[" + list + "]";
     };
-    const std::string file = folder_.write(
+    const std::string file = directory_.write(
         "a.mof", qualifiers('A') + "class A_B {" + qualifiers('D') + "uint8 p; };" +
                      qualifiers('B') + "class A_C : A_B {" + qualifiers('E') + "uint8 p; };" +
                      qualifiers('C') + "class A_D : A_C {" + qualifiers('d') + "uint8 p; };");

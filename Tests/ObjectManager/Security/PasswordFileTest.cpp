@@ -11,8 +11,8 @@
 #include "Tests/ObjectManager/Security/Failures.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
-#include "Tests/Support/FolderContent.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/DirectoryContent.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -110,12 +110,12 @@ class PasswordFileOnDiskTest : public testing::Test {
     }
     static void addBob(PasswordFile& file) { file.set("bob", kHash); }
 
-    const TemporaryFolder folder_;
-    const std::string path_ = folder_ / "users";
+    const TemporaryDirectory directory_;
+    const std::string path_ = directory_ / "users";
 };
 
 TEST_F(PasswordFileOnDiskTest, IsRead) {
-    writePrivate(folder_, "users", "bob:" + kHash + "\n");
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
     EXPECT_EQ(usersOf(PasswordFile::read(path_)), std::vector<std::string>{"bob:" + kHash});
 }
 
@@ -123,12 +123,12 @@ TEST_F(PasswordFileOnDiskTest, ALongOneIsReadToItsEnd) {
     std::string text;
     for (int number = 0; number < 1000; ++number)
         text += "user" + std::to_string(number) + ":" + kHash + "\n";
-    writePrivate(folder_, "users", text);
+    writePrivate(directory_, "users", text);
     EXPECT_EQ(PasswordFile::read(path_).text(), text);
 }
 
 TEST_F(PasswordFileOnDiskTest, AWrongLineIsReportedWithThePath) {
-    writePrivate(folder_, "users", "\nbob\n");
+    writePrivate(directory_, "users", "\nbob\n");
     EXPECT_EQ(failureToRead(), path_ + ":2: there is no colon between user name and hash");
 }
 
@@ -137,7 +137,7 @@ TEST_F(PasswordFileOnDiskTest, AMissingOneIsReported) {
 }
 
 TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandThatMendsIt) {
-    writePrivate(folder_, "users", "bob:" + kHash + "\n");
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
     for (const mode_t mode : {0604U, 0602U, 0640U, 0620U, 0666U, 0644U, 0777U}) {
         ASSERT_EQ(chmod(path_.c_str(), mode), 0);
         EXPECT_EQ(failureToRead(),
@@ -154,12 +154,12 @@ TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandTh
 }
 
 TEST_F(PasswordFileOnDiskTest, TheCommandThatMendsItCanBePasted) {
-    const std::string path = folder_.write("it's \"mine\" $x", "");
+    const std::string path = directory_.write("it's \"mine\" $x", "");
     ASSERT_EQ(chmod(path.c_str(), 0644), 0);
     EXPECT_EQ(failureOf([&] { static_cast<void>(PasswordFile::read(path)); }),
               path +
                   ": others than its owner can read or write it; correct that with: chmod 600 '" +
-                  folder_.path().string() + "/it'\\''s \"mine\" $x'");
+                  directory_.path().string() + "/it'\\''s \"mine\" $x'");
 }
 
 TEST_F(PasswordFileOnDiskTest, WhatIsNoRegularFileIsRefused) {
@@ -175,28 +175,28 @@ TEST_F(PasswordFileOnDiskTest, AChangeMakesAMissingFile) {
     PasswordFile::change(path_, addBob);
     EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
     EXPECT_EQ(modeOf(path_), 0600U);
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, AChangeKeepsWhatItDoesNotChange) {
-    writePrivate(folder_, "users", "# users\nalice:" + kOtherHash + "\n");
+    writePrivate(directory_, "users", "# users\nalice:" + kOtherHash + "\n");
     PasswordFile::change(path_, addBob);
     EXPECT_EQ(contentOfFile(path_), "# users\nalice:" + kOtherHash + "\nbob:" + kHash + "\n");
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, AChangeThroughALinkKeepsTheLink) {
-    writePrivate(folder_, "users", "");
-    std::filesystem::create_symlink("users", folder_ / "link");
-    PasswordFile::change(folder_ / "link", addBob);
-    EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
+    writePrivate(directory_, "users", "");
+    std::filesystem::create_symlink("users", directory_ / "link");
+    PasswordFile::change(directory_ / "link", addBob);
+    EXPECT_TRUE(std::filesystem::is_symlink(directory_ / "link"));
     EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
-    EXPECT_EQ(namesIn(folder_), (std::vector<std::string>{"link", "users"}));
+    EXPECT_EQ(namesIn(directory_), (std::vector<std::string>{"link", "users"}));
 }
 
 TEST_F(PasswordFileOnDiskTest, AFailedChangeLeavesTheFile) {
     const std::string text = "alice:" + kHash + "\n";
-    writePrivate(folder_, "users", text);
+    writePrivate(directory_, "users", text);
     EXPECT_THROW(PasswordFile::change(path_,
                                       [](PasswordFile& file) {
                                           file.remove("alice");
@@ -204,12 +204,12 @@ TEST_F(PasswordFileOnDiskTest, AFailedChangeLeavesTheFile) {
                                       }),
                  std::runtime_error);
     EXPECT_EQ(contentOfFile(path_), text);
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, AFullDiskLeavesTheFile) {
     const std::string text = "alice:" + kHash + "\n";
-    writePrivate(folder_, "users", text);
+    writePrivate(directory_, "users", text);
     std::string failure;
     {
         const FileSizeLimit limit(10);
@@ -217,12 +217,12 @@ TEST_F(PasswordFileOnDiskTest, AFullDiskLeavesTheFile) {
     }
     EXPECT_EQ(failure, path_ + ": cannot be written: File too large");
     EXPECT_EQ(contentOfFile(path_), text);
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, AWrongFileIsNotChanged) {
     const std::string text = "alice\n";
-    writePrivate(folder_, "users", text);
+    writePrivate(directory_, "users", text);
     EXPECT_EQ(failureOf([&] { PasswordFile::change(path_, addBob); }),
               path_ + ":1: there is no colon between user name and hash");
     EXPECT_EQ(contentOfFile(path_), text);
@@ -237,7 +237,7 @@ TEST_F(PasswordFileOnDiskTest, AWrongFileIsNotChanged) {
 TEST_F(PasswordFileOnDiskTest, AChangeByRootKeepsTheOwner) {
     if (geteuid() != 0)
         GTEST_SKIP() << "Only root can change the owner of a file";
-    writePrivate(folder_, "users", "");
+    writePrivate(directory_, "users", "");
     ASSERT_EQ(chown(path_.c_str(), 12345, 12346), 0);
     PasswordFile::change(path_, addBob);
     struct stat status = {};
@@ -249,15 +249,15 @@ TEST_F(PasswordFileOnDiskTest, AChangeByRootKeepsTheOwner) {
 
 TEST_F(PasswordFileOnDiskTest, AFileInTheCurrentDirectoryIsChanged) {
     const std::filesystem::path previous = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.path());
+    std::filesystem::current_path(directory_.path());
     PasswordFile::change("users", addBob);
     std::filesystem::current_path(previous);
     EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
 }
 
 TEST_F(PasswordFileOnDiskTest, AMissingDirectoryIsReported) {
-    EXPECT_EQ(failureOf([&] { PasswordFile::change(folder_ / "missing/users", addBob); }),
-              (folder_ / "missing").string() + ": cannot be locked: No such file or directory");
+    EXPECT_EQ(failureOf([&] { PasswordFile::change(directory_ / "missing/users", addBob); }),
+              (directory_ / "missing").string() + ": cannot be locked: No such file or directory");
 }
 
 TEST_F(PasswordFileOnDiskTest, ManyThreadsThatChangeItAtOnceLoseNothing) {
@@ -269,7 +269,7 @@ TEST_F(PasswordFileOnDiskTest, ManyThreadsThatChangeItAtOnceLoseNothing) {
         }
     });
     EXPECT_EQ(PasswordFile::read(path_).users().users().size(), 80U);
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 TEST_F(PasswordFileOnDiskTest, ManyProcessesThatChangeItAtOnceLoseNothing) {
@@ -295,7 +295,7 @@ TEST_F(PasswordFileOnDiskTest, ManyProcessesThatChangeItAtOnceLoseNothing) {
         EXPECT_EQ(status, 0);
     }
     EXPECT_EQ(PasswordFile::read(path_).users().users().size(), 80U);
-    EXPECT_EQ(namesIn(folder_), std::vector<std::string>{"users"});
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"users"});
 }
 
 }  // namespace

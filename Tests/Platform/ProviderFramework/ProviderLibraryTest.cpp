@@ -4,12 +4,12 @@
 
 #include "Platform/ProviderFramework/ProviderLibrary.h"
 #include "Platform/Util/TeskBaseException.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
 TSKString fixture(const std::string& name) {
-    return (std::string(FIXTURES_FOLDER) + "/lib" + name + ".so").c_str();
+    return (std::string(FIXTURES_DIRECTORY) + "/lib" + name + ".so").c_str();
 }
 
 // Why loading fails; "" when it does not.
@@ -26,9 +26,9 @@ TEST(ProviderLibrary, GivesTheProviderOfTheFactoryNamedAfterTheLibrary) {
     EXPECT_EQ(ProviderLibrary::load(fixture("GoodProvider")).getProviderName(), "GoodProvider");
 }
 
-TEST(ProviderLibrary, FindsFilesInTheWorkingFolderByTheirNameAlone) {
+TEST(ProviderLibrary, FindsFilesInTheWorkingDirectoryByTheirNameAlone) {
     const std::filesystem::path previous = std::filesystem::current_path();
-    std::filesystem::current_path(FIXTURES_FOLDER);
+    std::filesystem::current_path(FIXTURES_DIRECTORY);
     EXPECT_EQ(failureOf("libGoodProvider.so"), "");
     std::filesystem::current_path(previous);
 }
@@ -58,9 +58,9 @@ TEST(ProviderLibrary, FailsForAFileThatIsNotThere) {
 }
 
 TEST(ProviderLibrary, FailsForFilesThatAreNoLibraries) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     for (const char* const content : {"", "text", "\177ELF"}) {
-        const std::string file = folder.write("libText.so", content);
+        const std::string file = directory.write("libText.so", content);
         const std::string failure = failureOf(file.c_str());
         EXPECT_NE(failure.find("libText.so"), std::string::npos) << failure;
     }

@@ -12,7 +12,7 @@
 #include "Platform/Util/TeskStatusCode.h"
 #include "Tests/Support/FixedNamespaces.h"
 #include "Tests/Support/RecordingLogSink.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -420,23 +420,23 @@ TEST_F(TeskProviderPluginManagerNamespacesTest, RequestsAreRoutedWhileNamespaces
 // Loading libraries.
 
 TEST_F(TeskProviderPluginManagerTest, LoadsTheGoodLibrariesBesideTheBrokenOnes) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     for (const char* const name :
          {"GoodProvider", "MissingSymbol", "NoFactory", "NullFactory", "ThrowingFactory"}) {
         const std::string file = std::string("lib") + name + ".so";
-        folder.copy(std::string(FIXTURES_FOLDER) + "/" + file, file);
+        directory.copy(std::string(FIXTURES_DIRECTORY) + "/" + file, file);
     }
-    folder.write("libText.so", "this is no library");
-    folder.write("Readme.txt", "this is not even meant to be one");
-    std::filesystem::create_directory(folder / "libFolder.so");
-    ASSERT_EQ(mkfifo((folder / "libPipe.so").c_str(), 0600), 0);
-    std::filesystem::create_symlink("/nowhere/libGone.so", folder / "libGone.so");
+    directory.write("libText.so", "this is no library");
+    directory.write("Readme.txt", "this is not even meant to be one");
+    std::filesystem::create_directory(directory / "libDirectory.so");
+    ASSERT_EQ(mkfifo((directory / "libPipe.so").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/nowhere/libGone.so", directory / "libGone.so");
 
-    const Lines failures = asLines(manager_.loadProviders((folder / "").c_str()));
-    const std::string at = folder.path().string() + "/";
+    const Lines failures = asLines(manager_.loadProviders((directory / "").c_str()));
+    const std::string at = directory.path().string() + "/";
     ASSERT_EQ(failures.size(), 8U);
     const std::string failed = ": Loading failed: ProviderLibrary::load: ";
-    EXPECT_EQ(failures[0], at + "libFolder.so" + failed + "It is no regular file (1)");
+    EXPECT_EQ(failures[0], at + "libDirectory.so" + failed + "It is no regular file (1)");
     EXPECT_TRUE(failures[1].starts_with(at + "libGone.so" + failed)) << failures[1];
     EXPECT_TRUE(failures[2].starts_with(at + "libMissingSymbol.so" + failed)) << failures[2];
     EXPECT_EQ(failures[3], at + "libNoFactory.so" + failed +
@@ -464,9 +464,9 @@ TEST_F(TeskProviderPluginManagerTest, ReportsADirectoryThatCannotBeRead) {
 }
 
 TEST_F(TeskProviderPluginManagerTest, ADirectoryWithoutLibrariesIsFine) {
-    const TemporaryFolder folder;
-    folder.write("Readme.txt", "");
-    EXPECT_EQ(asLines(manager_.loadProviders(folder.path().c_str())), Lines());
+    const TemporaryDirectory directory;
+    directory.write("Readme.txt", "");
+    EXPECT_EQ(asLines(manager_.loadProviders(directory.path().c_str())), Lines());
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 #include "Tests/Support/AllocationProbe.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -431,10 +431,10 @@ TEST(TSKString, ToLowerOfALowerTextKeepsSharingIt) {
 
 // In Turkish capital I does not fold to i, and in an 8-bit locale other bytes are letters too.
 TEST(TSKString, CaseFoldingDoesNotDependOnTheLocale) {
-    const TemporaryFolder folder;
-    const std::string locale = folder / "tr_TR.ISO-8859-9";
+    const TemporaryDirectory directory;
+    const std::string locale = directory / "tr_TR.ISO-8859-9";
     ASSERT_EQ(std::system(("localedef -i tr_TR -f ISO-8859-9 " + locale).c_str()), 0);
-    ASSERT_EQ(setenv("LOCPATH", folder.path().c_str(), 1), 0);
+    ASSERT_EQ(setenv("LOCPATH", directory.path().c_str(), 1), 0);
     ASSERT_NE(std::setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
     ASSERT_NE(std::tolower('I'), 'i');
     ASSERT_EQ(std::tolower(0xc4), 0xe4);

@@ -9,9 +9,9 @@
 
 /// The documents that were worked out by hand, in the folder Expected.
 [[nodiscard]] inline std::string expectedDocument(const std::string& name) {
-    std::ifstream stream(EXPECTED_FOLDER "/" + name, std::ios::binary);
+    std::ifstream stream(EXPECTED_DIRECTORY "/" + name, std::ios::binary);
     if (!stream)
-        throw std::runtime_error("cannot open " EXPECTED_FOLDER "/" + name);
+        throw std::runtime_error("cannot open " EXPECTED_DIRECTORY "/" + name);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 

@@ -57,12 +57,12 @@ std::map<std::string, Words> listedOperations() {
 }
 
 TEST(IntegratingGuide, ListsWhatTheStubHostDeclaresAndNothingElse) {
-    const std::filesystem::path folder = STUB_HOST_FOLDER "/Platform";
+    const std::filesystem::path directory = STUB_HOST_DIRECTORY "/Platform";
     std::map<std::string, Words> listed = listedOperations();
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
         if (!entry.is_regular_file())
             continue;
-        const std::string header = entry.path().lexically_relative(folder).string();
+        const std::string header = entry.path().lexically_relative(directory).string();
         const std::string content = contentOf(entry.path());
         Words declared = operationsOf(content);
         // Only its destructor is declared.
@@ -101,7 +101,8 @@ TEST(IntegratingGuide, QuotesTheExamplesAsTheyAre) {
         for (index += 2; lines.at(index).empty() || lines[index].starts_with("    "); ++index)
             quotation.push_back(lines[index].empty() ? "" : lines[index].substr(4));
         quotation.pop_back();
-        const std::string file = contentOf(std::filesystem::path(PROJECT_FOLDER) / source[1].str());
+        const std::string file =
+            contentOf(std::filesystem::path(PROJECT_DIRECTORY) / source[1].str());
         EXPECT_TRUE(holdsIndented(file, quotation))
             << source[1] << " does not hold what is quoted from it, from \"" << quotation.at(0)
             << "\" on";

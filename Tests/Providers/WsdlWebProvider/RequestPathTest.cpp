@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Providers/WsdlWebProvider/WsdlWebProvider.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -140,17 +140,17 @@ TEST(Tokenize, ManyPiecesNeedNoStack) {
 TEST(OutputFile, CopiesEveryByte) {
     using std::string_literals::operator""s;
     const std::string content = "<?xml?>\r\n\0\xff end"s + std::string(100'000, 'x');
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     std::stringstream stream;
     stream << "before ";
-    outputFile(folder.write("file", content).c_str(), stream);
+    outputFile(directory.write("file", content).c_str(), stream);
     EXPECT_EQ(stream.str(), "before " + content);
 }
 
 TEST(OutputFile, AMissingFileCopiesNothing) {
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     std::stringstream stream;
-    outputFile((folder / "missing").c_str(), stream);
+    outputFile((directory / "missing").c_str(), stream);
     EXPECT_EQ(stream.str(), "");
     EXPECT_TRUE(stream.fail());
 }

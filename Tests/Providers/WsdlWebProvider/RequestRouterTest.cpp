@@ -80,8 +80,8 @@ class RequestRouterTest : public testing::Test {
         host_.repository().add("interop", fooClass());
     }
 
-    // What is written in answer to a request.
-    static std::string answer(const char* path, const char* hostField = "example.org:5985") {
+    // What is written in response to a request.
+    static std::string response(const char* path, const char* hostField = "example.org:5985") {
         TSKHTTPRequest request("GET", path, "HTTP/1.1");
         if (hostField != nullptr)
             request.setHeaderField("Host", hostField, false);
@@ -119,68 +119,68 @@ class RequestRouterTest : public testing::Test {
 };
 
 TEST_F(RequestRouterTest, AnswersWithTheWsdlDocumentOfAClass) {
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"),
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.wsdl"),
               found(wsdl("http://example.org:5985/", "root/cimv2")));
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, TheDocumentNamesTheServiceByTheHostField) {
-    EXPECT_NE(answer("/root/cimv2/CIM_Foo.wsdl")
+    EXPECT_NE(response("/root/cimv2/CIM_Foo.wsdl")
                   .find("<soap:address location=\"http://example.org:5985/wsman\"/>"),
               std::string::npos);
 }
 
 TEST_F(RequestRouterTest, AnswersWithTheSchemaOfAClass) {
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), found(schema()));
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.xsd"), found(schema()));
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, APathWithoutANamespaceMeansInterop) {
-    EXPECT_EQ(answer("/CIM_Foo.wsdl"), found(wsdl("http://example.org:5985/", "interop")));
+    EXPECT_EQ(response("/CIM_Foo.wsdl"), found(wsdl("http://example.org:5985/", "interop")));
 }
 
 TEST_F(RequestRouterTest, ANamespaceOfASlashIsNotAnEmptyOne) {
-    EXPECT_EQ(answer("///CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(response("///CIM_Foo.wsdl"), kNotFound);
 }
 
 TEST_F(RequestRouterTest, XsdInCapitalsIsAWsdlRequestForAClassOfThatName) {
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.XSD"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.XSD"), kNotFound);
     host_.repository().add("root/cimv2", ModelClass("cim_foo.xsd"));
-    const std::string text = answer("/root/cimv2/CIM_Foo.XSD");
+    const std::string text = response("/root/cimv2/CIM_Foo.XSD");
     EXPECT_NE(text.find("<wsdl:definitions\n  name=\"cim_foo.xsd_WSDL\""), std::string::npos);
 }
 
 TEST_F(RequestRouterTest, XsdInThePathAsksForTheSchema) {
     host_.repository().add("root/xsd", fooClass());
-    EXPECT_EQ(answer("/root/xsd/CIM_Foo.wsdl"), found(schema()));
+    EXPECT_EQ(response("/root/xsd/CIM_Foo.wsdl"), found(schema()));
 }
 
 TEST_F(RequestRouterTest, XsdAtTheBeginningOfASegmentAsksForTheSchema) {
     host_.repository().add("root/xsdfiles", fooClass());
-    EXPECT_EQ(answer("/root/xsdfiles/CIM_Foo.wsdl"), found(schema()));
+    EXPECT_EQ(response("/root/xsdfiles/CIM_Foo.wsdl"), found(schema()));
 }
 
 TEST_F(RequestRouterTest, XsdWithinASegmentAsksForTheWsdlDocument) {
     host_.repository().add("root/myxsd", fooClass());
-    EXPECT_EQ(answer("/root/myxsd/CIM_Foo.wsdl"),
+    EXPECT_EQ(response("/root/myxsd/CIM_Foo.wsdl"),
               found(wsdl("http://example.org:5985/", "root/myxsd")));
 }
 
 TEST_F(RequestRouterTest, XsdInCapitalsInThePathAsksForTheWsdlDocument) {
     host_.repository().add("root/xsd", fooClass());
-    EXPECT_EQ(answer("/root/XSD/CIM_Foo.wsdl"),
+    EXPECT_EQ(response("/root/XSD/CIM_Foo.wsdl"),
               found(wsdl("http://example.org:5985/", "root/xsd")));
 }
 
 TEST_F(RequestRouterTest, WithoutAHostFieldTheDocumentNamesTheClientsAddress) {
-    EXPECT_EQ(answer("/CIM_Foo.wsdl", nullptr), found(wsdl("http://192.0.2.7/", "interop")));
-    EXPECT_EQ(answer("/CIM_Foo.xsd", nullptr), found(schema()));
+    EXPECT_EQ(response("/CIM_Foo.wsdl", nullptr), found(wsdl("http://192.0.2.7/", "interop")));
+    EXPECT_EQ(response("/CIM_Foo.xsd", nullptr), found(schema()));
 }
 
 TEST_F(RequestRouterTest, AHostFieldIsTakenAsItIs) {
-    EXPECT_EQ(answer("/CIM_Foo.wsdl", " Example.ORG "),
+    EXPECT_EQ(response("/CIM_Foo.wsdl", " Example.ORG "),
               found(wsdl("http:// Example.ORG /", "interop")));
-    EXPECT_EQ(answer("/CIM_Foo.wsdl", ""), found(wsdl("http:///", "interop")));
+    EXPECT_EQ(response("/CIM_Foo.wsdl", ""), found(wsdl("http:///", "interop")));
 }
 
 TEST_F(RequestRouterTest, AnswersInTheProtocolOfTheRequest) {
@@ -195,39 +195,39 @@ TEST_F(RequestRouterTest, ServesTheStaticDescriptionAsItIs) {
     using std::string_literals::operator""s;
     const std::string content = "no XML at all: \0\r\n\xff"s;
     host_.writeProvidersFile("STSService.wsdl", content);
-    EXPECT_EQ(answer("/STSService.wsdl"), found(content));
-    EXPECT_EQ(answer("/any/name/space/STSService.wsdl"), found(content));
-    EXPECT_EQ(answer("/root/cimv2/MySTSService.wsdl"), found(content));
-    EXPECT_EQ(answer("STSService.wsdl"), found(content));
+    EXPECT_EQ(response("/STSService.wsdl"), found(content));
+    EXPECT_EQ(response("/any/name/space/STSService.wsdl"), found(content));
+    EXPECT_EQ(response("/root/cimv2/MySTSService.wsdl"), found(content));
+    EXPECT_EQ(response("STSService.wsdl"), found(content));
 }
 
 TEST_F(RequestRouterTest, TheStaticDescriptionNeedsNeitherManagerNorRepository) {
     host_.removeManager();
     host_.writeProvidersFile("STSService.wsdl", "static");
-    EXPECT_EQ(answer("/interop/STSService.wsdl"), found("static"));
+    EXPECT_EQ(response("/interop/STSService.wsdl"), found("static"));
 }
 
 TEST_F(RequestRouterTest, TheStaticDescriptionIsFoundByItsExactNameAtTheEndOnly) {
     host_.writeProvidersFile("STSService.wsdl", "static");
-    EXPECT_EQ(answer("/interop/STSService.wsdl/CIM_Bar.wsdl"), kNotFound);
-    EXPECT_EQ(answer("/interop/stsservice.wsdl"), kNotFound);
-    EXPECT_EQ(answer("/interop/STSService.xsd"), kNotFound);
+    EXPECT_EQ(response("/interop/STSService.wsdl/CIM_Bar.wsdl"), kNotFound);
+    EXPECT_EQ(response("/interop/stsservice.wsdl"), kNotFound);
+    EXPECT_EQ(response("/interop/STSService.xsd"), kNotFound);
 }
 
 TEST_F(RequestRouterTest, AMissingStaticDescriptionIsAnEmptyDocument) {
-    EXPECT_EQ(answer("/interop/STSService.wsdl"), found(""));
+    EXPECT_EQ(response("/interop/STSService.wsdl"), found(""));
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, AStaticDescriptionThatCannotBeReadIsAnEmptyDocument) {
-    host_.makeProvidersFolder("STSService.wsdl");
-    EXPECT_EQ(answer("/interop/STSService.wsdl"), found(""));
+    host_.makeProvidersDirectory("STSService.wsdl");
+    EXPECT_EQ(response("/interop/STSService.wsdl"), found(""));
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, AnExceptionWhileReadingTheStaticDescriptionIsLogged) {
     host_.removeInstallation();
-    EXPECT_EQ(answer("/interop/STSService.wsdl"), kNotFound);
+    EXPECT_EQ(response("/interop/STSService.wsdl"), kNotFound);
     EXPECT_EQ(log_.lines(), logOf({kStaticFailure}));
 }
 
@@ -237,49 +237,49 @@ TEST_F(RequestRouterTest, AnExceptionOfAnyTypeWhileReadingTheStaticDescriptionIs
         [[nodiscard]] TSKString getInstallationDirectory() const override { throw 42; }
     };
     URMAConfigManager::setInstallation(TSKSmrPtr<ThrowingInstallation>::make());
-    EXPECT_EQ(answer("/interop/STSService.wsdl"), kNotFound);
+    EXPECT_EQ(response("/interop/STSService.wsdl"), kNotFound);
     EXPECT_EQ(log_.lines(), logOf({kStaticFailure}));
 }
 
 TEST_F(RequestRouterTest, AnUnparseablePathIsNotFound) {
     for (const char* path : {"/", "", "/root/cimv2", "/root/cimv2/CIM_Foo", "CIM_Foo.wsdl",
                              "/root/cimv2/CIM_Foo.wsdl/", "/root/cimv2/CIM_Foo.html"})
-        EXPECT_EQ(answer(path), kNotFound) << path;
+        EXPECT_EQ(response(path), kNotFound) << path;
 }
 
 TEST_F(RequestRouterTest, AnUnparseablePathIsNotFoundEvenWithoutAManager) {
     host_.removeManager();
-    EXPECT_EQ(answer("/root/cimv2"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2"), kNotFound);
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, AMissingManagerIsAnInternalServerError) {
     host_.removeManager();
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), kInternalServerError);
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.wsdl"), kInternalServerError);
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, AMissingRepositoryIsNotFound) {
     host_.removeRepository();
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.wsdl"), kNotFound);
     EXPECT_EQ(log_.lines(), logOf());
 }
 
 TEST_F(RequestRouterTest, AnUnknownClassIsNotFound) {
-    EXPECT_EQ(answer("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
-    EXPECT_EQ(answer("/root/cimv2/.xsd"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2/.xsd"), kNotFound);
     EXPECT_EQ(log_.lines(), logOf() + logOf());
 }
 
 TEST_F(RequestRouterTest, AFailedLookupIsNotFoundAndLoggedWithItsCode) {
-    EXPECT_EQ(answer("/root/unknown/CIM_Foo.wsdl"), kNotFound);
+    EXPECT_EQ(response("/root/unknown/CIM_Foo.wsdl"), kNotFound);
     EXPECT_EQ(log_.lines(),
               logOf({"WsdlAdapter::processInput|1|2|Exception while writing response. err=3"}));
 }
 
 TEST_F(RequestRouterTest, TheCodeOfAFailedLookupMayBeNegative) {
     makeLookupsThrow(TeskBaseException("lookup", "failed", -17));
-    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), kNotFound);
+    EXPECT_EQ(response("/root/cimv2/CIM_Foo.xsd"), kNotFound);
     EXPECT_EQ(log_.lines(),
               logOf({"WsdlAdapter::processInput|1|2|Exception while writing response. err=-17"}));
 }
@@ -296,7 +296,7 @@ TEST_F(RequestRouterTest, AnyOtherExceptionOfALookupPasses) {
 }
 
 TEST_F(RequestRouterTest, AHostFieldWithALineBreakNeverReachesTheHead) {
-    EXPECT_EQ(answer("/CIM_Foo.wsdl", "evil\r\nX-Injected: 1"),
+    EXPECT_EQ(response("/CIM_Foo.wsdl", "evil\r\nX-Injected: 1"),
               found(wsdl("http://evil\r\nX-Injected: 1/", "interop")));
 }
 
@@ -306,13 +306,13 @@ TEST_F(RequestRouterTest, HostilePathsAreNotFound) {
          Lines{"/" + longName + ".wsdl", "/" + std::string(100'000, '/') + ".xsd",
                "/root/cimv2/%00.wsdl", "/root/cimv2/../../../etc/passwd.wsdl",
                "/\r\nX-Injected: 1/CIM_Foo.wsdl", "/root/cimv2/\xff\xfe.xsd"})
-        EXPECT_EQ(answer(path.c_str()), kNotFound) << path.substr(0, 100);
+        EXPECT_EQ(response(path.c_str()), kNotFound) << path.substr(0, 100);
 }
 
 // Every call into the class model, the repository and the stream fails in turn.
-TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheAnswerUnwritten) {
+TEST_F(RequestRouterTest, AFailingHostObjectLeavesTheResponseUnwritten) {
     for (const char* path : {"/root/cimv2/CIM_Foo.wsdl", "/root/cimv2/CIM_Foo.xsd"}) {
-        const std::string whole = answer(path, nullptr);
+        const std::string whole = response(path, nullptr);
         const std::string head = whole.substr(0, whole.find("\r\n\r\n") + 4);
         std::unique_ptr<RecordedOutput> output;
         const std::size_t failures = HostCalls::failEach(
@@ -337,7 +337,7 @@ TEST_F(RequestRouterTest, NoDocumentIsSentInPartWhenMemoryRunsOut) {
     const LogRecording quiet(TeskTraceLog::SeverityOff);
     for (const char* path :
          {"/root/cimv2/CIM_Foo.wsdl", "/root/cimv2/CIM_Foo.xsd", "/STSService.wsdl"}) {
-        const std::string whole = answer(path);
+        const std::string whole = response(path);
         const std::string head = whole.substr(0, whole.find("\r\n\r\n") + 4);
         std::string text;
         const std::size_t failures = AllocationProbe::failEachAllocation(
@@ -353,7 +353,7 @@ TEST_F(RequestRouterTest, NoDocumentIsSentInPartWhenMemoryRunsOut) {
                 text = std::move(output.text);
             },
             [&] {
-                // Only for the file is an exception an answer.
+                // Only for the file does an exception become a response.
                 const bool mayBeMissing = path == std::string("/STSService.wsdl");
                 EXPECT_TRUE(text.empty() || text == head || text == whole ||
                             (mayBeMissing && text == kNotFound));
@@ -364,8 +364,8 @@ TEST_F(RequestRouterTest, NoDocumentIsSentInPartWhenMemoryRunsOut) {
 }
 
 TEST_F(RequestRouterTest, ThreadsAreAnsweredAtTheSameTime) {
-    const std::string wsdlAnswer = answer("/root/cimv2/CIM_Foo.wsdl");
-    const std::string schemaAnswer = answer("/root/cimv2/CIM_Foo.xsd");
+    const std::string wsdlResponse = response("/root/cimv2/CIM_Foo.wsdl");
+    const std::string schemaResponse = response("/root/cimv2/CIM_Foo.xsd");
     host_.writeProvidersFile("STSService.wsdl", "static");
     const LogRecording log;
     constexpr int kThreads = 8;
@@ -374,16 +374,16 @@ TEST_F(RequestRouterTest, ThreadsAreAnsweredAtTheSameTime) {
         for (int round = 0; round < kRounds; ++round) {
             switch ((index + round) % 4) {
                 case 0:
-                    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.wsdl"), wsdlAnswer);
+                    EXPECT_EQ(response("/root/cimv2/CIM_Foo.wsdl"), wsdlResponse);
                     break;
                 case 1:
-                    EXPECT_EQ(answer("/root/cimv2/CIM_Foo.xsd"), schemaAnswer);
+                    EXPECT_EQ(response("/root/cimv2/CIM_Foo.xsd"), schemaResponse);
                     break;
                 case 2:
-                    EXPECT_EQ(answer("/STSService.wsdl"), found("static"));
+                    EXPECT_EQ(response("/STSService.wsdl"), found("static"));
                     break;
                 default:
-                    EXPECT_EQ(answer("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
+                    EXPECT_EQ(response("/root/cimv2/CIM_Bar.wsdl"), kNotFound);
             }
         }
     });

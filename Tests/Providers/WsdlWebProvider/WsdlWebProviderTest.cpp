@@ -21,7 +21,7 @@
 #include "Tests/Support/FixedNamespaces.h"
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/RecordingStreams.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestHost.h"
 #include "Tests/Support/Threads.h"
 #include "Tests/Support/VirtualTable.h"
@@ -36,20 +36,20 @@ std::string lifeCycleLine(const std::string& message) {
     return "WsdlWebProvider|3|2|" + message;
 }
 
-// Notes every registration as "PROVIDER URI" and answers it as it is told.
+// Notes every registration as "PROVIDER URI" and gives the result that it is told to give.
 class RecordingManager : public TeskProviderPluginManager {
   public:
-    explicit RecordingManager(bool answer) : answer_(answer) {}
+    explicit RecordingManager(bool response) : response_(response) {}
 
     bool registerURI(const TSKString& providerName, const TSKString& uri) override {
         registrations.push_back(std::string(providerName.data()) + " " + uri.data());
-        return answer_;
+        return response_;
     }
 
     Lines registrations;
 
   private:
-    bool answer_;
+    bool response_;
 };
 
 class WsdlWebProviderTest : public testing::Test {
@@ -59,8 +59,8 @@ class WsdlWebProviderTest : public testing::Test {
     }
 
     static TSKSmrPtr<RecordingManager> installManager(const TSKValSlist<TSKString>& namespaces,
-                                                      bool answer = true) {
-        auto manager = TSKSmrPtr<RecordingManager>::make(answer);
+                                                      bool response = true) {
+        auto manager = TSKSmrPtr<RecordingManager>::make(response);
         manager->setNamespaceList(TSKSmrPtr<FixedNamespaces>::make(namespaces));
         TeskProviderPluginManager::setTeskProviderPluginManager(manager);
         return manager;
@@ -174,7 +174,7 @@ TEST_F(WsdlWebProviderTest, SetWorkAreaIsANewOperationAfterAllOfTheBaseClass) {
 class FreshLibrary {
   public:
     FreshLibrary() {
-        const std::filesystem::path copy = folder_.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+        const std::filesystem::path copy = directory_.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
         void* library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr)
             throw std::runtime_error(dlerror());
@@ -186,7 +186,7 @@ class FreshLibrary {
     Provider* callFactory() const { return factory_(); }
 
   private:
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
     Provider* (*factory_)() = nullptr;
 };
 
@@ -229,8 +229,8 @@ TEST(WsdlWebProviderLibrary, TheFactoryCanBeCalledAgainAfterItFailed) {
 }
 
 TEST(WsdlWebProviderLibrary, LoadingItNeedsNoMemoryThatMightBeMissing) {
-    const TemporaryFolder folder;
-    const std::filesystem::path copy = folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    const TemporaryDirectory directory;
+    const std::filesystem::path copy = directory.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
     AllocationProbe::failAt(1);
     void* const library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
     const bool failed = AllocationProbe::hasFailed();
@@ -311,16 +311,16 @@ TEST(WsdlWebProviderLibrary, DeletingTheInstanceForgetsIt) {
 }
 
 TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
-    const TemporaryFolder folder;
-    folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
-    folder.write("libBroken.so", "no library");
+    const TemporaryDirectory directory;
+    directory.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    directory.write("libBroken.so", "no library");
     const LogRecording log;
     const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
     manager->setNamespaceList(
         TSKSmrPtr<FixedNamespaces>::make(TSKValSlist<TSKString>{"root/cimv2", "interop"}));
     TeskProviderPluginManager::setTeskProviderPluginManager(manager);
 
-    EXPECT_EQ(manager->loadProviders(folder.path().c_str()).size(), 1U);  // the broken one
+    EXPECT_EQ(manager->loadProviders(directory.path().c_str()).size(), 1U);  // the broken one
     EXPECT_TRUE(manager->startup().empty());
     EXPECT_TRUE(manager->postStartup().empty());
     Provider* const provider = manager->findProvider("/root/cimv2/CIM_Foo.wsdl");
@@ -333,8 +333,8 @@ TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
 
     Lines lines = log.lines();
     ASSERT_FALSE(lines.empty());
-    EXPECT_TRUE(
-        lines[0].starts_with("TeskProviderPluginManager|1|2|" + (folder / "libBroken.so").string()))
+    EXPECT_TRUE(lines[0].starts_with("TeskProviderPluginManager|1|2|" +
+                                     (directory / "libBroken.so").string()))
         << lines[0];
     lines.erase(lines.begin());
     EXPECT_EQ(lines, Lines({lifeCycleLine("getTeskWsdlWebProvider() Called!"),
@@ -345,14 +345,14 @@ TEST(WsdlWebProviderLibrary, IsLoadedAndDrivenByThePluginManager) {
 }
 
 TEST(WsdlWebProviderLibrary, AnswersRequestsFromThePathToTheLastByte) {
-    const TemporaryFolder folder;
-    folder.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
+    const TemporaryDirectory directory;
+    directory.copy(PLUGIN_FILE, "libWsdlWebProvider.so");
     const LogRecording log(TeskTraceLog::SeverityOff);
     TestHost host;
     host.repository().add("root/test", classOne());
     host.manager().setNamespaceList(
         TSKSmrPtr<FixedNamespaces>::make(TSKValSlist<TSKString>{"root/test"}));
-    EXPECT_TRUE(host.manager().loadProviders(folder.path().c_str()).empty());
+    EXPECT_TRUE(host.manager().loadProviders(directory.path().c_str()).empty());
     EXPECT_TRUE(host.manager().startup().empty());
     EXPECT_TRUE(host.manager().postStartup().empty());
 

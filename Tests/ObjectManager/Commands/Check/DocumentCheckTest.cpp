@@ -21,7 +21,7 @@ using Commands::CheckResult;
 CheckResult check(const MofModel& model, unsigned jobs = 2) {
     const LogRecording log(TeskTraceLog::SeverityError);
     const Host::ProviderHost host(model.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  INSTALLATION_FOLDER);
+                                  INSTALLATION_DIRECTORY);
     const Host::MemoryClient client(host.manager(), "localhost");
     CheckResult result = Commands::checkDocuments(*model.repository(), client, jobs, [] {});
     EXPECT_GT(result.seconds, 0);
@@ -128,25 +128,25 @@ TEST(DocumentCheck, FindsDescriptionsThatAreHandedOutRaw) {
 // Answers with what a hook returns.
 class HookedProvider : public urma::pf::Provider {
   public:
-    explicit HookedProvider(std::function<std::string(const std::string& path)> answer)
-        : answer_(std::move(answer)) {}
+    explicit HookedProvider(std::function<std::string(const std::string& path)> response)
+        : response_(std::move(response)) {}
 
     TSKString getProviderName() override { return "hooked"; }
     void processHTTPRequest(TSKGenericHTTPIStream& /*istr*/, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& /*flag*/,
                             TSKSmrPtr<ITeskTransaction> /*transaction*/) override {
-        const std::string answer = answer_(request.getUri().data());
-        ostr.write(answer.data(), answer.size());
+        const std::string response = response_(request.getUri().data());
+        ostr.write(response.data(), response.size());
     }
 
   private:
-    std::function<std::string(const std::string& path)> answer_;
+    std::function<std::string(const std::string& path)> response_;
 };
 
-// What is said of a provider's answers for one class.
-std::string reportOn(const std::function<std::string(const std::string& path)>& answer) {
+// What is said about the responses of a provider for one class.
+std::string reportOn(const std::function<std::string(const std::string& path)>& response) {
     const MofModel model("class TST_A {};");
-    HookedProvider provider(answer);
+    HookedProvider provider(response);
     TeskProviderPluginManager manager;
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
     EXPECT_TRUE(manager.registerURI("hooked", "/root/test"));
@@ -156,7 +156,7 @@ std::string reportOn(const std::function<std::string(const std::string& path)>& 
     return toText(result);
 }
 
-TEST(DocumentCheck, ReportsAnswersThatAreNoDocuments) {
+TEST(DocumentCheck, ReportsResponsesThatAreNoDocuments) {
     EXPECT_EQ(reportOn([](const std::string&) { return "HTTP/1.1 404 Not Found\r\n\r\n"; }),
               "error: root/test:TST_A: TST_A.wsdl: the response has the status 404\n"
               "error: root/test:TST_A: TST_A.xsd: the response has the status 404\n"

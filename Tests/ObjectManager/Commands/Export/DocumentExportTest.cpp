@@ -16,8 +16,8 @@
 #include "Tests/ObjectManager/Commands/Export/EndedProcess.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
-#include "Tests/Support/FolderContent.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/DirectoryContent.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -31,11 +31,11 @@ std::string response(const std::string& status, const std::string& body) {
 }
 
 // Classes below "test", whose documents say by which path and for which host they were asked for,
-// unless a test gives other answers.
+// unless a test gives other responses.
 class DocumentExportTest : public testing::Test {
   protected:
     DocumentExportTest() {
-        provider_.answer = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        provider_.respond = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, response("200 OK", request.getUri().data() + std::string(" at ") +
                                                  request.getHost()->data()));
         };
@@ -46,28 +46,29 @@ class DocumentExportTest : public testing::Test {
                                            const DocumentExportOptions& options = {}) const {
         const Host::MemoryClient client(manager_, "host:1");
         return exportDocuments(Commands::selectAllClasses(*repository), client,
-                               OutputDirectory::create(folder_.path()), options);
+                               OutputDirectory::create(directory_.path()), options);
     }
 
-    [[nodiscard]] FolderContent content() const { return contentOf(folder_.path()); }
+    [[nodiscard]] DirectoryContent content() const { return contentOf(directory_.path()); }
 
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
 };
 
 TEST_F(DocumentExportTest, WritesBothDocumentsOfEachClassIntoTheDirectoryOfTheNamespace) {
     const DocumentExportResult result =
         run(makeNamedClasses({{"test", {"A", "B"}}, {"test/Deep/er", {"C"}}}), {.jobs = 4});
-    EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
-                                        {"test/A.wsdl", "/test/A.wsdl at host:1"},
-                                        {"test/A.xsd", "/test/A.xsd at host:1"},
-                                        {"test/B.wsdl", "/test/B.wsdl at host:1"},
-                                        {"test/B.xsd", "/test/B.xsd at host:1"},
-                                        {"test/Deep", "(folder)"},
-                                        {"test/Deep/er", "(folder)"},
-                                        {"test/Deep/er/C.wsdl", "/test/Deep/er/C.wsdl at host:1"},
-                                        {"test/Deep/er/C.xsd", "/test/Deep/er/C.xsd at host:1"}}));
+    EXPECT_EQ(content(),
+              (DirectoryContent{{"test", "(directory)"},
+                                {"test/A.wsdl", "/test/A.wsdl at host:1"},
+                                {"test/A.xsd", "/test/A.xsd at host:1"},
+                                {"test/B.wsdl", "/test/B.wsdl at host:1"},
+                                {"test/B.xsd", "/test/B.xsd at host:1"},
+                                {"test/Deep", "(directory)"},
+                                {"test/Deep/er", "(directory)"},
+                                {"test/Deep/er/C.wsdl", "/test/Deep/er/C.wsdl at host:1"},
+                                {"test/Deep/er/C.xsd", "/test/Deep/er/C.xsd at host:1"}}));
     EXPECT_EQ(result.namespaces, 2U);
     EXPECT_EQ(result.classes, 3U);
     EXPECT_EQ(result.documents, 6U);
@@ -86,10 +87,10 @@ TEST_F(DocumentExportTest, WritesOnlyWhatIsSelected) {
     const Host::MemoryClient client(manager_, "host");
     const DocumentExportResult result =
         exportDocuments(Commands::selectClasses(*repository, {"b"}), client,
-                        OutputDirectory::create(folder_.path()), {});
-    EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
-                                        {"test/B.wsdl", "/test/B.wsdl at host"},
-                                        {"test/B.xsd", "/test/B.xsd at host"}}));
+                        OutputDirectory::create(directory_.path()), {});
+    EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"},
+                                           {"test/B.wsdl", "/test/B.wsdl at host"},
+                                           {"test/B.xsd", "/test/B.xsd at host"}}));
     EXPECT_EQ(result.namespaces, 1U);
     EXPECT_EQ(result.classes, 1U);
 }
@@ -98,9 +99,9 @@ TEST_F(DocumentExportTest, CountsWhatDoesNotChange) {
     const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B"}}});
     (void)run(repository);
-    fs::remove(folder_ / "test/A.xsd");
-    folder_.write("test/B.xsd", "other");
-    const FolderContent all = content();
+    fs::remove(directory_ / "test/A.xsd");
+    directory_.write("test/B.xsd", "other");
+    const DirectoryContent all = content();
     const DocumentExportResult result = run(repository);
     EXPECT_EQ(result.written, 2U);
     EXPECT_EQ(result.unchanged, 2U);
@@ -121,7 +122,7 @@ TEST_F(DocumentExportTest, TellsOfEachDocumentThatIsDone) {
 }
 
 TEST_F(DocumentExportTest, ADocumentThatCannotBeMadeIsReportedAndTheOthersAreWritten) {
-    provider_.answer = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         const std::string path = request.getUri().data();
         if (path.ends_with("A.wsdl"))
             writeTo(ostr, response("404 File Not Found", ""));
@@ -137,12 +138,12 @@ TEST_F(DocumentExportTest, ADocumentThatCannotBeMadeIsReportedAndTheOthersAreWri
               "other:D: D.xsd cannot be made: no provider serves /other/D.xsd\n"
               "test:A: A.wsdl: the response has the status 404\n"
               "test:B: B.xsd cannot be made: out of paper\n");
-    EXPECT_EQ(content(), (FolderContent{{"other", "(folder)"},
-                                        {"test", "(folder)"},
-                                        {"test/A.xsd", "document"},
-                                        {"test/B.wsdl", "document"},
-                                        {"test/C.wsdl", "document"},
-                                        {"test/C.xsd", "document"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"other", "(directory)"},
+                                           {"test", "(directory)"},
+                                           {"test/A.xsd", "document"},
+                                           {"test/B.wsdl", "document"},
+                                           {"test/C.wsdl", "document"},
+                                           {"test/C.xsd", "document"}}));
     EXPECT_EQ(result.documents, 8U);
     EXPECT_EQ(result.written, 4U);
 }
@@ -163,8 +164,8 @@ TEST_F(DocumentExportTest, NamesOfClassesThatLeadElsewhereAreReported) {
     std::string told = failuresText(result);
     std::replace(told.begin(), told.end(), '\0', '_');
     EXPECT_EQ(told, failures);
-    EXPECT_EQ(content(), (FolderContent{
-                             {"test", "(folder)"},
+    EXPECT_EQ(content(), (DirectoryContent{
+                             {"test", "(directory)"},
                              {"test/Fine.wsdl", "/test/Fine.wsdl at host:1"},
                              {"test/Fine.xsd", "/test/Fine.xsd at host:1"},
                              {"test/" + longName + ".xsd", "/test/" + longName + ".xsd at host:1"},
@@ -172,31 +173,31 @@ TEST_F(DocumentExportTest, NamesOfClassesThatLeadElsewhereAreReported) {
 }
 
 TEST_F(DocumentExportTest, ADirectoryThatCannotBeMadeEndsTheExport) {
-    folder_.write("test", "a file");
+    directory_.write("test", "a file");
     try {
         (void)run(makeNamedClasses({{"test", {"A"}}}));
         ADD_FAILURE();
     } catch (const std::system_error& error) {
-        EXPECT_EQ(error.what(), "cannot make the directory " + std::string(folder_ / "test") +
+        EXPECT_EQ(error.what(), "cannot make the directory " + std::string(directory_ / "test") +
                                     ": Not a directory");
     }
-    EXPECT_EQ(content(), (FolderContent{{"test", "a file"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"test", "a file"}}));
 }
 
 TEST_F(DocumentExportTest, AFileThatCannotBeWrittenEndsTheExport) {
-    fs::create_directories(folder_ / "test/B.wsdl/in the way");
+    fs::create_directories(directory_ / "test/B.wsdl/in the way");
     try {
         (void)run(makeNamedClasses({{"test", {"A", "B", "C"}}}));
         ADD_FAILURE();
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.what(),
-                  "cannot write " + std::string(folder_ / "test/B.wsdl") + ": Is a directory");
+                  "cannot write " + std::string(directory_ / "test/B.wsdl") + ": Is a directory");
     }
-    EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
-                                        {"test/A.wsdl", "/test/A.wsdl at host:1"},
-                                        {"test/A.xsd", "/test/A.xsd at host:1"},
-                                        {"test/B.wsdl", "(folder)"},
-                                        {"test/B.wsdl/in the way", "(folder)"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"},
+                                           {"test/A.wsdl", "/test/A.wsdl at host:1"},
+                                           {"test/A.xsd", "/test/A.xsd at host:1"},
+                                           {"test/B.wsdl", "(directory)"},
+                                           {"test/B.wsdl/in the way", "(directory)"}}));
 }
 
 TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
@@ -204,7 +205,7 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
         makeNamedClasses({{"test", {"A", "B"}}, {"test/b", {"C"}}});
     // Asked once a document, once before each namespace, and once after each before pruning.
     for (std::size_t documents = 0; documents < 6; ++documents) {
-        const TemporaryFolder folder;
+        const TemporaryDirectory directory;
         std::size_t done = 0;
         DocumentExportOptions options;
         options.isStopped = [&] { return done >= documents; };
@@ -212,7 +213,7 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
         const Host::MemoryClient client(manager_, "host");
         const DocumentExportResult result =
             exportDocuments(Commands::selectAllClasses(*repository), client,
-                            OutputDirectory::create(folder.path()), options);
+                            OutputDirectory::create(directory.path()), options);
         EXPECT_TRUE(result.isStopped);
         EXPECT_EQ(done, documents);
         EXPECT_EQ(result.written, documents);
@@ -221,7 +222,7 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
 }
 
 TEST_F(DocumentExportTest, PrunesTheDirectoriesOfTheNamespacesAndNoOther) {
-    provider_.answer = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         const fs::path path = request.getUri().data();
         writeTo(ostr,
                 response("200 OK", "\"/wbem/wscim/1/cim-schema/2/" + path.stem().string() + "\""));
@@ -230,14 +231,14 @@ TEST_F(DocumentExportTest, PrunesTheDirectoriesOfTheNamespacesAndNoOther) {
                                 {"test/b", {"Gone"}},
                                 {"test/c", {"Gone"}},
                                 {"test/b/d", {"Gone"}}}));
-    folder_.write("Gone.xsd", "\"/wbem/wscim/1/cim-schema/2/Gone\"");
+    directory_.write("Gone.xsd", "\"/wbem/wscim/1/cim-schema/2/Gone\"");
     const TSKSmrPtr<Repository::ClassRepository> later =
         makeNamedClasses({{"test", {"Here"}}, {"test/b", {}}});
     EXPECT_EQ(run(later).removed, 0U);
     EXPECT_EQ(run(later, {.prune = true}).removed, 4U);
     std::set<std::string> left;
     for (const auto& [name, text] : content()) {
-        if (text != "(folder)")
+        if (text != "(directory)")
             left.insert(name);
     }
     EXPECT_EQ(left, (std::set<std::string>{"Gone.xsd", "test/Here.wsdl", "test/Here.xsd",
@@ -247,27 +248,27 @@ TEST_F(DocumentExportTest, PrunesTheDirectoriesOfTheNamespacesAndNoOther) {
 
 TEST_F(DocumentExportTest, PrunesTemporaryFilesOfKilledProcessesBesideTheNamespacesToo) {
     const std::string unfinished = ".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1";
-    for (const std::string folder : {"", "test/", "test/b/", "test/c/"}) {
-        fs::create_directories(folder_ / folder);
-        folder_.write(folder + unfinished, "part");
+    for (const std::string directory : {"", "test/", "test/b/", "test/c/"}) {
+        fs::create_directories(directory_ / directory);
+        directory_.write(directory + unfinished, "part");
     }
     const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {}}, {"test/b", {}}});
     EXPECT_EQ(run(repository).removed, 0U);
     EXPECT_EQ(run(repository, {.prune = true}).removed, 3U);
-    EXPECT_EQ(content(), (FolderContent{{"test", "(folder)"},
-                                        {"test/b", "(folder)"},
-                                        {"test/c", "(folder)"},
-                                        {"test/c/" + unfinished, "part"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"},
+                                           {"test/b", "(directory)"},
+                                           {"test/c", "(directory)"},
+                                           {"test/c/" + unfinished, "part"}}));
 }
 
 TEST_F(DocumentExportTest, PrunesNothingWhenItIsStopped) {
-    provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
+    provider_.respond = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, response("200 OK", "\"/wbem/wscim/1/cim-schema/2/Gone\""));
     };
     (void)run(makeNamedClasses({{"test", {"Gone"}}}));
-    folder_.write(".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1", "part");
-    const FolderContent before = content();
+    directory_.write(".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1", "part");
+    const DirectoryContent before = content();
     int asked = 0;
     DocumentExportOptions options{.prune = true, .isStopped = [&] { return ++asked > 1; }};
     const DocumentExportResult result = run(makeNamedClasses({{"test", {}}}), options);
@@ -278,14 +279,14 @@ TEST_F(DocumentExportTest, PrunesNothingWhenItIsStopped) {
 
 // A failure is none of the class, which is still there.
 TEST_F(DocumentExportTest, PruningKeepsTheDocumentsOfClassesThatFail) {
-    folder_.write("keep", "");
-    provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
+    directory_.write("keep", "");
+    provider_.respond = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, response("200 OK", "\"/wbem/wscim/1/cim-schema/2/A\""));
     };
     const TSKSmrPtr<Repository::ClassRepository> repository = makeNamedClasses({{"test", {"A"}}});
     (void)run(repository);
-    const FolderContent before = content();
-    provider_.answer = [](const TSKHTTPRequest&, TSKGenericHTTPOStream&) {
+    const DirectoryContent before = content();
+    provider_.respond = [](const TSKHTTPRequest&, TSKGenericHTTPOStream&) {
         throw std::runtime_error("no");
     };
     const DocumentExportResult result = run(repository, {.prune = true});
@@ -311,20 +312,20 @@ TEST_F(DocumentExportTest, TheSummaryIsALine) {
 // With the real plug-in: what is exported is what is served.
 TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
     const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{.name = "root/cimv2", .paths = {MODELS_FOLDER "/cimv2/cimv2.mof"}},
-         {.name = "interop", .paths = {MODELS_FOLDER "/interop/interop.mof"}}},
+        {{.name = "root/cimv2", .paths = {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
+         {.name = "interop", .paths = {MODELS_DIRECTORY "/interop/interop.mof"}}},
         {}, {});
     ASSERT_TRUE(loaded.repository);
     const Host::ProviderHost host(loaded.repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  INSTALLATION_FOLDER);
+                                  INSTALLATION_DIRECTORY);
     const Host::MemoryClient client(host.manager(), "[2001:db8::1]:8080");
-    const TemporaryFolder folder;
+    const TemporaryDirectory directory;
     const DocumentExportResult result =
         exportDocuments(Commands::selectAllClasses(*loaded.repository), client,
-                        OutputDirectory::create(folder.path()), {.jobs = 2});
+                        OutputDirectory::create(directory.path()), {.jobs = 2});
     EXPECT_EQ(failuresText(result), "");
-    FolderContent expected = {
-        {"root", "(folder)"}, {"root/cimv2", "(folder)"}, {"interop", "(folder)"}};
+    DirectoryContent expected = {
+        {"root", "(directory)"}, {"root/cimv2", "(directory)"}, {"interop", "(directory)"}};
     for (const Repository::CimNamespace& nameSpace : loaded.repository->namespaces()) {
         for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes()) {
             for (const char* extension : {".wsdl", ".xsd"}) {
@@ -334,7 +335,7 @@ TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
         }
     }
     EXPECT_EQ(expected.size(), 2U * (38 + 21) + 3);
-    EXPECT_EQ(contentOf(folder.path()), expected);
+    EXPECT_EQ(contentOf(directory.path()), expected);
     EXPECT_NE(expected["root/cimv2/CIM_ComputerSystem.wsdl"].find("http://[2001:db8::1]:8080/"),
               std::string::npos);
 }

@@ -12,8 +12,8 @@
 
 #include "ObjectManager/Commands/Export/OutputDirectory.h"
 #include "Tests/ObjectManager/Commands/Export/EndedProcess.h"
-#include "Tests/Support/FolderContent.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/DirectoryContent.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
@@ -49,36 +49,36 @@ class OutputDirectoryTest : public testing::Test {
             return "";
         } catch (const std::system_error& error) {
             std::string text = error.what();
-            const std::string path = folder_.path();
+            const std::string path = directory_.path();
             for (auto at = text.find(path); at != std::string::npos; at = text.find(path))
                 text.replace(at, path.size(), "OUT");
             return text;
         }
     }
 
-    [[nodiscard]] FolderContent content() const { return contentOf(folder_.path()); }
+    [[nodiscard]] DirectoryContent content() const { return contentOf(directory_.path()); }
 
-    TemporaryFolder folder_;
-    OutputDirectory output_ = OutputDirectory::create(folder_.path());
+    TemporaryDirectory directory_;
+    OutputDirectory output_ = OutputDirectory::create(directory_.path());
 };
 
 TEST_F(OutputDirectoryTest, MakesTheDirectoriesThatAreMissing) {
-    const OutputDirectory made = OutputDirectory::create(folder_ / "a/b");
+    const OutputDirectory made = OutputDirectory::create(directory_ / "a/b");
     made.createBelow("c").put("d", "text");
     made.createBelow("c").put("e", "");
-    EXPECT_EQ(content(), (FolderContent{{"a", "(folder)"},
-                                        {"a/b", "(folder)"},
-                                        {"a/b/c", "(folder)"},
-                                        {"a/b/c/d", "text"},
-                                        {"a/b/c/e", ""}}));
-    EXPECT_EQ(made.createBelow("c").path(), fs::path(folder_ / "a/b/c"));
+    EXPECT_EQ(content(), (DirectoryContent{{"a", "(directory)"},
+                                           {"a/b", "(directory)"},
+                                           {"a/b/c", "(directory)"},
+                                           {"a/b/c/d", "text"},
+                                           {"a/b/c/e", ""}}));
+    EXPECT_EQ(made.createBelow("c").path(), fs::path(directory_ / "a/b/c"));
 }
 
 TEST_F(OutputDirectoryTest, AFileInPlaceOfADirectoryIsAnError) {
-    folder_.write("file", "");
-    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(folder_ / "file"); }),
+    directory_.write("file", "");
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file"); }),
               "cannot make the directory OUT/file: Not a directory");
-    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(folder_ / "file/below"); }),
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file/below"); }),
               "cannot make the directory OUT/file/below: Not a directory");
     EXPECT_EQ(errorOf([&] { (void)output_.createBelow("file"); }),
               "cannot make the directory OUT/file: Not a directory");
@@ -86,7 +86,7 @@ TEST_F(OutputDirectoryTest, AFileInPlaceOfADirectoryIsAnError) {
 
 TEST_F(OutputDirectoryTest, ADirectoryThatIsGoneIsAnError) {
     const OutputDirectory gone = output_.createBelow("gone");
-    fs::remove(folder_ / "gone");
+    fs::remove(directory_ / "gone");
     EXPECT_EQ(errorOf([&] { (void)gone.createBelow("a"); }),
               "cannot make the directory OUT/gone/a: No such file or directory");
     EXPECT_EQ(errorOf([&] { gone.put("a", "text"); }),
@@ -96,10 +96,10 @@ TEST_F(OutputDirectoryTest, ADirectoryThatIsGoneIsAnError) {
 }
 
 TEST_F(OutputDirectoryTest, TheDirectoryItselfMayBeALinkButNoneBelow) {
-    const TemporaryFolder elsewhere;
-    fs::create_directory_symlink(elsewhere.path(), folder_ / "link");
-    OutputDirectory::create(folder_ / "link").put("a", "text");
-    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"a", "text"}}));
+    const TemporaryDirectory elsewhere;
+    fs::create_directory_symlink(elsewhere.path(), directory_ / "link");
+    OutputDirectory::create(directory_ / "link").put("a", "text");
+    EXPECT_EQ(contentOf(elsewhere.path()), (DirectoryContent{{"a", "text"}}));
     EXPECT_EQ(errorOf([&] { (void)output_.createBelow("link"); }),
               "documents are not written through a symbolic link: OUT/link: Not a directory");
 }
@@ -109,7 +109,7 @@ TEST_F(OutputDirectoryTest, AFileIsReplacedWhenItWouldChange) {
     EXPECT_EQ(output_.put("a", "other"), Outcome::kWritten);
     EXPECT_EQ(output_.put("a", "longer text"), Outcome::kWritten);
     EXPECT_EQ(output_.put("a", "long"), Outcome::kWritten);
-    EXPECT_EQ(content(), (FolderContent{{"a", "long"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"a", "long"}}));
 }
 
 TEST_F(OutputDirectoryTest, AnUnchangedFileKeepsItsTimeStamp) {
@@ -118,16 +118,16 @@ TEST_F(OutputDirectoryTest, AnUnchangedFileKeepsItsTimeStamp) {
         const std::string text(length, 'x');
         output_.put("a", text);
         const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1000);
-        fs::last_write_time(folder_ / "a", longAgo);
-        const auto before = fs::last_write_time(folder_ / "a");
+        fs::last_write_time(directory_ / "a", longAgo);
+        const auto before = fs::last_write_time(directory_ / "a");
         EXPECT_EQ(output_.put("a", text), Outcome::kUnchanged) << length;
-        EXPECT_EQ(fs::last_write_time(folder_ / "a"), before) << length;
+        EXPECT_EQ(fs::last_write_time(directory_ / "a"), before) << length;
         if (length == 0)
             continue;
         std::string other = text;
         other.back() = 'y';
         EXPECT_EQ(output_.put("a", other), Outcome::kWritten) << length;
-        EXPECT_GT(fs::last_write_time(folder_ / "a"), before) << length;
+        EXPECT_GT(fs::last_write_time(directory_ / "a"), before) << length;
     }
 }
 
@@ -136,23 +136,23 @@ TEST_F(OutputDirectoryTest, AFileHasThePermissionsThatTheUmaskLeaves) {
     output_.put("a", "text");
     (void)output_.createBelow("b");
     umask(before);
-    EXPECT_EQ(fs::status(folder_ / "a").permissions(), fs::perms(0640));
-    EXPECT_EQ(fs::status(folder_ / "b").permissions(), fs::perms(0750));
+    EXPECT_EQ(fs::status(directory_ / "a").permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(directory_ / "b").permissions(), fs::perms(0750));
 }
 
 TEST_F(OutputDirectoryTest, WhatIsNoRegularFileIsReplacedExceptADirectory) {
-    const TemporaryFolder elsewhere;
+    const TemporaryDirectory elsewhere;
     const fs::path target = elsewhere.write("target", "text");
-    fs::create_symlink(target, folder_ / "link");
+    fs::create_symlink(target, directory_ / "link");
     EXPECT_EQ(output_.put("link", "text"), Outcome::kWritten);
-    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo((directory_ / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(output_.put("pipe", "text"), Outcome::kWritten);
-    (void)output_.createBelow("folder");
-    EXPECT_EQ(errorOf([&] { output_.put("folder", "text"); }),
-              "cannot write OUT/folder: Is a directory");
+    (void)output_.createBelow("directory");
+    EXPECT_EQ(errorOf([&] { output_.put("directory", "text"); }),
+              "cannot write OUT/directory: Is a directory");
     EXPECT_EQ(content(),
-              (FolderContent{{"link", "text"}, {"pipe", "text"}, {"folder", "(folder)"}}));
-    EXPECT_EQ(contentOf(elsewhere.path()), (FolderContent{{"target", "text"}}));
+              (DirectoryContent{{"link", "text"}, {"pipe", "text"}, {"directory", "(directory)"}}));
+    EXPECT_EQ(contentOf(elsewhere.path()), (DirectoryContent{{"target", "text"}}));
 }
 
 // As on a disk that is full, but for the words: the file takes so many bytes and no more.
@@ -160,7 +160,7 @@ TEST_F(OutputDirectoryTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) 
     (void)std::signal(SIGXFSZ, SIG_IGN);
     const std::string text(100'000, 'x');
     output_.put("old", "old text");
-    const FolderContent before = content();
+    const DirectoryContent before = content();
     for (const rlim_t most : {0U, 1U, 4096U, 99'999U}) {
         const Limit limit(RLIMIT_FSIZE, most);
         EXPECT_EQ(errorOf([&] { output_.put("old", text); }),
@@ -171,7 +171,7 @@ TEST_F(OutputDirectoryTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) 
     }
     const Limit limit(RLIMIT_FSIZE, 100'000);
     output_.put("old", text);
-    EXPECT_EQ(content(), (FolderContent{{"old", text}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"old", text}}));
 }
 
 TEST_F(OutputDirectoryTest, AFileThatCannotBeMadeIsAnError) {
@@ -188,16 +188,16 @@ TEST_F(OutputDirectoryTest, AFileThatCannotBeMadeIsAnError) {
               "cannot make the directory OUT/below: Too many open files");
     EXPECT_EQ(errorWithoutDescriptors([&] { (void)output_.files(); }),
               "cannot read the directory OUT: Too many open files");
-    EXPECT_EQ(contentOfFile(folder_ / "old"), "old text");
+    EXPECT_EQ(contentOfFile(directory_ / "old"), "old text");
 }
 
 TEST_F(OutputDirectoryTest, WhatAKilledProcessLeftBehindIsNotInTheWay) {
     // The names that this process uses next, and then some.
     for (int number = 1; number <= 50; ++number) {
-        folder_.write(".tesk-export-" + std::to_string(getpid()) + "-" + std::to_string(number),
-                      "part");
+        directory_.write(".tesk-export-" + std::to_string(getpid()) + "-" + std::to_string(number),
+                         "part");
     }
-    FolderContent expected = content();
+    DirectoryContent expected = content();
     output_.put("a", "text");
     expected["a"] = "text";
     EXPECT_EQ(content(), expected);
@@ -206,9 +206,9 @@ TEST_F(OutputDirectoryTest, WhatAKilledProcessLeftBehindIsNotInTheWay) {
 TEST_F(OutputDirectoryTest, ListsRegularFilesInOrder) {
     output_.put("b", "");
     output_.put(".a", "");
-    (void)output_.createBelow("folder").put("c", "");
-    fs::create_symlink("b", folder_ / "link");
-    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    (void)output_.createBelow("directory").put("c", "");
+    fs::create_symlink("b", directory_ / "link");
+    ASSERT_EQ(mkfifo((directory_ / "pipe").c_str(), 0600), 0);
     const std::vector<std::string> expected = {".a", "b"};
     EXPECT_EQ(output_.files(), expected);
     EXPECT_EQ(output_.files(), expected);
@@ -219,10 +219,10 @@ TEST_F(OutputDirectoryTest, TellsHowAFileBegins) {
     EXPECT_EQ(output_.startOf("a", 4), "0123");
     EXPECT_EQ(output_.startOf("a", 10), "0123456789");
     EXPECT_EQ(output_.startOf("a", 11), "0123456789");
-    fs::create_symlink("a", folder_ / "link");
-    (void)output_.createBelow("folder");
+    fs::create_symlink("a", directory_ / "link");
+    (void)output_.createBelow("directory");
     EXPECT_EQ(output_.startOf("link", 4), "");
-    EXPECT_EQ(output_.startOf("folder", 4), "");
+    EXPECT_EQ(output_.startOf("directory", 4), "");
     EXPECT_EQ(output_.startOf("none", 4), "");
 }
 
@@ -230,7 +230,7 @@ TEST_F(OutputDirectoryTest, RemovesAFile) {
     output_.put("a", "");
     output_.put("b", "");
     output_.remove("a");
-    EXPECT_EQ(content(), (FolderContent{{"b", ""}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"b", ""}}));
 }
 
 TEST_F(OutputDirectoryTest, SeveralThreadsWriteAtOnce) {
@@ -241,7 +241,7 @@ TEST_F(OutputDirectoryTest, SeveralThreadsWriteAtOnce) {
             output_.put("shared", text + std::to_string(thread));
         }
     });
-    FolderContent all = content();
+    DirectoryContent all = content();
     EXPECT_EQ(all["shared"].size(), text.size() + 1);
     all.erase("shared");
     EXPECT_EQ(all.size(), 200U);
@@ -250,12 +250,13 @@ TEST_F(OutputDirectoryTest, SeveralThreadsWriteAtOnce) {
 }
 
 TEST_F(OutputDirectoryTest, CanBeMoved) {
-    OutputDirectory other = OutputDirectory::create(folder_ / "other");
+    OutputDirectory other = OutputDirectory::create(directory_ / "other");
     other = std::move(output_);
     other.put("a", "text");
     const OutputDirectory last = std::move(other);
     last.put("b", "text");
-    EXPECT_EQ(content(), (FolderContent{{"a", "text"}, {"b", "text"}, {"other", "(folder)"}}));
+    EXPECT_EQ(content(),
+              (DirectoryContent{{"a", "text"}, {"b", "text"}, {"other", "(directory)"}}));
 }
 
 TEST_F(OutputDirectoryTest, RemovesTemporaryFilesOfProcessesThatAreGone) {
@@ -265,18 +266,18 @@ TEST_F(OutputDirectoryTest, RemovesTemporaryFilesOfProcessesThatAreGone) {
         ".tesk-export-" + std::to_string(std::numeric_limits<pid_t>::max()) + "-1";
     for (const std::string& name :
          {ended + "1", ended + "23", ended + "18446744073709551615", highest})
-        folder_.write(name, "part");
-    folder_.write("CIM_Foo.xsd", "text");
+        directory_.write(name, "part");
+    directory_.write("CIM_Foo.xsd", "text");
     EXPECT_EQ(output_.removeUnfinishedFiles(), 4U);
-    EXPECT_EQ(content(), (FolderContent{{"CIM_Foo.xsd", "text"}}));
+    EXPECT_EQ(content(), (DirectoryContent{{"CIM_Foo.xsd", "text"}}));
     EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
 }
 
 TEST_F(OutputDirectoryTest, KeepsTemporaryFilesOfProcessesThatRun) {
     // That of another user is number 1, unless the administrator runs these tests.
     for (const pid_t process : {getpid(), getppid(), pid_t{1}})
-        folder_.write(".tesk-export-" + std::to_string(process) + "-1", "part");
-    const FolderContent before = content();
+        directory_.write(".tesk-export-" + std::to_string(process) + "-1", "part");
+    const DirectoryContent before = content();
     EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
     EXPECT_EQ(content(), before);
 }
@@ -288,15 +289,15 @@ TEST_F(OutputDirectoryTest, KeepsFilesWhoseNamesOnlyLookLikeTemporaryOnes) {
          {std::string(), "-" + ended, "+" + ended, "0" + ended, " " + ended, ended + "x",
           std::string("0"), std::string("-1"), std::string("2147483648"),
           std::string("99999999999999999999")})
-        folder_.write(prefix + process + "-1", "text");
+        directory_.write(prefix + process + "-1", "text");
     for (const std::string& name :
          {prefix + ended, prefix + ended + "-", prefix + ended + "-0", prefix + ended + "-1x",
           prefix + ended + "-1-1", prefix + ended + "--1", prefix + ended + "-1.xsd",
           "tesk-export-" + ended + "-1", ".tesk-import-" + ended + "-1",
           " .tesk-export-" + ended + "-1", prefix})
-        folder_.write(name, "text");
+        directory_.write(name, "text");
     (void)output_.createBelow(prefix + ended + "-4").put(prefix + ended + "-1", "text");
-    const FolderContent before = content();
+    const DirectoryContent before = content();
     EXPECT_EQ(output_.removeUnfinishedFiles(), 0U);
     EXPECT_EQ(content(), before);
 }

@@ -15,7 +15,7 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/ObjectManager/Commands/ParsedCommand.h"
 #include "Tests/Support/PseudoTerminal.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ class PasswdTest : public testing::Test {
                 .hashing = {.method = "$6$", .cost = 1000}};
     }
 
-    // Runs the command. Returns "STATUS: MESSAGES"; the folder is called FOLDER there.
+    // Runs the command. Returns "STATUS: MESSAGES"; the directory is called DIRECTORY there.
     std::string run(const PasswdRequest& request, const std::string& password) {
         const auto readPassword = [this, &password] {
             ++asked_;
@@ -45,9 +45,9 @@ class PasswdTest : public testing::Test {
         std::ostringstream messages;
         const int status = Commands::runPasswd(request, readPassword, messages);
         std::string text = messages.str();
-        const std::string folder = folder_.path();
-        for (auto at = text.find(folder); at != std::string::npos; at = text.find(folder))
-            text.replace(at, folder.size(), "FOLDER");
+        const std::string directory = directory_.path();
+        for (auto at = text.find(directory); at != std::string::npos; at = text.find(directory))
+            text.replace(at, directory.size(), "DIRECTORY");
         return std::to_string(status) + ": " + text;
     }
 
@@ -63,20 +63,20 @@ class PasswdTest : public testing::Test {
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-    const TemporaryFolder folder_;
-    const std::string path_ = folder_ / "users";
+    const TemporaryDirectory directory_;
+    const std::string path_ = directory_ / "users";
     int asked_ = 0;
 };
 
 TEST_F(PasswdTest, MakesTheFileForTheFirstUser) {
-    EXPECT_EQ(run(request("alice"), "secret"), "0: Added the user \"alice\" to FOLDER/users\n");
+    EXPECT_EQ(run(request("alice"), "secret"), "0: Added the user \"alice\" to DIRECTORY/users\n");
     EXPECT_TRUE(isPassword("alice", "secret"));
     EXPECT_EQ(asked_, 1);
 }
 
 TEST_F(PasswdTest, AddsFurtherUsers) {
     run(request("alice"), "secret");
-    EXPECT_EQ(run(request("bob"), "other"), "0: Added the user \"bob\" to FOLDER/users\n");
+    EXPECT_EQ(run(request("bob"), "other"), "0: Added the user \"bob\" to DIRECTORY/users\n");
     EXPECT_TRUE(isPassword("alice", "secret"));
     EXPECT_TRUE(isPassword("bob", "other"));
 }
@@ -84,7 +84,7 @@ TEST_F(PasswdTest, AddsFurtherUsers) {
 TEST_F(PasswdTest, ChangesAPassword) {
     run(request("alice"), "secret");
     EXPECT_EQ(run(request("alice"), "new"),
-              "0: Changed the password of the user \"alice\" in FOLDER/users\n");
+              "0: Changed the password of the user \"alice\" in DIRECTORY/users\n");
     EXPECT_TRUE(isPassword("alice", "new"));
     EXPECT_FALSE(isPassword("alice", "secret"));
 }
@@ -93,7 +93,8 @@ TEST_F(PasswdTest, RemovesAUserWithoutAskingForAPassword) {
     run(request("alice"), "secret");
     run(request("bob"), "other");
     asked_ = 0;
-    EXPECT_EQ(run(request("alice", true), ""), "0: Removed the user \"alice\" from FOLDER/users\n");
+    EXPECT_EQ(run(request("alice", true), ""),
+              "0: Removed the user \"alice\" from DIRECTORY/users\n");
     EXPECT_EQ(asked_, 0);
     EXPECT_FALSE(isPassword("alice", "secret"));
     EXPECT_TRUE(isPassword("bob", "other"));
@@ -103,34 +104,34 @@ TEST_F(PasswdTest, AUserWhoIsNotThereCannotBeRemoved) {
     run(request("alice"), "secret");
     const std::string before = content();
     EXPECT_EQ(run(request("bob", true), ""),
-              "1: tesk passwd: FOLDER/users: there is no user \"bob\"\n");
+              "1: tesk passwd: DIRECTORY/users: there is no user \"bob\"\n");
     EXPECT_EQ(content(), before);
 }
 
 TEST_F(PasswdTest, RemovingFromAMissingFileMakesNone) {
     EXPECT_EQ(run(request("bob", true), ""),
-              "1: tesk passwd: FOLDER/users: cannot be read: No such file or directory\n");
+              "1: tesk passwd: DIRECTORY/users: cannot be read: No such file or directory\n");
     EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
 TEST_F(PasswdTest, NobodyIsAskedForAPasswordThatCouldNotBeWrittenDown) {
-    folder_.write("users", "alice\n");
+    directory_.write("users", "alice\n");
     ASSERT_EQ(chmod(path_.c_str(), 0644), 0);
     EXPECT_EQ(run(request("alice"), "secret"),
-              "1: tesk passwd: FOLDER/users: others than its owner can read or write it; "
-              "correct that with: chmod 600 FOLDER/users\n");
+              "1: tesk passwd: DIRECTORY/users: others than its owner can read or write it; "
+              "correct that with: chmod 600 DIRECTORY/users\n");
     ASSERT_EQ(chmod(path_.c_str(), 0600), 0);
     EXPECT_EQ(run(request("alice"), "secret"),
-              "1: tesk passwd: FOLDER/users:1: there is no colon between user name and hash\n");
+              "1: tesk passwd: DIRECTORY/users:1: there is no colon between user name and hash\n");
     EXPECT_EQ(asked_, 0);
     EXPECT_EQ(content(), "alice\n");
 }
 
-TEST_F(PasswdTest, AMissingFolderIsReported) {
+TEST_F(PasswdTest, AMissingDirectoryIsReported) {
     PasswdRequest there = request("alice");
-    there.file = folder_ / "missing/users";
+    there.file = directory_ / "missing/users";
     EXPECT_EQ(run(there, "secret"),
-              "1: tesk passwd: FOLDER/missing: cannot be locked: "
+              "1: tesk passwd: DIRECTORY/missing: cannot be locked: "
               "No such file or directory\n");
 }
 

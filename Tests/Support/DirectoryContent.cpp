@@ -1,4 +1,4 @@
-#include "Tests/Support/FolderContent.h"
+#include "Tests/Support/DirectoryContent.h"
 
 #include <fstream>
 #include <iterator>
@@ -11,14 +11,14 @@ std::string contentOfFile(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-FolderContent contentOf(const std::filesystem::path& folder) {
-    FolderContent content;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        std::string& text = content[entry.path().lexically_relative(folder).string()];
+DirectoryContent contentOf(const std::filesystem::path& directory) {
+    DirectoryContent content;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
+        std::string& text = content[entry.path().lexically_relative(directory).string()];
         if (entry.is_symlink())
             text = "-> " + std::filesystem::read_symlink(entry.path()).string();
         else
-            text = entry.is_directory() ? "(folder)" : contentOfFile(entry.path());
+            text = entry.is_directory() ? "(directory)" : contentOfFile(entry.path());
     }
     return content;
 }

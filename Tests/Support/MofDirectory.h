@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "ObjectManager/Mof/Diagnostics.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
-/// MOF files of a test, in a folder of their own.
-class MofFolder {
+/// MOF files of a test, in a directory of their own.
+class MofDirectory {
   public:
-    /// Writes a file, in folders that are made for it; returns its path.
+    /// Writes a file, in directorys that are made for it; returns its path.
     std::string write(std::string_view name, std::string_view mof) const;
 
     /// The path of what has that name.
@@ -20,5 +20,5 @@ class MofFolder {
     [[nodiscard]] std::string shown(const std::vector<Mof::Diagnostic>& diagnostics) const;
 
   private:
-    TemporaryFolder folder_;
+    TemporaryDirectory directory_;
 };
