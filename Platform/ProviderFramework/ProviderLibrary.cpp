@@ -76,7 +76,7 @@ std::vector<std::string> ProviderLibrary::filesIn(const TSKString& directory) {
     errno = 0;
     while (const dirent* const entry = readdir(entries.get())) {
         if (isLibraryName(entry->d_name))
-            files.push_back(directory.data() + std::string("/") + entry->d_name);
+            files.push_back(std::filesystem::path(directory.data()) / entry->d_name);
         errno = 0;
     }
     if (errno != 0)
