@@ -96,7 +96,7 @@ std::string samplePath(const Repository::ClassRepository& repository) {
         std::cout << " " << address;
     std::cout << "\n";
     if (!users.generatedPassword.isEmpty()) {
-        std::cout << "There is no password file, so this password is good until the service ends:\n"
+        std::cout << "There is no password file. This password is valid until the service ends:\n"
                   << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view()
                   << " " << service.addresses().front() << samplePath(repository) << "\n";
     }

@@ -138,7 +138,7 @@ TEST_F(ServiceUsers, WithoutAPasswordFileThePrintedCommandFetchesADocument) {
     const std::string address = "http://127.0.0.1:" + std::to_string(port());
     EXPECT_EQ(readyLine(), "Serving 59 classes in 2 namespaces on " + address);
     EXPECT_EQ(process().readLine(),
-              "There is no password file, so this password is good until the service ends:");
+              "There is no password file. This password is valid until the service ends:");
     const std::string command = process().readLine();
     EXPECT_TRUE(std::regex_match(command, std::regex("  curl --user tesk:[a-z0-9]{20} " + address +
                                                      "/root/cimv2/CIM_ComputerSystem.wsdl")))
