@@ -12,6 +12,7 @@
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestTarget.h"
+#include "Platform/Util/TeskBaseException.h"
 
 namespace Http {
 
@@ -46,6 +47,8 @@ Response Dispatcher::respond(TSKHTTPRequest& request,
         if (auto response = Response::make(std::move(call.response), isHead(request)))
             return std::move(*response);
         return fail(request, "no HTTP response was written");
+    } catch (const TeskBaseException& exception) {
+        return fail(request, exception.what());  // with the place in the provider
     } catch (const std::exception& exception) {
         return fail(request, Base::reasonOf(exception));
     } catch (...) {

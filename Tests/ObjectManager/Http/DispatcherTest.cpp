@@ -145,7 +145,7 @@ TEST_F(DispatcherTest, AStandardExceptionIsAFailure) {
 TEST_F(DispatcherTest, OutOfMemoryIsAFailure) {
     makeProviderThrow(std::bad_alloc());
     EXPECT_EQ(responseTo("/test/a"), kFailed);
-    EXPECT_EQ(log_.lines(), errors("GET /test/a: std::bad_alloc"));
+    EXPECT_EQ(log_.lines(), errors("GET /test/a: there is not enough memory"));
 }
 
 TEST_F(DispatcherTest, AnythingElseThatIsThrownIsAFailure) {
