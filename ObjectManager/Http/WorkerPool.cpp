@@ -37,7 +37,8 @@ WorkerPool::WorkerPool(unsigned threads, std::size_t maxSlowWaiting)
 }
 
 WorkerPool::~WorkerPool() {
-    join();  // jobs that wait are destroyed with their queues
+    dropWaiting();
+    join();
 }
 
 void WorkerPool::postQuick(Job job) {
@@ -59,11 +60,18 @@ bool WorkerPool::postSlow(Job job) {
     return true;
 }
 
+// One by one, since the destructor must not allocate, and without the lock, since a job may hold
+// anything.
 void WorkerPool::dropWaiting() {
-    std::deque<Job> dropped[2];  // destroyed without the lock, since a job may hold anything
-    const std::lock_guard lock(mutex_);
-    dropped[0].swap(quick_);
-    dropped[1].swap(slow_);
+    std::unique_lock lock(mutex_);
+    while (!quick_.empty() || !slow_.empty()) {
+        std::deque<Job>& jobs = quick_.empty() ? slow_ : quick_;
+        Job dropped = std::move(jobs.front());
+        jobs.pop_front();
+        lock.unlock();
+        dropped = nullptr;
+        lock.lock();
+    }
     if (isIdle())
         idle_.notify_all();
 }
