@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
@@ -9,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <tuple>
 
 // Files as the system knows them: by descriptor, for what streams and std::filesystem cannot do or
 // do too slowly for thousands of files.
@@ -53,7 +53,10 @@ struct FileIdentity {
     dev_t device = 0;
     ino_t number = 0;
 
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator<(const FileIdentity& left, const FileIdentity& right) noexcept {
+        return std::tie(left.device, left.number) < std::tie(right.device, right.number);
+    }
 };
 
 /// Changes when a file does: when another one takes its place, when it is written to, and when its

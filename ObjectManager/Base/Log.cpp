@@ -51,7 +51,7 @@ void log(std::string_view component, TeskTraceLog::Severity severity, std::strin
         TSKLog::log(TSKString(component), TSKString(text), severity, TeskTraceLog::VerbosityNormal,
                     0, TSKLog::CIMOMLOG);
     } catch (const std::bad_alloc&) {
-        // The line is lost, but what it tells of goes on.
+        // The line is lost; the caller goes on.
     }
 }
 

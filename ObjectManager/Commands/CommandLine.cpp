@@ -42,7 +42,7 @@ std::string unknownOption(const CLI::App& program) {
 }
 
 std::string reasonOf(const CLI::App& program, const CLI::Error& error) {
-    // A mistyped option comes first: what is missing besides may be missing because of it.
+    // A mistyped option comes first: it may be why a required one is missing.
     const std::string unknown = unknownOption(program);
     if (!unknown.empty())
         return "there is no option \"" + unknown + "\"";
@@ -60,7 +60,7 @@ std::string usageMessage(const CLI::App* program, const CLI::Error& error) {
 }
 
 // Calls `take`; returns what is wrong with the value, nothing if it is right.
-std::string faultOf(const Option::TakeText& take, const std::string& value) {
+std::string validate(const Option::TakeText& take, const std::string& value) {
     try {
         take(value);
         return {};
@@ -74,7 +74,7 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
     return command.add_option_function<std::string>(
         name,
         [name, take](const std::string& value) {
-            const std::string fault = faultOf(take, value);
+            const std::string fault = validate(take, value);
             if (!fault.empty())
                 throw CLI::ValidationError(name, fault);
         },
@@ -99,7 +99,7 @@ void addOption(CLI::App& command, const Option& option) {
         added->type_name(option.value)->allow_extra_args(false);
     if (option.check) {
         added->check(
-            [check = option.check](const std::string& value) { return faultOf(check, value); });
+            [check = option.check](const std::string& value) { return validate(check, value); });
     }
     if (option.range)
         added->check(CLI::Range(option.range->least, option.range->most).description(""));

@@ -23,7 +23,7 @@ void ProgressLine::step() {
     const std::size_t done = ++done_;
     if (!isTerminal_)
         return;
-    // A thread that finds another one here has better things to do than to wait for it.
+    // Another thread is just writing the line: this step appears with the next one.
     const std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock || Clock::now() < nextTime_)
         return;

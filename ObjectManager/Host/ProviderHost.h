@@ -10,8 +10,8 @@
 
 namespace Host {
 
-/// Everything that providers reach of the object manager, installed for the process while this
-/// lives, and the providers themselves, started and in the end shut down. One at a time.
+/// Everything through which providers reach the object manager, installed for the process while
+/// this lives, and the providers themselves, started and in the end shut down. One at a time.
 ///
 /// Thread safety: made, given another repository and destroyed by one thread. Requests may run in
 /// any thread, and must have ended when it is destroyed.

@@ -3,12 +3,26 @@
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <future>
+#include <new>
 
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Http/Options.h"
 
 namespace Http {
+
+namespace {
+
+void logFailure(const std::exception& exception) noexcept {
+    try {
+        Base::log(kLogComponent, TeskTraceLog::SeverityError,
+                  "A connection failed: " + Base::logText(Base::reasonOf(exception)));
+    } catch (const std::bad_alloc&) {
+        // The line is lost; the other connections go on.
+    }
+}
+
+}  // namespace
 
 void IoThread::start() {
     thread_ = std::thread([this] { run(); });
@@ -31,8 +45,7 @@ void IoThread::run() noexcept {
         try {
             context_.run();
         } catch (const std::exception& exception) {
-            Base::log(kLogComponent, TeskTraceLog::SeverityError,
-                      "A connection failed: " + Base::logText(Base::reasonOf(exception)));
+            logFailure(exception);
         }
     }
 }

@@ -79,8 +79,8 @@ void Listener::waitForClients() {
     });
 }
 
-// A failure must not end the waiting: nothing else would begin it again. One comes here only when
-// there is no memory to wait with; all connections wait for some then.
+// A failure must not end the waiting: nothing else would begin it again. Only a failed
+// allocation comes here. The whole I/O thread pauses until memory is free.
 void Listener::continueAccepting() {
     while (acceptor_.is_open()) {
         try {

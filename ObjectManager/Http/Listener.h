@@ -49,7 +49,7 @@ class Listener {
     boost::asio::ip::tcp::endpoint endpoint_;
     boost::asio::steady_timer pauseEnd_;
     Accept accept_;
-    bool isPaused_ = false;  // for want of file descriptors or memory, which is logged
+    bool isPaused_ = false;  // out of file descriptors or memory; already logged
 };
 
 }  // namespace Http

@@ -277,7 +277,7 @@ class DeclarationChecker {
         }
         if (others > kMaxNamed)
             message += " and " + std::to_string(others - kMaxNamed) + " more";
-        reporter_.error(declaration.superclass.position, std::move(message));
+        reporter_.error(declaration.superclass.position, message);
     }
 
     void checkSizes() {

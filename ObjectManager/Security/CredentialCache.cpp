@@ -43,7 +43,12 @@ void CredentialCache::remember(const KeyedDigest& digest) {
     if (order_.size() == capacity_)
         forgetFirst();
     order_.push_back(digest);
-    expiry_.emplace(digest, now + lifetime_);
+    try {
+        expiry_.emplace(digest, now + lifetime_);
+    } catch (...) {
+        order_.pop_back();  // or the digest would stand there twice when it is remembered later
+        throw;
+    }
 }
 
 void CredentialCache::forgetFirst() {

@@ -39,7 +39,7 @@ CredentialChecker::CredentialChecker(UserTable users, const CredentialChecker& f
       freeHashes_(options_.maxConcurrentHashes) {}
 
 CredentialChecker::Claim CredentialChecker::claim(const Credentials& credentials) const {
-    // Where nobody has a password there is nobody to keep secret.
+    // Without users there is no user name to hide.
     if (users_.users().empty())
         return {};
     const User& standIn = standInFor(credentials.user);

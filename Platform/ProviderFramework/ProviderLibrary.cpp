@@ -40,7 +40,7 @@ urma::pf::Provider& ProviderLibrary::load(const TSKString& file) {
     if (!isLibraryName(fileName))
         fail("The name of the file is not libNAME.so");
 
-    // The path must hold a slash, or the system would look for the name in its own folders.
+    // The path must hold a slash, or the system would look for the name in its own directories.
     const TSKString path = file.find('/') < 0 ? "./" + file : file;
     // Opening a pipe, for one, would wait for its other end.
     std::error_code ignored;

@@ -73,7 +73,7 @@ void Reloader::readAll(std::ostream& messages) {
         users = loadUsers(settings.security).users;
     const std::string done = "Reloaded: " + contentText(*repository);
     service_.replace(repository, std::move(users));
-    // Nothing below throws: what is said would not be true.
+    // Nothing below may throw: reloadAll() would log that nothing was reloaded.
     passwordFile_ = passwordFile;
     warnOfSettingsThatNeedARestart(settings);
     settings_.security.passwordFile.swap(settings.security.passwordFile);

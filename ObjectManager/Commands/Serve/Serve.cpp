@@ -88,7 +88,7 @@ std::string samplePath(const Repository::ClassRepository& repository) {
     return "/";
 }
 
-// Returns whether it could be printed: a password that was not is of no use.
+// Returns false if the output failed: the user could not know the password then.
 [[nodiscard]] bool announce(const Service& service, const Repository::ClassRepository& repository,
                             const ServiceUsers& users) {
     std::cout << "Serving " << contentText(repository) << " on";

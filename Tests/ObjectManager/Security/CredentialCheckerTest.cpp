@@ -208,14 +208,14 @@ TEST_F(CredentialCheckerTest, ManyThreadsWithOneNewCredentialPayForOneHash) {
 TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
     constexpr int kThreads = 8;
     std::atomic<int> running = 0;
-    std::atomic<int> mostRunning = 0;
+    std::atomic<int> maxRunning = 0;
     CheckerHooks counting = hooks();
     std::latch twoRun(2);
     std::atomic<int> started = 0;
     counting.verify = [&](const SecretText&, const std::string&) {
         const int now = ++running;
-        int most = mostRunning;
-        while (most < now && !mostRunning.compare_exchange_weak(most, now)) {
+        int most = maxRunning;
+        while (most < now && !maxRunning.compare_exchange_weak(most, now)) {
         }
         // The first two meet, so that two do run at once.
         if (++started <= 2)
@@ -229,7 +229,7 @@ TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
         EXPECT_FALSE(check(checker, "alice", "x" + std::to_string(index)));
     });
     EXPECT_EQ(started, kThreads);
-    EXPECT_EQ(mostRunning, 2);
+    EXPECT_EQ(maxRunning, 2);
 }
 
 TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndGivesItsPlaceBack) {

@@ -14,7 +14,7 @@ using Security::validateUserName;
 constexpr std::string_view kNotText = "it contains control characters or is not UTF-8";
 
 // What is wrong with `text` as a password; user names have the same rule for their bytes.
-std::string_view faultOfText(std::string_view text) {
+std::string_view errorInText(std::string_view text) {
     const std::string_view fault = validatePassword(text);
     EXPECT_EQ(validateUserName(text), fault);
     return fault;
@@ -28,15 +28,15 @@ TEST(Credentials, AreUtf8OfEveryLength) {
              "\xED\x9F\xBF\xEE\x80\x80",          // U+D7FF, U+E000
              "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",  // U+10000, U+10FFFF
          })
-        EXPECT_EQ(faultOfText(text), "") << text;
+        EXPECT_EQ(errorInText(text), "") << text;
 }
 
 TEST(Credentials, HaveNoControlCharacters) {
     for (int code = 0; code < 0x20; ++code)
-        EXPECT_EQ(faultOfText(std::string(1, static_cast<char>(code))), kNotText) << code;
+        EXPECT_EQ(errorInText(std::string(1, static_cast<char>(code))), kNotText) << code;
     for (const char* const text : {"a\x7F", "\xC2\x80", "\xC2\x9F"})
-        EXPECT_EQ(faultOfText(text), kNotText) << text;
-    EXPECT_EQ(faultOfText(std::string_view("a\0b", 3)), kNotText);
+        EXPECT_EQ(errorInText(text), kNotText) << text;
+    EXPECT_EQ(errorInText(std::string_view("a\0b", 3)), kNotText);
 }
 
 TEST(Credentials, AreNothingButUtf8) {
@@ -49,7 +49,7 @@ TEST(Credentials, AreNothingButUtf8) {
              "\xED\xA0\x80",      // a surrogate
              "\xF4\x90\x80\x80",  // beyond U+10FFFF
          })
-        EXPECT_EQ(faultOfText(text), kNotText) << text;
+        EXPECT_EQ(errorInText(text), kNotText) << text;
 }
 
 TEST(Credentials, UserNamesHaveUpTo255Bytes) {

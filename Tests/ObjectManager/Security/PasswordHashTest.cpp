@@ -14,7 +14,7 @@ using Security::SecretText;
 using Security::verifyPassword;
 
 // What hashing says against a password or the options.
-std::string faultOf(std::string_view password, const Security::PasswordHashOptions& options) {
+std::string errorIn(std::string_view password, const Security::PasswordHashOptions& options) {
     try {
         return "hashed: " + hashPassword(SecretText(password), options);
     } catch (const TeskBaseException& exception) {
@@ -58,10 +58,10 @@ TEST(PasswordHash, WhatIsNoCompleteHashIsRefused) {
 }
 
 TEST(PasswordHash, APasswordThatCannotBeUsedIsNotHashed) {
-    EXPECT_EQ(faultOf("", kCheapHashing), "The password cannot be used: it is empty");
-    EXPECT_EQ(faultOf(std::string(512, 'a'), kCheapHashing),
+    EXPECT_EQ(errorIn("", kCheapHashing), "The password cannot be used: it is empty");
+    EXPECT_EQ(errorIn(std::string(512, 'a'), kCheapHashing),
               "The password cannot be used: it is longer than 511 bytes");
-    EXPECT_EQ(faultOf(std::string_view("a\0b", 3), kCheapHashing),
+    EXPECT_EQ(errorIn(std::string_view("a\0b", 3), kCheapHashing),
               "The password cannot be used: it contains control characters or is not UTF-8");
 }
 
@@ -79,9 +79,9 @@ TEST(PasswordHash, APasswordThatGoesOnBehindAZeroByteIsAnotherOne) {
 }
 
 TEST(PasswordHash, UnknownMethodsAndCostsAreRefused) {
-    EXPECT_EQ(faultOf("secret", {.method = "$9$"}),
+    EXPECT_EQ(errorIn("secret", {.method = "$9$"}),
               "This system cannot make such password hashes: Invalid argument");
-    EXPECT_EQ(faultOf("secret", {.method = "$y$", .cost = 1000}),
+    EXPECT_EQ(errorIn("secret", {.method = "$y$", .cost = 1000}),
               "This system cannot make such password hashes: Invalid argument");
 }
 
