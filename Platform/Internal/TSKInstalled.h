@@ -16,7 +16,8 @@ class TSKInstalled {
     constexpr TSKInstalled() noexcept : service_() {}
     TSKInstalled(const TSKInstalled&) = delete;
     TSKInstalled& operator=(const TSKInstalled&) = delete;
-    ~TSKInstalled() {}
+    // The default would be deleted: the union below has a member with a destructor.
+    ~TSKInstalled() {}  // NOLINT(modernize-use-equals-default)
 
     [[nodiscard]] TSKSmrPtr<T> get() const {
         const std::lock_guard lock(mutex_);
@@ -32,7 +33,7 @@ class TSKInstalled {
 
   private:
     mutable std::mutex mutex_;
-    union {                     // keeps the destructor away from
+    union {                     // so that no destructor runs
         TSKSmrPtr<T> service_;  // guarded by mutex_
     };
 };
