@@ -1,5 +1,6 @@
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <latch>
 #include <stdexcept>
@@ -36,6 +37,8 @@ class SingleFlightTest : public testing::Test {
   protected:
     static constexpr int kThreads = 8;
 
+    Caller caller(int index) { return Caller(wereCompared_[static_cast<std::size_t>(index)]); }
+
     // Returns when all threads have called.
     void waitForAll() const {
         for (const std::atomic<bool>& wasCompared : wereCompared_) {
@@ -52,7 +55,7 @@ TEST_F(SingleFlightTest, OneCallerWorksForAllThatCallMeanwhile) {
     std::atomic<int> worked = 0;
     std::atomic<int> accepted = 0;
     runOnThreads(kThreads, [&](int index) {
-        accepted += flight_.run(Caller(wereCompared_[index]), [&] {
+        accepted += flight_.run(caller(index), [&] {
             ++worked;
             waitForAll();
             return true;
@@ -66,7 +69,7 @@ TEST_F(SingleFlightTest, AFailureReachesAllThatWaited) {
     std::atomic<int> failures = 0;
     runOnThreads(kThreads, [&](int index) {
         try {
-            static_cast<void>(flight_.run(Caller(wereCompared_[index]), [&]() -> bool {
+            static_cast<void>(flight_.run(caller(index), [&]() -> bool {
                 waitForAll();
                 throw std::runtime_error("broken");
             }));
