@@ -175,6 +175,9 @@ TEST_F(OutputDirectoryTest, WhatCannotBeWrittenToItsEndLeavesEverythingAsItWas) 
 }
 
 TEST_F(OutputDirectoryTest, AFileThatCannotBeMadeIsAnError) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
     output_.put("old", "old text");
     const auto errorWithoutDescriptors = [&](const auto& work) {
         return errorOf([&] {
