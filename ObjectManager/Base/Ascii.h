@@ -71,9 +71,4 @@ namespace Base {
     return equalsIgnoringCase(text.substr(0, start.size()), start);
 }
 
-[[nodiscard]] constexpr bool endsWithIgnoringCase(std::string_view text,
-                                                  std::string_view end) noexcept {
-    return equalsIgnoringCase(text.substr(text.size() - std::min(text.size(), end.size())), end);
-}
-
 }  // namespace Base

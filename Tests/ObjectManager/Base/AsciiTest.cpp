@@ -57,12 +57,4 @@ TEST(Ascii, ComparesTheStart) {
     EXPECT_FALSE(Base::startsWithIgnoringCase("abc", "bc"));
 }
 
-TEST(Ascii, ComparesTheEnd) {
-    EXPECT_TRUE(Base::endsWithIgnoringCase("a.MOF", ".mof"));
-    EXPECT_TRUE(Base::endsWithIgnoringCase(".mof", ".MOF"));
-    EXPECT_TRUE(Base::endsWithIgnoringCase("abc", ""));
-    EXPECT_FALSE(Base::endsWithIgnoringCase("mof", ".mof"));
-    EXPECT_FALSE(Base::endsWithIgnoringCase("a.mofs", ".mof"));
-}
-
 }  // namespace
