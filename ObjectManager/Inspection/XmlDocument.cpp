@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <libxml/globals.h>
 #include <libxml/parser.h>
+#include <libxml/threads.h>
 #include <libxml/xmlmemory.h>
 #include <limits>
 #include <mutex>
@@ -80,9 +82,10 @@ void ignoreMessage(void* /*context*/, const char* /*format*/, ...) noexcept {}
 
 void setUpLibrary() {
     xmlMemSetup(std::free, allocate, reallocate, duplicate);
-    xmlSetGenericErrorFunc(nullptr, ignoreMessage);
     ranOutOfMemory = false;
     xmlInitParser();
+    xmlSetGenericErrorFunc(nullptr, ignoreMessage);
+    xmlThrDefSetGenericErrorFunc(nullptr, ignoreMessage);
     if (ranOutOfMemory)
         throw std::bad_alloc();
 }
@@ -95,8 +98,11 @@ Context makeContext() {
     // Sets up what all parsers share, before several threads want it.
     static std::once_flag once;
     std::call_once(once, setUpLibrary);
+    // Every other thread gets a state of its own at its first use. Where libxml2 cannot allocate
+    // it, only this function says so; all others go on with a null pointer.
+    if (xmlIsMainThread() == 0 && xmlGetGlobalState() == nullptr)
+        throw std::bad_alloc();
     ranOutOfMemory = false;
-    xmlSetGenericErrorFunc(nullptr, ignoreMessage);
     Context context(xmlNewParserCtxt());
     if (!context)
         throw std::bad_alloc();
