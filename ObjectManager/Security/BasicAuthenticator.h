@@ -25,6 +25,11 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// Errors: std::bad_alloc; the users stay as they were.
     void setUsers(UserTable users);
 
+    /// setUsers() in two parts, of which only the first can fail, for callers that replace more
+    /// than the users. Errors: std::bad_alloc.
+    [[nodiscard]] std::shared_ptr<CredentialChecker> makeChecker(UserTable users) const;
+    void setChecker(std::shared_ptr<CredentialChecker> checker) noexcept;
+
     /// A copy of `request` that carries its credentials, parsed and digested, so that the other
     /// functions do not parse them again. They do so if the header field or the users have changed
     /// since.

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <sys/resource.h>
+#include <utility>
 #include <vector>
 
 #include "ObjectManager/Base/Files.h"
@@ -113,6 +114,11 @@ void reopenLog(const Base::LogOutput& logOutput) {
     }
 }
 
+[[noreturn]] void endWithoutHandlers(int status) {
+    (void)std::fflush(nullptr);
+    std::_Exit(status);
+}
+
 int stop(Service& service) {
     Base::log("tesk", TeskTraceLog::SeverityInformation, "Stopping");
     if (service.stop())
@@ -120,8 +126,7 @@ int stop(Service& service) {
     // A provider that still runs would use objects that are destroyed.
     Base::log("tesk", TeskTraceLog::SeverityError,
               "A provider does not finish in time; the process ends without it");
-    (void)std::fflush(nullptr);
-    std::_Exit(1);
+    endWithoutHandlers(1);
 }
 
 // How often the password file is examined. A user who was just given a password tries it at once.
@@ -136,6 +141,47 @@ void raiseLimitOfOpenFiles() {
     }
 }
 
+// What is left of the process when the service has ended.
+struct ServiceEnd {
+    int status = 0;
+    bool isReading = false;  // a thread still compiles classes
+};
+
+// Serves until a signal ends that.
+ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
+                 const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
+    const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
+    const ServiceUsers users = loadUsers(settings.security);
+    Service service(settings, repository, users.users);
+    // Before the service is announced: from then on it ends by signals alone.
+    Reloader reloader(
+        {.readSettings =
+             [options](std::ostream& messages) { return readSettings(options, messages); },
+         .replace = [&service](const auto& classes,
+                               auto newUsers) { service.replace(classes, std::move(newUsers)); },
+         .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
+         .wake = &Base::SignalQueue::wake},
+        settings, passwordFile);
+    service.start();
+    if (!announce(service, *repository, users)) {
+        (void)stop(service);
+        return {.status = 1};  // the program says that its output cannot be written
+    }
+    for (int signal = 0; signal != SIGTERM && signal != SIGINT;
+         signal = signals.waitFor(kPasswordFileInterval)) {
+        if (signal == SIGHUP) {
+            reopenLog(logOutput);
+            reloader.reload();
+        }
+        reloader.goOn();
+    }
+    // A second Ctrl-C ends the process at once. A reload makes no sense any more.
+    (void)std::signal(SIGHUP, SIG_IGN);
+    signals.letThrough();
+    return {.status = stop(service), .isReading = reloader.isReading()};
+}
+
 int runServe(const ServeOptions& options) {
     const Configuration::Settings settings = readSettings(options, std::cerr);
     raiseLimitOfOpenFiles();
@@ -144,31 +190,11 @@ int runServe(const ServeOptions& options) {
     const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
     const Base::LogOutput logOutput(settings.log.file,
                                     static_cast<TeskTraceLog::Severity>(settings.log.level));
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
-    const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
-    const ServiceUsers users = loadUsers(settings.security);
-    Service service(settings, repository, users.users);
-    // Before the service is announced: from then on it ends by signals alone.
-    Reloader reloader(
-        service, [&options](std::ostream& messages) { return readSettings(options, messages); },
-        settings, passwordFile);
-    service.start();
-    if (!announce(service, *repository, users)) {
-        (void)stop(service);
-        return 1;  // the program says that its output cannot be written
-    }
-    int signal = 0;
-    while ((signal = signals.waitFor(kPasswordFileInterval)) == 0 || signal == SIGHUP) {
-        if (signal == SIGHUP) {
-            reopenLog(logOutput);
-            reloader.reloadAll();
-        }
-        reloader.reloadUsersIfChanged();
-    }
-    // A second Ctrl-C ends the process at once. A reload makes no sense any more.
-    (void)std::signal(SIGHUP, SIG_IGN);
-    signals.letThrough();
-    return stop(service);
+    const ServiceEnd end = serve(options, settings, signals, logOutput);
+    // The thread uses static objects, which the exit handlers would destroy.
+    if (end.isReading)
+        endWithoutHandlers(end.status);
+    return end.status;
 }
 
 }  // namespace

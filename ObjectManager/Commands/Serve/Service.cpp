@@ -9,8 +9,7 @@ namespace Commands {
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : repository_(repository),
-      authenticator_(
+    : authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
@@ -32,17 +31,14 @@ void Service::start() {
 
 void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
                       std::optional<Security::UserTable> users) {
-    try {
-        host_.setRepository(repository);
-        index_.setRepository(repository);
-        if (users)
-            setUsers(*std::move(users));
-    } catch (...) {
-        host_.setRepository(repository_);
-        index_.setRepository(repository_);
-        throw;
-    }
-    repository_ = repository;
+    std::shared_ptr<Security::CredentialChecker> checker;
+    if (users)
+        checker = authenticator_->makeChecker(*std::move(users));
+    host_.setRepository(repository);
+    // Nothing below fails.
+    index_.setRepository(repository);
+    if (checker)
+        authenticator_->setChecker(std::move(checker));
 }
 
 void Service::setUsers(Security::UserTable users) {

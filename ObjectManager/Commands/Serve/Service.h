@@ -47,7 +47,6 @@ class Service {
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:
-    TSKSmrPtr<Repository::ClassRepository> repository_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Index::IndexProvider index_;
     Host::ProviderHost host_;
