@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -64,6 +65,10 @@ struct ConnectionContext {
     /// See Server; may be empty.
     std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
     std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+
+    /// Called with each response that has been sent, or that could not be sent to its end, by the
+    /// thread that has sent it, before the client sees the end of the connection. May be empty.
+    std::function<void(const Exchange&)> report = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -129,6 +134,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
+    void report() noexcept;
     [[nodiscard]] bool clientSendsMore() const;
     void beginLingering();
     void linger();
@@ -152,7 +158,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
     bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    bool hasRequest_ = false;     // the header section has come in
     std::optional<Response> response_;
+    bool isReported_ = false;
     std::size_t lingerBytes_ = 0;
 };
 

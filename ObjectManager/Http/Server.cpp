@@ -35,10 +35,11 @@ unsigned workerCount(const Options& options) {
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   NeedsPasswordHash needsPasswordHash, Prepare prepare)
+                   NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
         : options_(options),
           needsPasswordHash_(std::move(needsPasswordHash)),
           prepare_(std::move(prepare)),
+          report_(std::move(report)),
           dispatcher_(manager) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
@@ -101,7 +102,8 @@ class Server::Implementation {
                 .workers = *workers_,
                 .connections = connections,
                 .needsPasswordHash = needsPasswordHash_,
-                .prepare = prepare_};
+                .prepare = prepare_,
+                .report = report_};
     }
 
     void closeListeners() {
@@ -129,6 +131,7 @@ class Server::Implementation {
     Options options_;
     NeedsPasswordHash needsPasswordHash_;
     Prepare prepare_;
+    Report report_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
@@ -141,9 +144,9 @@ class Server::Implementation {
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               NeedsPasswordHash needsPasswordHash, Prepare prepare)
+               NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
     : implementation_(std::make_unique<Implementation>(
-          options, manager, std::move(needsPasswordHash), std::move(prepare))) {}
+          options, manager, std::move(needsPasswordHash), std::move(prepare), std::move(report))) {}
 
 Server::~Server() = default;
 

@@ -80,6 +80,11 @@ bool BasicAuthenticator::needsPasswordHash(const TSKHTTPRequest& request) const 
     return login != nullptr && login->checker->needsPasswordHash(login->claim);
 }
 
+std::string BasicAuthenticator::userOf(const TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    return login == nullptr ? std::string() : login->credentials.user;
+}
+
 bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,
                                              TSKGenericHTTPIStream& /*istr*/,
                                              TSKGenericHTTPOStream& /*ostr*/,

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "ObjectManager/Security/CredentialChecker.h"
 #include "ObjectManager/Security/Options.h"
@@ -42,6 +43,11 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// this user. Takes some microseconds.
     /// Errors: TeskBaseException without memory.
     [[nodiscard]] bool needsPasswordHash(const TSKHTTPRequest& request) const;
+
+    /// The name of the user in the credentials of `request`, whether they are right or not; empty
+    /// if it has none.
+    /// Errors: std::bad_alloc; TeskBaseException without memory.
+    [[nodiscard]] std::string userOf(const TSKHTTPRequest& request) const;
 
     /// Reads nothing of `request` but its header field "Authorization", and writes nothing: whoever
     /// calls the providers responds to unauthenticated requests.

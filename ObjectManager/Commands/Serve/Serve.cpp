@@ -1,10 +1,13 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <utility>
 #include <vector>
@@ -12,6 +15,7 @@
 #include "ObjectManager/Base/Files.h"
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Signals.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/Serve/Reloader.h"
@@ -29,12 +33,13 @@ struct ServeOptions {
     std::vector<std::string> listen;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
+    std::optional<std::string> accessLog;
 };
 
 constexpr const char* kDetails =
     R"(Signals: SIGHUP reads the configuration, the classes and the password file again and reopens the
-log file; SIGTERM and SIGINT finish running requests and end the service. A change of the password
-file takes effect within about a second.
+log files; SIGUSR1 only reopens the log files; SIGTERM and SIGINT finish running requests and end
+the service. A change of the password file takes effect within about a second.
 
 Examples:
   tesk serve
@@ -62,6 +67,11 @@ void addServeOptions(Command& command, ServeOptions& options) {
                                        "(default), 4 each request",
                                .target = &options.logLevel,
                                .range = {{.least = 1, .most = 4}}});
+    command.options.push_back({.name = "--access-log",
+                               .value = "FILE",
+                               .help = "Append a line for each response, in the Combined Log "
+                                       "Format; - for standard output",
+                               .target = &options.accessLog});
 }
 
 // What the configuration file says, where the command line does not say otherwise.
@@ -74,6 +84,7 @@ Configuration::Settings readSettings(const ServeOptions& options, std::ostream& 
     settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
     if (options.logLevel)
         settings.log.level = static_cast<int>(*options.logLevel);
+    settings.log.access = options.accessLog.value_or(settings.log.access);
     return settings;
 }
 
@@ -105,12 +116,19 @@ std::string samplePath(const Repository::ClassRepository& repository) {
     return std::cout.good();
 }
 
-void reopenLog(const Base::LogOutput& logOutput) {
+// Opens a log again by `reopen`; `name` is what it is called.
+template <typename Reopen>
+void reopenLog(std::string_view name, const Reopen& reopen) noexcept {
     try {
-        logOutput.reopen();
-    } catch (const TeskBaseException& error) {
-        Base::log("tesk", TeskTraceLog::SeverityError,
-                  "The log goes on as before: " + std::string(error.getMessage().data()));
+        try {
+            reopen();
+        } catch (const std::exception& error) {
+            Base::log(
+                "tesk", TeskTraceLog::SeverityError,
+                std::string(name) + " goes on as before: " + std::string(Base::reasonOf(error)));
+        }
+    } catch (const std::bad_alloc&) {
+        // The line is lost.
     }
 }
 
@@ -170,14 +188,18 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     }
     for (int signal = 0; signal != SIGTERM && signal != SIGINT;
          signal = signals.waitFor(kPasswordFileInterval)) {
-        if (signal == SIGHUP) {
-            reopenLog(logOutput);
-            reloader.reload();
+        if (signal == SIGHUP || signal == SIGUSR1) {
+            reopenLog("The log", [&] { logOutput.reopen(); });
+            reopenLog("The access log", [&] { service.reopenAccessLog(); });
         }
+        if (signal == SIGHUP)
+            reloader.reload();
         reloader.goOn();
+        service.tellFailedLogins();
     }
-    // A second Ctrl-C ends the process at once. A reload makes no sense any more.
+    // A second Ctrl-C ends the process at once. The other signals make no sense any more.
     (void)std::signal(SIGHUP, SIG_IGN);
+    (void)std::signal(SIGUSR1, SIG_IGN);
     signals.letThrough();
     return {.status = stop(service), .isReading = reloader.isReading()};
 }
@@ -187,7 +209,7 @@ int runServe(const ServeOptions& options) {
     raiseLimitOfOpenFiles();
     (void)std::signal(SIGPIPE,
                       SIG_IGN);  // writing to a client that has gone is an error, not the end
-    const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
+    const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
     const Base::LogOutput logOutput(settings.log.file,
                                     static_cast<TeskTraceLog::Severity>(settings.log.level));
     const ServiceEnd end = serve(options, settings, signals, logOutput);

@@ -1,5 +1,6 @@
 #include "ObjectManager/Commands/Serve/Service.h"
 
+#include <new>
 #include <utility>
 
 #include "ObjectManager/Host/InstallationPaths.h"
@@ -9,7 +10,10 @@ namespace Commands {
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : authenticator_(
+    : accessLog_(settings.log.access.empty()
+                     ? nullptr
+                     : std::make_unique<Http::AccessLog>(settings.log.access)),
+      authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
@@ -21,7 +25,8 @@ Service::Service(const Configuration::Settings& settings,
           },
           [authenticator = authenticator_](const TSKHTTPRequest& request) {
               return authenticator->prepare(request);
-          }) {}
+          },
+          [this](const Http::Exchange& exchange) { report(exchange); }) {}
 
 Service::~Service() = default;
 
@@ -43,6 +48,30 @@ void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
 
 void Service::setUsers(Security::UserTable users) {
     authenticator_->setUsers(std::move(users));
+}
+
+void Service::reopenAccessLog() {
+    if (accessLog_)
+        accessLog_->reopen();
+}
+
+void Service::tellFailedLogins() noexcept {
+    try {
+        failedLogins_.tellRest();
+    } catch (const std::bad_alloc&) {
+        // Told next time.
+    }
+}
+
+// Called by the threads of the server.
+void Service::report(const Http::Exchange& exchange) {
+    constexpr unsigned kUnauthorized = 401;
+    const std::string user =
+        exchange.request == nullptr ? "" : authenticator_->userOf(*exchange.request);
+    if (exchange.status == kUnauthorized && !user.empty())
+        failedLogins_.add(exchange.client, user);
+    if (accessLog_)
+        accessLog_->write(exchange, user);
 }
 
 bool Service::stop() {
