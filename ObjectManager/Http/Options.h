@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Http/ClientAddress.h"
+
 namespace Http {
 
 /// The component of the server's lines in the log.
@@ -33,6 +35,10 @@ struct ListenAddress {
 /// Thread safety: belongs to one thread while it is changed; may be read by several at once.
 struct Options {
     std::vector<ListenAddress> listen = {{}};
+
+    /// The proxies whose header field "X-Forwarded-For" tells which client a request comes from.
+    /// Any client can send that field, so without a proxy it tells nothing.
+    std::vector<Network> trustedProxies = {};
 
     /// Threads that run providers; 0 for one per processor. Providers compute and never wait for
     /// clients, so more threads would only take turns.

@@ -39,6 +39,7 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "property_order: name\n"
               "escape_descriptions: true\n"
               "listen: 127.0.0.1:5985\n"
+              "trusted_proxies:\n"
               "workers: 0\n"
               "max_header_size: 16384\n"
               "max_request_line: 8192\n"
@@ -65,6 +66,7 @@ property_order = "declaration"
 escape_descriptions = false
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
+trusted_proxies = ["10.0.0.0/8", "::1"]
 workers = 3
 max_header_size = 1000
 max_request_line = 100
@@ -85,6 +87,7 @@ file = "tesk.log"
               "property_order: declaration\n"
               "escape_descriptions: false\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
+              "trusted_proxies: 10.0.0.0/8 ::1/128\n"
               "workers: 3\n"
               "max_header_size: 1000\n"
               "max_request_line: 100\n"
@@ -260,6 +263,18 @@ TEST(SettingsReader, WrongAddressesAreRefused) {
               "not a list\n");
 }
 
+TEST(SettingsReader, WrongNetworksOfProxiesAreRefused) {
+    EXPECT_EQ(settingsOf("[server]\ntrusted_proxies = '::1'").server.trustedProxies,
+              std::vector{Http::Network::parse("::1")});
+    EXPECT_EQ(settingsOf("[server]\ntrusted_proxies = []"), Settings());
+    EXPECT_EQ(errorIn("server", "trusted_proxies = ['10.0.0.0/40']"),
+              "20: error: \"trusted_proxies\" in [server]: \"10.0.0.0/40\" is not a network or an "
+              "address, such as \"10.0.0.0/8\", \"fd00::/8\" or \"::1\"\n");
+    EXPECT_EQ(errorIn("server", "trusted_proxies = 10"),
+              "19: error: \"trusted_proxies\" in [server] must be a network or a list of such, not "
+              "10\n");
+}
+
 TEST(SettingsReader, WrongPathsAreRefused) {
     const std::string expected = ": a path must have at least one character, and no zero byte\n";
     EXPECT_EQ(errorIn("", "include_path = ['']"), "17: error: \"include_path\"" + expected);
@@ -319,7 +334,8 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
               "\"repository\", \"server\", \"security\" and \"log\"\n");
     EXPECT_EQ(
         errorIn("server", "tls.key = 1"),
-        "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"workers\", "
+        "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"trusted_proxies\", "
+        "\"workers\", "
         "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"response_timeout\", "
         "\"shutdown_timeout\" and \"max_connections\"\n");
 }
@@ -343,7 +359,8 @@ a = 1
         "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
         "1024, not \"all\"\n"
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
-        "\"workers\", \"max_header_size\", \"max_request_line\", \"header_timeout\", "
+        "\"trusted_proxies\", \"workers\", \"max_header_size\", \"max_request_line\", "
+        "\"header_timeout\", "
         "\"response_timeout\", \"shutdown_timeout\" and \"max_connections\"\n"
         "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
@@ -429,7 +446,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 15);
+    EXPECT_EQ(count, 16);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

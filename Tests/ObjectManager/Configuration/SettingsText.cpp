@@ -40,6 +40,10 @@ std::string textOf(const Settings& settings) {
     for (const Http::ListenAddress& listen : server.listen)
         addresses.push_back(listen.address + ":" + std::to_string(listen.port));
     text += line("listen", joined(addresses));
+    std::vector<std::string> proxies;
+    for (const Http::Network& network : server.trustedProxies)
+        proxies.push_back(network.toString());
+    text += line("trusted_proxies", joined(proxies));
     text += line("workers", std::size_t{server.workers});
     text += line("max_header_size", server.maxHeaderSize);
     text += line("max_request_line", server.maxRequestLine);
