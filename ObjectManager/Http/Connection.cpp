@@ -11,40 +11,6 @@ namespace Http {
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 
-void ConnectionSet::add(Connection& connection) {
-    const std::lock_guard lock(mutex_);
-    connections_.insert(&connection);
-}
-
-void ConnectionSet::remove(Connection& connection) noexcept {
-    const std::lock_guard lock(mutex_);
-    connections_.erase(&connection);
-    if (connections_.empty())
-        empty_.notify_all();
-}
-
-std::size_t ConnectionSet::size() const {
-    const std::lock_guard lock(mutex_);
-    return connections_.size();
-}
-
-std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
-    std::vector<std::shared_ptr<Connection>> connections;
-    const std::lock_guard lock(mutex_);
-    connections.reserve(connections_.size());
-    for (Connection* const connection : connections_) {
-        // Null for a connection that is being destroyed.
-        if (auto owned = connection->weak_from_this().lock())
-            connections.push_back(std::move(owned));
-    }
-    return connections;
-}
-
-bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
-    std::unique_lock lock(mutex_);
-    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
-}
-
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
       socket_(std::move(socket)),
@@ -57,14 +23,14 @@ Connection::~Connection() {
 }
 
 void Connection::start() {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
     socket_.non_blocking(true);
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     error_code ignored;  // shows again when the response is sent
     socket_.non_blocking(true, ignored);
     // Most clients have sent their request already, which tells whether its method is HEAD.
@@ -73,9 +39,23 @@ void Connection::refuse(const Error& error) {
     refuseBytes(error);
 }
 
-void Connection::closeIfReading() {
+void Connection::closeIfReading() noexcept {
+    try {
+        if (phase_ == Phase::kReading)
+            take(&Connection::readHeader);
+    } catch (const std::exception&) {
+        // The connection is closed.
+    }
     if (phase_ == Phase::kReading)
         close();
+}
+
+void Connection::makeRoom() {
+    if (phase_ != Phase::kReading)
+        return;
+    if (!received_.empty())
+        refuseBytes({.status = 503, .text = kTooManyConnections});
+    abandon();
 }
 
 void Connection::abandon() {
@@ -131,6 +111,7 @@ void Connection::queueRequest() {
     hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
+    context_.connections.endReading(*this);
     if (context_.prepare)
         prepared_ = context_.prepare(parser_.request().message);
     if (!postToWorkers())
@@ -144,6 +125,10 @@ bool Connection::postToWorkers() {
         return context_.workers.postSlow(std::move(job));
     context_.workers.postQuick(std::move(job));
     return true;
+}
+
+ClientKey Connection::clientKey() const noexcept {
+    return ClientKey::of(ClientAddress::of(*client_.data()));
 }
 
 TSKHTTPRequest& Connection::request() {
@@ -174,6 +159,7 @@ void Connection::processRequest() {
 
 void Connection::beginWriting() {
     phase_ = Phase::kWriting;
+    context_.connections.endReading(*this);
     limitPhase(context_.options.responseTimeout);
     write();
 }
@@ -240,8 +226,12 @@ void Connection::close() noexcept {
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
     context_.connections.remove(*this);
+    if (!socket_.is_open())
+        return;
     error_code error;  // the socket is closed in any case
     socket_.close(error);
+    if (context_.onClosed)
+        context_.onClosed();
 }
 
 // The wait ends with the phase.

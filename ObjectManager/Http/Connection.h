@@ -4,16 +4,14 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
+#include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -23,34 +21,9 @@
 
 namespace Http {
 
-class Connection;
-
-/// The open connections of a server.
-///
-/// Thread safety: may be used by several threads at once.
-class ConnectionSet {
-  public:
-    /// `connection` must be removed before it is destroyed.
-    /// Errors: std::bad_alloc.
-    void add(Connection& connection);
-
-    /// Does nothing if `connection` is not in the set.
-    void remove(Connection& connection) noexcept;
-
-    [[nodiscard]] std::size_t size() const;
-
-    /// The connections that are open now.
-    /// Errors: std::bad_alloc.
-    [[nodiscard]] std::vector<std::shared_ptr<Connection>> all() const;
-
-    /// Returns true as soon as the set is empty, false if it is not at the deadline.
-    [[nodiscard]] bool waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const;
-
-  private:
-    mutable std::mutex mutex_;
-    mutable std::condition_variable empty_;
-    std::unordered_set<Connection*> connections_;  // guarded by mutex_
-};
+/// Why a client gets 503 when there is no place for its connection.
+inline constexpr const char* kTooManyConnections =
+    "The server has too many connections. Try again later.";
 
 /// What the connections of a server share.
 ///
@@ -64,6 +37,10 @@ struct ConnectionContext {
     /// See Server; may be empty.
     std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
     std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+
+    /// Called after a connection has given its file descriptor back; may be empty. Called by
+    /// several threads at once; must not throw.
+    std::function<void()> onClosed = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -105,8 +82,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
     /// Errors: as start().
     void refuse(const Error& error);
 
-    /// Closes the connection if the header section has not come in yet.
-    void closeIfReading();
+    /// Closes the connection unless the header section has come in by now.
+    void closeIfReading() noexcept;
+
+    /// Closes the connection if the header section has not come in yet, since the server needs its
+    /// place. A client that has sent a part of it gets 503 if it can be sent at once.
+    /// Errors: std::bad_alloc; the connection is closed.
+    void makeRoom();
 
     /// Closes the connection; if a worker processes the request, as soon as the provider has
     /// returned.
@@ -122,6 +104,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void readHeader();
     void queueRequest();
     [[nodiscard]] bool postToWorkers();
+    [[nodiscard]] ClientKey clientKey() const noexcept;
     [[nodiscard]] TSKHTTPRequest& request();
     void refuseBytes(const Error& error);
     void sendError(const Error& error);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,9 +69,29 @@ struct Options {
     /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
 
-    /// Open connections, lingering ones included. One more gets 503. Each takes a file descriptor
-    /// and memory for its request and its response.
+    /// Time for clients that are connected when the server stops to send their request; their
+    /// connections are closed then. Clients send it at once, so this covers a bad network, and the
+    /// server stops soon although idle clients are connected.
+    std::chrono::milliseconds stopGrace = std::chrono::milliseconds(500);
+
+    /// Open connections, lingering ones included; fewer if the process may not open so many files.
+    /// For one more, the oldest connection that has not sent its header section is closed; if there
+    /// is none, it gets 503. Each takes a file descriptor and memory for its request and its
+    /// response.
     std::size_t maxConnections = 4096;
+
+    /// Open connections of one client: of an IPv4 address or an IPv6 /64 network. One more gets
+    /// 503. 0 for no limit; by default a quarter of the connections, so that no single client can
+    /// take all of them. Trusted proxies have no limit: they bring many clients.
+    std::optional<std::size_t> maxConnectionsPerClient = std::nullopt;
+
+    /// File descriptors that connections leave for other files: for the log, and for the
+    /// configuration, the classes and the password file when they are read again.
+    std::size_t reservedDescriptors = 64;
+
+    /// After this time, connections are accepted again when file descriptors have run out and no
+    /// connection was closed since: another process or another part of this one may have held them.
+    std::chrono::milliseconds descriptorTimeout = std::chrono::seconds(1);
 
     /// Connections beyond `maxConnections` that linger after their 503. Others are closed at once,
     /// and a client that is still sending may lose the response. Enough for a burst of clients,

@@ -51,9 +51,15 @@ class Server {
     /// Errors: std::system_error when a thread cannot be started.
     void start();
 
-    /// Stops serving: accepts no further connections, closes those whose request has not come in,
-    /// lets the others finish for Options::shutdownTimeout, then closes them too. May be called
-    /// again, to wait longer for providers.
+    /// Stops serving: accepts the connections that clients have begun, and no further ones; closes
+    /// those whose request does not come in within Options::stopGrace; lets the others finish until
+    /// Options::shutdownTimeout has passed, then closes them too. May be called again, to wait
+    /// longer for providers.
+    ///
+    /// So no request is lost if its client was connected when stop() began. The exceptions: a
+    /// client so far away that its handshake takes more than a tenth of a second, one that is slow
+    /// to send its request, and a server that cannot accept its connection because file
+    /// descriptors have run out.
     ///
     /// Returns whether no provider runs any more, so that the providers may be shut down. If it
     /// returns false, a provider hangs and cannot be stopped; then end the process without
