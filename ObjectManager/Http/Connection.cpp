@@ -1,5 +1,6 @@
 #include "ObjectManager/Http/Connection.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
@@ -112,6 +113,7 @@ void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
     context_.connections.endReading(*this);
+    hasRequest_ = true;
     if (context_.prepare)
         prepared_ = context_.prepare(parser_.request().message);
     if (!postToWorkers())
@@ -184,7 +186,28 @@ Connection::Sending Connection::send() {
         if (error)
             return Sending::kFailed;
     }
+    report();
     return Sending::kDone;
+}
+
+void Connection::report() noexcept {
+    if (!context_.report || !response_ || std::exchange(isReported_, true))
+        return;
+    const std::string_view bytes = received_;
+    const std::size_t start = std::min(bytes.find_first_not_of("\r\n"), bytes.size());
+    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
+    ClientAddress client = ClientAddress::of(*client_.data());
+    if (hasRequest_)
+        client = clientOf(parser_.request().message, client, context_.options.trustedProxies);
+    try {
+        context_.report({.client = client,
+                         .requestLine = bytes.substr(start, end - start),
+                         .request = hasRequest_ ? &request() : nullptr,
+                         .status = response_->status(),
+                         .bodyBytes = response_->sentBodyBytes()});
+    } catch (const std::exception&) {
+        // The response is as it would have been.
+    }
 }
 
 bool Connection::clientSendsMore() const {
@@ -225,6 +248,7 @@ void Connection::close() noexcept {
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
+    report();
     context_.connections.remove(*this);
     if (!socket_.is_open())
         return;

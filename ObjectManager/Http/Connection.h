@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
@@ -41,6 +42,10 @@ struct ConnectionContext {
     /// Called after a connection has given its file descriptor back; may be empty. Called by
     /// several threads at once; must not throw.
     std::function<void()> onClosed = nullptr;
+
+    /// Called with each response that has been sent, or that could not be sent to its end, by the
+    /// thread that has sent it, before the client sees the end of the connection. May be empty.
+    std::function<void(const Exchange&)> report = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -112,6 +117,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
+    void report() noexcept;
     [[nodiscard]] bool clientSendsMore() const;
     void beginLingering();
     void linger();
@@ -135,7 +141,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
     bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    bool hasRequest_ = false;     // the header section has come in
     std::optional<Response> response_;
+    bool isReported_ = false;
     std::size_t lingerBytes_ = 0;
 };
 

@@ -80,11 +80,12 @@ std::size_t clientLimit(const Options& options) {
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   NeedsPasswordHash needsPasswordHash, Prepare prepare)
+                   NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
         : options_(withinDescriptors(options)),
           maxConnectionsPerClient_(clientLimit(options_)),
           needsPasswordHash_(std::move(needsPasswordHash)),
           prepare_(std::move(prepare)),
+          report_(std::move(report)),
           dispatcher_(manager) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
@@ -145,7 +146,8 @@ class Server::Implementation {
                 .connections = connections,
                 .needsPasswordHash = needsPasswordHash_,
                 .prepare = prepare_,
-                .onClosed = [this] { onClosed(); }};
+                .onClosed = [this] { onClosed(); },
+                .report = report_};
     }
 
     // A client that is connected when the server stops gets its response: first those that are
@@ -231,6 +233,7 @@ class Server::Implementation {
     const std::size_t maxConnectionsPerClient_;
     NeedsPasswordHash needsPasswordHash_;
     Prepare prepare_;
+    Report report_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
@@ -245,9 +248,9 @@ class Server::Implementation {
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               NeedsPasswordHash needsPasswordHash, Prepare prepare)
+               NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
     : implementation_(std::make_unique<Implementation>(
-          options, manager, std::move(needsPasswordHash), std::move(prepare))) {}
+          options, manager, std::move(needsPasswordHash), std::move(prepare), std::move(report))) {}
 
 Server::~Server() = default;
 

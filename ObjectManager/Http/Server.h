@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/Options.h"
 #include "Platform/Http/TSKHTTPRequest.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -32,12 +33,17 @@ class Server {
     /// Called by the I/O thread, as NeedsPasswordHash is.
     using Prepare = std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest& request)>;
 
+    /// Is told of each response, also of those of the server itself; see ConnectionContext::report.
+    /// Called by several threads at once.
+    using Report = std::function<void(const Exchange& exchange)>;
+
     /// Listens from now on, on all addresses or on none; connections wait until start(). `manager`
     /// must outlive the server. Without `needsPasswordHash` all requests are alike;
     /// without `prepare` a request is handed on as it was read.
     /// Errors: std::system_error that names address and port when it cannot listen on one of them.
     Server(const Options& options, const TeskProviderPluginManager& manager,
-           NeedsPasswordHash needsPasswordHash = nullptr, Prepare prepare = nullptr);
+           NeedsPasswordHash needsPasswordHash = nullptr, Prepare prepare = nullptr,
+           Report report = nullptr);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Closes all connections. Waits for the providers that still run, however long that takes.
