@@ -42,7 +42,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_, needsPasswordHash_, prepare_);
+        server_.emplace(options_, manager_, authentication_);
         server_->start();
     }
 
@@ -87,8 +87,7 @@ class RunningServer : public testing::Test {
     }
 
     Http::Options options_;
-    Http::Server::NeedsPasswordHash needsPasswordHash_;
-    Http::Server::Prepare prepare_;
+    Http::Authentication authentication_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     LogRecording log_;
