@@ -121,6 +121,9 @@ void readLog(Table table, const Directory& directory, LogSettings& settings) {
     table.readText("file", "a path", [&](const std::string& path) {
         settings.file = directory.resolveUnlessEmpty(path);
     });
+    table.readText("access", "a path or \"-\"", [&](const std::string& path) {
+        settings.access = path == "-" ? path : directory.resolveUnlessEmpty(path);
+    });
     table.reportUnknownKeys();
 }
 

@@ -116,6 +116,7 @@ void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
     context_.connections.endReading(*this);
+    hasRequest_ = true;
     if (context_.authentication.prepare)
         prepared_ = context_.authentication.prepare(parser_.request().message);
     postToWorkers();
@@ -200,15 +201,17 @@ void Connection::processRequest() {
 void Connection::endOverdue() {
     if (phase_ != Phase::kProcessing || isAnswered_.exchange(true))
         return;
+    isOverdue_ = true;
     Base::log(kLogComponent, TeskTraceLog::SeverityError,
               Base::logText(requestLine()) + ": the provider did not respond in time");
     sendError({.status = 504, .text = "The server did not make the response in time."});
 }
 
 std::string_view Connection::requestLine() const {
-    const std::size_t begin = std::min(received_.find_first_not_of("\r\n"), received_.size());
-    return std::string_view(received_).substr(begin,
-                                              received_.find_first_of("\r\n", begin) - begin);
+    const std::string_view bytes = received_;
+    const std::size_t start = std::min(bytes.find_first_not_of("\r\n"), bytes.size());
+    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
+    return bytes.substr(start, end - start);
 }
 
 void Connection::beginWriting() {
@@ -238,7 +241,28 @@ Connection::Sending Connection::send() {
         if (error)
             return Sending::kFailed;
     }
+    report();
     return Sending::kDone;
+}
+
+void Connection::report() noexcept {
+    if (!context_.report || !response_ || std::exchange(isReported_, true))
+        return;
+    // A provider that is late may still use its request.
+    const bool isFree = hasRequest_ && (!isOverdue_ || prepared_ != nullptr);
+    ClientAddress client = ClientAddress::of(*client_.data());
+    if (isFree)
+        client = clientOf(parser_.request().message, client, context_.options.trustedProxies);
+    const TSKHTTPRequest& request = isOverdue_ ? parser_.request().message : this->request();
+    try {
+        context_.report({.client = client,
+                         .requestLine = requestLine(),
+                         .request = isFree ? &request : nullptr,
+                         .status = response_->status(),
+                         .bodyBytes = response_->sentBodyBytes()});
+    } catch (const std::exception&) {
+        // The response is as it would have been.
+    }
 }
 
 bool Connection::clientSendsMore() const {
@@ -279,6 +303,7 @@ void Connection::close() noexcept {
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
+    report();
     context_.connections.remove(*this);
     if (!socket_.is_open())
         return;

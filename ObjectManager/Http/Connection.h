@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/Authentication.h"
 #include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
@@ -42,6 +43,10 @@ struct ConnectionContext {
     /// several threads at once; must not throw.
     std::function<void()> onClosed = nullptr;
 
+    /// Called with each response that has been sent, or that could not be sent to its end, by the
+    /// thread that has sent it, before the client sees the end of the connection. May be empty.
+    std::function<void(const Exchange&)> report = nullptr;
+
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
 };
@@ -55,8 +60,7 @@ struct ConnectionContext {
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
 /// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
-/// and
-///   sends what the socket takes at once. If that is the whole response and the client sends
+///   and sends what the socket takes at once. If that is the whole response and the client sends
 ///   nothing more, the worker closes the connection. If the provider takes too long, the I/O thread
 ///   sends an error, and what the provider writes later is dropped.
 /// - writing: the I/O thread sends the rest as the client reads it.
@@ -119,6 +123,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
+    void report() noexcept;
     [[nodiscard]] bool clientSendsMore() const;
     void beginLingering();
     void linger();
@@ -140,12 +145,15 @@ class Connection : public std::enable_shared_from_this<Connection> {
     // Set by the thread that responds, the worker or the I/O thread, whichever is first.
     std::atomic<bool> isAnswered_ = false;
     bool hasQueuedAgain_ = false;  // for another hash
+    bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
     std::string received_;
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare
     bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    bool hasRequest_ = false;     // the header section has come in
     std::optional<Response> response_;
+    bool isReported_ = false;
     std::size_t lingerBytes_ = 0;
 };
 

@@ -83,10 +83,11 @@ std::size_t clientLimit(const Options& options) {
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   Authentication authentication)
+                   Authentication authentication, Report report)
         : options_(withinDescriptors(options)),
           maxConnectionsPerClient_(clientLimit(options_)),
           authentication_(std::move(authentication)),
+          report_(std::move(report)),
           dispatcher_(manager) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
@@ -152,7 +153,8 @@ class Server::Implementation {
                 .workers = *workers_,
                 .connections = connections,
                 .authentication = authentication_,
-                .onClosed = [this] { onClosed(); }};
+                .onClosed = [this] { onClosed(); },
+                .report = report_};
     }
 
     // A client that is connected when the server stops gets its response: first those that are
@@ -266,6 +268,7 @@ class Server::Implementation {
     const Options options_;
     const std::size_t maxConnectionsPerClient_;
     const Authentication authentication_;
+    const Report report_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
@@ -281,9 +284,9 @@ class Server::Implementation {
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               Authentication authentication)
-    : implementation_(
-          std::make_unique<Implementation>(options, manager, std::move(authentication))) {}
+               Authentication authentication, Report report)
+    : implementation_(std::make_unique<Implementation>(options, manager, std::move(authentication),
+                                                       std::move(report))) {}
 
 Server::~Server() = default;
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/Authentication.h"
 #include "ObjectManager/Http/Options.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -20,11 +22,15 @@ namespace Http {
 /// Thread safety: belongs to one thread, which must not run providers.
 class Server {
   public:
+    /// Is told of each response, also of those of the server itself; see ConnectionContext::report.
+    /// Called by several threads at once.
+    using Report = std::function<void(const Exchange& exchange)>;
+
     /// Listens from now on, on all addresses or on none; connections wait until start(). `manager`
     /// must outlive the server.
     /// Errors: std::system_error that names address and port when it cannot listen on one of them.
     Server(const Options& options, const TeskProviderPluginManager& manager,
-           Authentication authentication = {});
+           Authentication authentication = {}, Report report = nullptr);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Closes all connections. Waits for the providers that still run, however long that takes.

@@ -59,10 +59,17 @@ class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
 BasicAuthenticator::BasicAuthenticator(UserTable users, const Options& options, CheckerHooks hooks)
     : checker_(std::make_shared<CredentialChecker>(std::move(users), options, std::move(hooks))) {}
 
-void BasicAuthenticator::setUsers(UserTable users) {
-    auto checker = std::make_shared<CredentialChecker>(std::move(users), *this->checker());
+std::shared_ptr<CredentialChecker> BasicAuthenticator::makeChecker(UserTable users) const {
+    return std::make_shared<CredentialChecker>(std::move(users), *checker());
+}
+
+void BasicAuthenticator::setChecker(std::shared_ptr<CredentialChecker> checker) noexcept {
     const std::lock_guard lock(mutex_);
     checker_.swap(checker);
+}
+
+void BasicAuthenticator::setUsers(UserTable users) {
+    setChecker(makeChecker(std::move(users)));
 }
 
 std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(const TSKHTTPRequest& request) const {
@@ -85,6 +92,11 @@ bool BasicAuthenticator::verify(TSKHTTPRequest& request) const {
     if (auto* const prepared = dynamic_cast<PreparedRequest*>(&request))
         prepared->setLogin(login);
     return login != nullptr && login->checker->check(login->credentials, login->claim);
+}
+
+std::string BasicAuthenticator::userOf(const TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    return login == nullptr ? std::string() : login->credentials.user;
 }
 
 bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,

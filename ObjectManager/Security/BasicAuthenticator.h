@@ -27,6 +27,11 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// Errors: std::bad_alloc; the users stay as they were.
     void setUsers(UserTable users);
 
+    /// setUsers() in two parts, of which only the first can fail, for callers that replace more
+    /// than the users. Errors: std::bad_alloc.
+    [[nodiscard]] std::shared_ptr<CredentialChecker> makeChecker(UserTable users) const;
+    void setChecker(std::shared_ptr<CredentialChecker> checker) noexcept;
+
     /// A copy of `request` that carries its credentials, parsed and digested, so that the other
     /// functions do not parse them again. They do so if the header field or the users have changed
     /// since.
@@ -52,6 +57,11 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// authenticateRequest() needs no hash for them after that, unless the users are replaced.
     /// Errors: TeskBaseException without memory.
     [[nodiscard]] bool verify(TSKHTTPRequest& request) const;
+
+    /// The name of the user in the credentials of `request`, whether they are right or not; empty
+    /// if it has none.
+    /// Errors: std::bad_alloc; TeskBaseException without memory.
+    [[nodiscard]] std::string userOf(const TSKHTTPRequest& request) const;
 
     /// Reads nothing of `request` but its header field "Authorization", and writes nothing: whoever
     /// calls the providers responds to unauthenticated requests.

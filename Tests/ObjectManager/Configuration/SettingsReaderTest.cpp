@@ -50,7 +50,8 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "password_file:\n"
               "credential_lifetime: 300000 ms\n"
               "level: 3\n"
-              "file:\n");
+              "file:\n"
+              "access:\n");
     EXPECT_EQ(settingsOf(""), Settings());
     EXPECT_EQ(settingsOf("\xEF\xBB\xBF# nothing\n[server]\n[namespaces]\n"), Settings());
 }
@@ -80,6 +81,7 @@ credential_lifetime = 60
 [log]
 level = 4
 file = "tesk.log"
+access = "access.log"
 )")),
               "namespace root/cimv2: cim.mof\n"
               "namespace Interop: interop extra.mof\n"
@@ -98,7 +100,8 @@ file = "tesk.log"
               "password_file: users\n"
               "credential_lifetime: 60000 ms\n"
               "level: 4\n"
-              "file: tesk.log\n");
+              "file: tesk.log\n"
+              "access: access.log\n");
 }
 
 TEST(SettingsReader, OneTextStandsForAListOfOne) {
@@ -117,6 +120,7 @@ a = ["a.mof", "/b.mof"]
 password_file = "users"
 [log]
 file = "logs/tesk.log"
+access = "logs/access.log"
 )");
     EXPECT_EQ(errorsOf(reading), "");
     const Settings& settings = reading.settings;
@@ -126,12 +130,21 @@ file = "logs/tesk.log"
               (std::vector<std::string>{"/etc/tesk/a.mof", "/b.mof"}));
     EXPECT_EQ(settings.security.passwordFile, "/etc/tesk/users");
     EXPECT_EQ(settings.log.file, "/etc/tesk/logs/tesk.log");
+    EXPECT_EQ(settings.log.access, "/etc/tesk/logs/access.log");
 }
 
 TEST(SettingsReader, AnEmptyNameOfAFileMeansNone) {
     const Settings settings =
-        parseSettings("/etc/tesk.toml", "security.password_file = ''\nlog.file = ''").settings;
+        parseSettings("/etc/tesk.toml",
+                      "security.password_file = ''\nlog.file = ''\nlog.access = ''")
+            .settings;
     EXPECT_EQ(settings, Settings());
+}
+
+TEST(SettingsReader, ADashAsAccessLogMeansStandardOutput) {
+    EXPECT_EQ(parseSettings("/etc/tesk.toml", "log.access = '-'").settings.log.access, "-");
+    EXPECT_EQ(errorIn("log", "access = 1"),
+              "10: error: \"access\" in [log] must be a path or \"-\", not 1\n");
 }
 
 TEST(SettingsReader, NumbersHaveTheirLimits) {
@@ -354,8 +367,8 @@ a = 1
     EXPECT_EQ(
         errorsOf(reading),
         "tesk.toml:2:9: error: \"level\" in [log] must be a whole number from 1 to 4, not 9\n"
-        "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\" and "
-        "\"file\"\n"
+        "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\", "
+        "\"file\" and \"access\"\n"
         "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
         "1024, not \"all\"\n"
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
@@ -446,7 +459,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 16);
+    EXPECT_EQ(count, 17);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

@@ -54,7 +54,8 @@ std::string textOf(const Settings& settings) {
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));
-    return text + line("file", settings.log.file);
+    text += line("file", settings.log.file);
+    return text + line("access", settings.log.access);
 }
 
 std::string errorsOf(const SettingsReading& reading) {

@@ -42,7 +42,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_, authentication_);
+        server_.emplace(options_, manager_, authentication_, report_);
         server_->start();
     }
 
@@ -88,6 +88,7 @@ class RunningServer : public testing::Test {
 
     Http::Options options_;
     Http::Authentication authentication_;
+    Http::Server::Report report_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     LogRecording log_;
