@@ -9,9 +9,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/Authentication.h"
 #include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
@@ -35,9 +37,7 @@ struct ConnectionContext {
     WorkerPool& workers;
     ConnectionSet& connections;
 
-    /// See Server; may be empty.
-    std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
-    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+    Authentication authentication = {};
 
     /// Called after a connection has given its file descriptor back; may be empty. Called by
     /// several threads at once; must not throw.
@@ -59,8 +59,10 @@ struct ConnectionContext {
 ///
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
-/// - processing: a worker runs the provider and sends what the socket takes at once. If that is the
-///   whole response and the client sends nothing more, the worker closes the connection.
+/// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
+///   and sends what the socket takes at once. If that is the whole response and the client sends
+///   nothing more, the worker closes the connection. If the provider takes too long, the I/O thread
+///   sends an error, and what the provider writes later is dropped.
 /// - writing: the I/O thread sends the rest as the client reads it.
 /// - lingering: the client has the response but still sends. To close the connection now would
 ///   discard what the client has not read yet, so its bytes are read and dropped first.
@@ -108,12 +110,16 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void take(Step step);
     void readHeader();
     void queueRequest();
-    [[nodiscard]] bool postToWorkers();
+    void postToWorkers();
+    void endHash(bool isHashed);
+    void refuseForLackOfPlaces();
     [[nodiscard]] ClientKey clientKey() const noexcept;
+    [[nodiscard]] std::string_view requestLine() const;
     [[nodiscard]] TSKHTTPRequest& request();
     void refuseBytes(const Error& error);
     void sendError(const Error& error);
     void processRequest();
+    void endOverdue();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
@@ -136,10 +142,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
     Phase phase_ = Phase::kReading;          // used by the I/O thread only
     bool isLimited_ = false;                 // whether the timeout of a phase has begun
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
+    // Set by the thread that responds, the worker or the I/O thread, whichever is first.
+    std::atomic<bool> isAnswered_ = false;
+    bool hasQueuedAgain_ = false;  // for another hash
+    bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
     std::string received_;
     RequestParser parser_;
-    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
+    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare
     bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
     bool hasRequest_ = false;     // the header section has come in
     std::optional<Response> response_;

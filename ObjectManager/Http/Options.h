@@ -61,6 +61,12 @@ struct Options {
     /// network, short enough that idle clients do not hold connections for long.
     std::chrono::milliseconds headerTimeout = std::chrono::seconds(10);
 
+    /// Time for a provider to make a response; the client gets 504 then, and another worker takes
+    /// the place of the one that waits for the provider, as often as there are workers. 0 for no
+    /// limit. The largest documents take some seconds, also on a slow machine; a provider that
+    /// needs a minute will not return at all.
+    std::chrono::milliseconds requestTimeout = std::chrono::seconds(60);
+
     /// Time for a client to read the whole response; the connection is closed then. A document of
     /// 10 MiB needs 3 Mbit/s.
     std::chrono::milliseconds responseTimeout = std::chrono::seconds(30);
@@ -98,9 +104,18 @@ struct Options {
     /// few compared to the file descriptors that the process has.
     std::size_t maxRefusedConnections = 64;
 
-    /// Requests that wait for a worker to hash their password. One more gets 503. A hash takes
-    /// about 15 ms, so with a single worker for them the last of 256 waits for 4 s.
+    /// Passwords that wait to be hashed. One more gets 503, or takes a place of the client that has
+    /// most of them. A hash takes about 15 ms, so with a single worker for them the last of 256
+    /// waits for 4 s. Requests with equal credentials count as one.
     std::size_t maxWaitingHashes = 256;
+
+    /// Those of one client: a quarter, so that others have places at once.
+    std::size_t maxWaitingHashesPerClient = 64;
+
+    /// Passwords that are hashed at once. Each takes a processor for 15 ms and 16 MiB of memory;
+    /// clients that send wrong passwords must not take more than this. Where there are two or more
+    /// workers, one of them never hashes.
+    unsigned maxRunningHashes = 4;
 
     /// How long, and for how many bytes, a connection lingers: after the response it stays open
     /// for a client that is still sending, since closing it would discard what the client has not

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/system/error_code.hpp>
 #include <chrono>
 #include <limits>
 #include <new>
@@ -27,6 +29,7 @@ namespace Http {
 namespace {
 
 using boost::asio::ip::tcp;
+using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 // How long the handshake of a connection takes, even to a distant client.
@@ -80,11 +83,10 @@ std::size_t clientLimit(const Options& options) {
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
+                   Authentication authentication, Report report)
         : options_(withinDescriptors(options)),
           maxConnectionsPerClient_(clientLimit(options_)),
-          needsPasswordHash_(std::move(needsPasswordHash)),
-          prepare_(std::move(prepare)),
+          authentication_(std::move(authentication)),
           report_(std::move(report)),
           dispatcher_(manager) {
         for (const ListenAddress& address : options.listen) {
@@ -108,7 +110,11 @@ class Server::Implementation {
     }
 
     void start() {
-        workers_.emplace(workerCount(options_), options_.maxWaitingHashes);
+        workers_.emplace(
+            workerCount(options_),
+            WorkerPool::Limits{.maxRunningHashes = options_.maxRunningHashes,
+                               .hashes = {.places = options_.maxWaitingHashes,
+                                          .placesPerClient = options_.maxWaitingHashesPerClient}});
         context_.emplace(contextOf(connections_));
         refusedContext_.emplace(contextOf(refused_));
         for (const std::unique_ptr<Listener>& listener : listeners_) {
@@ -118,6 +124,8 @@ class Server::Implementation {
                 },
                 options_.descriptorTimeout);
         }
+        if (options_.requestTimeout.count() > 0)
+            findOverdueRequests();
         ioThread_.start();
     }
 
@@ -144,8 +152,7 @@ class Server::Implementation {
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
                 .connections = connections,
-                .needsPasswordHash = needsPasswordHash_,
-                .prepare = prepare_,
+                .authentication = authentication_,
                 .onClosed = [this] { onClosed(); },
                 .report = report_};
     }
@@ -212,6 +219,35 @@ class Server::Implementation {
             connection->abandon();
     }
 
+    // Looks again and again for requests that take too long.
+    void findOverdueRequests() {
+        overdueTimer_.expires_after(std::clamp<milliseconds>(
+            options_.requestTimeout / 8, milliseconds(1), std::chrono::seconds(1)));
+        overdueTimer_.async_wait([this](const boost::system::error_code& error) {
+            if (error)
+                return;
+            findOverdueRequests();
+            endOverdueRequests();
+        });
+    }
+
+    void endOverdueRequests() {
+        const auto overdue =
+            workers_->replaceOverdue(steady_clock::now() - options_.requestTimeout);
+        for (const WorkerPool::Overdue& request : overdue) {
+            request.whenOverdue();
+            const std::string limit = std::to_string(workerCount(options_));
+            const std::string text =
+                request.isReplaced
+                    ? "A worker that waits for a provider is replaced by another one, " +
+                          std::to_string(request.replacements) + " of at most " + limit + " times"
+                    : "A worker that waits for a provider cannot be replaced; " +
+                          std::to_string(request.replacements) + " of at most " + limit +
+                          " have been";
+            Base::log(kLogComponent, TeskTraceLog::SeverityError, text);
+        }
+    }
+
     // Lets listeners go on that have run out of file descriptors. Called by all threads.
     void onClosed() noexcept {
         const auto isWaiting = [](const std::unique_ptr<Listener>& listener) {
@@ -231,9 +267,8 @@ class Server::Implementation {
 
     const Options options_;
     const std::size_t maxConnectionsPerClient_;
-    NeedsPasswordHash needsPasswordHash_;
-    Prepare prepare_;
-    Report report_;
+    const Authentication authentication_;
+    const Report report_;
     Dispatcher dispatcher_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
@@ -242,15 +277,16 @@ class Server::Implementation {
     IoThread ioThread_;
     std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<ListenAddress> addresses_;
+    boost::asio::steady_timer overdueTimer_{ioThread_.context()};
     bool isStopping_ = false;
     std::atomic<bool> hasEnded_ = false;  // the listeners may be gone
     std::optional<WorkerPool> workers_;
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               NeedsPasswordHash needsPasswordHash, Prepare prepare, Report report)
-    : implementation_(std::make_unique<Implementation>(
-          options, manager, std::move(needsPasswordHash), std::move(prepare), std::move(report))) {}
+               Authentication authentication, Report report)
+    : implementation_(std::make_unique<Implementation>(options, manager, std::move(authentication),
+                                                       std::move(report))) {}
 
 Server::~Server() = default;
 

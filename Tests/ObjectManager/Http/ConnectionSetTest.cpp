@@ -32,7 +32,7 @@ class ConnectionSetTest : public testing::Test {
     Http::ConnectionSet set_;
     TeskProviderPluginManager manager_;
     Http::Dispatcher dispatcher_{manager_};
-    Http::WorkerPool workers_{1, 1};
+    Http::WorkerPool workers_{1, {}};
     Http::Options options_;
     Http::ConnectionContext context_{
         .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};

@@ -46,7 +46,7 @@ class ConnectionTest : public RunningServer {
                         std::string& response) {
         const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
-        Http::WorkerPool workers(1, options_.maxWaitingHashes);
+        Http::WorkerPool workers(1, {});
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,

@@ -42,7 +42,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_, needsPasswordHash_, prepare_, report_);
+        server_.emplace(options_, manager_, authentication_, report_);
         server_->start();
     }
 
@@ -87,8 +87,7 @@ class RunningServer : public testing::Test {
     }
 
     Http::Options options_;
-    Http::Server::NeedsPasswordHash needsPasswordHash_;
-    Http::Server::Prepare prepare_;
+    Http::Authentication authentication_;
     Http::Server::Report report_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;

@@ -5,8 +5,11 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <memory>
+#include <mutex>
 #include <netinet/in.h>
+#include <optional>
 #include <poll.h>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
@@ -74,30 +77,39 @@ class ServerTest : public RunningServer {
         return client;
     }
 
-    // Makes "/test/slow" a request that needs a password hash and waits for `goesOn`; all others
-    // get their response at once.
-    void serveSlowly(const std::atomic<bool>& goesOn) {
-        provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
-            if (request.getUri() == "/test/slow") {
-                ++calls_;
-                calls_.notify_all();
-                goesOn.wait(false);
-            }
-            writeTo(ostr, kHello);
+    // Makes requests for "/test/PASSWORD" need a hash for their password, which waits for `goesOn`
+    // unless it is "right".
+    void hashSlowly(const std::atomic<bool>& goesOn) {
+        authentication_.unverifiedLogin =
+            [this](const TSKHTTPRequest& request) -> std::optional<Http::Authentication::Login> {
+            const std::string path = request.getUri().data();
+            const std::lock_guard lock(mutex_);
+            ++asked_;
+            asked_.notify_all();
+            if (path == "/test" || verified_.contains(path))
+                return std::nullopt;
+            return {{.user = "alice", .credentials = path}};
         };
-        needsPasswordHash_ = [this](const TSKHTTPRequest& request) {
-            const bool isSlow = request.getUri() == "/test/slow";
-            slowRequests_ += isSlow ? 1 : 0;
-            slowRequests_.notify_all();
-            return isSlow;
+        authentication_.verify = [&](TSKHTTPRequest& request) {
+            const std::string path = request.getUri().data();
+            ++calls_;
+            calls_.notify_all();
+            if (path != "/test/right")
+                goesOn.wait(false);
+            const std::lock_guard lock(mutex_);
+            hashed_.push_back(path);
+            verified_.insert(path);
+            return path == "/test/right";
         };
     }
 
-    // A client whose request for "/test/slow" the server has read.
-    [[nodiscard]] Client sendingSlow() {
-        const int before = slowRequests_;
-        Client client = sending("GET /test/slow HTTP/1.1\r\nHost: a\r\n\r\n");
-        slowRequests_.wait(before);
+    // A client whose request with that password the server has read.
+    [[nodiscard]] Client sendingPassword(const std::string& password,
+                                         const std::string& source = "127.0.0.1") {
+        const int before = asked_;
+        Client client =
+            sendingFrom(source, "GET /test/" + password + " HTTP/1.1\r\nHost: a\r\n\r\n");
+        asked_.wait(before);
         return client;
     }
 
@@ -136,7 +148,10 @@ class ServerTest : public RunningServer {
     std::promise<void> begun_;
     std::promise<void> goOn_;
     std::atomic<int> calls_ = 0;
-    std::atomic<int> slowRequests_ = 0;
+    std::atomic<int> asked_ = 0;
+    std::mutex mutex_;
+    std::set<std::string> verified_;  // guarded by mutex_
+    Lines hashed_;                    // in their order; guarded by mutex_
     std::atomic<bool> hasReturned_ = false;
 };
 
@@ -147,7 +162,10 @@ TEST(HttpOptions, TheDefaults) {
     EXPECT_EQ(options.maxHeaderSize, 16'384U);
     EXPECT_EQ(options.maxRequestLine, 8'192U);
     EXPECT_EQ(options.maxHeaderFields, 100U);
+    EXPECT_EQ(options.requestTimeout, seconds(60));
     EXPECT_EQ(options.maxWaitingHashes, 256U);
+    EXPECT_EQ(options.maxWaitingHashesPerClient, 64U);
+    EXPECT_EQ(options.maxRunningHashes, 4U);
     EXPECT_EQ(options.maxConnections, 4'096U);
     EXPECT_EQ(options.maxConnectionsPerClient, std::nullopt);
     EXPECT_EQ(options.maxRefusedConnections, 64U);
@@ -168,7 +186,7 @@ TEST_F(ServerTest, ReportsTheAddressThatItListensOn) {
 }
 
 TEST_F(ServerTest, ServesClientsThatConnectedBeforeItStarted) {
-    server_.emplace(options_, manager_, needsPasswordHash_);
+    server_.emplace(options_, manager_);
     const Client client = sending(kGet);
     server_->start();
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
@@ -324,7 +342,7 @@ TEST_F(ServerTest, ATrustedProxyHasNoLimitOfItsOwn) {
 
 TEST_F(ServerTest, ARefusedClientThatHasSentItsRequestGetsTheResponse) {
     options_.maxConnectionsPerClient = 1;
-    server_.emplace(options_, manager_, needsPasswordHash_);
+    server_.emplace(options_, manager_);
     const Client first = connect();
     const Client second = sending(kGet);
     const Client third = sending("HEAD /test HTTP/1.1\r\nHost: a\r\n\r\n");
@@ -428,12 +446,12 @@ TEST_F(ServerTest, TheLimitOfConnectionsIsForAllAddressesTogether) {
 
 TEST_F(ServerTest, RequestsThatNeedAPasswordHashNeverBlockOthers) {
     std::atomic<bool> goesOn = false;
-    serveSlowly(goesOn);
+    hashSlowly(goesOn);
     options_.workers = 2;
     start();
     std::vector<Client> slow;
-    for (int count = 0; count < 10; ++count)
-        slow.push_back(sendingSlow());
+    for (int count = 0; count < 6; ++count)
+        slow.push_back(sendingPassword("wrong" + std::to_string(count)));
     for (int count = 0; count < 10; ++count)
         EXPECT_EQ(responseTo(kGet), kHello);
     EXPECT_EQ(calls_, 1);  // one at a time
@@ -441,42 +459,149 @@ TEST_F(ServerTest, RequestsThatNeedAPasswordHashNeverBlockOthers) {
     goesOn.notify_all();
     for (const Client& client : slow)
         EXPECT_EQ(withoutDate(client.readAll()), kHello);
-    EXPECT_EQ(calls_, 10);
+    EXPECT_EQ(calls_, 6);
+}
+
+TEST_F(ServerTest, FourHundredRequestsWithOnePasswordAreServedAfterOneHash) {
+    std::atomic<bool> goesOn = false;
+    hashSlowly(goesOn);
+    start();
+    std::vector<Client> clients;
+    for (int count = 0; count < 400; ++count)
+        clients.push_back(sendingPassword("one"));
+    EXPECT_EQ(calls_, 1);
+    goesOn = true;
+    goesOn.notify_all();
+    for (const Client& client : clients)
+        EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(calls_, 1);
+}
+
+TEST_F(ServerTest, FourHundredWrongPasswordsDoNotKeepAnotherAddressOut) {
+    std::atomic<bool> goesOn = false;
+    hashSlowly(goesOn);
+    options_.workers = 2;
+    start();
+    std::vector<Client> strangers;
+    for (int count = 0; count < 400; ++count)
+        strangers.push_back(sendingPassword("wrong" + std::to_string(count)));
+    const Client user = sendingPassword("right", "127.0.0.2");
+    EXPECT_EQ(strangers.back().readAll().substr(0, 12), "HTTP/1.1 503");
+    goesOn = true;
+    goesOn.notify_all();
+    EXPECT_EQ(withoutDate(user.readAll()), kHello);
+    // One ran already, and the address of the strangers may have had the next turn.
+    const std::lock_guard lock(mutex_);
+    EXPECT_TRUE(std::ranges::find(hashed_.begin(), hashed_.begin() + 3, "/test/right") !=
+                hashed_.begin() + 3);
+}
+
+TEST_F(ServerTest, BehindATrustedProxyEachClientHasItsShareOfHashes) {
+    std::atomic<bool> goesOn = false;
+    hashSlowly(goesOn);
+    options_.workers = 2;
+    options_.maxWaitingHashesPerClient = 1;
+    options_.trustedProxies = {Http::Network::parse("127.0.0.1")};
+    start();
+    const auto sendingBehindProxy = [&](const std::string& client, const std::string& password) {
+        const int before = asked_;
+        Client result = sending("GET /test/" + password + " HTTP/1.1\r\nHost: a\r\n" +
+                                "X-Forwarded-For: " + client + "\r\n\r\n");
+        asked_.wait(before);
+        return result;
+    };
+    const Client running = sendingBehindProxy("192.0.2.1", "wrong1");
+    calls_.wait(0);
+    const Client waiting = sendingBehindProxy("192.0.2.1", "wrong2");
+    const Client refused = sendingBehindProxy("192.0.2.1", "wrong3");
+    const Client other = sendingBehindProxy("192.0.2.2", "wrong4");
+    EXPECT_EQ(refused.readAll().substr(0, 12), "HTTP/1.1 503");
+    goesOn = true;
+    goesOn.notify_all();
+    for (const Client* const client : {&running, &waiting, &other})
+        EXPECT_EQ(withoutDate(client->readAll()), kHello);
 }
 
 TEST_F(ServerTest, OneWaitingPasswordHashTooManyIsRefused) {
     std::atomic<bool> goesOn = false;
-    serveSlowly(goesOn);
+    hashSlowly(goesOn);
     options_.workers = 2;
     options_.maxWaitingHashes = 2;
     start();
     std::vector<Client> slow;
-    slow.push_back(sendingSlow());
+    slow.push_back(sendingPassword("wrong1"));
     calls_.wait(0);
-    slow.push_back(sendingSlow());
-    slow.push_back(sendingSlow());
-    EXPECT_EQ(withoutDate(sendingSlow().readAll()),
-              error("503 Service Unavailable",
-                    "The server has too many requests. Try again "
-                    "later."));
+    slow.push_back(sendingPassword("wrong2"));
+    slow.push_back(sendingPassword("wrong3"));
+    EXPECT_EQ(
+        withoutDate(sendingPassword("wrong4").readAll()),
+        error("503 Service Unavailable", "The server has too many requests. Try again later."));
     EXPECT_EQ(responseTo(kGet), kHello);
     goesOn = true;
     goesOn.notify_all();
     for (const Client& client : slow)
         EXPECT_EQ(withoutDate(client.readAll()), kHello);
-    EXPECT_EQ(withoutDate(sendingSlow().readAll()), kHello);
+    EXPECT_EQ(withoutDate(sendingPassword("wrong5").readAll()), kHello);
 }
 
-TEST_F(ServerTest, NeedsPasswordHashAndTheProviderGetThePreparedRequest) {
+TEST_F(ServerTest, AProviderThatDoesNotReturnCostsItsWorkerNotTheService) {
+    options_.requestTimeout = milliseconds(500);
+    holdRequests();
+    options_.workers = 2;
+    start();
+    const std::string late =
+        error("504 Gateway Timeout", "The server did not make the response in time.");
+    const Lines line = {
+        "HttpFrontEnd|1|2|GET /test/hold HTTP/1.1: the provider did not respond in time"};
+    const std::string replaced =
+        "HttpFrontEnd|1|2|A worker that waits for a provider is replaced by another one, ";
+    const Client first = holding();
+    const Client second = holding();
+    EXPECT_EQ(withoutDate(first.readAll()), late);
+    EXPECT_EQ(withoutDate(second.readAll()), late);
+    for (int count = 0; count < 10; ++count)
+        EXPECT_EQ(responseTo(kGet), kHello);
+    const Client third = holding();
+    EXPECT_EQ(withoutDate(third.readAll()), late);
+    EXPECT_EQ(responseTo(kGet), kHello);  // by the last worker
+    expectedLog_ = {line[0],
+                    replaced + "1 of at most 2 times",
+                    line[0],
+                    replaced + "2 of at most 2 times",
+                    line[0],
+                    "HttpFrontEnd|1|2|A worker that waits for a provider cannot be replaced; 2 of "
+                    "at most 2 have been"};
+    options_.shutdownTimeout = milliseconds(1);
+    release();
+    EXPECT_TRUE(waitUntil([&] { return server_->stop(); }));
+}
+
+TEST_F(ServerTest, StopReportsAProviderWhoseWorkerWasReplaced) {
+    options_.requestTimeout = milliseconds(1);
+    options_.shutdownTimeout = milliseconds(1);
+    holdRequests();
+    start();
+    const Client client = holding();
+    EXPECT_EQ(client.readAll().substr(0, 12), "HTTP/1.1 504");
+    EXPECT_FALSE(server_->stop());
+    release();
+    EXPECT_TRUE(waitUntil([&] { return server_->stop(); }));
+    expectedLog_ = log_.lines();
+    EXPECT_EQ(expectedLog_.size(), 2U);
+}
+
+TEST_F(ServerTest, AuthenticationAndTheProviderGetThePreparedRequest) {
     class Prepared : public TSKHTTPRequest {
       public:
         explicit Prepared(const TSKHTTPRequest& request) : TSKHTTPRequest(request) {}
     };
     std::atomic<bool> wasAskedAboutIt = false;
-    prepare_ = [](const TSKHTTPRequest& request) { return std::make_unique<Prepared>(request); };
-    needsPasswordHash_ = [&](const TSKHTTPRequest& request) {
+    authentication_.prepare = [](const TSKHTTPRequest& request) {
+        return std::make_unique<Prepared>(request);
+    };
+    authentication_.unverifiedLogin = [&](const TSKHTTPRequest& request) {
         wasAskedAboutIt = dynamic_cast<const Prepared*>(&request) != nullptr;
-        return false;
+        return std::nullopt;
     };
     provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         EXPECT_NE(dynamic_cast<const Prepared*>(&request), nullptr);
@@ -488,11 +613,11 @@ TEST_F(ServerTest, NeedsPasswordHashAndTheProviderGetThePreparedRequest) {
     EXPECT_TRUE(wasAskedAboutIt);
 }
 
-TEST_F(ServerTest, AFailureOfNeedsPasswordHashClosesOneConnection) {
-    needsPasswordHash_ = [](const TSKHTTPRequest& request) -> bool {
+TEST_F(ServerTest, AFailureOfTheAuthenticationClosesOneConnection) {
+    authentication_.prepare = [](const TSKHTTPRequest& request) {
         if (request.getUri() == "/test/bad")
             throw std::runtime_error("reason");
-        return false;
+        return std::make_unique<TSKHTTPRequest>(request);
     };
     start();
     const Client client = sending("GET /test/bad HTTP/1.1\r\n");
@@ -581,7 +706,7 @@ TEST_F(ServerTest, StopsWithoutClients) {
 }
 
 TEST_F(ServerTest, StopsBeforeItHasStarted) {
-    server_.emplace(options_, manager_, needsPasswordHash_);
+    server_.emplace(options_, manager_);
     EXPECT_TRUE(server_->stop());
     EXPECT_TRUE(refusesConnections(port()));
 }
@@ -615,7 +740,7 @@ TEST_F(ServerTest, StopServesClientsThatWaitToBeAccepted) {
     options_.stopGrace = kPatience;
     std::promise<void> begun;
     std::promise<void> goOn;
-    prepare_ = [&](const TSKHTTPRequest& request) {
+    authentication_.prepare = [&](const TSKHTTPRequest& request) {
         if (request.getUri() == "/test/block") {
             begun.set_value();
             goOn.get_future().wait();  // blocks the I/O thread
