@@ -47,17 +47,15 @@ std::string shellQuoted(const std::string& path) {
 
 std::string readPrivateFile(const std::string& path) {
     try {
-        const Base::FileDescriptor file = Base::openForReading(path, Base::FileKind::kRegular);
+        const Base::FileDescriptor file = Base::openForReading(path);
         const Base::FileVersion version = Base::FileVersion::of(file);
-        if (!version.isRegular())
-            fail(path + ": is not a regular file");
         if (version.isAccessibleToOthers()) {
             fail(path + ": others than its owner can read or write it; correct that with: " +
                  "chmod 600 " + shellQuoted(path));
         }
         return Base::readAll(file, kMaxFileSize);
     } catch (const std::system_error& error) {
-        if (error.code() == std::errc::not_supported)
+        if (error.code() == std::errc::not_supported || error.code() == std::errc::is_a_directory)
             fail(path + ": is not a regular file");
         fail(path, "cannot be read", error.code());
     }

@@ -38,6 +38,8 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "include_path:\n"
               "property_order: name\n"
               "escape_descriptions: true\n"
+              "max_document_size: 67108864\n"
+              "max_model_size: 268435456\n"
               "listen: 127.0.0.1:5985\n"
               "workers: 0\n"
               "max_header_size: 16384\n"
@@ -63,6 +65,8 @@ Interop = ["interop", "extra.mof"]
 [repository]
 property_order = "declaration"
 escape_descriptions = false
+max_document_size = 16384
+max_model_size = 1099511627776
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
 workers = 3
@@ -84,6 +88,8 @@ file = "tesk.log"
               "include_path: common /usr/share/mof\n"
               "property_order: declaration\n"
               "escape_descriptions: false\n"
+              "max_document_size: 16384\n"
+              "max_model_size: 1099511627776\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
               "workers: 3\n"
               "max_header_size: 1000\n"
@@ -305,8 +311,8 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
               "1: error: unknown key \"max-connection\" in [server]; did you mean "
               "\"max_connections\"?\n");
     EXPECT_EQ(errorIn("repository", "order = 1"),
-              "1: error: unknown key \"order\" in [repository]; known are \"property_order\" and "
-              "\"escape_descriptions\"\n");
+              "1: error: unknown key \"order\" in [repository]; known are \"property_order\", "
+              "\"escape_descriptions\", \"max_document_size\" and \"max_model_size\"\n");
     EXPECT_EQ(errorIn("", "includepath = 1"),
               "1: error: unknown key \"includepath\"; did you mean \"include_path\"?\n");
     EXPECT_EQ(errorIn("", "listen = 1"),
@@ -383,7 +389,7 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
 
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
     EXPECT_EQ(errorsOf(readSettings(directory_.path())),
-              directory_.path().string() + ": error: cannot be read: Is a directory\n");
+              directory_.path().string() + ": error: cannot be read: it is a directory\n");
 }
 
 TEST_F(SettingsFileTest, HasUpToOneMebibyte) {
@@ -429,7 +435,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 15);
+    EXPECT_EQ(count, 17);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {
