@@ -50,6 +50,7 @@ class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
         : TSKHTTPRequest(request), login_(std::move(login)) {}
 
     [[nodiscard]] const std::shared_ptr<const Login>& login() const noexcept { return login_; }
+    void setLogin(std::shared_ptr<const Login> login) noexcept { login_ = std::move(login); }
 
   private:
     std::shared_ptr<const Login> login_;  // null without credentials
@@ -75,9 +76,22 @@ std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(const TSKHTTPRequest
     return std::make_unique<PreparedRequest>(request, loginOf(request));
 }
 
-bool BasicAuthenticator::needsPasswordHash(const TSKHTTPRequest& request) const {
+std::optional<BasicAuthenticator::UnverifiedLogin> BasicAuthenticator::unverifiedLogin(
+    const TSKHTTPRequest& request) const {
     const std::shared_ptr<const Login> login = loginOf(request);
-    return login != nullptr && login->checker->needsPasswordHash(login->claim);
+    if (login == nullptr || !login->checker->needsPasswordHash(login->claim))
+        return std::nullopt;
+    const KeyedDigest& digest = login->claim.digest;
+    return UnverifiedLogin{.user = login->credentials.user,
+                           .credentials = std::string(digest.begin(), digest.end())};
+}
+
+bool BasicAuthenticator::verify(TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    // The result is kept for the authentication, also if it was prepared for former users.
+    if (auto* const prepared = dynamic_cast<PreparedRequest*>(&request))
+        prepared->setLogin(login);
+    return login != nullptr && login->checker->check(login->credentials, login->claim);
 }
 
 std::string BasicAuthenticator::userOf(const TSKHTTPRequest& request) const {

@@ -97,7 +97,7 @@ mode_t permissionsFor(const std::filesystem::path& path) noexcept {
 
 std::string readPrivateFile(const std::string& path, Reader reader) {
     try {
-        const Base::FileDescriptor file = Base::openForReading(path, Base::FileKind::kRegular);
+        const Base::FileDescriptor file = Base::openForReading(path);
         struct stat status = {};
         if (fstat(file.get(), &status) != 0)
             throw std::system_error(errno, std::generic_category());
@@ -107,7 +107,7 @@ std::string readPrivateFile(const std::string& path, Reader reader) {
         requireSafe(path, status, reader);
         return Base::readAll(file, kMaxFileSize);
     } catch (const std::system_error& error) {
-        if (error.code() == std::errc::not_supported)
+        if (error.code() == std::errc::not_supported || error.code() == std::errc::is_a_directory)
             fail(path + ": is not a regular file");
         if (error.code() == std::errc::file_too_large)
             fail(path + ": is larger than " + Base::bytesText(kMaxFileSize));

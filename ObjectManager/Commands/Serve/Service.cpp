@@ -7,6 +7,26 @@
 
 namespace Commands {
 
+namespace {
+
+Http::Authentication authenticationBy(
+    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
+    return {
+        .prepare = [authenticator](
+                       const TSKHTTPRequest& request) { return authenticator->prepare(request); },
+        .unverifiedLogin = [authenticator](const TSKHTTPRequest& request)
+            -> std::optional<Http::Authentication::Login> {
+            auto login = authenticator->unverifiedLogin(request);
+            if (!login)
+                return std::nullopt;
+            return {{.user = std::move(login->user), .credentials = std::move(login->credentials)}};
+        },
+        .verify =
+            [authenticator](TSKHTTPRequest& request) { return authenticator->verify(request); }};
+}
+
+}  // namespace
+
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
@@ -18,15 +38,8 @@ Service::Service(const Configuration::Settings& settings,
       index_(repository),
       host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
             {&index_}),
-      server_(
-          settings.server, host_.manager(),
-          [authenticator = authenticator_](const TSKHTTPRequest& request) {
-              return authenticator->needsPasswordHash(request);
-          },
-          [authenticator = authenticator_](const TSKHTTPRequest& request) {
-              return authenticator->prepare(request);
-          },
-          [this](const Http::Exchange& exchange) { report(exchange); }) {}
+      server_(settings.server, host_.manager(), authenticationBy(authenticator_),
+              [this](const Http::Exchange& exchange) { report(exchange); }) {}
 
 Service::~Service() = default;
 
