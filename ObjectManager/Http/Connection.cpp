@@ -248,16 +248,19 @@ Connection::Sending Connection::send() {
 void Connection::report() noexcept {
     if (!context_.report || !response_ || std::exchange(isReported_, true))
         return;
+    const TSKHTTPRequest* message = nullptr;
     // A provider that is late may still use its request.
-    const bool isFree = hasRequest_ && (!isOverdue_ || prepared_ != nullptr);
+    if (hasRequest_ && !isOverdue_)
+        message = &request();
+    else if (hasRequest_ && prepared_ != nullptr)
+        message = &parser_.request().message;
     ClientAddress client = ClientAddress::of(*client_.data());
-    if (isFree)
-        client = clientOf(parser_.request().message, client, context_.options.trustedProxies);
-    const TSKHTTPRequest& request = isOverdue_ ? parser_.request().message : this->request();
+    if (message != nullptr)
+        client = clientOf(*message, client, context_.options.trustedProxies);
     try {
         context_.report({.client = client,
                          .requestLine = requestLine(),
-                         .request = isFree ? &request : nullptr,
+                         .request = message,
                          .status = response_->status(),
                          .bodyBytes = response_->sentBodyBytes()});
     } catch (const std::exception&) {
