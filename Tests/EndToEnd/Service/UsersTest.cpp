@@ -168,6 +168,27 @@ TEST_F(ServiceUsers, WithoutAPasswordFileThePrintedCommandFetchesADocument) {
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
+// Whose connections these are does not matter: proxies may have as many as they like.
+TEST_F(ServiceUsers, AUserWhoIsRemovedIsRefusedWhileConnectionsTakeAllDescriptors) {
+    serverKeys_["trusted_proxies"] = "\"127.0.0.1\"";
+    writeConfiguration();
+    startWith({"-c", "ulimit -n 100 && exec \"$0\" serve --config \"$1\"", TESK_PROGRAM,
+               directory_ / "tesk.toml"},
+              "/bin/sh");
+    const Lines warnings = unusualLines(process().log());
+    std::vector<Client> idle;
+    for (int count = 0; count < 150; ++count)
+        idle.push_back(connect());
+    writeUsers("");
+    process().waitForLog("tesk: The users have changed");
+    idle.clear();
+    waitForResponse(with(basicField("alice", "secret")), "HTTP/1.1 401");
+    expectedLog_ = warnings;
+    expectedLog_.push_back(
+        "warning tesk: Every request is refused: " + (directory_ / "users").string() +
+        " has no users; \"tesk passwd\" adds them");
+}
+
 TEST_F(ServiceUsers, ThePasswordThatWasMadeIsShownAtATerminal) {
     PseudoTerminal terminal([] {
         return execl(TESK_PROGRAM, TESK_PROGRAM, "serve", "--listen", "127.0.0.1:0", nullptr);
