@@ -77,6 +77,10 @@ void readNamespaces(Table table, const Directory& directory,
     }
 }
 
+// Of a document without any member, and a terabyte.
+constexpr std::int64_t kLeastSize = 16'384;
+constexpr std::int64_t kMostSize = 1'099'511'627'776;
+
 void readRepository(Table table, Repository::Options& settings) {
     table.readChoice<Repository::PropertyOrder>(
         "property_order",
@@ -84,6 +88,8 @@ void readRepository(Table table, Repository::Options& settings) {
          {"declaration", Repository::PropertyOrder::kDeclaration}},
         settings.propertyOrder);
     table.readBoolean("escape_descriptions", settings.escapeDescriptions);
+    table.readInteger("max_document_size", kLeastSize, kMostSize, settings.maxDocumentSize);
+    table.readInteger("max_model_size", kLeastSize, kMostSize, settings.maxModelSize);
     table.reportUnknownKeys();
 }
 
@@ -160,12 +166,11 @@ std::string SettingsError::toString() const {
 
 SettingsReading readSettings(const std::string& path) {
     try {
-        // A pipe is read, too: shells pass the output of a command so.
-        return parseSettings(path, Base::readFile(path, kMaxFileSize, Base::FileKind::kAny));
+        return parseSettings(path, Base::readFile(path, kMaxFileSize));
     } catch (const std::system_error& error) {
         const std::string reason = error.code() == std::errc::file_too_large
                                        ? "it is longer than 1 MiB"
-                                       : error.code().message();
+                                       : Base::readFailure(error);
         return {.settings = {}, .errors = {{.file = path, .message = "cannot be read: " + reason}}};
     }
 }

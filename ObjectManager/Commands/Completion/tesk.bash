@@ -38,10 +38,10 @@ _tesk_unquoted() {
 # The options of a command.
 _tesk_options() {
   case $1 in
-    serve) echo --help --namespace --config --listen --password-file --log-level --access-log ;;
-    export) echo --help --output --host --namespace --config --jobs --prune ;;
-    check) echo --help --namespace --config --format --jobs ;;
-    classes) echo --help --namespace --config --format ;;
+    serve) echo --help --namespace --include-path --config --listen --password-file --log-level --access-log ;;
+    export) echo --help --output --host --namespace --include-path --config --jobs --prune ;;
+    check) echo --help --namespace --include-path --config --format --jobs ;;
+    classes) echo --help --namespace --include-path --config --format ;;
     passwd) echo --help --delete ;;
   esac
 }

@@ -38,6 +38,8 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "include_path:\n"
               "property_order: name\n"
               "escape_descriptions: true\n"
+              "max_document_size: 67108864\n"
+              "max_model_size: 268435456\n"
               "listen: 127.0.0.1:5985\n"
               "trusted_proxies:\n"
               "workers: 0\n"
@@ -67,6 +69,8 @@ Interop = ["interop", "extra.mof"]
 [repository]
 property_order = "declaration"
 escape_descriptions = false
+max_document_size = 16384
+max_model_size = 1099511627776
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
 trusted_proxies = ["10.0.0.0/8", "::1"]
@@ -92,6 +96,8 @@ access = "access.log"
               "include_path: common /usr/share/mof\n"
               "property_order: declaration\n"
               "escape_descriptions: false\n"
+              "max_document_size: 16384\n"
+              "max_model_size: 1099511627776\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
               "trusted_proxies: 10.0.0.0/8 ::1/128\n"
               "workers: 3\n"
@@ -339,8 +345,8 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
               "1: error: unknown key \"max-connection\" in [server]; did you mean "
               "\"max_connections\"?\n");
     EXPECT_EQ(errorIn("repository", "order = 1"),
-              "1: error: unknown key \"order\" in [repository]; known are \"property_order\" and "
-              "\"escape_descriptions\"\n");
+              "1: error: unknown key \"order\" in [repository]; known are \"property_order\", "
+              "\"escape_descriptions\", \"max_document_size\" and \"max_model_size\"\n");
     EXPECT_EQ(errorIn("", "includepath = 1"),
               "1: error: unknown key \"includepath\"; did you mean \"include_path\"?\n");
     EXPECT_EQ(errorIn("", "listen = 1"),
@@ -421,7 +427,7 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
 
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
     EXPECT_EQ(errorsOf(readSettings(directory_.path())),
-              directory_.path().string() + ": error: cannot be read: Is a directory\n");
+              directory_.path().string() + ": error: cannot be read: it is a directory\n");
 }
 
 TEST_F(SettingsFileTest, HasUpToOneMebibyte) {

@@ -35,6 +35,8 @@ std::string textOf(const Settings& settings) {
                                    ? "name"
                                    : "declaration");
     text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
+    text += line("max_document_size", settings.repository.maxDocumentSize);
+    text += line("max_model_size", settings.repository.maxModelSize);
     const Http::Options& server = settings.server;
     std::vector<std::string> addresses;
     for (const Http::ListenAddress& listen : server.listen)
