@@ -100,6 +100,9 @@ void readServer(Table table, Http::Options& settings) {
     });
     if (!addresses.empty())
         settings.listen = std::move(addresses);
+    table.readTexts("trusted_proxies", "a network", 0, [&](const std::string& text) {
+        settings.trustedProxies.push_back(Http::Network::parse(text));
+    });
     table.readInteger("workers", 0, 1024, settings.workers);
     table.readInteger("max_header_size", 256, 1'048'576, settings.maxHeaderSize);
     table.readInteger("max_request_line", 64, 1'048'576, settings.maxRequestLine);
@@ -123,6 +126,9 @@ void readLog(Table table, const Directory& directory, LogSettings& settings) {
     table.readInteger("level", 1, 4, settings.level);
     table.readText("file", "a path", [&](const std::string& path) {
         settings.file = directory.resolveUnlessEmpty(path);
+    });
+    table.readText("access", "a path or \"-\"", [&](const std::string& path) {
+        settings.access = path == "-" ? path : directory.resolveUnlessEmpty(path);
     });
     table.reportUnknownKeys();
 }

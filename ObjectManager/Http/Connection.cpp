@@ -1,49 +1,19 @@
 #include "ObjectManager/Http/Connection.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <utility>
 
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
+
 namespace Http {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
-
-void ConnectionSet::add(Connection& connection) {
-    const std::lock_guard lock(mutex_);
-    connections_.insert(&connection);
-}
-
-void ConnectionSet::remove(Connection& connection) noexcept {
-    const std::lock_guard lock(mutex_);
-    connections_.erase(&connection);
-    if (connections_.empty())
-        empty_.notify_all();
-}
-
-std::size_t ConnectionSet::size() const {
-    const std::lock_guard lock(mutex_);
-    return connections_.size();
-}
-
-std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
-    std::vector<std::shared_ptr<Connection>> connections;
-    const std::lock_guard lock(mutex_);
-    connections.reserve(connections_.size());
-    for (Connection* const connection : connections_) {
-        // Null for a connection that is being destroyed.
-        if (auto owned = connection->weak_from_this().lock())
-            connections.push_back(std::move(owned));
-    }
-    return connections;
-}
-
-bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
-    std::unique_lock lock(mutex_);
-    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
-}
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
@@ -57,14 +27,14 @@ Connection::~Connection() {
 }
 
 void Connection::start() {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
     socket_.non_blocking(true);
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     error_code ignored;  // shows again when the response is sent
     socket_.non_blocking(true, ignored);
     // Most clients have sent their request already, which tells whether its method is HEAD.
@@ -73,9 +43,23 @@ void Connection::refuse(const Error& error) {
     refuseBytes(error);
 }
 
-void Connection::closeIfReading() {
+void Connection::closeIfReading() noexcept {
+    try {
+        if (phase_ == Phase::kReading)
+            take(&Connection::readHeader);
+    } catch (const std::exception&) {
+        // The connection is closed.
+    }
     if (phase_ == Phase::kReading)
         close();
+}
+
+void Connection::makeRoom() {
+    if (phase_ != Phase::kReading)
+        return;
+    if (!received_.empty())
+        refuseBytes({.status = 503, .text = kTooManyConnections});
+    abandon();
 }
 
 void Connection::abandon() {
@@ -131,19 +115,56 @@ void Connection::queueRequest() {
     hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
-    if (context_.prepare)
-        prepared_ = context_.prepare(parser_.request().message);
-    if (!postToWorkers())
-        sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+    context_.connections.endReading(*this);
+    hasRequest_ = true;
+    if (context_.authentication.prepare)
+        prepared_ = context_.authentication.prepare(parser_.request().message);
+    postToWorkers();
 }
 
-// Returns whether a worker takes the request; the connection belongs to the worker then.
-bool Connection::postToWorkers() {
-    auto job = [self = shared_from_this()] { self->processRequest(); };
-    if (context_.needsPasswordHash && context_.needsPasswordHash(request()))
-        return context_.workers.postSlow(std::move(job));
-    context_.workers.postQuick(std::move(job));
-    return true;
+// The request belongs to the workers then.
+void Connection::postToWorkers() {
+    const Authentication& authentication = context_.authentication;
+    std::optional<Authentication::Login> login;
+    if (authentication.unverifiedLogin)
+        login = authentication.unverifiedLogin(request());
+    if (login) {
+        const ClientAddress client =
+            clientOf(parser_.request().message, ClientAddress::of(*client_.data()),
+                     context_.options.trustedProxies);
+        context_.workers.postHash(
+            {.client = ClientKey::of(client),
+             .user = std::move(login->user),
+             .credentials = std::move(login->credentials),
+             .hash =
+                 [self = shared_from_this()] {
+                     return self->context_.authentication.verify(self->request());
+                 },
+             .done = [self = shared_from_this()](bool isHashed) { self->endHash(isHashed); }});
+        return;
+    }
+    context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                               [self = shared_from_this()] { self->endOverdue(); });
+}
+
+// Run by any thread. The users may have been replaced since the hash was asked for: then the
+// provider must not do another one, which would delay quick requests.
+void Connection::endHash(bool isHashed) {
+    if (!isHashed)
+        continueOnIoThread(&Connection::refuseForLackOfPlaces);
+    else if (!std::exchange(hasQueuedAgain_, true))
+        postToWorkers();
+    else
+        context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                                   [self = shared_from_this()] { self->endOverdue(); });
+}
+
+void Connection::refuseForLackOfPlaces() {
+    sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+}
+
+ClientKey Connection::clientKey() const noexcept {
+    return ClientKey::of(ClientAddress::of(*client_.data()));
 }
 
 TSKHTTPRequest& Connection::request() {
@@ -162,7 +183,10 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    response_ = context_.dispatcher.respond(request(), client_);
+    Response response = context_.dispatcher.respond(request(), client_);
+    if (isAnswered_.exchange(true))
+        return;
+    response_ = std::move(response);
     const Sending sending = isAbandoned_ ? Sending::kFailed : send();
     if (sending == Sending::kBlocked)
         continueOnIoThread(&Connection::beginWriting);
@@ -172,8 +196,27 @@ void Connection::processRequest() {
         closeSocket();
 }
 
+// The request may be used by the provider at this time, but the bytes as they were received are
+// not.
+void Connection::endOverdue() {
+    if (phase_ != Phase::kProcessing || isAnswered_.exchange(true))
+        return;
+    isOverdue_ = true;
+    Base::log(kLogComponent, TeskTraceLog::SeverityError,
+              Base::logText(requestLine()) + ": the provider did not respond in time");
+    sendError({.status = 504, .text = "The server did not make the response in time."});
+}
+
+std::string_view Connection::requestLine() const {
+    const std::string_view bytes = received_;
+    const std::size_t start = std::min(bytes.find_first_not_of("\r\n"), bytes.size());
+    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
+    return bytes.substr(start, end - start);
+}
+
 void Connection::beginWriting() {
     phase_ = Phase::kWriting;
+    context_.connections.endReading(*this);
     limitPhase(context_.options.responseTimeout);
     write();
 }
@@ -198,7 +241,28 @@ Connection::Sending Connection::send() {
         if (error)
             return Sending::kFailed;
     }
+    report();
     return Sending::kDone;
+}
+
+void Connection::report() noexcept {
+    if (!context_.report || !response_ || std::exchange(isReported_, true))
+        return;
+    // A provider that is late may still use its request.
+    const bool isFree = hasRequest_ && (!isOverdue_ || prepared_ != nullptr);
+    ClientAddress client = ClientAddress::of(*client_.data());
+    if (isFree)
+        client = clientOf(parser_.request().message, client, context_.options.trustedProxies);
+    const TSKHTTPRequest& request = isOverdue_ ? parser_.request().message : this->request();
+    try {
+        context_.report({.client = client,
+                         .requestLine = requestLine(),
+                         .request = isFree ? &request : nullptr,
+                         .status = response_->status(),
+                         .bodyBytes = response_->sentBodyBytes()});
+    } catch (const std::exception&) {
+        // The response is as it would have been.
+    }
 }
 
 bool Connection::clientSendsMore() const {
@@ -239,9 +303,14 @@ void Connection::close() noexcept {
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
+    report();
     context_.connections.remove(*this);
+    if (!socket_.is_open())
+        return;
     error_code error;  // the socket is closed in any case
     socket_.close(error);
+    if (context_.onClosed)
+        context_.onClosed();
 }
 
 // The wait ends with the phase.

@@ -1,6 +1,7 @@
 #include "ObjectManager/Http/Response.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
 #include <utility>
 
@@ -54,6 +55,7 @@ std::optional<Response> Response::make(std::string text, bool withoutBody) {
 
     Response response;
     response.statusLineLength_ = view.find(kLineEnd) + kLineEnd.size();
+    response.headerLength_ = headerLength;
     response.addedFields_ = currentDateField();
     if (!hasField(view.substr(0, headerLength), "Connection"))
         response.addedFields_ += "Connection: close\r\n";
@@ -73,6 +75,19 @@ Response::Parts Response::unsent() const {
         skipped -= inPart;
     }
     return parts;
+}
+
+unsigned Response::status() const noexcept {
+    constexpr std::size_t kStart = std::string_view("HTTP/1.1 ").size();
+    unsigned status = 0;
+    std::from_chars(text_.data() + std::min(kStart, text_.size()), text_.data() + text_.size(),
+                    status);
+    return status;
+}
+
+std::size_t Response::sentBodyBytes() const noexcept {
+    const std::size_t before = headerLength_ + addedFields_.size();
+    return sent_ - std::min(sent_, before);
 }
 
 std::string dateField(std::time_t time) {

@@ -33,6 +33,12 @@ class Response {
 
     [[nodiscard]] bool isSent() const noexcept { return sent_ == size(); }
 
+    /// The number in the status line; 0 if there is none.
+    [[nodiscard]] unsigned status() const noexcept;
+
+    /// How many bytes of the body are sent.
+    [[nodiscard]] std::size_t sentBodyBytes() const noexcept;
+
   private:
     Response() = default;
 
@@ -41,6 +47,7 @@ class Response {
     std::string text_;
     std::size_t length_ = 0;            // of text_, without a body that is left out
     std::size_t statusLineLength_ = 0;  // with its line end
+    std::size_t headerLength_ = 0;      // of text_, with its empty line
     std::string addedFields_;           // sent after the status line
     std::size_t sent_ = 0;
 };

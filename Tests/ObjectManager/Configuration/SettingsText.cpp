@@ -42,6 +42,10 @@ std::string textOf(const Settings& settings) {
     for (const Http::ListenAddress& listen : server.listen)
         addresses.push_back(listen.address + ":" + std::to_string(listen.port));
     text += line("listen", joined(addresses));
+    std::vector<std::string> proxies;
+    for (const Http::Network& network : server.trustedProxies)
+        proxies.push_back(network.toString());
+    text += line("trusted_proxies", joined(proxies));
     text += line("workers", std::size_t{server.workers});
     text += line("max_header_size", server.maxHeaderSize);
     text += line("max_request_line", server.maxRequestLine);
@@ -52,7 +56,8 @@ std::string textOf(const Settings& settings) {
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));
-    return text + line("file", settings.log.file);
+    text += line("file", settings.log.file);
+    return text + line("access", settings.log.access);
 }
 
 std::string errorsOf(const SettingsReading& reading) {

@@ -67,6 +67,24 @@ TEST(Response, IsSentInPiecesOfAnySize) {
     }
 }
 
+TEST(Response, TellsItsStatus) {
+    EXPECT_EQ(Response::make("HTTP/1.1 200 OK\r\n\r\n", false)->status(), 200U);
+    EXPECT_EQ(Response::make("HTTP/1.0 404\r\n\r\n", false)->status(), 404U);
+    EXPECT_EQ(Response::make("HTTP/1.1\r\n\r\n", false)->status(), 0U);
+}
+
+TEST(Response, TellsHowMuchOfTheBodyIsSent) {
+    Response response = Response::make("HTTP/1.1 200 OK\r\n\r\nbody", false).value();
+    const std::size_t size = unsentOf(response).size();
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(size - 4);
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(1);
+    EXPECT_EQ(response.sentBodyBytes(), 1U);
+    response.consume(3);
+    EXPECT_EQ(response.sentBodyBytes(), 4U);
+}
+
 TEST(Response, TheBodyIsNotCopied) {
     std::string written =
         "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + std::string(100'000, 'x');
