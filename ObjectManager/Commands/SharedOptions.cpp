@@ -1,5 +1,6 @@
 #include "ObjectManager/Commands/SharedOptions.h"
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -14,7 +15,7 @@ OutputFormat parseFormat(const std::string& text) {
     if (text == "json")
         return OutputFormat::kJson;
     throw TeskBaseException("Commands::formatOption",
-                            TSKString("\"" + text + "\" is neither text nor json"),
+                            TSKString(Base::quoted(text) + " is neither text nor json"),
                             CIM_ERR_INVALID_PARAMETER);
 }
 
