@@ -3,6 +3,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "Tests/ObjectManager/Configuration/SettingsText.h"
@@ -417,6 +418,16 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
               path_ + ": error: cannot be read: No such file or directory\n");
 }
 
+// To which no process ever writes.
+TEST_F(SettingsFileTest, APipeIsReportedAtOnce) {
+    const std::string pipe = directory_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(errorsOf(readSettings(pipe)),
+              pipe +
+                  ": error: cannot be read: it is not a regular file; a pipe or a device could "
+                  "not be read again at a reload\n");
+}
+
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
     EXPECT_EQ(errorsOf(readSettings(directory_.path())),
               directory_.path().string() + ": error: cannot be read: it is a directory\n");
@@ -465,7 +476,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 17);
+    EXPECT_EQ(count, 19);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {
