@@ -3,6 +3,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "Tests/ObjectManager/Configuration/SettingsText.h"
@@ -423,6 +424,16 @@ TEST_F(SettingsFileTest, IsRead) {
 TEST_F(SettingsFileTest, AMissingOneIsReported) {
     EXPECT_EQ(errorsOf(readSettings(path_)),
               path_ + ": error: cannot be read: No such file or directory\n");
+}
+
+// To which no process ever writes.
+TEST_F(SettingsFileTest, APipeIsReportedAtOnce) {
+    const std::string pipe = directory_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(errorsOf(readSettings(pipe)),
+              pipe +
+                  ": error: cannot be read: it is not a regular file; a pipe or a device could "
+                  "not be read again at a reload\n");
 }
 
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
