@@ -56,14 +56,17 @@ std::optional<OpenFile> openSource(std::string path) {
 // to other files, whose lines would appear in messages.
 class ReadableDirectories {
   public:
-    // One that cannot be opened holds nothing that could be read.
+    // One that is not there or closed holds nothing that could be read.
     void add(const std::string& path) {
         try {
             std::string location = Base::locationOf(Base::openDirectory(path));
             if (std::ranges::find(locations_, location) == locations_.end())
                 locations_.push_back(std::move(location));
-        } catch (const std::system_error&) {
-            return;
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory &&
+                error.code() != std::errc::not_a_directory &&
+                error.code() != std::errc::permission_denied)
+                throw;
         }
     }
 
@@ -113,7 +116,13 @@ class IncludeReader {
               }) {}
 
     // Allows to read below what is given here.
-    void addReadable(const std::string& path) { readable_.add(path); }
+    void addReadable(const std::string& path) {
+        try {
+            readable_.add(path);
+        } catch (const std::system_error& error) {
+            addUnreadable(path, error);
+        }
+    }
 
     // Reads a file or a directory.
     void readAll(const std::string& path) {
