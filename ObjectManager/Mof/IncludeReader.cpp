@@ -39,7 +39,7 @@ std::string siblingPath(std::string_view file, const std::string& name) {
 struct OpenFile {
     std::string path;
     Base::FileDescriptor descriptor;
-    Base::FileIdentity identity;
+    Base::FileVersion version;
 };
 
 // None if no file has that path.
@@ -47,23 +47,26 @@ std::optional<OpenFile> openSource(std::string path) {
     std::optional<Base::FileDescriptor> descriptor = Base::openIfThere(path);
     if (!descriptor)
         return std::nullopt;
-    const Base::FileIdentity identity = Base::FileVersion::of(*descriptor).identity;
+    const Base::FileVersion version = Base::FileVersion::of(*descriptor);
     return OpenFile{
-        .path = std::move(path), .descriptor = *std::move(descriptor), .identity = identity};
+        .path = std::move(path), .descriptor = *std::move(descriptor), .version = version};
 }
 
 // The directories below which files may be read. A model that comes from a stranger must not lead
 // to other files, whose lines would appear in messages.
 class ReadableDirectories {
   public:
-    // One that cannot be opened holds nothing that could be read.
+    // One that is not there or closed holds nothing that could be read.
     void add(const std::string& path) {
         try {
             std::string location = Base::locationOf(Base::openDirectory(path));
             if (std::ranges::find(locations_, location) == locations_.end())
                 locations_.push_back(std::move(location));
-        } catch (const std::system_error&) {
-            return;
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory &&
+                error.code() != std::errc::not_a_directory &&
+                error.code() != std::errc::permission_denied)
+                throw;
         }
     }
 
@@ -113,7 +116,13 @@ class IncludeReader {
               }) {}
 
     // Allows to read below what is given here.
-    void addReadable(const std::string& path) { readable_.add(path); }
+    void addReadable(const std::string& path) {
+        try {
+            readable_.add(path);
+        } catch (const std::system_error& error) {
+            addUnreadable(path, error);
+        }
+    }
 
     // Reads a file or a directory.
     void readAll(const std::string& path) {
@@ -157,14 +166,14 @@ class IncludeReader {
     // A path that is compiled. Whoever gives it may link to wherever they like.
     void readGiven(const std::string& path) {
         const OpenFile file = openExisting(path);
-        if (!read_.contains(file.identity))
+        if (!read_.contains(file.version.identity))
             read(file, nullptr);
     }
 
     // A file in a directory that is compiled.
     void readFound(const std::string& path) {
         const OpenFile file = openExisting(path);
-        if (read_.contains(file.identity))
+        if (read_.contains(file.version.identity))
             return;
         if (readable_.contain(file))
             read(file, nullptr);
@@ -187,11 +196,11 @@ class IncludeReader {
         std::string bytes = Base::readAll(file.descriptor, std::min(options_.maxFileSize, left));
         compilation_.bytesRead += bytes.size();
         compilation_.files.emplace_back(file.path, std::move(bytes));
-        read_.insert(file.identity);
+        read_.insert(file.version.identity);
         FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
         moveInto(compilation_.qualifiers, declarations.qualifiers);
         moveInto(compilation_.classes, declarations.classes);
-        const Reading reading{.identity = file.identity,
+        const Reading reading{.identity = file.version.identity,
                               .includedBy = includedBy,
                               .depth = includedBy == nullptr ? 0 : includedBy->depth + 1};
         for (const Include& include : declarations.includes)
@@ -200,8 +209,7 @@ class IncludeReader {
 
     // Reports if not.
     bool fits(const OpenFile& file, std::size_t left) {
-        const off_t size = Base::FileVersion::of(file.descriptor).size;
-        if (static_cast<std::size_t>(size) <= left)
+        if (static_cast<std::size_t>(file.version.size) <= left)
             return true;
         reporter_.errorOfFile(file.path,
                               "is not read: with it the model would be larger than "
@@ -243,14 +251,14 @@ class IncludeReader {
     bool mayBeRead(const Include& include, const OpenFile& file, const Reading& includedBy) {
         for (const Reading* reading = &includedBy; reading != nullptr;
              reading = reading->includedBy) {
-            if (reading->identity == file.identity) {
+            if (reading->identity == file.version.identity) {
                 reporter_.error(include.position,
                                 "the file " + Base::quoted(include.path) + " includes itself" +
                                     (reading == &includedBy ? "" : " by way of others"));
                 return false;
             }
         }
-        if (read_.contains(file.identity)) {
+        if (read_.contains(file.version.identity)) {
             warnUnlessInDirectory(include, file);
             return false;
         }
@@ -270,7 +278,7 @@ class IncludeReader {
 
     // A directory may hold a file that includes the others, which may be read before it.
     void warnUnlessInDirectory(const Include& include, const OpenFile& file) {
-        if (!inDirectories_.contains(file.identity)) {
+        if (!inDirectories_.contains(file.version.identity)) {
             reporter_.warning(include.position, "the file " + Base::quoted(include.path) +
                                                     " is included already and not read again");
         }

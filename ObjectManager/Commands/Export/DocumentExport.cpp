@@ -91,18 +91,18 @@ class Exporter {
         : client_(client), options_(options) {}
 
     void exportAll(const ClassSelection& selection, const OutputDirectory& directory) {
-        // Listed before they are written, so that none is forgotten when the process is killed.
+        // Listed before they are written, so that none is forgotten when the process is killed. A
+        // list that cannot be read stays as it is, so that nothing in it is forgotten either.
         DocumentList list = DocumentList::read(directory);
-        const bool mayPrune = options_.prune && list.fault().empty();
-        if (options_.prune && !mayPrune)
-            warnings_.push_back(
+        const bool isListed = list.fault().empty();
+        if (isListed) {
+            addDocuments(selection, list);
+            list.write(directory);
+        } else {
+            failures_.push_back(
                 (directory.path() / DocumentList::kFile).string() +
-                " cannot be read, so no document is removed there: " + list.fault());
-        for (const Repository::CimClass* cimClass : selection.classes) {
-            for (const char* const extension : kExtensions)
-                list.add(std::string(cimClass->name() + extension));
+                " cannot be read, so no document is listed or removed there: " + list.fault());
         }
-        list.write(directory);
         workInParallel(selection.classes.size() * kDocumentsOfAClass, options_.jobs,
                        [&](std::size_t number) {
                            if (isStopped())
@@ -114,7 +114,7 @@ class Exporter {
                        });
         if (options_.prune && !isStopped()) {
             removed_ += directory.removeUnfinishedFiles();
-            if (mayPrune) {
+            if (isListed) {
                 removed_ += list.removeStale(directory, *selection.nameSpace);
                 list.write(directory);
             }
@@ -142,10 +142,16 @@ class Exporter {
         result.isStopped = isStopped_;
         std::sort(failures_.begin(), failures_.end());
         result.failures = std::move(failures_);
-        result.warnings = std::move(warnings_);
     }
 
   private:
+    static void addDocuments(const ClassSelection& selection, DocumentList& list) {
+        for (const Repository::CimClass* cimClass : selection.classes) {
+            for (const char* const extension : kExtensions)
+                list.add(std::string(cimClass->name() + extension));
+        }
+    }
+
     void exportDocument(const Repository::CimNamespace& nameSpace,
                         const Repository::CimClass& cimClass, const char* extension,
                         const OutputDirectory& directory) {
@@ -180,7 +186,6 @@ class Exporter {
     std::atomic<std::size_t> bytes_ = 0;
     std::atomic<bool> isStopped_ = false;
     std::size_t removed_ = 0;
-    std::vector<std::string> warnings_;
     std::mutex mutex_;
     std::vector<std::string> failures_;  // guarded by mutex_
 };
@@ -224,8 +229,6 @@ std::string failuresText(const DocumentExportResult& result) {
     std::string text;
     for (const std::string& failure : result.failures)
         text += failure + "\n";
-    for (const std::string& warning : result.warnings)
-        text += "tesk: warning: " + warning + "\n";
     return text;
 }
 

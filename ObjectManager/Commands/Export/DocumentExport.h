@@ -43,11 +43,10 @@ struct DocumentExportResult {
     std::size_t removed = 0;  ///< files of either kind
     std::size_t bytes = 0;    ///< of the documents that were written or unchanged
     double seconds = 0;
-    /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ..."; in
-    /// ascending order.
+    /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ...", and
+    /// the lists of documents that could not be read; in ascending order.
     std::vector<std::string> failures;
-    std::vector<std::string> warnings;  ///< why something was not removed
-    bool isStopped = false;             ///< some documents are missing because work was stopped
+    bool isStopped = false;  ///< some documents are missing because work was stopped
 };
 
 /// Puts both documents of each selected class, as `client` gets them, into a directory of `output`
@@ -64,7 +63,7 @@ struct DocumentExportResult {
 /// How many documents exportDocuments would write.
 [[nodiscard]] std::size_t countDocuments(const std::vector<ClassSelection>& selections) noexcept;
 
-/// The failures and warnings, a line each.
+/// The failures, a line each.
 [[nodiscard]] std::string failuresText(const DocumentExportResult& result);
 
 /// One line, such as "1,438 classes in 1 namespace, 2,876 documents, 60.1 MB, 1.52 s: 10 written,

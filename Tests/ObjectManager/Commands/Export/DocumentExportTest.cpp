@@ -288,10 +288,12 @@ TEST_F(DocumentExportTest, PrunesNothingWhenTheListCannotBeRead) {
         run(makeNamedClasses({{"test", {"Here"}}}), {.prune = true});
     EXPECT_EQ(result.removed, 0U);
     EXPECT_EQ(failuresText(result),
-              "tesk: warning: " + (directory_ / "test/.tesk-export").string() +
-                  " cannot be read, so no document is removed there: it has a line that is no name "
-                  "of a document\n");
+              (directory_ / "test/.tesk-export").string() +
+                  " cannot be read, so no document is listed or removed there: it has a line that "
+                  "is no name of a document\n");
     EXPECT_TRUE(content().contains("test/Gone.xsd"));
+    EXPECT_TRUE(content().contains("test/Here.xsd"));
+    EXPECT_EQ(contentOf(directory_.path())["test/.tesk-export"], "../elsewhere.xsd\n");
 }
 
 TEST_F(DocumentExportTest, ANamespaceWithTheNameOfAFileOfTheExportIsRefusedBeforeAllElse) {
