@@ -107,9 +107,11 @@ void readServer(Table table, Http::Options& settings) {
     table.readInteger("max_header_size", 256, 1'048'576, settings.maxHeaderSize);
     table.readInteger("max_request_line", 64, 1'048'576, settings.maxRequestLine);
     table.readSeconds("header_timeout", kShortestTimeout, settings.headerTimeout);
+    table.readSeconds("request_timeout", std::chrono::milliseconds(0), settings.requestTimeout);
     table.readSeconds("response_timeout", kShortestTimeout, settings.responseTimeout);
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
     table.readInteger("max_connections", 1, 1'000'000, settings.maxConnections);
+    table.readInteger("max_connections_per_client", 0, 1'000'000, settings.maxConnectionsPerClient);
     table.reportUnknownKeys();
 }
 

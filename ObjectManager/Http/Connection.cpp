@@ -9,6 +9,7 @@
 
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Http/IoThread.h"
 
 namespace Http {
 
@@ -143,20 +144,27 @@ void Connection::postToWorkers() {
              .done = [self = shared_from_this()](bool isHashed) { self->endHash(isHashed); }});
         return;
     }
-    context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
-                               [self = shared_from_this()] { self->endOverdue(); });
+    postProcessing();
 }
 
 // Run by any thread. The users may have been replaced since the hash was asked for: then the
 // provider must not do another one, which would delay quick requests.
-void Connection::endHash(bool isHashed) {
-    if (!isHashed)
-        continueOnIoThread(&Connection::refuseForLackOfPlaces);
-    else if (!std::exchange(hasQueuedAgain_, true))
-        postToWorkers();
-    else
-        context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
-                                   [self = shared_from_this()] { self->endOverdue(); });
+void Connection::endHash(bool isHashed) noexcept {
+    try {
+        if (!isHashed)
+            continueOnIoThread(&Connection::refuseForLackOfPlaces);
+        else if (!std::exchange(hasQueuedAgain_, true))
+            postToWorkers();
+        else
+            postProcessing();
+    } catch (const std::exception& exception) {
+        logFailure(exception);  // the connection closes when nothing has hold of it
+    }
+}
+
+void Connection::postProcessing() {
+    context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                               [self = shared_from_this()] { self->endOverdue(); });
 }
 
 void Connection::refuseForLackOfPlaces() {
@@ -248,16 +256,19 @@ Connection::Sending Connection::send() {
 void Connection::report() noexcept {
     if (!context_.report || !response_ || std::exchange(isReported_, true))
         return;
+    const TSKHTTPRequest* message = nullptr;
     // A provider that is late may still use its request.
-    const bool isFree = hasRequest_ && (!isOverdue_ || prepared_ != nullptr);
+    if (hasRequest_ && !isOverdue_)
+        message = &request();
+    else if (hasRequest_ && prepared_ != nullptr)
+        message = &parser_.request().message;
     ClientAddress client = ClientAddress::of(*client_.data());
-    if (isFree)
-        client = clientOf(parser_.request().message, client, context_.options.trustedProxies);
-    const TSKHTTPRequest& request = isOverdue_ ? parser_.request().message : this->request();
+    if (message != nullptr)
+        client = clientOf(*message, client, context_.options.trustedProxies);
     try {
         context_.report({.client = client,
                          .requestLine = requestLine(),
-                         .request = isFree ? &request : nullptr,
+                         .request = message,
                          .status = response_->status(),
                          .bodyBytes = response_->sentBodyBytes()});
     } catch (const std::exception&) {

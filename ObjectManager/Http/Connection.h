@@ -111,7 +111,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void readHeader();
     void queueRequest();
     void postToWorkers();
-    void endHash(bool isHashed);
+    void postProcessing();
+    void endHash(bool isHashed) noexcept;
     void refuseForLackOfPlaces();
     [[nodiscard]] ClientKey clientKey() const noexcept;
     [[nodiscard]] std::string_view requestLine() const;

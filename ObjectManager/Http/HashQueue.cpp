@@ -114,7 +114,7 @@ void HashQueue::end(Group& group, bool isHashed) noexcept {
         try {
             member.done(isHashed);
         } catch (...) {
-            // There is no memory; the connection closes with the function.
+            // As HashRequest::done says.
         }
     }
 }

@@ -28,7 +28,7 @@ struct HashRequest {
     std::function<bool()> hash;
 
     /// Called once: true when the password, or an equal one, was hashed, false when there is no
-    /// place for the request.
+    /// place for the request. It reports its failures itself; what it throws is ignored.
     std::function<void(bool isHashed)> done;
 };
 

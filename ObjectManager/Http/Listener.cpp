@@ -17,7 +17,7 @@
 
 #include "ObjectManager/Base/Files.h"
 #include "ObjectManager/Base/Log.h"
-#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Http/IoThread.h"
 
 namespace Http {
 
@@ -179,8 +179,7 @@ error_code Listener::acceptOne() {
     } catch (const std::bad_alloc&) {
         return boost::asio::error::no_memory;
     } catch (const std::exception& exception) {
-        Base::log(kLogComponent, TeskTraceLog::SeverityError,
-                  "A connection failed: " + Base::logText(Base::reasonOf(exception)));
+        logFailure(exception);
     }
     return {};
 }

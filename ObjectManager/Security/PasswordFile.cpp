@@ -35,22 +35,6 @@ constexpr std::size_t kMaxFileSize = 16'000'000;
     fail(path + ": " + std::string(what) + ": " + reason.message());
 }
 
-// A path as one word of a shell command.
-std::string shellQuoted(const std::string& path) {
-    constexpr std::string_view kPlain =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./";
-    if (path.find_first_not_of(kPlain) == std::string::npos)
-        return path;
-    std::string text = "'";
-    for (const char byte : path) {
-        if (byte == '\'')
-            text += "'\\''";
-        else
-            text += byte;
-    }
-    return text + "'";
-}
-
 // The file itself, so that a symbolic link to it stays one when the file is replaced.
 std::filesystem::path withoutLinks(const std::string& path) {
     std::error_code error;
@@ -80,7 +64,7 @@ void requireSafeDirectory(const std::filesystem::path& file, Reader reader) {
         fail(path +
              ": others than its owner can replace the password file in it; correct that with: "
              "chmod go-w " +
-             shellQuoted(path));
+             Base::shellQuoted(path));
     }
     const bool isRoot = reader == Reader::kAdministrator && geteuid() == 0;
     if (!isRoot && !isTrusted(status.st_uid))
@@ -98,7 +82,7 @@ void requireSafe(const std::string& path, const struct stat& status, Reader read
     const mode_t forbidden = S_IWGRP | S_IROTH | S_IWOTH | (mayGroupRead ? mode_t{0} : S_IRGRP);
     if ((status.st_mode & forbidden) != 0) {
         fail(path + ": others than its owner can read or write it; correct that with: " +
-             "chmod 600 " + shellQuoted(path));
+             "chmod 600 " + Base::shellQuoted(path));
     }
     if (!isRoot && !isTrusted(status.st_uid))
         fail(path + ": must belong to root or to the user of this process");

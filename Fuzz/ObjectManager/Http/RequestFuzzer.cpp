@@ -1,13 +1,18 @@
 // Feeds bytes of a client through everything between the socket and the response: parser, routing,
 // a provider that responds by the path, and the response.
 
+#include <algorithm>
 #include <boost/asio/ip/tcp.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/ClientAddress.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -145,6 +150,25 @@ void checkByBytes(std::string_view bytes, RequestParser& whole, State expected) 
         require(parser.error().status == whole.error().status);
 }
 
+// Requires one line with the columns of the format, whatever the client has sent.
+void checkAccessLogLine(std::string_view bytes, const TSKHTTPRequest* request) {
+    const std::string line = Http::accessLogLine(
+        {.client = {}, .requestLine = bytes, .request = request, .status = 200, .bodyBytes = 1},
+        bytes, 0);
+    require(line.find('\n') == line.size() - 1);
+    require(std::count(line.begin(), line.end(), '"') == 6);
+    require(std::all_of(line.begin(), line.end() - 1, &Base::isPrintable));
+}
+
+// Requires the peer, or an address that the request names.
+void checkClient(const TSKHTTPRequest& request) {
+    static const std::vector<Http::Network> proxies = {Http::Network::parse("0.0.0.0/1")};
+    const Http::ClientAddress peer = proxies.front().first;
+    const Http::ClientAddress client = Http::clientOf(request, peer, proxies);
+    require(client == peer || request.getHeaderField("X-Forwarded-For") != nullptr);
+    require(Http::ClientAddress::parse(client.toString()) == client);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -159,9 +183,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         TSKHTTPRequest& request = parser.request().message;
         require(isHead == (request.getMethod() == "HEAD"));
         checkRequest(request);
+        checkClient(request);
+        checkAccessLogLine(bytes, &request);
         checkResponse(host.dispatcher().respond(request, {}), isHead);
     }
-    if (state == State::kRefused)
+    if (state == State::kRefused) {
+        checkAccessLogLine(bytes, nullptr);
         checkResponse(Http::errorResponse(parser.error(), isHead), isHead);
+    }
     return 0;
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -59,7 +60,8 @@ void addServeOptions(Command& command, ServeOptions& options) {
         {.name = "--password-file",
          .value = "FILE",
          .help = "The users and their passwords, see \"tesk passwd\"; without it a temporary "
-                 "password is generated and printed",
+                 "password is generated and printed, or written to a file where standard output "
+                 "is not a terminal",
          .target = &options.passwordFile});
     command.options.push_back({.name = "--log-level",
                                .value = "LEVEL",
@@ -100,20 +102,51 @@ std::string samplePath(const Repository::ClassRepository& repository) {
     return "/";
 }
 
-// Returns false if the output failed: the user could not know the password then.
+// Writes where the service is, and with which password: one that was generated is shown at a
+// terminal only, else `note` is the file that it is in. Returns false if the output failed: the
+// user could not know the password then.
 [[nodiscard]] bool announce(const Service& service, const Repository::ClassRepository& repository,
-                            const ServiceUsers& users) {
+                            const ServiceUsers& users, const PasswordNote* note) {
     std::cout << "Serving " << contentText(repository) << " on";
     for (const std::string& address : service.addresses())
         std::cout << " " << address;
     std::cout << "\n";
-    if (!users.generatedPassword.isEmpty()) {
+    if (note != nullptr) {
+        std::cout
+            << "There is no password file. A password that is valid until the service ends is "
+               "in a file:\n"
+            << "  curl --user \"$(cat " << Base::shellQuoted(note->path()) << ")\"";
+    } else if (!users.generatedPassword.isEmpty()) {
         std::cout << "There is no password file. This password is valid until the service ends:\n"
-                  << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view()
-                  << " " << service.addresses().front() << samplePath(repository) << "\n";
+                  << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view();
     }
+    if (!users.generatedPassword.isEmpty())
+        std::cout << " " << service.addresses().front() << samplePath(repository) << "\n";
     std::cout.flush();
     return std::cout.good();
+}
+
+bool isLoopback(const Http::ListenAddress& listen) {
+    const auto address = Http::ClientAddress::parse(listen.address);
+    return address &&
+           Http::isIn({Http::Network::parse("127.0.0.0/8"), Http::Network::parse("::1")}, *address);
+}
+
+// Warns of what is allowed but seldom meant.
+void warnOfRisks(const Http::Options& options, const std::vector<std::string>& addresses) {
+    for (std::size_t index = 0; index < options.listen.size(); ++index) {
+        if (!isLoopback(options.listen[index])) {
+            Base::log("tesk", TeskTraceLog::SeverityWarning,
+                      "Other machines reach " + addresses.at(index) +
+                          ", and passwords travel there in clear text: put a TLS proxy in front of "
+                          "it, or listen on 127.0.0.1 only");
+        }
+    }
+    if (geteuid() == 0) {
+        Base::log("tesk", TeskTraceLog::SeverityWarning,
+                  "The process runs as root, which it has no need of: start it as a user of its "
+                  "own");
+    }
 }
 
 // Opens a log again by `reopen`; `name` is what it is called.
@@ -181,8 +214,13 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
          .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
          .wake = &Base::SignalQueue::wake},
         settings, passwordFile);
+    std::unique_ptr<const PasswordNote> note;
+    if (!users.generatedPassword.isEmpty() && isatty(STDOUT_FILENO) == 0)
+        note = std::make_unique<PasswordNote>(users.generatedPassword);
+    warnOfRisks(settings.server, service.addresses());
     service.start();
-    if (!announce(service, *repository, users)) {
+    if (!announce(service, *repository, users, note.get())) {
+        note.reset();
         (void)stop(service);
         return {.status = 1};  // the program says that its output cannot be written
     }
@@ -200,6 +238,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     // A second Ctrl-C ends the process at once. The other signals make no sense any more.
     (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGUSR1, SIG_IGN);
+    note.reset();  // before a signal can end the process
     signals.letThrough();
     return {.status = stop(service), .isReading = reloader.isReading()};
 }

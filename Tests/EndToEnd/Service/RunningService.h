@@ -89,8 +89,11 @@ class RunningService : public testing::Test {
     std::vector<std::string> listen_ = {"127.0.0.1:0"};
     /// The keys of [server]. Nothing ends because a machine is slow, unless the test says so.
     std::map<std::string, std::string> serverKeys_ = {
-        {"header_timeout", "300"}, {"response_timeout", "300"}, {"shutdown_timeout", "300"}};
-    std::string logKeys_;  ///< lines for [log]
+        {"header_timeout", "300"},
+        {"response_timeout", "300"},
+        {"shutdown_timeout", "300"},
+        {"max_connections_per_client", "0"}};  // all clients have the same address
+    std::string logKeys_;                      ///< lines for [log]
     std::optional<TeskProcess> process_;
     Lines expectedLog_;       ///< what is not information, without the time
     int expectedStatus_ = 0;  ///< with which it ends

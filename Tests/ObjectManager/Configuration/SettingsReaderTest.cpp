@@ -47,9 +47,11 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "max_header_size: 16384\n"
               "max_request_line: 8192\n"
               "header_timeout: 10000 ms\n"
+              "request_timeout: 60000 ms\n"
               "response_timeout: 30000 ms\n"
               "shutdown_timeout: 10000 ms\n"
               "max_connections: 4096\n"
+              "max_connections_per_client: 1024\n"
               "password_file:\n"
               "credential_lifetime: 300000 ms\n"
               "level: 3\n"
@@ -77,9 +79,11 @@ workers = 3
 max_header_size = 1000
 max_request_line = 100
 header_timeout = 1
+request_timeout = 0
 response_timeout = 2.5
 shutdown_timeout = 0.25
 max_connections = 7
+max_connections_per_client = 0
 [security]
 password_file = "users"
 credential_lifetime = 60
@@ -101,9 +105,11 @@ access = "access.log"
               "max_header_size: 1000\n"
               "max_request_line: 100\n"
               "header_timeout: 1000 ms\n"
+              "request_timeout: 0 ms\n"
               "response_timeout: 2500 ms\n"
               "shutdown_timeout: 250 ms\n"
               "max_connections: 7\n"
+              "max_connections_per_client: 0\n"
               "password_file: users\n"
               "credential_lifetime: 60000 ms\n"
               "level: 4\n"
@@ -356,8 +362,9 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
         errorIn("server", "tls.key = 1"),
         "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"trusted_proxies\", "
         "\"workers\", "
-        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"response_timeout\", "
-        "\"shutdown_timeout\" and \"max_connections\"\n");
+        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
+        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\" and "
+        "\"max_connections_per_client\"\n");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -381,7 +388,8 @@ a = 1
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
         "\"trusted_proxies\", \"workers\", \"max_header_size\", \"max_request_line\", "
         "\"header_timeout\", "
-        "\"response_timeout\", \"shutdown_timeout\" and \"max_connections\"\n"
+        "\"request_timeout\", \"response_timeout\", \"shutdown_timeout\", "
+        "\"max_connections\" and \"max_connections_per_client\"\n"
         "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);

@@ -50,9 +50,12 @@ std::string textOf(const Settings& settings) {
     text += line("max_header_size", server.maxHeaderSize);
     text += line("max_request_line", server.maxRequestLine);
     text += line("header_timeout", server.headerTimeout);
+    text += line("request_timeout", server.requestTimeout);
     text += line("response_timeout", server.responseTimeout);
     text += line("shutdown_timeout", server.shutdownTimeout);
     text += line("max_connections", server.maxConnections);
+    text += line("max_connections_per_client",
+                 server.maxConnectionsPerClient.value_or(server.maxConnections / 4));
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));
