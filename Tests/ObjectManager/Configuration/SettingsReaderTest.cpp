@@ -484,7 +484,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 19);
+    EXPECT_EQ(count, 21);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {
