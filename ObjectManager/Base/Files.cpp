@@ -88,7 +88,7 @@ class TemporaryFile {
 DirectoryEntry::Kind kindOf(const FileDescriptor& directory, const dirent& entry) noexcept {
     using Kind = DirectoryEntry::Kind;
     struct stat status = {};
-    mode_t mode = DTTOIF(entry.d_type);
+    auto mode = static_cast<mode_t>(DTTOIF(entry.d_type));
     if (entry.d_type == DT_UNKNOWN &&
         fstatat(directory.get(), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
         mode = status.st_mode;

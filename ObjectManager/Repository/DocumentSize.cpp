@@ -120,8 +120,7 @@ class NumberCounter {
     // `numbers` are all that may be added.
     explicit NumberCounter(std::vector<long> numbers) : numbers_(std::move(numbers)) {
         std::ranges::sort(numbers_);
-        const auto repeated = std::ranges::unique(numbers_);
-        numbers_.erase(repeated.begin(), repeated.end());
+        numbers_.erase(std::unique(numbers_.begin(), numbers_.end()), numbers_.end());
         sums_.resize(numbers_.size() + 1);
         isAdded_.resize(numbers_.size());
     }
