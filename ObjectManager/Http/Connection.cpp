@@ -12,15 +12,33 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 void ConnectionSet::add(Connection& connection) {
+    std::list<Connection*> added = {&connection};
     const std::lock_guard lock(mutex_);
-    connections_.insert(&connection);
+    connections_.emplace(&connection, Entry{.list = &serving_, .place = added.begin()});
+    serving_.splice(serving_.end(), added);
+}
+
+void ConnectionSet::beginLingering(Connection& connection) noexcept {
+    const std::lock_guard lock(mutex_);
+    const auto entry = connections_.find(&connection);
+    if (entry == connections_.end())
+        return;
+    auto& [list, place] = entry->second;
+    lingering_.splice(lingering_.end(), *list, place);
+    list = &lingering_;
+    if (serving_.empty())
+        served_.notify_all();
 }
 
 void ConnectionSet::remove(Connection& connection) noexcept {
     const std::lock_guard lock(mutex_);
-    connections_.erase(&connection);
-    if (connections_.empty())
-        empty_.notify_all();
+    const auto entry = connections_.find(&connection);
+    if (entry == connections_.end())
+        return;
+    entry->second.list->erase(entry->second.place);
+    connections_.erase(entry);
+    if (serving_.empty())
+        served_.notify_all();
 }
 
 std::size_t ConnectionSet::size() const {
@@ -28,11 +46,16 @@ std::size_t ConnectionSet::size() const {
     return connections_.size();
 }
 
+std::shared_ptr<Connection> ConnectionSet::oldestLingering() const {
+    const std::lock_guard lock(mutex_);
+    return lingering_.empty() ? nullptr : lingering_.front()->weak_from_this().lock();
+}
+
 std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
     std::vector<std::shared_ptr<Connection>> connections;
     const std::lock_guard lock(mutex_);
     connections.reserve(connections_.size());
-    for (Connection* const connection : connections_) {
+    for (const auto& [connection, entry] : connections_) {
         // Null for a connection that is being destroyed.
         if (auto owned = connection->weak_from_this().lock())
             connections.push_back(std::move(owned));
@@ -40,9 +63,9 @@ std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
     return connections;
 }
 
-bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
+bool ConnectionSet::waitUntilServed(std::chrono::steady_clock::time_point deadline) const {
     std::unique_lock lock(mutex_);
-    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
+    return served_.wait_until(lock, deadline, [this] { return serving_.empty(); });
 }
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
@@ -58,19 +81,23 @@ Connection::~Connection() {
 
 void Connection::start() {
     context_.connections.add(*this);
-    // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
+    // TCP_NODELAY is not set: the sending side is closed after the response, which sends what is
+    // left.
     socket_.non_blocking(true);
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
     context_.connections.add(*this);
-    error_code ignored;  // shows again when the response is sent
-    socket_.non_blocking(true, ignored);
-    // Most clients have sent their request already, which tells whether its method is HEAD.
-    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
-    received_.assign(context_.readBuffer.data(), length);
-    refuseBytes(error);
+    attempt([&] {
+        error_code ignored;  // shows again when the response is sent
+        socket_.non_blocking(true, ignored);
+        // Most clients have sent their request already, which tells whether its method is HEAD.
+        const std::size_t length =
+            socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
+        received_.assign(context_.readBuffer.data(), length);
+        sendError(error);
+    });
 }
 
 void Connection::closeIfReading() {
@@ -84,11 +111,16 @@ void Connection::abandon() {
         close();
 }
 
-// Takes a step on the I/O thread. If it fails, the connection is closed instead of staying open
-// until its timeout.
 void Connection::take(Step step) {
+    attempt([&] { (this->*step)(); });
+}
+
+// Does something on the I/O thread. If it fails, the connection is closed instead of staying open
+// until its timeout.
+template <typename Work>
+void Connection::attempt(const Work& work) {
     try {
-        (this->*step)();
+        work();
     } catch (const std::exception&) {
         close();
         throw;
@@ -121,14 +153,13 @@ void Connection::readHeader() {
                 queueRequest();
                 return;
             case RequestParser::State::kRefused:
-                refuseBytes(parser_.error());
+                sendError(parser_.error());
                 return;
         }
     }
 }
 
 void Connection::queueRequest() {
-    hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
     if (context_.prepare)
@@ -150,11 +181,6 @@ TSKHTTPRequest& Connection::request() {
     return prepared_ != nullptr ? *prepared_ : parser_.request().message;
 }
 
-void Connection::refuseBytes(const Error& error) {
-    hasMoreToCome_ = true;  // the end of the request is unknown
-    sendError(error);
-}
-
 void Connection::sendError(const Error& error) {
     response_ = errorResponse(error, parser_.isHeadRequest(received_));
     beginWriting();
@@ -163,13 +189,17 @@ void Connection::sendError(const Error& error) {
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
     response_ = context_.dispatcher.respond(request(), client_);
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        continueOnIoThread(&Connection::beginWriting);
-    else if (sending == Sending::kDone && clientSendsMore())
-        continueOnIoThread(&Connection::beginLingering);
-    else
-        closeSocket();
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            continueOnIoThread(&Connection::beginWriting);
+            break;
+        case Sending::kDone:
+            continueOnIoThread(&Connection::beginLingering);
+            break;
+        case Sending::kFailed:
+            closeSocket();
+            break;
+    }
 }
 
 void Connection::beginWriting() {
@@ -179,13 +209,17 @@ void Connection::beginWriting() {
 }
 
 void Connection::write() {
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        waitFor(tcp::socket::wait_write, &Connection::write);
-    else if (sending == Sending::kDone && clientSendsMore())
-        beginLingering();
-    else
-        close();
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            waitFor(tcp::socket::wait_write, &Connection::write);
+            break;
+        case Sending::kDone:
+            beginLingering();
+            break;
+        case Sending::kFailed:
+            close();
+            break;
+    }
 }
 
 // Sends what the socket takes now.
@@ -201,22 +235,22 @@ Connection::Sending Connection::send() {
     return Sending::kDone;
 }
 
-bool Connection::clientSendsMore() const {
-    error_code error;
-    return hasMoreToCome_ || socket_.available(error) > 0;
-}
-
+// Gives its place away before the client is told that nothing follows: a client that sees the end
+// of the response can rely on a free place. Reads before it waits: many clients have closed the
+// connection already.
 void Connection::beginLingering() {
-    if (isAbandoned_) {
+    if (isAbandoned_ || !lingers_) {
         close();
         return;
     }
     phase_ = Phase::kLingering;
-    limitPhase(context_.options.lingerTimeout);
     response_.reset();
+    context_.connections.beginLingering(*this);
     error_code error;  // shows again when the client's bytes are read
     socket_.shutdown(tcp::socket::shutdown_send, error);
     linger();
+    if (phase_ == Phase::kLingering)
+        limitPhase(context_.options.lingerTimeout);
 }
 
 void Connection::linger() {
@@ -270,10 +304,12 @@ void Connection::limitPhase(std::chrono::milliseconds timeout) {
 }
 
 void Connection::onTimeout() {
-    if (phase_ == Phase::kReading)
-        refuseBytes({.status = 408, .text = "The header section was not received in time."});
-    else
+    if (phase_ != Phase::kReading) {
         close();
+        return;
+    }
+    lingers_ = !received_.empty();
+    sendError({.status = 408, .text = "The header section was not received in time."});
 }
 
 }  // namespace Http

@@ -7,11 +7,12 @@
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "ObjectManager/Http/Dispatcher.h"
@@ -31,25 +32,39 @@ class Connection;
 class ConnectionSet {
   public:
     /// `connection` must be removed before it is destroyed.
-    /// Errors: std::bad_alloc.
+    /// Errors: std::bad_alloc; the set stays as it was.
     void add(Connection& connection);
+
+    /// `connection` has sent its response and may be closed when its place is needed. Does nothing
+    /// if it is not in the set.
+    void beginLingering(Connection& connection) noexcept;
 
     /// Does nothing if `connection` is not in the set.
     void remove(Connection& connection) noexcept;
 
     [[nodiscard]] std::size_t size() const;
 
+    /// The connection that has lingered for longest; null if none does.
+    [[nodiscard]] std::shared_ptr<Connection> oldestLingering() const;
+
     /// The connections that are open now.
     /// Errors: std::bad_alloc.
     [[nodiscard]] std::vector<std::shared_ptr<Connection>> all() const;
 
-    /// Returns true as soon as the set is empty, false if it is not at the deadline.
-    [[nodiscard]] bool waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const;
+    /// Returns true as soon as all connections linger, false if one does not at the deadline.
+    [[nodiscard]] bool waitUntilServed(std::chrono::steady_clock::time_point deadline) const;
 
   private:
+    struct Entry {
+        std::list<Connection*>* list;  // one of those below
+        std::list<Connection*>::iterator place;
+    };
+
     mutable std::mutex mutex_;
-    mutable std::condition_variable empty_;
-    std::unordered_set<Connection*> connections_;  // guarded by mutex_
+    mutable std::condition_variable served_;
+    std::unordered_map<Connection*, Entry> connections_;  // guarded by mutex_
+    std::list<Connection*> serving_;                      // guarded by mutex_
+    std::list<Connection*> lingering_;                    // oldest first; guarded by mutex_
 };
 
 /// What the connections of a server share.
@@ -77,11 +92,13 @@ struct ConnectionContext {
 ///
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
-/// - processing: a worker runs the provider and sends what the socket takes at once. If that is the
-///   whole response and the client sends nothing more, the worker closes the connection.
+/// - processing: a worker runs the provider and sends what the socket takes at once.
 /// - writing: the I/O thread sends the rest as the client reads it.
-/// - lingering: the client has the response but still sends. To close the connection now would
-///   discard what the client has not read yet, so its bytes are read and dropped first.
+/// - lingering: the response is sent, and the client is told that nothing follows. The server reads
+///   and drops what the client sends until the client closes the connection (RFC 9112, section
+///   9.6): to close it first, with bytes of the client unread or on their way, would discard what
+///   the client has not read yet. A client that has sent nothing at all within the time for a
+///   header section is not waited for.
 ///
 /// Thread safety: belongs to the I/O thread, except for what a worker does while processing.
 class Connection : public std::enable_shared_from_this<Connection> {
@@ -119,17 +136,17 @@ class Connection : public std::enable_shared_from_this<Connection> {
     using Step = void (Connection::*)();
 
     void take(Step step);
+    template <typename Work>
+    void attempt(const Work& work);
     void readHeader();
     void queueRequest();
     [[nodiscard]] bool postToWorkers();
     [[nodiscard]] TSKHTTPRequest& request();
-    void refuseBytes(const Error& error);
     void sendError(const Error& error);
     void processRequest();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
-    [[nodiscard]] bool clientSendsMore() const;
     void beginLingering();
     void linger();
     void close() noexcept;
@@ -151,7 +168,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::string received_;
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
-    bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    bool lingers_ = true;                       // after the response
     std::optional<Response> response_;
     std::size_t lingerBytes_ = 0;
 };

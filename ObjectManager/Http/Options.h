@@ -62,8 +62,9 @@ struct Options {
     /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
 
-    /// Open connections, lingering ones included. One more gets 503. Each takes a file descriptor
-    /// and memory for its request and its response.
+    /// Open connections, lingering ones included. For one more, the one that has lingered for
+    /// longest is closed; if none lingers, it gets 503. Each takes a file descriptor and memory for
+    /// its request and its response.
     std::size_t maxConnections = 4096;
 
     /// Connections beyond `maxConnections` that linger after their 503. Others are closed at once,
@@ -75,9 +76,10 @@ struct Options {
     /// about 15 ms, so with a single worker for them the last of 256 waits for 4 s.
     std::size_t maxWaitingHashes = 256;
 
-    /// How long, and for how many bytes, a connection lingers: after the response it stays open
-    /// for a client that is still sending, since closing it would discard what the client has not
-    /// read yet. Clients that send a body before they read need this.
+    /// How long, and for how many bytes, a connection lingers: after the response the server waits
+    /// for the client to close it, and drops what the client still sends. Closing it earlier could
+    /// discard what the client has not read yet. Most clients close at once; those that send a body
+    /// before they read need the time.
     std::chrono::milliseconds lingerTimeout = std::chrono::seconds(5);
     std::size_t maxLingerBytes = 16UL * 1024 * 1024;
 

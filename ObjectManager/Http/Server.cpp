@@ -84,7 +84,7 @@ class Server::Implementation {
             for (const auto& connection : refused_.all())
                 connection->abandon();
         });
-        if (!connections_.waitUntilEmpty(deadline)) {
+        if (!connections_.waitUntilServed(deadline)) {
             workers_->dropWaiting();
             ioThread_.call([this] {
                 for (const auto& connection : connections_.all())
@@ -110,6 +110,10 @@ class Server::Implementation {
     }
 
     void accept(tcp::socket socket, const tcp::endpoint& client) {
+        if (connections_.size() >= options_.maxConnections) {
+            if (const std::shared_ptr<Connection> oldest = connections_.oldestLingering())
+                oldest->abandon();
+        }
         if (connections_.size() < options_.maxConnections)
             std::make_shared<Connection>(*context_, std::move(socket), client)->start();
         else

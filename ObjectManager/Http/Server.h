@@ -52,8 +52,9 @@ class Server {
     void start();
 
     /// Stops serving: accepts no further connections, closes those whose request has not come in,
-    /// lets the others finish for Options::shutdownTimeout, then closes them too. May be called
-    /// again, to wait longer for providers.
+    /// lets the others send their response for Options::shutdownTimeout, then closes them too. Does
+    /// not wait for clients that have their response and do not close their connection. May be
+    /// called again, to wait longer for providers.
     ///
     /// Returns whether no provider runs any more, so that the providers may be shut down. If it
     /// returns false, a provider hangs and cannot be stopped; then end the process without

@@ -57,6 +57,24 @@ TEST_F(ConnectionSetTest, ContainsWhatIsAddedUntilItIsRemoved) {
     EXPECT_EQ(set_.size(), 0U);
 }
 
+TEST_F(ConnectionSetTest, KnowsWhichConnectionHasLingeredForLongest) {
+    const auto first = makeConnection();
+    const auto second = makeConnection();
+    set_.beginLingering(*first);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+    set_.add(*first);
+    set_.add(*second);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+    set_.beginLingering(*second);
+    set_.beginLingering(*first);
+    EXPECT_EQ(set_.oldestLingering(), second);
+    EXPECT_EQ(set_.size(), 2U);
+    set_.remove(*second);
+    EXPECT_EQ(set_.oldestLingering(), first);
+    set_.remove(*first);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+}
+
 TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
     {
         const auto connection = makeConnection();
@@ -65,20 +83,24 @@ TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
     EXPECT_EQ(set_.size(), 0U);
 }
 
-TEST_F(ConnectionSetTest, WaitsUntilTheLastOneIsRemoved) {
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now()));
+TEST_F(ConnectionSetTest, WaitsUntilTheLastOneLingersOrIsRemoved) {
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
     const auto first = makeConnection();
     const auto second = makeConnection();
     set_.add(*first);
     set_.add(*second);
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now()));
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now() + milliseconds(1)));
-    std::thread removing([&] {
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now() + milliseconds(1)));
+    std::thread ending([&] {
         set_.remove(*first);
-        set_.remove(*second);
+        set_.beginLingering(*second);
     });
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now() + kPatience));
-    removing.join();
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now() + kPatience));
+    ending.join();
+    set_.add(*first);
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
+    set_.remove(*first);
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
 }
 
 class ConnectionTest : public RunningServer {
@@ -387,6 +409,38 @@ TEST_F(ConnectionTest, ASecondRequestIsIgnored) {
     EXPECT_EQ(calls, 1);
 }
 
+// The server is done with the first response when it responds to another client, since it has one
+// worker. The client has not read it then.
+TEST_F(ConnectionTest, ASecondRequestDoesNotCutTheFirstResponse) {
+    large_.assign(282'000, 'x');
+    provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, request.getUri() == "/test/large"
+                          ? "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_
+                          : kHello);
+    };
+    options_.workers = 1;
+    start();
+    const Client client = sending(kGetLarge);
+    const std::string begin = client.read(12);
+    EXPECT_EQ(responseTo(kGet), kHello);
+    for (int count = 0; count < 3; ++count) {
+        EXPECT_TRUE(client.send(kGet));
+        EXPECT_EQ(responseTo(kGet), kHello);
+    }
+    EXPECT_EQ(withoutDate(begin + client.readAll()),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+    EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ConnectionTest, AClientThatHasSentNothingIsNotWaitedForAfterTheTimeout) {
+    options_.headerTimeout = milliseconds(50);
+    options_.lingerTimeout = 2 * kPatience;
+    start();
+    const Client silent = connect();
+    EXPECT_EQ(withoutDate(silent.readAll()), error("408 Request Timeout", kTimeout));
+    EXPECT_TRUE(waitUntil([&] { return !silent.send("G"); }));
+}
+
 TEST_F(ConnectionTest, TheResponseDoesNotWaitForABody) {
     start();
     for (const char* const fields :
@@ -424,25 +478,30 @@ TEST_F(ConnectionTest, AClientThatEndsSendingAfterTheRequestGetsTheResponse) {
 }
 
 TEST_F(ConnectionTest, AClientThatSendsTooMuchAfterTheResponseIsCutOff) {
-    options_.maxConnections = 1;
+    options_.lingerTimeout = 2 * kPatience;
     options_.maxLingerBytes = 100'000;
     start();
-    const std::string head = "POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 1000000\r\n\r\n";
-    const Client client = sending(head);
+    const Client client = sending(kGet);
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     EXPECT_TRUE(client.send(std::string(100'000, 'b')));
-    EXPECT_EQ(sending(kGet).readAll().substr(0, 12), "HTTP/1.1 503");
-    EXPECT_TRUE(client.send("b"));
-    waitUntilServed();
+    EXPECT_TRUE(waitUntil([&] { return !client.send("b"); }));
 }
 
 TEST_F(ConnectionTest, AClientThatStaysAfterTheResponseIsCutOff) {
-    options_.maxConnections = 1;
     options_.lingerTimeout = milliseconds(50);
     start();
-    const Client client = sending("POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n");
+    const Client client = sending(kGet);
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
-    waitUntilServed();
+    EXPECT_TRUE(waitUntil([&] { return !client.send("b"); }));
+}
+
+TEST_F(ConnectionTest, AClientThatStaysAfterTheResponseTakesNoPlace) {
+    options_.maxConnections = 1;
+    options_.lingerTimeout = 2 * kPatience;
+    start();
+    const Client client = sending(kGet);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
 }
 
 TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsResponse) {
