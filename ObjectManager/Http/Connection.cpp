@@ -10,6 +10,7 @@ namespace Http {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
+using std::chrono::steady_clock;
 
 void ConnectionSet::add(Connection& connection) {
     std::list<Connection*> added = {&connection};
@@ -73,7 +74,8 @@ Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp
       socket_(std::move(socket)),
       client_(client),
       timer_(socket_.get_executor()),
-      parser_(context.options) {}
+      parser_(context.options),
+      memory_(context.memory) {}
 
 Connection::~Connection() {
     closeSocket();
@@ -163,9 +165,35 @@ void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
     if (context_.prepare)
-        prepared_ = context_.prepare(parser_.request().message);
+        prepared_ = context_.prepare(parser_.request());
     if (!postToWorkers())
         sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+}
+
+// The response found no room in memory.
+void Connection::waitForRoom() {
+    if (isAbandoned_) {
+        close();
+        return;
+    }
+    phase_ = Phase::kWaiting;
+    const steady_clock::time_point now = steady_clock::now();
+    if (!roomDeadline_)
+        roomDeadline_ = now + context_.options.responseTimeout;
+    limitPhase(std::chrono::ceil<std::chrono::milliseconds>(*roomDeadline_ - now));
+    memory_.wait([waiting = weak_from_this()] {
+        try {
+            if (const auto self = waiting.lock())
+                self->continueOnIoThread(&Connection::repeatRequest);
+        } catch (const std::exception&) {
+            // There is no memory to go on. The wait ends at its deadline.
+        }
+    });
+}
+
+void Connection::repeatRequest() {
+    if (phase_ == Phase::kWaiting)
+        queueRequest();
 }
 
 // Returns whether a worker takes the request; the connection belongs to the worker then.
@@ -178,7 +206,7 @@ bool Connection::postToWorkers() {
 }
 
 TSKHTTPRequest& Connection::request() {
-    return prepared_ != nullptr ? *prepared_ : parser_.request().message;
+    return prepared_ != nullptr ? *prepared_ : parser_.request();
 }
 
 void Connection::sendError(const Error& error) {
@@ -188,7 +216,11 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    response_ = context_.dispatcher.respond(request(), client_);
+    response_ = context_.dispatcher.respond(request(), client_, memory_);
+    if (!response_) {
+        continueOnIoThread(&Connection::waitForRoom);
+        return;
+    }
     switch (isAbandoned_ ? Sending::kFailed : send()) {
         case Sending::kBlocked:
             continueOnIoThread(&Connection::beginWriting);
@@ -245,6 +277,7 @@ void Connection::beginLingering() {
     }
     phase_ = Phase::kLingering;
     response_.reset();
+    memory_.release();
     context_.connections.beginLingering(*this);
     error_code error;  // shows again when the client's bytes are read
     socket_.shutdown(tcp::socket::shutdown_send, error);
@@ -268,6 +301,8 @@ void Connection::close() noexcept {
     error_code error;
     timer_.cancel(error);
     closeSocket();
+    response_.reset();
+    memory_.release();
 }
 
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
@@ -304,12 +339,19 @@ void Connection::limitPhase(std::chrono::milliseconds timeout) {
 }
 
 void Connection::onTimeout() {
-    if (phase_ != Phase::kReading) {
-        close();
-        return;
+    switch (phase_) {
+        case Phase::kReading:
+            lingers_ = !received_.empty();
+            sendError({.status = 408, .text = "The header section was not received in time."});
+            break;
+        case Phase::kWaiting:
+            memory_.release();
+            sendError({.status = 503, .text = kNoRoom});
+            break;
+        default:
+            close();
+            break;
     }
-    lingers_ = !received_.empty();
-    sendError({.status = 408, .text = "The header section was not received in time."});
 }
 
 }  // namespace Http

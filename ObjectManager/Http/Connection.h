@@ -20,6 +20,7 @@
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestParser.h"
 #include "ObjectManager/Http/Response.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -75,6 +76,7 @@ struct ConnectionContext {
     const Dispatcher& dispatcher;
     WorkerPool& workers;
     ConnectionSet& connections;
+    ResponseMemory& memory;
 
     /// See Server; may be empty.
     std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
@@ -93,6 +95,9 @@ struct ConnectionContext {
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
 /// - processing: a worker runs the provider and sends what the socket takes at once.
+/// - waiting: there is no room in memory for the response, which is dropped. When there is room,
+/// the
+///   next phase is processing again; if that takes too long, the client gets 503.
 /// - writing: the I/O thread sends the rest as the client reads it.
 /// - lingering: the response is sent, and the client is told that nothing follows. The server reads
 ///   and drops what the client sends until the client closes the connection (RFC 9112, section
@@ -130,7 +135,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void abandon();
 
   private:
-    enum class Phase { kReading, kProcessing, kWriting, kLingering, kClosed };
+    enum class Phase { kReading, kProcessing, kWaiting, kWriting, kLingering, kClosed };
     enum class Sending { kDone, kBlocked, kFailed };
 
     using Step = void (Connection::*)();
@@ -144,6 +149,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     [[nodiscard]] TSKHTTPRequest& request();
     void sendError(const Error& error);
     void processRequest();
+    void waitForRoom();
+    void repeatRequest();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
@@ -169,6 +176,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
     bool lingers_ = true;                       // after the response
+    std::optional<std::chrono::steady_clock::time_point> roomDeadline_;  // once it has waited
+    ResponseMemory::Share memory_;  // of response_, which is destroyed first
     std::optional<Response> response_;
     std::size_t lingerBytes_ = 0;
 };

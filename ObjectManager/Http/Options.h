@@ -58,6 +58,12 @@ struct Options {
     /// 10 MiB needs 3 Mbit/s.
     std::chrono::milliseconds responseTimeout = std::chrono::seconds(30);
 
+    /// Bytes that all responses take together, from when they are made until they are sent. A
+    /// response for which there is no room waits for at most `responseTimeout`; its client gets 503
+    /// then. One response alone may be larger. Enough for thousands of usual documents; what a
+    /// provider needs to make a document comes on top, for each worker.
+    std::size_t maxResponseMemory = 256UL * 1024 * 1024;
+
     /// Time for running requests to finish when the server stops. Long enough for the largest
     /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);

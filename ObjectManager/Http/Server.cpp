@@ -12,6 +12,7 @@
 #include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
 #include "ObjectManager/Http/RequestTarget.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -39,7 +40,8 @@ class Server::Implementation {
         : options_(options),
           needsPasswordHash_(std::move(needsPasswordHash)),
           prepare_(std::move(prepare)),
-          dispatcher_(manager) {
+          dispatcher_(manager),
+          memory_(options.maxResponseMemory) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
                 listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
@@ -100,6 +102,7 @@ class Server::Implementation {
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
                 .connections = connections,
+                .memory = memory_,
                 .needsPasswordHash = needsPasswordHash_,
                 .prepare = prepare_};
     }
@@ -134,6 +137,7 @@ class Server::Implementation {
     NeedsPasswordHash needsPasswordHash_;
     Prepare prepare_;
     Dispatcher dispatcher_;
+    ResponseMemory memory_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
     std::optional<ConnectionContext> context_;

@@ -36,9 +36,13 @@ class ConnectionSetTest : public testing::Test {
     TeskProviderPluginManager manager_;
     Http::Dispatcher dispatcher_{manager_};
     Http::WorkerPool workers_{1, 1};
+    Http::ResponseMemory memory_{1000};
     Http::Options options_;
-    Http::ConnectionContext context_{
-        .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};
+    Http::ConnectionContext context_{.options = options_,
+                                     .dispatcher = dispatcher_,
+                                     .workers = workers_,
+                                     .connections = set_,
+                                     .memory = memory_};
     boost::asio::io_context ioContext_;
 };
 
@@ -113,9 +117,17 @@ class ConnectionTest : public RunningServer {
         provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
             if (request.getUri() != "/test/large")
                 return writeTo(ostr, kHello);
-            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n");
             writeTo(ostr, large_);
         };
+    }
+
+    // Makes the response to "/test/large" larger than any socket takes at once, and leaves no room
+    // for a second one.
+    void serveLargeOneAtATime() {
+        serveLarge();
+        options_.maxResponseMemory = kLarge + kLarge / 2;
+        options_.workers = 1;
     }
 
     // Runs one connection on this thread and makes an allocation of it fail. Returns whether one
@@ -124,11 +136,13 @@ class ConnectionTest : public RunningServer {
                         std::string& response) {
         const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
+        Http::ResponseMemory memory(options_.maxResponseMemory);
         Http::WorkerPool workers(1, options_.maxWaitingHashes);
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,
-                                        .connections = connections};
+                                        .connections = connections,
+                                        .memory = memory};
         boost::asio::io_context ioContext;
         tcp::acceptor acceptor(ioContext, {tcp::v4(), 0});
         const Client client("127.0.0.1", acceptor.local_endpoint().port());
@@ -240,7 +254,7 @@ TEST_F(ConnectionTest, ARefusedRequestGetsTheReason) {
     EXPECT_EQ(
         responseTo("GET /test HTTP/2.0\r\nHost: a\r\n\r\n"),
         error("505 HTTP Version Not Supported", "This server supports HTTP/1.0 and HTTP/1.1."));
-    EXPECT_EQ(responseTo("TRACE /test HTTP/1.1\r\nHost: a\r\n\r\n"),
+    EXPECT_EQ(responseTo("FOO /test HTTP/1.1\r\nHost: a\r\n\r\n"),
               error("501 Not Implemented", "This method is not implemented."));
 }
 
@@ -354,7 +368,77 @@ TEST_F(ConnectionTest, SlowReadersDelayNoOtherClient) {
     const std::string head = slow.front().read(12);
     EXPECT_EQ(responseTo(kGet), kHello);
     EXPECT_EQ(withoutDate(head + slow.front().readAll()),
-              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
+}
+
+TEST_F(ConnectionTest, AResponseWithoutRoomWaitsUntilOthersAreRead) {
+    serveLargeOneAtATime();
+    start();
+    const std::string whole =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_;
+    const Client first = sending(kGetLarge);
+    std::string begin = first.read(12);
+    const Client second = sending(kGetLarge);
+    const Client third = sending(kGetLarge);
+    // The only worker is not occupied.
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_FALSE(second.hasInput());
+    EXPECT_FALSE(third.hasInput());
+    EXPECT_EQ(withoutDate(begin + first.readAll()), whole);
+    EXPECT_EQ(withoutDate(second.readAll()), whole);
+    EXPECT_EQ(withoutDate(third.readAll()), whole);
+}
+
+TEST_F(ConnectionTest, AResponseThatGetsNoRoomInTimeGets503) {
+    serveLargeOneAtATime();
+    options_.responseTimeout = milliseconds(50);
+    // The first response stays where it is made.
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    const auto respondLarge = provider_.respond;
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        respondLarge(request, ostr);
+        if (request.getMethod() == "POST") {
+            begun.set_value();
+            goOn.get_future().wait();
+        }
+    };
+    options_.workers = 2;
+    start();
+    const Client first = sending("POST /test/large HTTP/1.1\r\nHost: a\r\n\r\n");
+    begun.get_future().wait();
+    EXPECT_EQ(responseTo(kGetLarge),
+              error("503 Service Unavailable",
+                    "The server has no memory for the response. Try again later."));
+    goOn.set_value();
+    server_.reset();  // waits for the provider, which uses what stands above
+}
+
+TEST_F(ConnectionTest, AClientThatWaitsForRoomMayGoAway) {
+    serveLargeOneAtATime();
+    start();
+    const Client first = sending(kGetLarge);
+    const std::string begin = first.read(12);
+    {
+        Client second = sending(kGetLarge);
+        EXPECT_EQ(responseTo(kGet), kHello);
+        second.reset();
+    }
+    const Client third = sending(kGetLarge);
+    const std::string whole = begin + first.readAll();
+    EXPECT_EQ(withoutDate(third.readAll()), withoutDate(whole));
+}
+
+TEST_F(ConnectionTest, TheServerMayEndWhileResponsesWaitForRoom) {
+    serveLargeOneAtATime();
+    options_.shutdownTimeout = milliseconds(50);
+    start();
+    const Client first = sending(kGetLarge);
+    const std::string begin = first.read(12);
+    const Client second = sending(kGetLarge);
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_TRUE(server_->stop());
+    EXPECT_EQ(second.readAll(), "");
 }
 
 TEST_F(ConnectionTest, ALargeResponseMayBeReadInSmallPieces) {
@@ -365,7 +449,8 @@ TEST_F(ConnectionTest, ALargeResponseMayBeReadInSmallPieces) {
     for (std::string piece = client.read(100'003); !piece.empty(); piece = client.read(100'003))
         text += piece;
     EXPECT_FALSE(client.wasReset());
-    EXPECT_EQ(withoutDate(text), "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+    EXPECT_EQ(withoutDate(text),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
 }
 
 TEST_F(ConnectionTest, AClientThatReadsNothingIsCutOff) {
@@ -415,7 +500,7 @@ TEST_F(ConnectionTest, ASecondRequestDoesNotCutTheFirstResponse) {
     large_.assign(282'000, 'x');
     provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, request.getUri() == "/test/large"
-                          ? "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_
+                          ? "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_
                           : kHello);
     };
     options_.workers = 1;
@@ -428,7 +513,7 @@ TEST_F(ConnectionTest, ASecondRequestDoesNotCutTheFirstResponse) {
         EXPECT_EQ(responseTo(kGet), kHello);
     }
     EXPECT_EQ(withoutDate(begin + client.readAll()),
-              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
     EXPECT_FALSE(client.wasReset());
 }
 
@@ -565,7 +650,7 @@ TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
     constexpr int kRounds = 100;
     provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         const std::string path = request.getUri().data();
-        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path);
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + path);
         writeTo(ostr, std::string(path.size() * 1000, 'x'));
     };
     options_.workers = 4;
@@ -574,7 +659,7 @@ TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
         for (int round = 0; round < kRounds; ++round) {
             const std::string path = "/test/" + std::to_string(index * kRounds + round);
             EXPECT_EQ(responseTo("GET " + path + " HTTP/1.1\r\nHost: a\r\n\r\n"),
-                      "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path +
+                      "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + path +
                           std::string(path.size() * 1000, 'x'));
         }
     });

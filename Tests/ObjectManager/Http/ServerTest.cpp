@@ -218,7 +218,7 @@ TEST_F(ServerTest, ARefusedClientThatHasSentItsRequestGetsTheResponse) {
         withoutDate(second.readAll()),
         error("503 Service Unavailable", "The server has too many connections. Try again later."));
     EXPECT_EQ(withoutDate(third.readAll()),
-              "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\n"
+              "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\nRetry-After: 5\r\n"
               "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 54\r\n\r\n");
     EXPECT_FALSE(second.wasReset());
     EXPECT_FALSE(third.wasReset());
@@ -531,7 +531,7 @@ TEST_F(ServerTest, StopCutsOffClientsThatReadNothing) {
 TEST_F(ServerTest, StopLetsClientsReadTheirResponse) {
     const std::string large(16UL * 1024 * 1024, 'x');
     provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
-        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n");
         writeTo(ostr, large);
     };
     start();
@@ -541,7 +541,7 @@ TEST_F(ServerTest, StopLetsClientsReadTheirResponse) {
     while (!refusesConnections(port()))
         std::this_thread::yield();
     EXPECT_EQ(withoutDate(begin + client.readAll()),
-              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large);
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large);
     EXPECT_TRUE(stopped.get());
 }
 
