@@ -101,6 +101,8 @@ void readServer(Table table, Http::Options& settings) {
     table.readSeconds("response_timeout", kShortestTimeout, settings.responseTimeout);
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
     table.readInteger("max_connections", 1, 1'000'000, settings.maxConnections);
+    table.readInteger("max_response_memory", 1'048'576, 1'099'511'627'776,
+                      settings.maxResponseMemory);
     table.reportUnknownKeys();
 }
 

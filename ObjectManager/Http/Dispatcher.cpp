@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <malloc.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,7 +11,6 @@
 
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/Host/ProviderCall.h"
 #include "ObjectManager/Http/EntityTag.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -23,6 +23,10 @@ namespace {
 
 constexpr std::array kKnownMethods = {"CONNECT", "DELETE", "GET", "HEAD", "OPTIONS",
                                       "PATCH",   "POST",   "PUT", "TRACE"};
+
+// Bytes of a response. What a provider needed to make a larger one goes back to the system at once;
+// the C library would keep most of it.
+constexpr std::size_t kLarge = 8UL * 1024 * 1024;
 
 bool isHead(const TSKHTTPRequest& request) {
     return request.getMethod() == "HEAD";
@@ -100,22 +104,28 @@ std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& requ
 std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request,
                                             const boost::asio::ip::tcp::endpoint& client,
                                             ResponseMemory::Share& memory) const {
-    std::optional<Response> response = makeResponse(request, client, memory);
+    std::size_t written = 0;
+    const auto mayTake = [&](std::size_t bytes) {
+        written = bytes;
+        return memory.growTo(bytes);
+    };
+    std::optional<Response> response = makeResponse(request, client, mayTake);
     // The provider may have written more.
     if (response)
         memory.shrinkTo(response->memorySize());
+    if (written >= kLarge)
+        malloc_trim(0);
     return response;
 }
 
 std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request,
                                                  const boost::asio::ip::tcp::endpoint& client,
-                                                 ResponseMemory::Share& memory) const {
+                                                 const Host::MayTake& mayTake) const {
     try {
         if (std::optional<Response> response = respondToMethod(request))
             return response;
         const Host::Client peer = {.address = toUriHost(client.address()),
                                    .port = std::to_string(client.port())};
-        const auto mayTake = [&](std::size_t bytes) { return memory.growTo(bytes); };
         return toResponse(Host::callProvider(manager_, request, peer, mayTake), request, peer);
     } catch (const TeskBaseException& exception) {
         return fail(request, exception.what());  // with the place in the provider

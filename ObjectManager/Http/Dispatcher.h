@@ -3,6 +3,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <optional>
 
+#include "ObjectManager/Host/ProviderCall.h"
 #include "ObjectManager/Http/Response.h"
 #include "ObjectManager/Http/ResponseMemory.h"
 #include "Platform/Http/TSKHTTPRequest.h"
@@ -54,7 +55,7 @@ class Dispatcher {
   private:
     [[nodiscard]] std::optional<Response> makeResponse(TSKHTTPRequest& request,
                                                        const boost::asio::ip::tcp::endpoint& client,
-                                                       ResponseMemory::Share& memory) const;
+                                                       const Host::MayTake& mayTake) const;
     [[nodiscard]] std::optional<Response> respondToMethod(const TSKHTTPRequest& request) const;
 
     const TeskProviderPluginManager& manager_;

@@ -46,6 +46,7 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "response_timeout: 30000 ms\n"
               "shutdown_timeout: 10000 ms\n"
               "max_connections: 4096\n"
+              "max_response_memory: 268435456\n"
               "password_file:\n"
               "credential_lifetime: 300000 ms\n"
               "level: 3\n"
@@ -72,6 +73,7 @@ header_timeout = 1
 response_timeout = 2.5
 shutdown_timeout = 0.25
 max_connections = 7
+max_response_memory = 2000000
 [security]
 password_file = "users"
 credential_lifetime = 60
@@ -92,6 +94,7 @@ file = "tesk.log"
               "response_timeout: 2500 ms\n"
               "shutdown_timeout: 250 ms\n"
               "max_connections: 7\n"
+              "max_response_memory: 2000000\n"
               "password_file: users\n"
               "credential_lifetime: 60000 ms\n"
               "level: 4\n"
@@ -161,6 +164,14 @@ TEST(SettingsReader, NumbersHaveTheirLimits) {
               rangeError("max_connections", "19", "1 to 1000000", "1000001"));
     EXPECT_EQ(errorIn("server", "max_connections = 9223372036854775807"),
               rangeError("max_connections", "19", "1 to 1000000", "9223372036854775807"));
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1048576").server.maxResponseMemory,
+              1048576U);
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1099511627776").server.maxResponseMemory,
+              1099511627776U);
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1048575"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1048575"));
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1099511627777"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1099511627777"));
     EXPECT_EQ(settingsOf("[log]\nlevel = 1").log.level, 1);
     EXPECT_EQ(errorIn("log", "level = 0"),
               "9: error: \"level\" in [log] must be a whole number from 1 to 4, not 0\n");
@@ -321,7 +332,7 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
         errorIn("server", "tls.key = 1"),
         "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"workers\", "
         "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"response_timeout\", "
-        "\"shutdown_timeout\" and \"max_connections\"\n");
+        "\"shutdown_timeout\", \"max_connections\" and \"max_response_memory\"\n");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -344,7 +355,8 @@ a = 1
         "1024, not \"all\"\n"
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
         "\"workers\", \"max_header_size\", \"max_request_line\", \"header_timeout\", "
-        "\"response_timeout\", \"shutdown_timeout\" and \"max_connections\"\n"
+        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\" and "
+        "\"max_response_memory\"\n"
         "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);
@@ -429,7 +441,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 15);
+    EXPECT_EQ(count, 16);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

@@ -47,6 +47,7 @@ std::string textOf(const Settings& settings) {
     text += line("response_timeout", server.responseTimeout);
     text += line("shutdown_timeout", server.shutdownTimeout);
     text += line("max_connections", server.maxConnections);
+    text += line("max_response_memory", server.maxResponseMemory);
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));
