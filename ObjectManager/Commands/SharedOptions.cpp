@@ -28,6 +28,13 @@ void addModelOptions(Command& command, ModelOptions& options) {
                  "May be given several times; without it the sample model is used",
          .target = &options.namespaces,
          .check = Configuration::parseNamespaceOption});
+    command.options.push_back(
+        {.name = "--include-path",
+         .value = "DIR",
+         .help = "A directory with MOF files that others include. Only files below these "
+                 "directories and below those of the namespaces are read. May be given several "
+                 "times",
+         .target = &options.includePath});
     command.options.push_back({.name = "--config",
                                .value = "FILE",
                                .help = "The configuration file",

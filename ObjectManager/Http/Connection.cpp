@@ -1,73 +1,20 @@
 #include "ObjectManager/Http/Connection.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <utility>
 
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
+
 namespace Http {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 using std::chrono::steady_clock;
-
-void ConnectionSet::add(Connection& connection) {
-    std::list<Connection*> added = {&connection};
-    const std::lock_guard lock(mutex_);
-    connections_.emplace(&connection, Entry{.list = &serving_, .place = added.begin()});
-    serving_.splice(serving_.end(), added);
-}
-
-void ConnectionSet::beginLingering(Connection& connection) noexcept {
-    const std::lock_guard lock(mutex_);
-    const auto entry = connections_.find(&connection);
-    if (entry == connections_.end())
-        return;
-    auto& [list, place] = entry->second;
-    lingering_.splice(lingering_.end(), *list, place);
-    list = &lingering_;
-    if (serving_.empty())
-        served_.notify_all();
-}
-
-void ConnectionSet::remove(Connection& connection) noexcept {
-    const std::lock_guard lock(mutex_);
-    const auto entry = connections_.find(&connection);
-    if (entry == connections_.end())
-        return;
-    entry->second.list->erase(entry->second.place);
-    connections_.erase(entry);
-    if (serving_.empty())
-        served_.notify_all();
-}
-
-std::size_t ConnectionSet::size() const {
-    const std::lock_guard lock(mutex_);
-    return connections_.size();
-}
-
-std::shared_ptr<Connection> ConnectionSet::oldestLingering() const {
-    const std::lock_guard lock(mutex_);
-    return lingering_.empty() ? nullptr : lingering_.front()->weak_from_this().lock();
-}
-
-std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
-    std::vector<std::shared_ptr<Connection>> connections;
-    const std::lock_guard lock(mutex_);
-    connections.reserve(connections_.size());
-    for (const auto& [connection, entry] : connections_) {
-        // Null for a connection that is being destroyed.
-        if (auto owned = connection->weak_from_this().lock())
-            connections.push_back(std::move(owned));
-    }
-    return connections;
-}
-
-bool ConnectionSet::waitUntilServed(std::chrono::steady_clock::time_point deadline) const {
-    std::unique_lock lock(mutex_);
-    return served_.wait_until(lock, deadline, [this] { return serving_.empty(); });
-}
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
@@ -82,7 +29,7 @@ Connection::~Connection() {
 }
 
 void Connection::start() {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     // TCP_NODELAY is not set: the sending side is closed after the response, which sends what is
     // left.
     socket_.non_blocking(true);
@@ -90,7 +37,7 @@ void Connection::start() {
 }
 
 void Connection::refuse(const Error& error) {
-    context_.connections.add(*this);
+    context_.connections.add(*this, clientKey());
     attempt([&] {
         error_code ignored;  // shows again when the response is sent
         socket_.non_blocking(true, ignored);
@@ -102,9 +49,23 @@ void Connection::refuse(const Error& error) {
     });
 }
 
-void Connection::closeIfReading() {
+void Connection::closeIfReading() noexcept {
+    try {
+        if (phase_ == Phase::kReading)
+            take(&Connection::readHeader);
+    } catch (const std::exception&) {
+        // The connection is closed.
+    }
     if (phase_ == Phase::kReading)
         close();
+}
+
+void Connection::makeRoom() {
+    if (phase_ != Phase::kReading)
+        return;
+    if (!received_.empty())
+        sendError({.status = 503, .text = kTooManyConnections});
+    abandon();
 }
 
 void Connection::abandon() {
@@ -164,14 +125,17 @@ void Connection::readHeader() {
 void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
-    if (context_.prepare)
-        prepared_ = context_.prepare(parser_.request());
-    if (!postToWorkers())
-        sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+    context_.connections.endReading(*this);
+    hasRequest_ = true;
+    if (context_.authentication.prepare)
+        prepared_ = context_.authentication.prepare(parser_.request());
+    postToWorkers();
 }
 
 // The response found no room in memory.
 void Connection::waitForRoom() {
+    if (phase_ != Phase::kProcessing)
+        return;  // the client has got an error because it took too long
     if (isAbandoned_) {
         close();
         return;
@@ -196,13 +160,48 @@ void Connection::repeatRequest() {
         queueRequest();
 }
 
-// Returns whether a worker takes the request; the connection belongs to the worker then.
-bool Connection::postToWorkers() {
-    auto job = [self = shared_from_this()] { self->processRequest(); };
-    if (context_.needsPasswordHash && context_.needsPasswordHash(request()))
-        return context_.workers.postSlow(std::move(job));
-    context_.workers.postQuick(std::move(job));
-    return true;
+// The request belongs to the workers then.
+void Connection::postToWorkers() {
+    const Authentication& authentication = context_.authentication;
+    std::optional<Authentication::Login> login;
+    if (authentication.unverifiedLogin)
+        login = authentication.unverifiedLogin(request());
+    if (login) {
+        const ClientAddress client = clientOf(parser_.request(), ClientAddress::of(*client_.data()),
+                                              context_.options.trustedProxies);
+        context_.workers.postHash(
+            {.client = ClientKey::of(client),
+             .user = std::move(login->user),
+             .credentials = std::move(login->credentials),
+             .hash =
+                 [self = shared_from_this()] {
+                     return self->context_.authentication.verify(self->request());
+                 },
+             .done = [self = shared_from_this()](bool isHashed) { self->endHash(isHashed); }});
+        return;
+    }
+    context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                               [self = shared_from_this()] { self->endOverdue(); });
+}
+
+// Run by any thread. The users may have been replaced since the hash was asked for: then the
+// provider must not do another one, which would delay quick requests.
+void Connection::endHash(bool isHashed) {
+    if (!isHashed)
+        continueOnIoThread(&Connection::refuseForLackOfPlaces);
+    else if (!std::exchange(hasQueuedAgain_, true))
+        postToWorkers();
+    else
+        context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                                   [self = shared_from_this()] { self->endOverdue(); });
+}
+
+void Connection::refuseForLackOfPlaces() {
+    sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+}
+
+ClientKey Connection::clientKey() const noexcept {
+    return ClientKey::of(ClientAddress::of(*client_.data()));
 }
 
 TSKHTTPRequest& Connection::request() {
@@ -216,11 +215,14 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    response_ = context_.dispatcher.respond(request(), client_, memory_);
-    if (!response_) {
+    std::optional<Response> response = context_.dispatcher.respond(request(), client_, memory_);
+    if (!response) {
         continueOnIoThread(&Connection::waitForRoom);
         return;
     }
+    if (isAnswered_.exchange(true))
+        return;
+    response_ = std::move(response);
     switch (isAbandoned_ ? Sending::kFailed : send()) {
         case Sending::kBlocked:
             continueOnIoThread(&Connection::beginWriting);
@@ -234,8 +236,27 @@ void Connection::processRequest() {
     }
 }
 
+// The request may be used by the provider at this time, but the bytes as they were received are
+// not.
+void Connection::endOverdue() {
+    if (phase_ != Phase::kProcessing || isAnswered_.exchange(true))
+        return;
+    isOverdue_ = true;
+    Base::log(kLogComponent, TeskTraceLog::SeverityError,
+              Base::logText(requestLine()) + ": the provider did not respond in time");
+    sendError({.status = 504, .text = "The server did not make the response in time."});
+}
+
+std::string_view Connection::requestLine() const {
+    const std::string_view bytes = received_;
+    const std::size_t start = std::min(bytes.find_first_not_of("\r\n"), bytes.size());
+    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
+    return bytes.substr(start, end - start);
+}
+
 void Connection::beginWriting() {
     phase_ = Phase::kWriting;
+    context_.connections.endReading(*this);
     limitPhase(context_.options.responseTimeout);
     write();
 }
@@ -264,14 +285,35 @@ Connection::Sending Connection::send() {
         if (error)
             return Sending::kFailed;
     }
+    report();
     return Sending::kDone;
+}
+
+void Connection::report() noexcept {
+    if (!context_.report || !response_ || std::exchange(isReported_, true))
+        return;
+    // A provider that is late may still use its request.
+    const bool isFree = hasRequest_ && (!isOverdue_ || prepared_ != nullptr);
+    ClientAddress client = ClientAddress::of(*client_.data());
+    if (isFree)
+        client = clientOf(parser_.request(), client, context_.options.trustedProxies);
+    const TSKHTTPRequest& request = isOverdue_ ? parser_.request() : this->request();
+    try {
+        context_.report({.client = client,
+                         .requestLine = requestLine(),
+                         .request = isFree ? &request : nullptr,
+                         .status = response_->status(),
+                         .bodyBytes = response_->sentBodyBytes()});
+    } catch (const std::exception&) {
+        // The response is as it would have been.
+    }
 }
 
 // Gives its place away before the client is told that nothing follows: a client that sees the end
 // of the response can rely on a free place. Reads before it waits: many clients have closed the
 // connection already.
 void Connection::beginLingering() {
-    if (isAbandoned_ || !lingers_) {
+    if (isAbandoned_ || !lingers_ || (context_.lacksDescriptors && context_.lacksDescriptors())) {
         close();
         return;
     }
@@ -308,9 +350,14 @@ void Connection::close() noexcept {
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
+    report();
     context_.connections.remove(*this);
+    if (!socket_.is_open())
+        return;
     error_code error;  // the socket is closed in any case
     socket_.close(error);
+    if (context_.onClosed)
+        context_.onClosed();
 }
 
 // The wait ends with the phase.

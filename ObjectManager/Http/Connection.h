@@ -4,17 +4,17 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <functional>
-#include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/Authentication.h"
+#include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -25,48 +25,9 @@
 
 namespace Http {
 
-class Connection;
-
-/// The open connections of a server.
-///
-/// Thread safety: may be used by several threads at once.
-class ConnectionSet {
-  public:
-    /// `connection` must be removed before it is destroyed.
-    /// Errors: std::bad_alloc; the set stays as it was.
-    void add(Connection& connection);
-
-    /// `connection` has sent its response and may be closed when its place is needed. Does nothing
-    /// if it is not in the set.
-    void beginLingering(Connection& connection) noexcept;
-
-    /// Does nothing if `connection` is not in the set.
-    void remove(Connection& connection) noexcept;
-
-    [[nodiscard]] std::size_t size() const;
-
-    /// The connection that has lingered for longest; null if none does.
-    [[nodiscard]] std::shared_ptr<Connection> oldestLingering() const;
-
-    /// The connections that are open now.
-    /// Errors: std::bad_alloc.
-    [[nodiscard]] std::vector<std::shared_ptr<Connection>> all() const;
-
-    /// Returns true as soon as all connections linger, false if one does not at the deadline.
-    [[nodiscard]] bool waitUntilServed(std::chrono::steady_clock::time_point deadline) const;
-
-  private:
-    struct Entry {
-        std::list<Connection*>* list;  // one of those below
-        std::list<Connection*>::iterator place;
-    };
-
-    mutable std::mutex mutex_;
-    mutable std::condition_variable served_;
-    std::unordered_map<Connection*, Entry> connections_;  // guarded by mutex_
-    std::list<Connection*> serving_;                      // guarded by mutex_
-    std::list<Connection*> lingering_;                    // oldest first; guarded by mutex_
-};
+/// Why a client gets 503 when there is no place for its connection.
+inline constexpr const char* kTooManyConnections =
+    "The server has too many connections. Try again later.";
 
 /// What the connections of a server share.
 ///
@@ -78,9 +39,19 @@ struct ConnectionContext {
     ConnectionSet& connections;
     ResponseMemory& memory;
 
-    /// See Server; may be empty.
-    std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
-    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+    Authentication authentication = {};
+
+    /// Called after a connection has given its file descriptor back; may be empty. Called by
+    /// several threads at once; must not throw.
+    std::function<void()> onClosed = nullptr;
+
+    /// Whether clients wait for a file descriptor: no connection lingers then. Called by the I/O
+    /// thread; may be empty.
+    std::function<bool()> lacksDescriptors = nullptr;
+
+    /// Called with each response that has been sent, or that could not be sent to its end, by the
+    /// thread that has sent it, before the client sees the end of the connection. May be empty.
+    std::function<void(const Exchange&)> report = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -94,10 +65,11 @@ struct ConnectionContext {
 ///
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
-/// - processing: a worker runs the provider and sends what the socket takes at once.
+/// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
+///   and sends what the socket takes at once. If the provider takes too long, the I/O thread sends
+///   an error, and what the provider writes later is dropped.
 /// - waiting: there is no room in memory for the response, which is dropped. When there is room,
-/// the
-///   next phase is processing again; if that takes too long, the client gets 503.
+///   the next phase is processing again; if that takes too long, the client gets 503.
 /// - writing: the I/O thread sends the rest as the client reads it.
 /// - lingering: the response is sent, and the client is told that nothing follows. The server reads
 ///   and drops what the client sends until the client closes the connection (RFC 9112, section
@@ -127,8 +99,13 @@ class Connection : public std::enable_shared_from_this<Connection> {
     /// Errors: as start().
     void refuse(const Error& error);
 
-    /// Closes the connection if the header section has not come in yet.
-    void closeIfReading();
+    /// Closes the connection unless the header section has come in by now.
+    void closeIfReading() noexcept;
+
+    /// Closes the connection if the header section has not come in yet, since the server needs its
+    /// place. A client that has sent a part of it gets 503 if it can be sent at once.
+    /// Errors: std::bad_alloc; the connection is closed.
+    void makeRoom();
 
     /// Closes the connection; if a worker processes the request, as soon as the provider has
     /// returned.
@@ -145,15 +122,21 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void attempt(const Work& work);
     void readHeader();
     void queueRequest();
-    [[nodiscard]] bool postToWorkers();
+    void postToWorkers();
+    void endHash(bool isHashed);
+    void refuseForLackOfPlaces();
+    [[nodiscard]] ClientKey clientKey() const noexcept;
+    [[nodiscard]] std::string_view requestLine() const;
     [[nodiscard]] TSKHTTPRequest& request();
     void sendError(const Error& error);
     void processRequest();
     void waitForRoom();
     void repeatRequest();
+    void endOverdue();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
+    void report() noexcept;
     void beginLingering();
     void linger();
     void close() noexcept;
@@ -171,14 +154,20 @@ class Connection : public std::enable_shared_from_this<Connection> {
     Phase phase_ = Phase::kReading;          // used by the I/O thread only
     bool isLimited_ = false;                 // whether the timeout of a phase has begun
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
+    // Set by the thread that responds, the worker or the I/O thread, whichever is first.
+    std::atomic<bool> isAnswered_ = false;
+    bool hasQueuedAgain_ = false;  // for another hash
+    bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
     std::string received_;
     RequestParser parser_;
-    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
+    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare
     bool lingers_ = true;                       // after the response
+    bool hasRequest_ = false;                   // the header section has come in
     std::optional<std::chrono::steady_clock::time_point> roomDeadline_;  // once it has waited
     ResponseMemory::Share memory_;  // of response_, which is destroyed first
     std::optional<Response> response_;
+    bool isReported_ = false;
     std::size_t lingerBytes_ = 0;
 };
 

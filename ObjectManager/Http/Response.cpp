@@ -107,6 +107,11 @@ Response::Parts Response::unsent() const {
     return parts;
 }
 
+std::size_t Response::sentBodyBytes() const noexcept {
+    const std::size_t before = headerLength_ + addedFields_.size();
+    return sent_ - std::min(sent_, before);
+}
+
 std::string dateField(std::time_t time) {
     std::tm utc{};
     gmtime_r(&time, &utc);

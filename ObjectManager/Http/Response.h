@@ -56,6 +56,9 @@ class Response {
 
     [[nodiscard]] bool isSent() const noexcept { return sent_ == size(); }
 
+    /// How many bytes of the body are sent.
+    [[nodiscard]] std::size_t sentBodyBytes() const noexcept;
+
   private:
     Response() = default;
 

@@ -18,7 +18,7 @@ class ResponseMemory {
   public:
     /// The part that one response takes. It is given back when the share is destroyed.
     ///
-    /// Thread safety: belongs to one thread.
+    /// Thread safety: may be used by several threads at once.
     class Share {
       public:
         /// `memory` must outlive the share.

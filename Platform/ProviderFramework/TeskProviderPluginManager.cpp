@@ -114,14 +114,17 @@ bool TeskProviderPluginManager::registerMethods(const TSKString& providerName,
 
 TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
     TSKSmrPtr<ITeskNamespaceList> namespaces) {
-    const std::vector<TSKString> now = urisOf(namespaces);
-    TSKSmrPtr<ITeskNamespaceList> previous = std::move(namespaces);
+    TSKSmrPtr<ITeskNamespaceList> previous;
     {
         const std::lock_guard lock(mutex_);
-        namespaces_.swap(previous);
+        previous = namespaces_;
     }
-    routeNamespaces(urisOf(previous), now);
-    return previous;
+    // Before the list changes: this fails when memory runs out. A route to a namespace that does
+    // not come to be listed does no harm, since the provider does not find it.
+    routeNamespaces(urisOf(previous), urisOf(namespaces));
+    const std::lock_guard lock(mutex_);
+    namespaces_.swap(namespaces);
+    return namespaces;
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(

@@ -158,7 +158,7 @@ TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
 TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     writeModel("test.mof", "class TST_Nothing {};\n");
     const std::string users = directory_ / "users";
-    std::filesystem::permissions(users, std::filesystem::perms(0640));
+    std::filesystem::permissions(users, std::filesystem::perms(0644));
     process().waitForLog("The users stay as they were: ");  // as the file has changed
     reload();
     expectServedAsBefore();

@@ -30,12 +30,14 @@ std::string inQuotes(std::string_view text) {
 }  // namespace
 
 std::vector<std::string> unusualLines(const std::string& log) {
-    const std::regex information("[-0-9T:.]+Z information .*");
+    const std::regex usual(
+        "[-0-9T:.]+Z (information .*|warning HttpFrontEnd: .*[Ff]ailed login.*|warning tesk: The "
+        "process runs as root.*)");
     const std::regex time("^[-0-9T:.]+Z ");
     std::vector<std::string> lines;
     std::istringstream stream(log);
     for (std::string line; std::getline(stream, line);) {
-        if (!std::regex_match(line, information))
+        if (!std::regex_match(line, usual))
             lines.push_back(std::regex_replace(line, time, ""));
     }
     return lines;

@@ -105,5 +105,6 @@ class RunningService : public testing::Test {
     std::string readyLine_;
 };
 
-/// The lines of a log that are no information, without the time in front of those that have one.
+/// The lines of a log that are neither information nor about failed logins nor about the test's
+/// being run by root, without the time in front of those that have one.
 [[nodiscard]] std::vector<std::string> unusualLines(const std::string& log);

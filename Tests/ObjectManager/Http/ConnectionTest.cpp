@@ -25,88 +25,6 @@ using boost::asio::ip::tcp;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-class ConnectionSetTest : public testing::Test {
-  protected:
-    std::shared_ptr<Http::Connection> makeConnection() {
-        return std::make_shared<Http::Connection>(context_, tcp::socket(ioContext_),
-                                                  tcp::endpoint());
-    }
-
-    Http::ConnectionSet set_;
-    TeskProviderPluginManager manager_;
-    Http::Dispatcher dispatcher_{manager_};
-    Http::WorkerPool workers_{1, 1};
-    Http::ResponseMemory memory_{1000};
-    Http::Options options_;
-    Http::ConnectionContext context_{.options = options_,
-                                     .dispatcher = dispatcher_,
-                                     .workers = workers_,
-                                     .connections = set_,
-                                     .memory = memory_};
-    boost::asio::io_context ioContext_;
-};
-
-TEST_F(ConnectionSetTest, ContainsWhatIsAddedUntilItIsRemoved) {
-    const auto first = makeConnection();
-    const auto second = makeConnection();
-    EXPECT_EQ(set_.size(), 0U);
-    set_.add(*first);
-    set_.add(*second);
-    EXPECT_EQ(set_.size(), 2U);
-    EXPECT_EQ(set_.all().size(), 2U);
-    set_.remove(*first);
-    set_.remove(*first);
-    EXPECT_EQ(set_.all(), std::vector({second}));
-    set_.remove(*second);
-    EXPECT_EQ(set_.size(), 0U);
-}
-
-TEST_F(ConnectionSetTest, KnowsWhichConnectionHasLingeredForLongest) {
-    const auto first = makeConnection();
-    const auto second = makeConnection();
-    set_.beginLingering(*first);
-    EXPECT_EQ(set_.oldestLingering(), nullptr);
-    set_.add(*first);
-    set_.add(*second);
-    EXPECT_EQ(set_.oldestLingering(), nullptr);
-    set_.beginLingering(*second);
-    set_.beginLingering(*first);
-    EXPECT_EQ(set_.oldestLingering(), second);
-    EXPECT_EQ(set_.size(), 2U);
-    set_.remove(*second);
-    EXPECT_EQ(set_.oldestLingering(), first);
-    set_.remove(*first);
-    EXPECT_EQ(set_.oldestLingering(), nullptr);
-}
-
-TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
-    {
-        const auto connection = makeConnection();
-        set_.add(*connection);
-    }
-    EXPECT_EQ(set_.size(), 0U);
-}
-
-TEST_F(ConnectionSetTest, WaitsUntilTheLastOneLingersOrIsRemoved) {
-    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
-    const auto first = makeConnection();
-    const auto second = makeConnection();
-    set_.add(*first);
-    set_.add(*second);
-    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
-    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now() + milliseconds(1)));
-    std::thread ending([&] {
-        set_.remove(*first);
-        set_.beginLingering(*second);
-    });
-    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now() + kPatience));
-    ending.join();
-    set_.add(*first);
-    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
-    set_.remove(*first);
-    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
-}
-
 class ConnectionTest : public RunningServer {
   protected:
     static constexpr std::size_t kLarge = 16UL * 1024 * 1024;
@@ -137,7 +55,7 @@ class ConnectionTest : public RunningServer {
         const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
         Http::ResponseMemory memory(options_.maxResponseMemory);
-        Http::WorkerPool workers(1, options_.maxWaitingHashes);
+        Http::WorkerPool workers(1, {});
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,

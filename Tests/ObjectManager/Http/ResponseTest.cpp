@@ -71,6 +71,7 @@ TEST(Response, TellsWhatTheProviderWrote) {
     EXPECT_EQ(response.field("Date"), std::nullopt);
     EXPECT_EQ(response.field("HTTP/1.1 204 OK"), std::nullopt);
     EXPECT_EQ(response.body(), "b: f\r\n\r\n");
+    EXPECT_EQ(Response::make("HTTP/1.0 404\r\n\r\n").value().status(), 404U);
     EXPECT_EQ(Response::make("HTTP/1.1 \r\n\r\n").value().status(), 0U);
     EXPECT_EQ(Response::make("HTTP/1.1 abc\r\n\r\n").value().status(), 0U);
 }
@@ -105,6 +106,18 @@ TEST(Response, IsSentInPiecesOfAnySize) {
         EXPECT_EQ(withoutDate(text), written) << piece;
         EXPECT_EQ(unsentOf(response), "");
     }
+}
+
+TEST(Response, TellsHowMuchOfTheBodyIsSent) {
+    Response response = Response::make("HTTP/1.1 200 OK\r\n\r\nbody").value();
+    const std::size_t size = unsentOf(response).size();
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(size - 4);
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(1);
+    EXPECT_EQ(response.sentBodyBytes(), 1U);
+    response.consume(3);
+    EXPECT_EQ(response.sentBodyBytes(), 4U);
 }
 
 TEST(Response, TheBodyIsNotCopied) {

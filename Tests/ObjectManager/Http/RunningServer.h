@@ -16,7 +16,8 @@
 #include "Tests/Support/WaitUntil.h"
 
 /// A server with one provider, which responds with "hello" unless the test changes that. Unless the
-/// test changes that too, no timeout ends even on a slow machine, and the log stays empty.
+/// test changes that too, no timeout ends even on a slow machine, a client has no limit of its own,
+/// since all clients have the same address, and the log stays empty.
 class RunningServer : public testing::Test {
   protected:
     using Lines = std::vector<std::string>;
@@ -30,6 +31,7 @@ class RunningServer : public testing::Test {
         options_.headerTimeout = kPatience;
         options_.responseTimeout = kPatience;
         options_.shutdownTimeout = kPatience;
+        options_.maxConnectionsPerClient = 0;
         provider_.respond = [](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
             writeTo(ostr, kHello);
         };
@@ -45,7 +47,7 @@ class RunningServer : public testing::Test {
     }
 
     void start() {
-        server_.emplace(options_, manager_, needsPasswordHash_, prepare_);
+        server_.emplace(options_, manager_, authentication_, report_);
         server_->start();
     }
 
@@ -59,6 +61,13 @@ class RunningServer : public testing::Test {
     /// A client that has sent `bytes`.
     [[nodiscard]] Client sending(const std::string& bytes) const {
         Client client = connect();
+        EXPECT_TRUE(client.send(bytes));
+        return client;
+    }
+
+    /// The same from another address of this machine, such as "127.0.0.2".
+    [[nodiscard]] Client sendingFrom(const std::string& source, const std::string& bytes) const {
+        Client client("127.0.0.1", port(), source);
         EXPECT_TRUE(client.send(bytes));
         return client;
     }
@@ -83,8 +92,8 @@ class RunningServer : public testing::Test {
     }
 
     Http::Options options_;
-    Http::Server::NeedsPasswordHash needsPasswordHash_;
-    Http::Server::Prepare prepare_;
+    Http::Authentication authentication_;
+    Http::Server::Report report_;
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     LogRecording log_;
