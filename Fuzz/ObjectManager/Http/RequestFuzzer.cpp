@@ -67,9 +67,9 @@ class RoutingProvider : public urma::pf::Provider {
     }
 };
 
-class Host {
+class FuzzedHost {
   public:
-    Host() {
+    FuzzedHost() {
         TSKLog::setLevel(TeskTraceLog::SeverityOff);
         (void)manager_.addProvider(provider_, "fuzzer");
         for (const char* const uri : {"/", "/interop", "/root/cimv2"})
@@ -155,7 +155,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkByBytes(bytes, parser, state);
     const bool isHead = parser.isHeadRequest(bytes);
     if (state == State::kComplete) {
-        static const Host host;
+        static const FuzzedHost host;
         require(parser.length() <= kOptions.maxHeaderSize);
         TSKHTTPRequest& request = parser.request();
         require(isHead == (request.getMethod() == "HEAD"));
