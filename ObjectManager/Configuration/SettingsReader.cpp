@@ -112,6 +112,8 @@ void readServer(Table table, Http::Options& settings) {
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
     table.readInteger("max_connections", 1, 1'000'000, settings.maxConnections);
     table.readInteger("max_connections_per_client", 0, 1'000'000, settings.maxConnectionsPerClient);
+    table.readInteger("max_response_memory", 1'048'576, 1'099'511'627'776,
+                      settings.maxResponseMemory);
     table.reportUnknownKeys();
 }
 

@@ -15,13 +15,15 @@ namespace Http {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
+using std::chrono::steady_clock;
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
       socket_(std::move(socket)),
       client_(client),
       timer_(socket_.get_executor()),
-      parser_(context.options) {}
+      parser_(context.options),
+      memory_(context.memory) {}
 
 Connection::~Connection() {
     closeSocket();
@@ -29,19 +31,23 @@ Connection::~Connection() {
 
 void Connection::start() {
     context_.connections.add(*this, clientKey());
-    // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
+    // TCP_NODELAY is not set: the sending side is closed after the response, which sends what is
+    // left.
     socket_.non_blocking(true);
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
     context_.connections.add(*this, clientKey());
-    error_code ignored;  // shows again when the response is sent
-    socket_.non_blocking(true, ignored);
-    // Most clients have sent their request already, which tells whether its method is HEAD.
-    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
-    received_.assign(context_.readBuffer.data(), length);
-    refuseBytes(error);
+    attempt([&] {
+        error_code ignored;  // shows again when the response is sent
+        socket_.non_blocking(true, ignored);
+        // Most clients have sent their request already, which tells whether its method is HEAD.
+        const std::size_t length =
+            socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
+        received_.assign(context_.readBuffer.data(), length);
+        sendError(error);
+    });
 }
 
 void Connection::closeIfReading() noexcept {
@@ -59,7 +65,7 @@ void Connection::makeRoom() {
     if (phase_ != Phase::kReading)
         return;
     if (!received_.empty())
-        refuseBytes({.status = 503, .text = kTooManyConnections});
+        sendError({.status = 503, .text = kTooManyConnections});
     abandon();
 }
 
@@ -69,11 +75,16 @@ void Connection::abandon() {
         close();
 }
 
-// Takes a step on the I/O thread. If it fails, the connection is closed instead of staying open
-// until its timeout.
 void Connection::take(Step step) {
+    attempt([&] { (this->*step)(); });
+}
+
+// Does something on the I/O thread. If it fails, the connection is closed instead of staying open
+// until its timeout.
+template <typename Work>
+void Connection::attempt(const Work& work) {
     try {
-        (this->*step)();
+        work();
     } catch (const std::exception&) {
         close();
         throw;
@@ -106,21 +117,48 @@ void Connection::readHeader() {
                 queueRequest();
                 return;
             case RequestParser::State::kRefused:
-                refuseBytes(parser_.error());
+                sendError(parser_.error());
                 return;
         }
     }
 }
 
 void Connection::queueRequest() {
-    hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
     context_.connections.endReading(*this);
     hasRequest_ = true;
     if (context_.authentication.prepare)
-        prepared_ = context_.authentication.prepare(parser_.request().message);
+        prepared_ = context_.authentication.prepare(parser_.request());
     postToWorkers();
+}
+
+// The response found no room in memory.
+void Connection::waitForRoom() {
+    if (phase_ != Phase::kProcessing)
+        return;  // the client has got an error because it took too long
+    if (isAbandoned_) {
+        close();
+        return;
+    }
+    phase_ = Phase::kWaiting;
+    const steady_clock::time_point now = steady_clock::now();
+    if (!roomDeadline_)
+        roomDeadline_ = now + context_.options.responseTimeout;
+    limitPhase(std::chrono::ceil<std::chrono::milliseconds>(*roomDeadline_ - now));
+    memory_.wait([waiting = weak_from_this()] {
+        try {
+            if (const auto self = waiting.lock())
+                self->continueOnIoThread(&Connection::repeatRequest);
+        } catch (const std::exception&) {
+            // There is no memory to go on. The wait ends at its deadline.
+        }
+    });
+}
+
+void Connection::repeatRequest() {
+    if (phase_ == Phase::kWaiting)
+        queueRequest();
 }
 
 // The request belongs to the workers then.
@@ -130,9 +168,8 @@ void Connection::postToWorkers() {
     if (authentication.unverifiedLogin)
         login = authentication.unverifiedLogin(request());
     if (login) {
-        const ClientAddress client =
-            clientOf(parser_.request().message, ClientAddress::of(*client_.data()),
-                     context_.options.trustedProxies);
+        const ClientAddress client = clientOf(parser_.request(), ClientAddress::of(*client_.data()),
+                                              context_.options.trustedProxies);
         context_.workers.postHash(
             {.client = ClientKey::of(client),
              .user = std::move(login->user),
@@ -176,12 +213,7 @@ ClientKey Connection::clientKey() const noexcept {
 }
 
 TSKHTTPRequest& Connection::request() {
-    return prepared_ != nullptr ? *prepared_ : parser_.request().message;
-}
-
-void Connection::refuseBytes(const Error& error) {
-    hasMoreToCome_ = true;  // the end of the request is unknown
-    sendError(error);
+    return prepared_ != nullptr ? *prepared_ : parser_.request();
 }
 
 void Connection::sendError(const Error& error) {
@@ -191,17 +223,25 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    Response response = context_.dispatcher.respond(request(), client_);
+    std::optional<Response> response = context_.dispatcher.respond(request(), client_, memory_);
+    if (!response) {
+        continueOnIoThread(&Connection::waitForRoom);
+        return;
+    }
     if (isAnswered_.exchange(true))
         return;
     response_ = std::move(response);
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        continueOnIoThread(&Connection::beginWriting);
-    else if (sending == Sending::kDone && clientSendsMore())
-        continueOnIoThread(&Connection::beginLingering);
-    else
-        closeSocket();
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            continueOnIoThread(&Connection::beginWriting);
+            break;
+        case Sending::kDone:
+            continueOnIoThread(&Connection::beginLingering);
+            break;
+        case Sending::kFailed:
+            closeSocket();
+            break;
+    }
 }
 
 // The request may be used by the provider at this time, but the bytes as they were received are
@@ -230,13 +270,17 @@ void Connection::beginWriting() {
 }
 
 void Connection::write() {
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        waitFor(tcp::socket::wait_write, &Connection::write);
-    else if (sending == Sending::kDone && clientSendsMore())
-        beginLingering();
-    else
-        close();
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            waitFor(tcp::socket::wait_write, &Connection::write);
+            break;
+        case Sending::kDone:
+            beginLingering();
+            break;
+        case Sending::kFailed:
+            close();
+            break;
+    }
 }
 
 // Sends what the socket takes now.
@@ -261,7 +305,7 @@ void Connection::report() noexcept {
     if (hasRequest_ && !isOverdue_)
         message = &request();
     else if (hasRequest_ && prepared_ != nullptr)
-        message = &parser_.request().message;
+        message = &parser_.request();
     ClientAddress client = ClientAddress::of(*client_.data());
     if (message != nullptr)
         client = clientOf(*message, client, context_.options.trustedProxies);
@@ -276,22 +320,23 @@ void Connection::report() noexcept {
     }
 }
 
-bool Connection::clientSendsMore() const {
-    error_code error;
-    return hasMoreToCome_ || socket_.available(error) > 0;
-}
-
+// Gives its place away before the client is told that nothing follows: a client that sees the end
+// of the response can rely on a free place. Reads before it waits: many clients have closed the
+// connection already.
 void Connection::beginLingering() {
-    if (isAbandoned_) {
+    if (isAbandoned_ || !lingers_ || (context_.lacksDescriptors && context_.lacksDescriptors())) {
         close();
         return;
     }
     phase_ = Phase::kLingering;
-    limitPhase(context_.options.lingerTimeout);
     response_.reset();
+    memory_.release();
+    context_.connections.beginLingering(*this);
     error_code error;  // shows again when the client's bytes are read
     socket_.shutdown(tcp::socket::shutdown_send, error);
     linger();
+    if (phase_ == Phase::kLingering)
+        limitPhase(context_.options.lingerTimeout);
 }
 
 void Connection::linger() {
@@ -309,6 +354,8 @@ void Connection::close() noexcept {
     error_code error;
     timer_.cancel(error);
     closeSocket();
+    response_.reset();
+    memory_.release();
 }
 
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
@@ -350,10 +397,19 @@ void Connection::limitPhase(std::chrono::milliseconds timeout) {
 }
 
 void Connection::onTimeout() {
-    if (phase_ == Phase::kReading)
-        refuseBytes({.status = 408, .text = "The header section was not received in time."});
-    else
-        close();
+    switch (phase_) {
+        case Phase::kReading:
+            lingers_ = !received_.empty();
+            sendError({.status = 408, .text = "The header section was not received in time."});
+            break;
+        case Phase::kWaiting:
+            memory_.release();
+            sendError({.status = 503, .text = kNoRoom});
+            break;
+        default:
+            close();
+            break;
+    }
 }
 
 }  // namespace Http

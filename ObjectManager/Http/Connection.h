@@ -20,6 +20,7 @@
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestParser.h"
 #include "ObjectManager/Http/Response.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -36,12 +37,17 @@ struct ConnectionContext {
     const Dispatcher& dispatcher;
     WorkerPool& workers;
     ConnectionSet& connections;
+    ResponseMemory& memory;
 
     Authentication authentication = {};
 
     /// Called after a connection has given its file descriptor back; may be empty. Called by
     /// several threads at once; must not throw.
     std::function<void()> onClosed = nullptr;
+
+    /// Whether clients wait for a file descriptor: no connection lingers then. Called by the I/O
+    /// thread; may be empty.
+    std::function<bool()> lacksDescriptors = nullptr;
 
     /// Called with each response that has been sent, or that could not be sent to its end, by the
     /// thread that has sent it, before the client sees the end of the connection. May be empty.
@@ -60,12 +66,16 @@ struct ConnectionContext {
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
 /// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
-///   and sends what the socket takes at once. If that is the whole response and the client sends
-///   nothing more, the worker closes the connection. If the provider takes too long, the I/O thread
-///   sends an error, and what the provider writes later is dropped.
+///   and sends what the socket takes at once. If the provider takes too long, the I/O thread sends
+///   an error, and what the provider writes later is dropped.
+/// - waiting: there is no room in memory for the response, which is dropped. When there is room,
+///   the next phase is processing again; if that takes too long, the client gets 503.
 /// - writing: the I/O thread sends the rest as the client reads it.
-/// - lingering: the client has the response but still sends. To close the connection now would
-///   discard what the client has not read yet, so its bytes are read and dropped first.
+/// - lingering: the response is sent, and the client is told that nothing follows. The server reads
+///   and drops what the client sends until the client closes the connection (RFC 9112, section
+///   9.6): to close it first, with bytes of the client unread or on their way, would discard what
+///   the client has not read yet. A client that has sent nothing at all within the time for a
+///   header section is not waited for.
 ///
 /// Thread safety: belongs to the I/O thread, except for what a worker does while processing.
 class Connection : public std::enable_shared_from_this<Connection> {
@@ -102,12 +112,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void abandon();
 
   private:
-    enum class Phase { kReading, kProcessing, kWriting, kLingering, kClosed };
+    enum class Phase { kReading, kProcessing, kWaiting, kWriting, kLingering, kClosed };
     enum class Sending { kDone, kBlocked, kFailed };
 
     using Step = void (Connection::*)();
 
     void take(Step step);
+    template <typename Work>
+    void attempt(const Work& work);
     void readHeader();
     void queueRequest();
     void postToWorkers();
@@ -117,15 +129,15 @@ class Connection : public std::enable_shared_from_this<Connection> {
     [[nodiscard]] ClientKey clientKey() const noexcept;
     [[nodiscard]] std::string_view requestLine() const;
     [[nodiscard]] TSKHTTPRequest& request();
-    void refuseBytes(const Error& error);
     void sendError(const Error& error);
     void processRequest();
+    void waitForRoom();
+    void repeatRequest();
     void endOverdue();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
     void report() noexcept;
-    [[nodiscard]] bool clientSendsMore() const;
     void beginLingering();
     void linger();
     void close() noexcept;
@@ -151,8 +163,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::string received_;
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare
-    bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
-    bool hasRequest_ = false;     // the header section has come in
+    bool lingers_ = true;                       // after the response
+    bool hasRequest_ = false;                   // the header section has come in
+    std::optional<std::chrono::steady_clock::time_point> roomDeadline_;  // once it has waited
+    ResponseMemory::Share memory_;  // of response_, which is destroyed first
     std::optional<Response> response_;
     bool isReported_ = false;
     std::size_t lingerBytes_ = 0;

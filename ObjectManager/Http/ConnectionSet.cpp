@@ -17,37 +17,57 @@ void ConnectionSet::add(Connection& connection, const ClientKey& client) {
         throw;
     }
     ++entry->second.client->second;
-    entry->second.reading = reading.begin();
+    entry->second.list = &reading_;
+    entry->second.place = reading.begin();
     reading_.splice(reading_.end(), reading);
 }
 
 void ConnectionSet::endReading(Connection& connection) noexcept {
     const std::lock_guard lock(mutex_);
-    if (const auto entry = connections_.find(&connection); entry != connections_.end())
-        endReading(entry->second);
+    const auto entry = connections_.find(&connection);
+    if (entry != connections_.end() && entry->second.list == &reading_)
+        move(entry->second, serving_);
 }
 
-void ConnectionSet::endReading(Entry& entry) noexcept {
-    if (!entry.reading)
+void ConnectionSet::beginLingering(Connection& connection) noexcept {
+    const std::lock_guard lock(mutex_);
+    const auto entry = connections_.find(&connection);
+    if (entry == connections_.end() || entry->second.list == &lingering_)
         return;
-    reading_.erase(*entry.reading);
-    entry.reading.reset();
-    if (reading_.empty())
-        noneReads_.notify_all();
+    endCounting(entry->second);
+    move(entry->second, lingering_);
 }
 
 void ConnectionSet::remove(Connection& connection) noexcept {
     const std::lock_guard lock(mutex_);
-    const auto entry = connections_.find(&connection);
-    if (entry == connections_.end())
+    const auto found = connections_.find(&connection);
+    if (found == connections_.end())
         return;
-    endReading(entry->second);
-    const auto client = entry->second.client;
-    if (--client->second == 0)
-        perClient_.erase(client);
-    connections_.erase(entry);
-    if (connections_.empty())
-        empty_.notify_all();
+    Entry& entry = found->second;
+    if (entry.list != &lingering_)
+        endCounting(entry);
+    entry.list->erase(entry.place);
+    connections_.erase(found);
+    notify();
+}
+
+void ConnectionSet::move(Entry& entry, std::list<Connection*>& to) noexcept {
+    to.splice(to.end(), *entry.list, entry.place);
+    entry.list = &to;
+    notify();
+}
+
+void ConnectionSet::endCounting(Entry& entry) noexcept {
+    if (--entry.client->second == 0)
+        perClient_.erase(entry.client);
+}
+
+void ConnectionSet::notify() noexcept {
+    if (!reading_.empty())
+        return;
+    noneReads_.notify_all();
+    if (serving_.empty())
+        served_.notify_all();
 }
 
 std::size_t ConnectionSet::size() const {
@@ -66,6 +86,11 @@ std::shared_ptr<Connection> ConnectionSet::oldestReading() const {
     return reading_.empty() ? nullptr : reading_.front()->weak_from_this().lock();
 }
 
+std::shared_ptr<Connection> ConnectionSet::oldestLingering() const {
+    const std::lock_guard lock(mutex_);
+    return lingering_.empty() ? nullptr : lingering_.front()->weak_from_this().lock();
+}
+
 std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
     std::vector<std::shared_ptr<Connection>> connections;
     const std::lock_guard lock(mutex_);
@@ -78,9 +103,10 @@ std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
     return connections;
 }
 
-bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
+bool ConnectionSet::waitUntilServed(std::chrono::steady_clock::time_point deadline) const {
     std::unique_lock lock(mutex_);
-    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
+    return served_.wait_until(lock, deadline,
+                              [this] { return reading_.empty() && serving_.empty(); });
 }
 
 bool ConnectionSet::waitUntilNoneReads(std::chrono::steady_clock::time_point deadline) const {

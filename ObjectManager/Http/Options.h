@@ -71,6 +71,12 @@ struct Options {
     /// 10 MiB needs 3 Mbit/s.
     std::chrono::milliseconds responseTimeout = std::chrono::seconds(30);
 
+    /// Bytes that all responses take together, from when they are made until they are sent. A
+    /// response for which there is no room waits for at most `responseTimeout`; its client gets 503
+    /// then. One response alone may be larger. Enough for thousands of usual documents; what a
+    /// provider needs to make a document comes on top, for each worker.
+    std::size_t maxResponseMemory = 256UL * 1024 * 1024;
+
     /// Time for running requests to finish when the server stops. Long enough for the largest
     /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
@@ -81,9 +87,9 @@ struct Options {
     std::chrono::milliseconds stopGrace = std::chrono::milliseconds(500);
 
     /// Open connections, lingering ones included; fewer if the process may not open so many files.
-    /// For one more, the oldest connection that has not sent its header section is closed; if there
-    /// is none, it gets 503. Each takes a file descriptor and memory for its request and its
-    /// response.
+    /// For one more, the one that has lingered for longest is closed, else the oldest one that has
+    /// not sent its header section; if there is none, it gets 503. Each takes a file descriptor and
+    /// memory for its request and its response.
     std::size_t maxConnections = 4096;
 
     /// Open connections of one client: of an IPv4 address or an IPv6 /64 network. One more gets
@@ -117,9 +123,10 @@ struct Options {
     /// workers, one of them never hashes.
     unsigned maxRunningHashes = 4;
 
-    /// How long, and for how many bytes, a connection lingers: after the response it stays open
-    /// for a client that is still sending, since closing it would discard what the client has not
-    /// read yet. Clients that send a body before they read need this.
+    /// How long, and for how many bytes, a connection lingers: after the response the server waits
+    /// for the client to close it, and drops what the client still sends. Closing it earlier could
+    /// discard what the client has not read yet. Most clients close at once; those that send a body
+    /// before they read need the time.
     std::chrono::milliseconds lingerTimeout = std::chrono::seconds(5);
     std::size_t maxLingerBytes = 16UL * 1024 * 1024;
 

@@ -22,6 +22,7 @@
 #include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
 #include "ObjectManager/Http/RequestTarget.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -88,7 +89,8 @@ class Server::Implementation {
           maxConnectionsPerClient_(clientLimit(options_)),
           authentication_(std::move(authentication)),
           report_(std::move(report)),
-          dispatcher_(manager) {
+          dispatcher_(manager),
+          memory_(options.maxResponseMemory) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
                 listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
@@ -136,7 +138,7 @@ class Server::Implementation {
             return true;
         }
         receiveLastRequests(deadline);
-        if (!connections_.waitUntilEmpty(deadline)) {
+        if (!connections_.waitUntilServed(deadline)) {
             workers_->dropWaiting();
             ioThread_.call([this] {
                 for (const auto& connection : connections_.all())
@@ -152,8 +154,10 @@ class Server::Implementation {
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
                 .connections = connections,
+                .memory = memory_,
                 .authentication = authentication_,
                 .onClosed = [this] { onClosed(); },
+                .lacksDescriptors = [this] { return lacksDescriptors(); },
                 .report = report_};
     }
 
@@ -205,8 +209,10 @@ class Server::Implementation {
     [[nodiscard]] bool makeRoom() {
         if (connections_.size() < options_.maxConnections)
             return true;
-        if (const std::shared_ptr<Connection> oldest = connections_.oldestReading())
-            oldest->makeRoom();
+        if (const std::shared_ptr<Connection> oldest = connections_.oldestLingering())
+            oldest->abandon();
+        else if (const std::shared_ptr<Connection> reading = connections_.oldestReading())
+            reading->makeRoom();
         return connections_.size() < options_.maxConnections;
     }
 
@@ -248,12 +254,15 @@ class Server::Implementation {
         }
     }
 
+    [[nodiscard]] bool lacksDescriptors() const noexcept {
+        return std::ranges::any_of(listeners_, [](const std::unique_ptr<Listener>& listener) {
+            return listener->isOutOfDescriptors();
+        });
+    }
+
     // Lets listeners go on that have run out of file descriptors. Called by all threads.
     void onClosed() noexcept {
-        const auto isWaiting = [](const std::unique_ptr<Listener>& listener) {
-            return listener->isOutOfDescriptors();
-        };
-        if (hasEnded_ || std::ranges::none_of(listeners_, isWaiting))
+        if (hasEnded_ || !lacksDescriptors())
             return;
         try {
             boost::asio::post(ioThread_.context(), [this] {
@@ -270,6 +279,7 @@ class Server::Implementation {
     const Authentication authentication_;
     const Report report_;
     Dispatcher dispatcher_;
+    ResponseMemory memory_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
     std::optional<ConnectionContext> context_;

@@ -45,9 +45,10 @@ class Server {
     void start();
 
     /// Stops serving: accepts the connections that clients have begun, and no further ones; closes
-    /// those whose request does not come in within Options::stopGrace; lets the others finish until
-    /// Options::shutdownTimeout has passed, then closes them too. May be called again, to wait
-    /// longer for providers.
+    /// those whose request does not come in within Options::stopGrace; lets the others send their
+    /// response until Options::shutdownTimeout has passed, then closes them too. Does not wait for
+    /// clients that have their response and do not close their connection. May be called again, to
+    /// wait longer for providers.
     ///
     /// So no request is lost if its client was connected when stop() began. The exceptions: a
     /// client so far away that its handshake takes more than a tenth of a second, one that is slow

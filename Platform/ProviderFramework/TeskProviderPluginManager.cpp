@@ -24,6 +24,10 @@ void log(TeskTraceLog::Severity severity, const TSKString& message) {
                 TSKLog::CIMOMLOG);
 }
 
+std::vector<TSKString> documentMethods() {
+    return {"GET", "HEAD"};
+}
+
 void report(Failures& failures, const TSKString& file, const TSKString& reason) {
     log(TeskTraceLog::SeverityError, file + ": " + reason);
     failures.push_back({.file = file, .reason = reason});
@@ -90,6 +94,21 @@ bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const
         return true;
     log(TeskTraceLog::SeverityWarning,
         "The URI " + uri + " is refused to the provider " + providerName + ": " + refusal);
+    return false;
+}
+
+bool TeskProviderPluginManager::registerMethods(const TSKString& providerName,
+                                                const std::vector<TSKString>& methods) {
+    {
+        const std::lock_guard lock(mutex_);
+        const auto entry = std::ranges::find(entries_, providerName, &Entry::name);
+        if (entry != entries_.end()) {
+            entry->methods = methods;
+            return true;
+        }
+    }
+    log(TeskTraceLog::SeverityWarning,
+        "The methods of the provider " + providerName + " are refused: there is no such provider");
     return false;
 }
 
@@ -180,11 +199,20 @@ Failures TeskProviderPluginManager::shutdown() {
 
 urma::pf::Provider* TeskProviderPluginManager::findProvider(const TSKString& path) const {
     const std::shared_lock lock(mutex_);
-    const TSKString* name = routes_.find(path);
-    if (name == nullptr)
-        return nullptr;
-    const Entry* entry = findEntry(*name);
+    const Entry* entry = findEntryOf(path);
     return entry == nullptr ? nullptr : entry->provider;
+}
+
+std::vector<TSKString> TeskProviderPluginManager::getMethods(const TSKString& path) const {
+    const std::shared_lock lock(mutex_);
+    const Entry* entry = findEntryOf(path);
+    return entry == nullptr ? documentMethods() : entry->methods;
+}
+
+const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntryOf(
+    const TSKString& path) const {
+    const TSKString* name = routes_.find(path);
+    return name == nullptr ? nullptr : findEntry(*name);
 }
 
 const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntry(
@@ -237,7 +265,8 @@ void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSK
             "A provider of the name " + name + " is already there, from " + other->file,
             CIM_ERR_ALREADY_EXISTS);
     const std::lock_guard lock(mutex_);
-    entries_.push_back({.provider = &provider, .name = name, .file = file});
+    entries_.push_back(
+        {.provider = &provider, .name = name, .file = file, .methods = documentMethods()});
 }
 
 void TeskProviderPluginManager::removeEntry(const Entry& entry) {

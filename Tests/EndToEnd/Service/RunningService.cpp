@@ -4,6 +4,7 @@
 #include <regex>
 #include <sstream>
 
+#include "ObjectManager/Http/EntityTag.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
@@ -137,9 +138,9 @@ void RunningService::waitForResponse(std::string_view request, std::string_view 
     })) << response.substr(0, begin.size());
 }
 
-std::string RunningService::found(std::string_view document, std::string_view protocol) {
-    return std::string(protocol) +
-           " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(document.size()) +
+std::string RunningService::found(std::string_view document) {
+    return "HTTP/1.1 200 OK\r\nETag: " + Http::entityTag(document) +
+           "\r\nConnection: close\r\nContent-Length: " + std::to_string(document.size()) +
            "\r\nContent-Type: text/xml\r\n\r\n" + std::string(document);
 }
 
@@ -152,9 +153,9 @@ std::string RunningService::expected(const std::string& name, const std::string&
 }
 
 std::string RunningService::refusal(const std::string& status, const std::string& text) {
-    return "HTTP/1.1 " + status +
-           "\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
-           "Content-Length: " +
+    return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" +
+           (status.starts_with("503") ? "Retry-After: 5\r\n" : "") +
+           "Content-Type: text/plain; charset=utf-8\r\nContent-Length: " +
            std::to_string(text.size() + 1) + "\r\n\r\n" + text + "\n";
 }
 

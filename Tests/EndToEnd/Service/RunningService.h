@@ -31,6 +31,11 @@ class RunningService : public testing::Test {
         "HTTP/1.1 401 Unauthorized\r\nConnection: close\r\n"
         "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\nContent-Length: 0\r\n\r\n";
 
+    static constexpr const char* kNotAllowed =
+        "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD, OPTIONS\r\n"
+        "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 33\r\n\r\n"
+        "This method is not allowed here.\n";
+
     /// The classes TST_Nothing and TST_One of Tests/Providers in the namespace root/test.
     RunningService();
     void TearDown() override;
@@ -73,8 +78,7 @@ class RunningService : public testing::Test {
     void waitForResponse(std::string_view request, std::string_view begin) const;
 
     /// The response with a document.
-    [[nodiscard]] static std::string found(std::string_view document,
-                                           std::string_view protocol = "HTTP/1.1");
+    [[nodiscard]] static std::string found(std::string_view document);
     /// The document of that name in Tests/Providers, as the service sends it to that host.
     [[nodiscard]] static std::string expected(const std::string& name,
                                               const std::string& host = kHost);

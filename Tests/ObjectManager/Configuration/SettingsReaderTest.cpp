@@ -52,6 +52,7 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "shutdown_timeout: 10000 ms\n"
               "max_connections: 4096\n"
               "max_connections_per_client: 1024\n"
+              "max_response_memory: 268435456\n"
               "password_file:\n"
               "credential_lifetime: 300000 ms\n"
               "level: 3\n"
@@ -84,6 +85,7 @@ response_timeout = 2.5
 shutdown_timeout = 0.25
 max_connections = 7
 max_connections_per_client = 0
+max_response_memory = 2000000
 [security]
 password_file = "users"
 credential_lifetime = 60
@@ -110,6 +112,7 @@ access = "access.log"
               "shutdown_timeout: 250 ms\n"
               "max_connections: 7\n"
               "max_connections_per_client: 0\n"
+              "max_response_memory: 2000000\n"
               "password_file: users\n"
               "credential_lifetime: 60000 ms\n"
               "level: 4\n"
@@ -190,6 +193,14 @@ TEST(SettingsReader, NumbersHaveTheirLimits) {
               rangeError("max_connections", "19", "1 to 1000000", "1000001"));
     EXPECT_EQ(errorIn("server", "max_connections = 9223372036854775807"),
               rangeError("max_connections", "19", "1 to 1000000", "9223372036854775807"));
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1048576").server.maxResponseMemory,
+              1048576U);
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1099511627776").server.maxResponseMemory,
+              1099511627776U);
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1048575"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1048575"));
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1099511627777"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1099511627777"));
     EXPECT_EQ(settingsOf("[log]\nlevel = 1").log.level, 1);
     EXPECT_EQ(errorIn("log", "level = 0"),
               "9: error: \"level\" in [log] must be a whole number from 1 to 4, not 0\n");
@@ -363,8 +374,8 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
         "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"trusted_proxies\", "
         "\"workers\", "
         "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
-        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\" and "
-        "\"max_connections_per_client\"\n");
+        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\", "
+        "\"max_connections_per_client\" and \"max_response_memory\"\n");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -389,7 +400,7 @@ a = 1
         "\"trusted_proxies\", \"workers\", \"max_header_size\", \"max_request_line\", "
         "\"header_timeout\", "
         "\"request_timeout\", \"response_timeout\", \"shutdown_timeout\", "
-        "\"max_connections\" and \"max_connections_per_client\"\n"
+        "\"max_connections\", \"max_connections_per_client\" and \"max_response_memory\"\n"
         "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);
@@ -484,7 +495,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 21);
+    EXPECT_EQ(count, 22);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

@@ -56,6 +56,7 @@ std::string textOf(const Settings& settings) {
     text += line("max_connections", server.maxConnections);
     text += line("max_connections_per_client",
                  server.maxConnectionsPerClient.value_or(server.maxConnections / 4));
+    text += line("max_response_memory", server.maxResponseMemory);
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));

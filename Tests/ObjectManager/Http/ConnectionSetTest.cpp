@@ -34,8 +34,12 @@ class ConnectionSetTest : public testing::Test {
     Http::Dispatcher dispatcher_{manager_};
     Http::WorkerPool workers_{1, {}};
     Http::Options options_;
-    Http::ConnectionContext context_{
-        .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};
+    Http::ResponseMemory memory_{1000};
+    Http::ConnectionContext context_{.options = options_,
+                                     .dispatcher = dispatcher_,
+                                     .workers = workers_,
+                                     .connections = set_,
+                                     .memory = memory_};
     boost::asio::io_context ioContext_;
 };
 
@@ -62,20 +66,59 @@ TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
     EXPECT_EQ(set_.size(), 0U);
 }
 
-TEST_F(ConnectionSetTest, WaitsUntilTheLastOneIsRemoved) {
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now()));
+TEST_F(ConnectionSetTest, WaitsUntilTheLastOneLingersOrIsRemoved) {
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
     const auto first = makeConnection();
     const auto second = makeConnection();
     set_.add(*first, kClient);
     set_.add(*second, kClient);
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now()));
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now() + milliseconds(1)));
-    std::thread removing([&] {
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now() + milliseconds(1)));
+    std::thread ending([&] {
         set_.remove(*first);
-        set_.remove(*second);
+        set_.beginLingering(*second);
     });
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now() + kPatience));
-    removing.join();
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now() + kPatience));
+    ending.join();
+    set_.add(*first, kClient);
+    set_.endReading(*first);
+    EXPECT_FALSE(set_.waitUntilServed(steady_clock::now()));
+    set_.remove(*first);
+    EXPECT_TRUE(set_.waitUntilServed(steady_clock::now()));
+}
+
+TEST_F(ConnectionSetTest, KnowsWhichConnectionHasLingeredForLongest) {
+    const auto first = makeConnection();
+    const auto second = makeConnection();
+    set_.beginLingering(*first);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+    set_.add(*first, kClient);
+    set_.add(*second, kClient);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+    set_.beginLingering(*second);
+    set_.beginLingering(*first);
+    set_.beginLingering(*second);
+    EXPECT_EQ(set_.oldestLingering(), second);
+    EXPECT_EQ(set_.oldestReading(), nullptr);
+    EXPECT_EQ(set_.size(), 2U);
+    set_.endReading(*second);
+    set_.remove(*second);
+    EXPECT_EQ(set_.oldestLingering(), first);
+    set_.remove(*first);
+    EXPECT_EQ(set_.oldestLingering(), nullptr);
+}
+
+TEST_F(ConnectionSetTest, ALingeringConnectionDoesNotCountForItsClient) {
+    const auto first = makeConnection();
+    const auto second = makeConnection();
+    set_.add(*first, kClient);
+    set_.add(*second, kClient);
+    set_.beginLingering(*first);
+    EXPECT_EQ(set_.sizeOf(kClient), 1U);
+    set_.remove(*first);
+    EXPECT_EQ(set_.sizeOf(kClient), 1U);
+    set_.beginLingering(*second);
+    EXPECT_EQ(set_.sizeOf(kClient), 0U);
 }
 
 TEST_F(ConnectionSetTest, CountsTheConnectionsOfEachClient) {

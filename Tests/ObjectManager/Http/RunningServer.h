@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Http/Server.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Tests/ObjectManager/Http/Client.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
@@ -21,7 +23,7 @@ class RunningServer : public testing::Test {
     using Lines = std::vector<std::string>;
 
     static constexpr const char* kHello =
-        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 5\r\n\r\nhello";
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\nContent-Length: 5\r\n\r\nhello";
     static constexpr const char* kGet = "GET /test HTTP/1.1\r\nHost: a\r\n\r\n";
 
     RunningServer() {
@@ -34,7 +36,10 @@ class RunningServer : public testing::Test {
             writeTo(ostr, kHello);
         };
         provider_.addTo(manager_);
+        AuthenticationHelper::setAuthenticator(TSKSmrPtr<Host::LocalAuthenticator>::make());
     }
+
+    ~RunningServer() override { AuthenticationHelper::setAuthenticator(nullptr); }
 
     void TearDown() override {
         server_.reset();
@@ -80,9 +85,9 @@ class RunningServer : public testing::Test {
 
     /// An error response.
     [[nodiscard]] static std::string error(const std::string& status, const std::string& text) {
-        return "HTTP/1.1 " + status +
-               "\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
-               "Content-Length: " +
+        return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" +
+               (status.starts_with("503") ? "Retry-After: 5\r\n" : "") +
+               "Content-Type: text/plain; charset=utf-8\r\nContent-Length: " +
                std::to_string(text.size() + 1) + "\r\n\r\n" + text + "\n";
     }
 
