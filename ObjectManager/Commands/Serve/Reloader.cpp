@@ -29,10 +29,13 @@ void logFailure(std::string_view what, const std::exception& error) noexcept {
     }
 }
 
+// The messages are those of a terminal. Lines of the log have the program and the severity in
+// front.
 void logLines(TeskTraceLog::Severity severity, const std::string& text) {
+    constexpr std::string_view kPrefix = "tesk: warning: ";
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
-        Base::log("tesk", severity, line);
+        Base::log("tesk", severity, line.starts_with(kPrefix) ? line.substr(kPrefix.size()) : line);
 }
 
 // Calls `work`; if that throws, calls `fail` with the exception.

@@ -59,9 +59,10 @@ TEST_F(ServiceReload, AClassWithTooLargeDocumentsIsLeftOutWithAWarning) {
     for (const char* const document : {"TST_One.wsdl", "TST_One.xsd"})
         EXPECT_EQ(response(get(std::string("/root/test/") + document)), kNotFound);
     EXPECT_EQ(response(get("/")).find("TST_One"), std::string::npos);
-    expectedLog_ = {"warning tesk: tesk: warning: the class root/test:TST_One is left out: its "
-                    "documents would have up to 253.4 GB, the property \"q\" alone 253.4 GB; at "
-                    "most 67.1 MB are allowed (repository.max_document_size)"};
+    expectedLog_ = {
+        "warning tesk: the class root/test:TST_One is left out: its "
+        "documents would have up to 253.4 GB, the property \"q\" alone 253.4 GB; at "
+        "most 67.1 MB are allowed (repository.max_document_size)"};
 }
 
 TEST_F(ServiceReload, NamespacesComeAndGo) {
