@@ -235,6 +235,9 @@ TEST_F(ReloaderTest, APasswordFileThatWasMendedByItsPermissionsAloneIsRead) {
 }
 
 TEST_F(ReloaderTest, APasswordFileIsTriedAgainWhenThereWereNoDescriptors) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
     writeUsers({"bob"});
     {
         const ResourceLimit limit(RLIMIT_NOFILE, 0);
