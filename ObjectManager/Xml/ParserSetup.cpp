@@ -82,8 +82,9 @@ std::string FirstError::text() const {
 }
 
 // Called by the parser, which no exception may pass through.
-void FirstError::keep(void* context, xmlError* error) noexcept {
-    FirstError& first = *static_cast<FirstError*>(static_cast<xmlParserCtxt*>(context)->_private);
+void FirstError::keep(void* /*userData*/, xmlError* error) noexcept {
+    FirstError& first =
+        *static_cast<FirstError*>(static_cast<xmlParserCtxt*>(error->ctxt)->_private);
     // The name of a namespace with letters beyond ASCII is read by everybody.
     const bool isHarmless = error->level == XML_ERR_WARNING || error->code == XML_WAR_NS_URI;
     if (!first.hasOccurred() && !isHarmless)

@@ -39,7 +39,7 @@ class FirstError {
     [[nodiscard]] std::string text() const;
 
   private:
-    static void keep(void* context, xmlError* error) noexcept;
+    static void keep(void* userData, xmlError* error) noexcept;
 
     xmlError error_ = {};
 };
