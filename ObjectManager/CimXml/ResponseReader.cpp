@@ -139,7 +139,9 @@ ResponseReader::ResponseReader(std::string operation, const Limits& limits, OnRe
     // Whatever the text says of itself: the header section said UTF-8.
     if (xmlSwitchEncoding(context_.get(), XML_CHAR_ENCODING_UTF8) != 0)
         throw std::bad_alloc();
-    xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC);
+    // "&amp;" in attributes is handed over as "&" only where entities are replaced; there are none
+    // but those of XML itself.
+    xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_NOENT);
     context_->userData = this;
     parserError_.emplace(*context_);
     Xml::throwIfOutOfMemory();
@@ -163,6 +165,8 @@ void ResponseReader::read(std::string_view bytes) {
 }
 
 void ResponseReader::finish() {
+    if (!hasRoot_ || depth_ > 0)
+        throw notCimXml("it is cut short");
     readPart({}, true);
     if (!hasResponse_)
         throw notCimXml("it holds no response");
@@ -193,6 +197,7 @@ void ResponseReader::refuse(std::exception_ptr reason) noexcept {
 
 void ResponseReader::start(std::string_view name, bool hasPrefix, int count,
                            const xmlChar** attributes) {
+    hasRoot_ = true;
     ++depth_;
     if (depth_ > limits_.maxDepth)
         throw beyond(limits_.maxDepth, "elements are nested in", "others");

@@ -67,6 +67,7 @@ class ResponseReader {
     std::size_t size_ = 0;
     std::size_t markSize_ = 0;  // of the byte order mark that the response begins with
     bool isInText_ = false;
+    bool hasRoot_ = false;
     bool hasResponse_ = false;  // a whole IMETHODRESPONSE
     bool hasReturnValue_ = false;
     std::optional<int> errorCode_;
