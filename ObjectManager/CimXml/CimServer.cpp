@@ -131,7 +131,9 @@ class CimServer::Implementation {
         }
         if (names.empty())
             return std::nullopt;
-        std::ranges::sort(names);
+        std::ranges::stable_sort(names, {}, [](const std::string& found) {
+            return Base::lowerCase(std::string_view(found));
+        });
         const auto repeated = std::ranges::unique(names, Base::equalsIgnoringCase);
         names.erase(repeated.begin(), repeated.end());
         return names;

@@ -95,7 +95,7 @@ Address addressOf(const std::string& text) {
         throw wrong("must be like https://HOST:5989 or http://HOST:5988");
     if (!partOf(url.get(), CURLUPART_USER).empty() ||
         !partOf(url.get(), CURLUPART_PASSWORD).empty())
-        throw wrong("must not hold a user or a password");
+        throw ServerError(Kind::kOptions, "the address must not hold a user or a password");
     if (!partOf(url.get(), CURLUPART_QUERY).empty() ||
         !partOf(url.get(), CURLUPART_FRAGMENT).empty())
         throw wrong("must end with the path");
