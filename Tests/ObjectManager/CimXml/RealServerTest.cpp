@@ -94,7 +94,7 @@ TEST(CimXmlRealServer, TellsNamespacesAndClassesToWhomItKnows) {
     CimXml::CimServer client(options);
     EXPECT_EQ(
         client.namespaces(),
-        (std::vector<std::string>{"root", "root/cimv2", "root/PG_InterOp", "root/PG_Internal"}));
+        (std::vector<std::string>{"root", "root/cimv2", "root/PG_Internal", "root/PG_InterOp"}));
     const CimXml::NamespaceContent content = client.read("root/PG_InterOp");
     EXPECT_FALSE(content.compilation.classes.empty());
     EXPECT_EQ(client.read("root/PG_InterOp").digest, content.digest);
