@@ -153,9 +153,10 @@ class ClassCollection::Making {
             const auto found = members.find(nameIn(member));
             if (found != members.end()) {
                 const Element inherited = found->second->element();
-                if (member.isPropagated() && overridden.empty() && isSameMember(member, inherited))
+                if (member.isPropagated() && overridden.isEmpty() &&
+                    isSameMember(member, inherited))
                     return std::nullopt;
-                overridden.push_back(inherited);
+                overridden.add(inherited);
             }
             above = collection_.find(above->superclass);
         }

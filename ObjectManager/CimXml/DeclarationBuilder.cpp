@@ -78,6 +78,10 @@ bool isValue(Tag tag) noexcept {
     return tag == Tag::kValue || tag == Tag::kValueArray || tag == Tag::kValueNull;
 }
 
+bool isParameter(Tag tag) noexcept {
+    return tag >= Tag::kParameter && tag <= Tag::kParameterReferenceArray;
+}
+
 // Whole numbers are decimal or hexadecimal (DSP0201).
 std::optional<Mof::Literal> integerOf(std::string_view text) noexcept {
     Mof::Literal literal;
@@ -193,28 +197,25 @@ std::vector<Element> parametersOf(const Element& method) {
     return parameters;
 }
 
-// Whether the first of several definitions that has a qualifier passes it on.
-bool isInherited(const Element& qualifier, const Overridden& overridden) noexcept {
-    for (const Element& element : overridden) {
-        if (const auto above = findChild(element, Tag::kQualifier, nameIn(qualifier)))
-            return CimXml::isPassedOn(*above, qualifier);
+Base::NameMap<Element> qualifiersOf(const Element& element) {
+    Base::NameMap<Element> qualifiers;
+    for (const Element child : element.children()) {
+        if (child.tag() == Tag::kQualifier)
+            qualifiers.emplace(nameIn(child), child);
     }
-    return false;
+    return qualifiers;
 }
 
-bool haveSameQualifiers(const Element& listed, const Element& inherited) noexcept {
-    const auto hasSame = [](const Element& element, const Element& qualifier) {
-        const std::optional<Element> other = findChild(element, Tag::kQualifier, nameIn(qualifier));
-        return other && haveSameValue(qualifier, *other);
+bool haveSameQualifiers(const Element& listed, const Element& inherited) {
+    const Base::NameMap<Element> below = qualifiersOf(listed);
+    const Base::NameMap<Element> above = qualifiersOf(inherited);
+    const auto hasSame = [](const Base::NameMap<Element>& others, const auto& named) {
+        const auto other = others.find(named.first);
+        return other != others.end() && haveSameValue(named.second, other->second);
     };
-    return std::ranges::all_of(listed.children(),
-                               [&](const Element& child) {
-                                   return child.tag() != Tag::kQualifier ||
-                                          hasSame(inherited, child);
-                               }) &&
-           std::ranges::all_of(inherited.children(), [&](const Element& child) {
-               return child.tag() != Tag::kQualifier || !isPassedOn(child) ||
-                      hasSame(listed, child);
+    return std::ranges::all_of(below, [&](const auto& named) { return hasSame(above, named); }) &&
+           std::ranges::all_of(above, [&](const auto& named) {
+               return !isPassedOn(named.second) || hasSame(below, named);
            });
 }
 
@@ -245,19 +246,38 @@ bool isName(std::string_view text) noexcept {
            Base::isUtf8(text);
 }
 
-std::optional<Element> findChild(const Element& element, Tag tag, std::string_view name) noexcept {
+void Overridden::add(const Element& element) {
+    isEmpty_ = false;
     for (const Element child : element.children()) {
-        if (child.tag() == tag && Base::equalsIgnoringCase(nameIn(child), name))
-            return child;
+        if (child.tag() == Tag::kQualifier)
+            qualifiers_.emplace(nameIn(child), child);
+        else if (isParameter(child.tag()))
+            parameters_[nameIn(child)].push_back(child);
     }
-    return std::nullopt;
+}
+
+bool Overridden::passesOn(const Element& qualifier) const noexcept {
+    const auto above = qualifiers_.find(nameIn(qualifier));
+    return above != qualifiers_.end() && isPassedOn(above->second, qualifier);
+}
+
+Overridden Overridden::parameter(const Element& named) const {
+    Overridden overridden;
+    const auto above = parameters_.find(nameIn(named));
+    if (above == parameters_.end())
+        return overridden;
+    for (const Element& element : above->second) {
+        if (element.tag() == named.tag())
+            overridden.add(element);
+    }
+    return overridden;
 }
 
 bool isPassedOn(const Element& above, const Element& qualifier) noexcept {
     return isPassedOn(above) && haveSameValue(qualifier, above);
 }
 
-bool isSameMember(const Element& listed, const Element& inherited) noexcept {
+bool isSameMember(const Element& listed, const Element& inherited) {
     if (listed.body() == inherited.body())
         return true;
     if (listed.tag() != inherited.tag() || !haveSameAttributes(listed, inherited) ||
@@ -334,20 +354,16 @@ Mof::Method DeclarationBuilder::method(const Element& element, const Overridden&
     return method;
 }
 
-Mof::Parameter DeclarationBuilder::parameter(const Element& element, const Overridden& methods,
+Mof::Parameter DeclarationBuilder::parameter(const Element& element, const Overridden& ofMethods,
                                              const TSKString& method) {
     const Mof::Position before = position_;
-    if (element.tag() < Tag::kParameter || element.tag() > Tag::kParameterReferenceArray)
+    if (!isParameter(element.tag()))
         fail("a method must not hold the element " + shown(nameIn(element)));
     Mof::Parameter parameter;
     parameter.name = nameOf(element);
     parameter.name.position = position_ = places_.add(className_, method, parameter.name.text);
     parameter.type = typeOf(element);
-    Overridden overridden;
-    for (const Element& above : methods) {
-        if (const auto same = findChild(above, element.tag(), parameter.name.text))
-            overridden.push_back(*same);
-    }
+    const Overridden overridden = ofMethods.parameter(element);
     for (const Element child : element.children()) {
         if (child.tag() != Tag::kQualifier)
             fail("a parameter must not hold the element " + shown(nameIn(child)));
@@ -416,7 +432,7 @@ Mof::Qualifier DeclarationBuilder::qualifier(const Element& element) const {
 
 void DeclarationBuilder::addQualifier(Mof::Qualifiers& qualifiers, const Element& element,
                                       const Overridden& overridden) const {
-    if (!element.isPropagated() || !isInherited(element, overridden))
+    if (!element.isPropagated() || !overridden.passesOn(element))
         qualifiers.push_back(qualifier(element));
 }
 
@@ -425,10 +441,9 @@ void DeclarationBuilder::addEmbeddedObject(Mof::Qualifiers& qualifiers,
                                            const Element& element) const {
     if (!element.attribute(Attribute::kEmbeddedObject))
         return;
-    for (const char* const name : {"EmbeddedObject", "EmbeddedInstance"}) {
-        if (findChild(element, Tag::kQualifier, name))
-            return;
-    }
+    const Base::NameMap<Element> written = qualifiersOf(element);
+    if (written.contains("EmbeddedObject") || written.contains("EmbeddedInstance"))
+        return;
     Mof::Literal literal;
     literal.kind = Mof::Literal::Kind::kBoolean;
     literal.truth = true;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/CimXml/Element.h"
 #include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Mof/Diagnostics.h"
@@ -40,8 +41,29 @@ struct ElementFault {
     std::string message;
 };
 
-/// What superclasses say about the same member, class or parameter; the nearest one first.
-using Overridden = std::vector<Element>;
+/// What superclasses say about a member of a class, or a parameter of it. They can list thousands
+/// of qualifiers each, so these are found by their names.
+///
+/// Thread safety: belongs to one thread.
+class Overridden {
+  public:
+    /// Adds what the next superclass above says. Its bytes must live as long as this.
+    void add(const Element& element);
+
+    [[nodiscard]] bool isEmpty() const noexcept { return isEmpty_; }
+
+    /// Whether the nearest superclass that has a qualifier of that name has it with the same value
+    /// and passes it on.
+    [[nodiscard]] bool passesOn(const Element& qualifier) const noexcept;
+
+    /// What they say about a parameter of that kind and name.
+    [[nodiscard]] Overridden parameter(const Element& named) const;
+
+  private:
+    bool isEmpty_ = true;
+    Base::NameMap<Element> qualifiers_;  // the nearest of each name
+    Base::NameMap<std::vector<Element>> parameters_;
+};
 
 /// Makes declarations of elements (DSP0201), as they would be made of MOF. Qualifiers that are
 /// marked as propagated are left out where a superclass has the same one: they come from there.
@@ -66,7 +88,7 @@ class DeclarationBuilder {
   private:
     [[nodiscard]] Mof::Name nameOf(const Element& element) const;
     [[nodiscard]] Mof::Type typeOf(const Element& element) const;
-    [[nodiscard]] Mof::Parameter parameter(const Element& element, const Overridden& methods,
+    [[nodiscard]] Mof::Parameter parameter(const Element& element, const Overridden& ofMethods,
                                            const TSKString& method);
     [[nodiscard]] Mof::Qualifier qualifier(const Element& element) const;
     void addQualifier(Mof::Qualifiers& qualifiers, const Element& element,
@@ -85,15 +107,11 @@ class DeclarationBuilder {
 /// A); characters beyond ASCII count as letters.
 [[nodiscard]] bool isName(std::string_view text) noexcept;
 
-/// The child of that kind and name, in any case of letters; none when there is none.
-[[nodiscard]] std::optional<Element> findChild(const Element& element, Tag tag,
-                                               std::string_view name) noexcept;
-
 /// Whether a qualifier says what the same one of a superclass says and passes on.
 [[nodiscard]] bool isPassedOn(const Element& above, const Element& qualifier) noexcept;
 
 /// Whether a member that a class lists is the superclass's own: it says the same, but for
 /// qualifiers that are not passed on, which some servers leave out.
-[[nodiscard]] bool isSameMember(const Element& listed, const Element& inherited) noexcept;
+[[nodiscard]] bool isSameMember(const Element& listed, const Element& inherited);
 
 }  // namespace CimXml

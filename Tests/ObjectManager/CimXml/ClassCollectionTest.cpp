@@ -140,6 +140,33 @@ TEST(CimXmlClassCollection, WhatNoSuperclassListsIsTheClassesOwn) {
               "class A_B\n  string P\n");
 }
 
+// A server could send as many as fit into a class.
+TEST(CimXmlClassCollection, ManyQualifiersAndParametersTakeTimeByTheirNumber) {
+    constexpr int kCount = 3000;
+    std::string qualifiers;
+    std::string parameters;
+    for (int number = 0; number < kCount; ++number) {
+        qualifiers += qualifier("Q" + std::to_string(number), "x", kInherited);
+        parameters += "<PARAMETER NAME=\"P" + std::to_string(number) + "\" TYPE=\"string\">" +
+                      qualifier("Note", "x", kInherited) + "</PARAMETER>";
+    }
+    const auto classOf = [&](const char* name, const char* superclass, const char* value) {
+        return cimClass(name, superclass,
+                        property("P", qualifiers + qualifier("Mine", value), kInherited) +
+                            "<METHOD NAME=\"M\" TYPE=\"uint8\" PROPAGATED=\"true\">" +
+                            qualifier("Mine", value) + parameters + "</METHOD>");
+    };
+    CimXml::Limits limits;
+    limits.maxClassSize = std::size_t{16} << 20U;
+    Collected collected(kNoteAndMine, limits);
+    collected.classes(classOf("A_Top", "", "x") + classOf("A_Below", "A_Top", "y"));
+    const std::string text = collected.text();
+    EXPECT_NE(
+        text.find("class A_Below : A_Top\n  [Mine(\"y\")] string P\n  [Mine(\"y\")] uint8 M()\n"
+                  "    string P0\n    string P1\n"),
+        std::string::npos);
+}
+
 // What cannot be used.
 
 TEST(CimXmlClassCollection, AClassThatCannotBeUsedIsLeftOutWithItsSubclasses) {
