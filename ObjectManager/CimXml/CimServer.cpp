@@ -134,8 +134,7 @@ class CimServer::Implementation {
         std::ranges::stable_sort(names, {}, [](const std::string& found) {
             return Base::lowerCase(std::string_view(found));
         });
-        const auto repeated = std::ranges::unique(names, Base::equalsIgnoringCase);
-        names.erase(repeated.begin(), repeated.end());
+        names.erase(std::unique(names.begin(), names.end(), Base::equalsIgnoringCase), names.end());
         return names;
     }
 
