@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
@@ -11,8 +12,12 @@
 
 #include "ObjectManager/CimXml/HttpClient.h"
 #include "ObjectManager/CimXml/ServerError.h"
+#include "Tests/Support/Command.h"
+#include "Tests/Support/LocalPort.h"
+#include "Tests/Support/RunningProgram.h"
 #include "Tests/Support/StandInServer.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -313,6 +318,65 @@ TEST(CimXmlHttpClient, WhatTheCallerThrowsEndsAllCalls) {
             .onEnd = [] {}};
     };
     EXPECT_THROW(client.perform(next, {}), std::runtime_error);
+}
+
+// TLS, up to the end of the handshake: the server ends the connection then.
+
+class CimXmlHttpClientTls : public testing::Test {
+  protected:
+    // A certificate of "localhost", signed by itself.
+    CimXmlHttpClientTls() {
+        (void)outputOf(
+            "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost"
+            " -addext subjectAltName=DNS:localhost -keyout " +
+            key_ + " -out " + certificate_ + " 2>&1");
+    }
+
+    void start(const std::vector<std::string>& arguments = {}) {
+        std::vector<std::string> command = {
+            "openssl", "s_server",   "-quiet", "-accept", std::to_string(port_),
+            "-cert",   certificate_, "-key",   key_};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        server_.emplace(command);
+        ASSERT_TRUE(waitUntil([this] { return acceptsConnections(port_); }));
+    }
+
+    [[nodiscard]] std::string url(const std::string& host) const {
+        return "https://" + host + ":" + std::to_string(port_);
+    }
+
+    // Whether the handshake fails, and why.
+    static std::string faultOf(const CimXml::ServerOptions& options) {
+        const Outcome outcome = call(options);
+        if (outcome.kind == Kind::kConnection)
+            return "";
+        EXPECT_EQ(outcome.kind, Kind::kTls) << outcome.message;
+        return outcome.message;
+    }
+
+    TemporaryDirectory directory_;
+    const std::string certificate_ = directory_ / "certificate.pem";
+    const std::string key_ = directory_ / "key.pem";
+    const std::uint16_t port_ = freePort();
+    std::optional<RunningProgram> server_;
+};
+
+TEST_F(CimXmlHttpClientTls, TheServerMustProveWhoItIs) {
+    start();
+    EXPECT_NE(faultOf({.url = url("localhost")}), "");
+    EXPECT_NE(faultOf({.url = url("127.0.0.1"), .authoritiesFile = certificate_}), "");
+    EXPECT_NE(faultOf({.url = url("localhost"), .authoritiesFile = directory_ / "none.pem"}), "");
+    EXPECT_EQ(faultOf({.url = url("localhost"), .authoritiesFile = certificate_}), "");
+    EXPECT_EQ(faultOf({.url = url("127.0.0.1"), .verifiesCertificate = false}), "");
+}
+
+TEST_F(CimXmlHttpClientTls, AServerCanDemandACertificate) {
+    start({"-Verify", "1", "-verify_return_error", "-CAfile", certificate_});
+    CimXml::ServerOptions options = {.url = url("localhost"), .authoritiesFile = certificate_};
+    EXPECT_NE(faultOf(options), "");
+    options.certificateFile = certificate_;
+    options.keyFile = key_;
+    EXPECT_EQ(faultOf(options), "");
 }
 
 // Addresses.
