@@ -18,14 +18,6 @@ void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                                TSKHTTPException::kAuthenticationFailed);
 }
 
-void refuseMethod(const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
-    TSKHTTPResponse response(request.getProtocol(), "405", "Method Not Allowed");
-    response.setHeaderField("Connection", "close", false);
-    response.setHeaderField("Allow", "GET, HEAD", false);
-    response.setContentLength(0);
-    response.writeResponseTo(ostr);
-}
-
 void writePage(const TSKHTTPRequest& request, const std::string& page,
                TSKGenericHTTPOStream& ostr) {
     TSKHTTPResponse response(request.getProtocol(), "200", "OK");
@@ -66,10 +58,7 @@ void IndexProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHT
         return;
     }
     requireAuthenticated(request, istr, ostr);
-    if (request.getMethod() == "GET" || request.getMethod() == "HEAD")
-        writePage(request, *page(), ostr);
-    else
-        refuseMethod(request, ostr);
+    writePage(request, *page(), ostr);
 }
 
 // Made when it is first asked for, so that documents need not wait for it when the service starts.

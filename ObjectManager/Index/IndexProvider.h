@@ -11,8 +11,7 @@
 namespace Index {
 
 /// Serves the page at "/" that lists all classes, to clients that the authenticator of the object
-/// manager accepts. Methods other than GET and HEAD get the status 405. All other paths are left to
-/// the front end.
+/// manager accepts. All other paths are left to the front end.
 ///
 /// Thread safety: may be used by several threads at once.
 class IndexProvider final : public urma::pf::Provider {

@@ -79,9 +79,10 @@ void addExportOptions(Command& command, ExportOptions& options) {
          .target = &options.classes});
     command.options.push_back(
         {.name = "--prune",
-         .help = "Also removes, from the directories of the namespaces, the documents of classes "
-                 "that are gone, and the half-written files of an export that was killed; no other "
-                 "files",
+         .help =
+             "Also removes, from the directories of the namespaces, the documents of classes "
+             "that are gone, as far as exports have written them, and the half-written files of "
+             "an export that was killed; no other files",
          .target = &options.prune,
          .excludes = "CLASS"});
 }
@@ -120,14 +121,15 @@ int runExport(const ExportOptions& options) {
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
     // Before this, a signal may end the program at once: nothing is written yet.
     const Base::StopSignals stopSignals;
-    const OutputDirectory output = OutputDirectory::create(options.output);
+    OutputDirectory output = OutputDirectory::create(options.output);
+    output.lock();
     const DocumentExportResult result =
         writeDocuments(options, repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
     if (all)
-        output.put("index.html", Index::makeIndexPage(*repository));
+        output.put(kIndexFile, Index::makeIndexPage(*repository));
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;
 }

@@ -12,19 +12,13 @@
 
 namespace {
 
-// A program makes thousands of allocations, the later ones by the same few loops. So many are all
-// made to fail; after them every 13th: the allocations of a loop's pass are never a multiple of
-// that.
-constexpr std::size_t kAll = 1000;
-constexpr std::size_t kStride = 13;
-
 // When so many runs of a test have shown something, the others show the same.
 constexpr std::size_t kMostFailures = 5;
 
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-    return stream << fault.call << " " << fault.number << " from " << fault.begin;
+    return stream << fault.call << " " << fault.number;
 }
 
 std::vector<std::string> commandCalls() {
@@ -43,9 +37,9 @@ void FaultTest::SetUp() {
         GTEST_SKIP() << "a sanitizer takes the place of the same functions of the C library";
 }
 
-void FaultTest::failEachCall(const std::string& call, const std::function<void(const Fault&)>& run,
-                             const std::string& begin) {
-    Fault fault{.call = call, .number = 1, .begin = begin};
+void FaultTest::failEachCall(const std::string& call,
+                             const std::function<void(const Fault&)>& run) {
+    Fault fault{.call = call, .number = 1};
     std::size_t failures = 0;
     for (bool goesOn = true; goesOn && failures < kMostFailures;) {
         const auto before = testing::UnitTest::GetInstance()->current_test_info()->result();
@@ -57,8 +51,7 @@ void FaultTest::failEachCall(const std::string& call, const std::function<void(c
             ADD_FAILURE() << "with " << fault << ": " << report();
         }
         std::filesystem::remove(reports_ / "report");
-        const bool isSampled = call == "allocation" && fault.number >= kAll;
-        fault.number += isSampled ? kStride : 1;
+        ++fault.number;
     }
     RecordProperty("calls", static_cast<int>(fault.number));
 }
@@ -71,7 +64,6 @@ void FaultTest::inject(const Fault& fault) const {
     setenv("OPENSSL_CONF", "/dev/null", 1);
     setenv("TESK_FAULT_CALL", fault.call.c_str(), 1);
     setenv("TESK_FAULT_AT", std::to_string(fault.number).c_str(), 1);
-    setenv("TESK_FAULT_BEGIN", fault.begin.c_str(), 1);
     setenv("TESK_FAULT_REPORT", (reports_ / "report").c_str(), 1);
 }
 

@@ -10,9 +10,8 @@
 
 /// One call of a program into the C library that is made to fail.
 struct Fault {
-    std::string call;            ///< a kind of Tests/Support/FaultInjection/FailNth.cpp
-    std::size_t number = 1;      ///< which call of that kind
-    std::string begin = "main";  ///< from where on it is counted
+    std::string call;        ///< a kind of Tests/Support/FaultInjection/FailNth.cpp
+    std::size_t number = 1;  ///< which call of that kind, counted from the beginning of main()
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault);
@@ -29,9 +28,8 @@ class FaultTest : public testing::Test {
     void SetUp() override;
 
     /// Has `run` run the program with the 1st, 2nd, 3rd … call of that kind failing until it makes
-    /// fewer calls. Allocations beyond the first thousand are sampled.
-    void failEachCall(const std::string& call, const std::function<void(const Fault&)>& run,
-                      const std::string& begin = "main");
+    /// fewer calls.
+    void failEachCall(const std::string& call, const std::function<void(const Fault&)>& run);
 
     /// Called in a new process: what the program needs to have that fault, which is none for
     /// number 0.

@@ -94,15 +94,6 @@ TEST_F(IndexProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
     EXPECT_THROW((void)response(provider_, "GET"), TSKHTTPException);
 }
 
-TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
-    for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
-        EXPECT_EQ(response(provider_, method),
-                  "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
-                  "Content-Length: 0\r\n\r\n")
-            << method;
-    }
-}
-
 TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
     provider_.setRepository(other_);

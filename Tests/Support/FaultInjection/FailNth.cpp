@@ -2,9 +2,9 @@
 // the system had refused it. The environment says which one:
 //
 //   TESK_FAULT_CALL    the kind of call, see kKinds below
-//   TESK_FAULT_AT      which call of that kind fails, counted from 1 over all threads
-//   TESK_FAULT_BEGIN   "main" counts from the beginning of main(), so that the dynamic loader and
-//                      static initialisation are left alone; "listen" from the first listen()
+//   TESK_FAULT_AT      which call of that kind fails, counted from 1 over all threads and from the
+//                      beginning of main(), so that the dynamic loader and static initialisation
+//                      are left alone
 //   TESK_FAULT_ERROR   the number that errno gets; without it what is usual for the kind
 //   TESK_FAULT_REPORT  a file that is written when the call has failed: a line "CALL OF WHAT", such
 //                      as "write 2 /tmp/log", and the stack; nobody writes it when none has failed
@@ -104,12 +104,9 @@ constexpr KindName kKinds[] = {
     {"thread", Kind::kThread, EAGAIN},
 };
 
-enum class Begin : std::uint8_t { kMain, kListen };
-
 Kind chosenKind = Kind::kNone;
 std::uint64_t chosenCall = 0;
 int chosenError = 0;
-Begin chosenBegin = Begin::kMain;
 const char* reportPath = nullptr;
 std::atomic<bool> isCounting = false;
 std::atomic<std::uint64_t> calls = 0;
@@ -224,8 +221,6 @@ __attribute__((constructor)) void readEnvironment() {
     chosenCall = std::strtoull(variable("TESK_FAULT_AT"), nullptr, 10);
     if (const char* const error = std::getenv("TESK_FAULT_ERROR"))
         chosenError = std::atoi(error);
-    if (std::string_view(variable("TESK_FAULT_BEGIN")) == "listen")
-        chosenBegin = Begin::kListen;
     reportPath = std::getenv("TESK_FAULT_REPORT");
     dl_iterate_phdr(&addIfSpared, nullptr);
     // The first one loads a library.
@@ -237,7 +232,7 @@ using Main = int(int, char**, char**);
 Main* programMain = nullptr;
 
 int countedMain(int argc, char** argv, char** environment) {
-    isCounting = chosenBegin == Begin::kMain;
+    isCounting = true;
     return programMain(argc, argv, environment);
 }
 
@@ -269,14 +264,6 @@ TESK_INTERPOSED int __libc_start_main(Main* main, int argc, char** argv, void (*
     TESK_REAL(__libc_start_main);
     programMain = main;
     return call(&countedMain, argc, argv, init, fini, rtldFini, stackEnd);
-}
-
-TESK_INTERPOSED int listen(int socket, int backlog) noexcept {
-    TESK_REAL(listen);
-    const int result = call(socket, backlog);
-    if (chosenBegin == Begin::kListen)
-        isCounting = true;
-    return result;
 }
 
 TESK_INTERPOSED int __cxa_thread_atexit_impl(void (*destroy)(void*), void* object, void* library) {
