@@ -1,5 +1,6 @@
 #include "Tests/Support/RealCimServer.h"
 
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
@@ -25,4 +26,9 @@ RealCimServer::RealCimServer(bool authenticates) {
         waitUntil([&] { return acceptsConnections(port) || !program_->isRunning(); });
     if (!isThere || !program_->isRunning())
         throw std::runtime_error("the CIM server does not start");
+}
+
+RealCimServer::~RealCimServer() {
+    program_->sendSignal(SIGTERM);
+    (void)program_->waitForEnd();
 }

@@ -22,6 +22,10 @@ class RealCimServer {
     /// password "cim-secret".
     /// Errors: std::runtime_error when it does not.
     explicit RealCimServer(bool authenticates = false);
+    RealCimServer(const RealCimServer&) = delete;
+    RealCimServer& operator=(const RealCimServer&) = delete;
+    /// Tells the server to end, and waits: killed, the program would leave it running.
+    ~RealCimServer();
 
     /// "http://127.0.0.1:PORT".
     [[nodiscard]] const std::string& url() const noexcept { return url_; }
