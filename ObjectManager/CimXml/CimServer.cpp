@@ -247,6 +247,11 @@ class CimServer::Implementation {
     HttpClient http_;
 };
 
+void requireServerUrl(const std::string& url) {
+    const ServerOptions options = {.url = url};
+    (void)HttpClient(options);
+}
+
 CimServer::CimServer(ServerOptions options)
     : implementation_(std::make_unique<Implementation>(std::move(options))) {}
 

@@ -23,6 +23,9 @@ struct NamespaceContent {
     std::uint64_t digest = 0;
 };
 
+/// Throws a ServerError of the kind kOptions unless `url` is like ServerOptions::url.
+void requireServerUrl(const std::string& url);
+
 /// A CIM server that runs, asked by CIM-XML (DMTF DSP0200 and DSP0201 over HTTP).
 ///
 /// Thread safety: belongs to one thread; the stop tokens may be used by others.

@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Loading/NamespaceSource.h"
+#include "ObjectManager/Loading/ServerSource.h"
 #include "ObjectManager/Repository/Options.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "ObjectManager/Security/Options.h"
 
 namespace Configuration {
@@ -31,7 +32,10 @@ struct LogSettings {
 /// what it configures. Relative paths are relative to the current directory, whether they came from
 /// the configuration file or from the command line.
 struct Settings {
-    std::vector<Repository::NamespaceSource> namespaces;  ///< in the order of their names
+    std::vector<Loading::NamespaceSource> namespaces;  ///< in the order of their names
+
+    /// The CIM servers that they refer to.
+    std::vector<Loading::ServerSource> servers;
 
     /// The directories in which included MOF files are looked for that do not stand beside the file
     /// that includes them.

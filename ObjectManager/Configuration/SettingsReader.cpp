@@ -49,7 +49,7 @@ class Directory {
 };
 
 void readNamespaces(Table table, const Directory& directory,
-                    std::vector<Repository::NamespaceSource>& namespaces) {
+                    std::vector<Loading::NamespaceSource>& namespaces) {
     for (const std::string& key : table.keys()) {
         // A key below a table heading belongs to that table.
         if (key == "include_path") {
@@ -57,7 +57,7 @@ void readNamespaces(Table table, const Directory& directory,
                          "\"include_path\" must stand above [namespaces] and all other tables");
             continue;
         }
-        Repository::NamespaceSource source;
+        Loading::NamespaceSource source;
         table.readTexts(key, "a MOF file or a directory", 1, [&](const std::string& path) {
             source.paths.push_back(directory.resolve(path));
         });
@@ -67,7 +67,7 @@ void readNamespaces(Table table, const Directory& directory,
             table.reject(key, exception.getMessage().data());
             continue;
         }
-        const auto isSame = [&](const Repository::NamespaceSource& other) {
+        const auto isSame = [&](const Loading::NamespaceSource& other) {
             return Base::equalsIgnoringCase(other.name, source.name);
         };
         if (std::ranges::any_of(namespaces, isSame))

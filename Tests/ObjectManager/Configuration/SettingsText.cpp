@@ -27,7 +27,7 @@ std::string line(const std::string& key, std::chrono::milliseconds value) {
 
 std::string textOf(const Settings& settings) {
     std::string text;
-    for (const Repository::NamespaceSource& source : settings.namespaces)
+    for (const Loading::NamespaceSource& source : settings.namespaces)
         text += line("namespace " + source.name, joined(source.paths));
     text += line("include_path", joined(settings.includePath));
     text +=

@@ -12,7 +12,7 @@
 #include "ObjectManager/Commands/Export/DocumentList.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
@@ -375,7 +375,7 @@ TEST_F(DocumentExportTest, TheSummaryIsALine) {
 
 // With the real plug-in: what is exported is what is served.
 TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{.name = "root/cimv2", .paths = {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
          {.name = "interop", .paths = {MODELS_DIRECTORY "/interop/interop.mof"}}},
         {MODELS_DIRECTORY}, {});

@@ -1,4 +1,4 @@
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 
 #include <algorithm>
 #include <iterator>
@@ -7,7 +7,7 @@
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Mof/Compiler.h"
 
-namespace Repository {
+namespace Loading {
 
 namespace {
 
@@ -30,9 +30,9 @@ std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) 
 
 LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                 const std::vector<std::string>& includePath,
-                                const Options& options) {
+                                const Repository::Options& options) {
     LoadedRepository loaded;
-    std::vector<CimNamespace> namespaces;
+    std::vector<Repository::CimNamespace> namespaces;
     std::size_t bytesLeft = options.maxModelSize;
     bool failed = false;
     for (const NamespaceSource& source : addUp(sources)) {
@@ -50,8 +50,8 @@ LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
         }
     }
     if (!failed)
-        loaded.repository = TSKSmrPtr<ClassRepository>::make(std::move(namespaces));
+        loaded.repository = TSKSmrPtr<Repository::ClassRepository>::make(std::move(namespaces));
     return loaded;
 }
 
-}  // namespace Repository
+}  // namespace Loading
