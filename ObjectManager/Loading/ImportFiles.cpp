@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 #include <optional>
+#include <unordered_set>
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/NameMap.h"
@@ -45,17 +46,62 @@ std::string fileNameOf(std::string_view className) {
 }
 
 // Calls `visit` with each list of qualifiers of a class and its members.
-template <typename Visit>
-void visitQualifiers(const Mof::ClassDeclaration& declaration, const Visit& visit) {
+template <typename Class, typename Visit>
+void visitQualifiers(Class& declaration, const Visit& visit) {
     visit(declaration.qualifiers);
-    for (const Mof::Property& property : declaration.properties)
+    for (auto& property : declaration.properties)
         visit(property.qualifiers);
-    for (const Mof::Method& method : declaration.methods) {
+    for (auto& method : declaration.methods) {
         visit(method.qualifiers);
-        for (const Mof::Parameter& parameter : method.parameters)
+        for (auto& parameter : method.parameters)
             visit(parameter.qualifiers);
     }
 }
+
+// The declarations of qualifiers in the order of their names.
+std::vector<const Mof::QualifierDeclaration*> sortedQualifiers(const Mof::Compilation& content) {
+    std::vector<const Mof::QualifierDeclaration*> sorted;
+    sorted.reserve(content.qualifiers.size());
+    for (const Mof::QualifierDeclaration& declaration : content.qualifiers)
+        sorted.push_back(&declaration);
+    std::ranges::sort(sorted, {}, [](const Mof::QualifierDeclaration* declaration) {
+        return Base::lowerCase(declaration->name.text);
+    });
+    return sorted;
+}
+
+// Servers send with each qualifier the flavors of its declaration, which nobody writes in MOF.
+class FlavorReducer {
+  public:
+    explicit FlavorReducer(const Mof::Compilation& content) {
+        for (const Mof::QualifierDeclaration& declaration : content.qualifiers)
+            declared_.emplace(declaration.name.text, &declaration.flavors);
+    }
+
+    // The class without the flavors that are those of the qualifiers' declarations.
+    [[nodiscard]] Mof::ClassDeclaration reduced(Mof::ClassDeclaration declaration) const {
+        visitQualifiers(declaration, [this](Mof::Qualifiers& qualifiers) {
+            for (Mof::Qualifier& qualifier : qualifiers) {
+                const auto declared = declared_.find(qualifier.name.text);
+                if (declared == declared_.end())
+                    continue;
+                const Mof::Flavors& flavors = *declared->second;
+                drop(qualifier.flavors.overridable, flavors.overridable.value_or(true));
+                drop(qualifier.flavors.toSubclass, flavors.toSubclass.value_or(true));
+                drop(qualifier.flavors.translatable, flavors.translatable.value_or(false));
+            }
+        });
+        return declaration;
+    }
+
+  private:
+    static void drop(std::optional<bool>& flavor, bool declared) noexcept {
+        if (flavor == declared)
+            flavor.reset();
+    }
+
+    Base::NameMap<const Mof::Flavors*> declared_;
+};
 
 // Declares the qualifiers that a server uses without declaring them, as they are used. One that is
 // used in different ways stays undeclared.
@@ -109,26 +155,22 @@ class UndeclaredQualifiers {
     std::map<std::string, Uses> uses_;  // by the names in lower case
 };
 
-// Puts classes into the order in which they are included.
+// Puts classes into the order in which they are included: after their superclasses, and after the
+// classes that they refer to unless these, in turn, need them.
 class InclusionOrder {
   public:
     explicit InclusionOrder(const std::vector<Mof::ClassDeclaration>& classes) {
-        for (const Mof::ClassDeclaration& declaration : classes)
-            byName_.emplace(declaration.name.text, &declaration);
         std::vector<const Mof::ClassDeclaration*> sorted;
         sorted.reserve(classes.size());
-        for (const Mof::ClassDeclaration& declaration : classes)
+        for (const Mof::ClassDeclaration& declaration : classes) {
+            byName_.emplace(declaration.name.text, &declaration);
             sorted.push_back(&declaration);
+        }
         std::ranges::sort(sorted, {}, [](const Mof::ClassDeclaration* declaration) {
             return Base::lowerCase(declaration->name.text);
         });
-        // References refer to classes without references, but for few.
-        for (const bool hasReferences : {false, true}) {
-            for (const Mof::ClassDeclaration* const declaration : sorted) {
-                if (hasReference(*declaration) == hasReferences)
-                    add(*declaration);
-            }
-        }
+        for (const Mof::ClassDeclaration* const declaration : sorted)
+            add(*declaration, 0);
     }
 
     [[nodiscard]] const std::vector<const Mof::ClassDeclaration*>& classes() const noexcept {
@@ -136,24 +178,72 @@ class InclusionOrder {
     }
 
   private:
-    // The recursion is no deeper than Mof::kMaxSuperclasses.
-    void add(const Mof::ClassDeclaration& declaration) {
-        if (!added_.insert(declaration.name.text).second)
+    // The classes that wait for those that they need are `depth`. References are followed only so
+    // far: a server could send a line of them that exhausts the stack.
+    void add(const Mof::ClassDeclaration& declaration, std::size_t depth) {
+        constexpr std::size_t kMaxDepth = 500;
+        if (!begun_.insert(declaration.name.text).second)
             return;
-        const auto superclass = byName_.find(declaration.superclass.text);
-        if (superclass != byName_.end())
-            add(*superclass->second);
+        waiting_.insert(&declaration);
+        if (const Mof::ClassDeclaration* const superclass = superclassOf(declaration))
+            add(*superclass, depth + 1);
+        if (depth < kMaxDepth) {
+            visitReferences(declaration, [&](const Mof::ClassDeclaration& referenced) {
+                if (!needsWaiting(referenced))
+                    add(referenced, depth + 1);
+            });
+        }
+        waiting_.erase(&declaration);
         order_.push_back(&declaration);
     }
 
-    static bool hasReference(const Mof::ClassDeclaration& declaration) {
-        return std::ranges::any_of(declaration.properties, [](const Mof::Property& property) {
-            return property.type.dataType == Mof::DataType::kReference;
+    template <typename Visit>
+    void visitReferences(const Mof::ClassDeclaration& declaration, const Visit& visit) const {
+        const auto visitNamed = [&](const TSKString& name) {
+            const auto referenced = byName_.find(name);
+            if (referenced != byName_.end())
+                visit(*referenced->second);
+        };
+        for (const Mof::Property& property : declaration.properties)
+            visitNamed(property.type.referencedClass.text);
+        for (const Mof::Method& method : declaration.methods) {
+            visitNamed(method.returnType.referencedClass.text);
+            for (const Mof::Parameter& parameter : method.parameters)
+                visitNamed(parameter.type.referencedClass.text);
+        }
+        visitQualifiers(declaration, [&](const Mof::Qualifiers& qualifiers) {
+            for (const Mof::Qualifier& qualifier : qualifiers)
+                visitNamed(embeddedClassOf(qualifier));
         });
     }
 
+    // The class whose instances a text holds, as a qualifier says it.
+    static TSKString embeddedClassOf(const Mof::Qualifier& qualifier) {
+        if (!qualifier.name.text.equalsIgnoreCase("EmbeddedInstance") || !qualifier.value ||
+            qualifier.value->isArray)
+            return {};
+        return qualifier.value->literals.front().text;
+    }
+
+    // Whether a class or one above it waits: then it can only come after that.
+    [[nodiscard]] bool needsWaiting(const Mof::ClassDeclaration& declaration) const {
+        for (const Mof::ClassDeclaration* current = &declaration; current != nullptr;
+             current = superclassOf(*current)) {
+            if (waiting_.contains(current))
+                return true;
+        }
+        return false;
+    }
+
+    [[nodiscard]] const Mof::ClassDeclaration* superclassOf(
+        const Mof::ClassDeclaration& declaration) const {
+        const auto superclass = byName_.find(declaration.superclass.text);
+        return superclass == byName_.end() ? nullptr : superclass->second;
+    }
+
     Base::NameMap<const Mof::ClassDeclaration*> byName_;
-    Base::NameSet added_;
+    Base::NameSet begun_;
+    std::unordered_set<const Mof::ClassDeclaration*> waiting_;
     std::vector<const Mof::ClassDeclaration*> order_;
 };
 
@@ -167,14 +257,15 @@ std::vector<ImportFile> importFiles(const Mof::Compilation& content) {
     std::vector<ImportFile> files;
     ImportFile& qualifiers = files.emplace_back(
         ImportFile{.name = std::string(kQualifiersFile), .content = "// All qualifiers.\n"});
-    for (const Mof::QualifierDeclaration& declaration : content.qualifiers)
-        qualifiers.content += mofOf(declaration);
+    for (const Mof::QualifierDeclaration* const declaration : sortedQualifiers(content))
+        qualifiers.content += mofOf(*declaration);
     qualifiers.content += UndeclaredQualifiers(content).mof();
     std::string main = "// All classes, each after its superclass.\n" + includeOf(kQualifiersFile);
+    const FlavorReducer flavors(content);
     const InclusionOrder order(content.classes);
     for (const Mof::ClassDeclaration* const declaration : order.classes()) {
         ImportFile file = {.name = fileNameOf(declaration->name.text),
-                           .content = mofOf(*declaration)};
+                           .content = mofOf(flavors.reduced(*declaration))};
         main += includeOf(file.name);
         files.push_back(std::move(file));
     }

@@ -21,7 +21,8 @@ inline constexpr std::string_view kMainFile = "main.mof";
 /// qualifiers.mof, a file a class, such as CIM_Foo.mof, and last kMainFile. It includes them such
 /// that any compiler takes it: qualifiers, superclasses and, as far as possible, referenced classes
 /// come first, and qualifiers that the server has not declared are declared as they are used.
-/// Compiled again, the classes are the same.
+/// Compiled again, the classes are the same, but for flavors that only repeat what the declaration
+/// of the qualifier says, which are left out.
 ///
 /// `content` is what CimXml::CimServer reads, so that names are names of CIM. A name that cannot be
 /// the name of a file, since it is too long or another file has it, is completed by a hash.

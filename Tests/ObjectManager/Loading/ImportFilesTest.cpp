@@ -78,6 +78,40 @@ TEST(ImportFiles, ANameThatIsTakenOrTooLongIsCompletedByAHash) {
                   nonAscii.substr(0, 199) + "-d8e6d7765557fb67.mof", "main.mof"}));
 }
 
+TEST(ImportFiles, FlavorsThatTheDeclarationOfAQualifierHasAreLeftOut) {
+    const std::vector<ImportFile> files = importFiles(compiled(R"(
+        Qualifier Plain : string, Scope (any);
+        Qualifier Mine : string, Scope (any), Flavor (DisableOverride, Restricted, Translatable);
+        [Plain ("a") : EnableOverride ToSubclass, Mine ("b") : DisableOverride Restricted Translatable]
+        class A {
+            [Plain ("a") : DisableOverride Restricted Translatable]
+            string P;
+            [Mine ("b") : EnableOverride ToSubclass]
+            string M([Mine ("c") : Restricted] string Q);
+        };)"));
+    EXPECT_EQ(contentOf(files, "A.mof"), R"([Plain ("a"), Mine ("b")]
+class A
+{
+    [Plain ("a") : DisableOverride Restricted Translatable]
+    string P;
+
+    [Mine ("b") : EnableOverride ToSubclass]
+    string M (
+        [Mine ("c")]
+        string Q);
+};
+)");
+}
+
+TEST(ImportFiles, QualifiersAreInTheOrderOfTheirNames) {
+    EXPECT_EQ(contentOf(importFiles(compiled("Qualifier b : string, Scope (any);\n"
+                                             "Qualifier A : string, Scope (any);\n")),
+                        "qualifiers.mof"),
+              "// All qualifiers.\n"
+              "Qualifier A : string,\n    Scope (any);\n"
+              "Qualifier b : string,\n    Scope (any);\n");
+}
+
 // What a server uses without declaring it has a type there.
 Mof::Qualifier use(const char* name, Mof::DataType type, std::vector<Mof::Literal> literals,
                    bool isArray = false) {
