@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -50,10 +51,12 @@ class CimServer {
     [[nodiscard]] std::vector<std::string> namespaces(const std::stop_token& stop = {});
 
     /// Reads qualifiers and classes of a namespace; of the classes, those whose names fit one of
-    /// `patterns` (Base::NamePattern), and their superclasses. All without a pattern.
+    /// `patterns` (Base::NamePattern), and their superclasses. All without a pattern. When the
+    /// digest is `known`, the compilation is empty: the caller has it from an earlier reading.
     [[nodiscard]] NamespaceContent read(const std::string& nameSpace,
                                         const std::vector<std::string>& patterns = {},
-                                        const std::stop_token& stop = {});
+                                        const std::stop_token& stop = {},
+                                        std::optional<std::uint64_t> known = {});
 
   private:
     class Implementation;

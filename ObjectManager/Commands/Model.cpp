@@ -86,15 +86,17 @@ Configuration::Settings readSettings(const ModelOptions& options, std::ostream& 
         // Its namespaces share files.
         settings.includePath.push_back(Host::InstallationPaths::ofThisProgram().models);
     }
-    for (const Loading::ServerSource& server : settings.servers)
-        messages << warningsOf(server.options);
+    for (Loading::ServerSource& server : settings.servers)
+        messages << complete(server.options);
     return settings;
 }
 
-TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& settings,
-                                                 std::ostream& messages) {
-    const Loading::LoadedRepository loaded =
-        Loading::loadRepository(settings.namespaces, settings.includePath, settings.repository);
+Loading::LoadedRepository loadModel(const Configuration::Settings& settings, std::ostream& messages,
+                                    const Loading::LoadOptions& how) {
+    Loading::LoadedRepository loaded = Loading::loadSources({.namespaces = settings.namespaces,
+                                                             .servers = settings.servers,
+                                                             .includePath = settings.includePath},
+                                                            settings.repository, how);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         messages << diagnostic.toString();
     if (!loaded.repository) {
@@ -106,13 +108,13 @@ TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& 
         if (nameSpace.classes().empty())
             messages << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
-    return loaded.repository;
+    return loaded;
 }
 
 TSKSmrPtr<Repository::ClassRepository> loadModel(const ModelOptions& options) {
     ModelOptions complete = options;
     askForPassword(complete.server);
-    return loadModel(readSettings(complete, std::cerr), std::cerr);
+    return loadModel(readSettings(complete, std::cerr), std::cerr).repository;
 }
 
 std::string contentText(const Repository::ClassRepository& repository) {

@@ -8,6 +8,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/CimXml/CimServer.h"
 #include "ObjectManager/Commands/PasswordInput.h"
+#include "ObjectManager/Configuration/SettingValues.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -18,12 +19,6 @@ namespace {
 [[noreturn]] void fail(const std::string& message) {
     throw TeskBaseException("Commands::ServerOptions", TSKString(message),
                             CIM_ERR_INVALID_PARAMETER);
-}
-
-void requireUser(const std::string& user) {
-    // The colon ends the user in the credentials of HTTP Basic authentication.
-    if (user.empty() || user.find(':') != std::string::npos)
-        fail("a user has at least one character, and no colon");
 }
 
 }  // namespace
@@ -41,7 +36,7 @@ void addServerOptions(Command& command, ServerArguments& arguments) {
          .value = "USER",
          .help = "The user at the server; without it, ~/.netrc is searched for the host",
          .target = [&arguments](const std::string& user) { arguments.user = user; },
-         .check = requireUser,
+         .check = Configuration::parseServerUser,
          .needs = kServerOption});
     command.options.push_back(
         {.name = "--server-password-file",
@@ -99,8 +94,6 @@ Loading::ServerSource serverSource(const ServerArguments& arguments) {
     if (arguments.user) {
         options.user = *arguments.user;
         options.password = arguments.password;
-    } else {
-        options.netrcFile = userNetrcFile();
     }
     options.authoritiesFile = arguments.authoritiesFile;
     options.certificateFile = arguments.certificateFile;
@@ -111,12 +104,10 @@ Loading::ServerSource serverSource(const ServerArguments& arguments) {
     return source;
 }
 
-std::string userNetrcFile() {
+std::string complete(CimXml::ServerOptions& options) {
     const char* const home = std::getenv("HOME");
-    return home == nullptr || *home == '\0' ? "" : std::string(home) + "/.netrc";
-}
-
-std::string warningsOf(const CimXml::ServerOptions& options) {
+    if (options.user.empty() && home != nullptr && *home != '\0')
+        options.netrcFile = std::string(home) + "/.netrc";
     if (options.verifiesCertificate)
         return {};
     return "tesk: warning: the certificate of " + options.url +

@@ -35,14 +35,12 @@ void askForPassword(ServerArguments& arguments);
 /// The name of the server in the result of serverSource().
 inline constexpr const char* kServerOption = "--server";
 
-/// The server, with the netrc file of the user of this process where the command line names no
-/// user.
+/// The server.
 [[nodiscard]] Loading::ServerSource serverSource(const ServerArguments& arguments);
 
-/// The path of the user's netrc file, "~/.netrc"; empty when there is no home directory.
-[[nodiscard]] std::string userNetrcFile();
-
-/// What is risky about talking to a server in that way, a line for each; empty when nothing is.
-[[nodiscard]] std::string warningsOf(const CimXml::ServerOptions& options);
+/// Completes the options of a server from the command line or from a configuration file: without a
+/// user, the host is looked up in the netrc file of the user of this process, "~/.netrc". Returns
+/// what is risky about talking to the server in that way, a line for each; empty when nothing is.
+[[nodiscard]] std::string complete(CimXml::ServerOptions& options);
 
 }  // namespace Commands

@@ -115,4 +115,10 @@ std::string parseRemoteName(std::string_view text) {
     return std::string(name);
 }
 
+std::string parseServerUser(std::string_view text) {
+    if (text.empty() || text.find(':') != std::string_view::npos)
+        fail("a user has at least one character, and no colon");
+    return std::string(text);
+}
+
 }  // namespace Configuration

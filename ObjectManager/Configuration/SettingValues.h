@@ -28,4 +28,8 @@ namespace Configuration {
 /// `text` without the slashes at its ends, as the name of a namespace of a CIM server.
 [[nodiscard]] std::string parseRemoteName(std::string_view text);
 
+/// A user at a CIM server, which is `text`: not empty, and without a colon, which ends the user in
+/// the credentials of HTTP Basic authentication.
+[[nodiscard]] std::string parseServerUser(std::string_view text);
+
 }  // namespace Configuration

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <stop_token>
 #include <string>
 #include <vector>
 
 #include "ObjectManager/Loading/NamespaceSource.h"
+#include "ObjectManager/Loading/ServerSource.h"
 #include "ObjectManager/Mof/Diagnostics.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Repository/Options.h"
@@ -11,14 +14,65 @@
 
 namespace Loading {
 
+/// Where classes come from.
+struct Sources {
+    /// Those with MOF files of the same namespace, in any case, add up.
+    std::vector<NamespaceSource> namespaces;
+
+    /// The servers that they refer to.
+    std::vector<ServerSource> servers = {};
+
+    /// As in Mof::CompilerOptions.
+    std::vector<std::string> includePath = {};
+
+    friend bool operator==(const Sources&, const Sources&) = default;
+};
+
+/// Classes, and what is needed to load them again.
 struct LoadedRepository {
     TSKSmrPtr<Repository::ClassRepository> repository;  ///< null when there are errors
     std::vector<Mof::Diagnostic> diagnostics;
+
+    /// What is wrong with servers whose classes are those of an earlier reading, a sentence without
+    /// a full stop each.
+    std::vector<std::string> failures = {};
+
+    /// A namespace of a server as it was read.
+    struct ServerState {
+        NamespaceSource asked;   ///< as in Sources
+        NamespaceSource source;  ///< with its name
+        ServerSource server;
+        std::uint64_t digest = 0;
+    };
+    std::vector<ServerState> serverStates = {};
+    Repository::Options options = {};
 };
 
-/// Compiles the classes of all namespaces. Sources of the same namespace, in any case, add up.
-/// Classes whose documents would be too large are left out (CimNamespace::omittedClasses).
-/// `includePath` as in Mof::CompilerOptions.
+/// How classes are loaded once more.
+struct LoadOptions {
+    /// What was loaded before from the same sources or others. Namespaces of servers that have not
+    /// changed are taken from it, and those of servers that fail. If nothing has changed at all,
+    /// the result has the same repository. May be null.
+    const LoadedRepository* before = nullptr;
+
+    /// Whether namespaces of MOF files are taken from `before`, which has been loaded from the same
+    /// sources, instead of compiled again.
+    bool keepsFiles = false;
+
+    /// Ends reading from servers.
+    std::stop_token stop = {};
+};
+
+/// Loads the classes of all namespaces, the same way from MOF files and from servers. Classes whose
+/// documents would be too large are left out (CimNamespace::omittedClasses).
+/// Errors: CimXml::ServerError for a server that fails while nothing is known of its classes, of
+/// the kind kStopped soon after `stop` is requested; TeskBaseException for a namespace that comes
+/// from two places; std::bad_alloc.
+[[nodiscard]] LoadedRepository loadSources(const Sources& sources,
+                                           const Repository::Options& options,
+                                           const LoadOptions& how = {});
+
+/// The same of MOF files only.
 [[nodiscard]] LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                               const std::vector<std::string>& includePath,
                                               const Repository::Options& options);

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <utility>
 
+#include "ObjectManager/CimXml/ServerError.h"
 #include "ObjectManager/Security/PrivateFile.h"
 #include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
 
 namespace Loading {
 
@@ -17,19 +17,23 @@ constexpr std::size_t kMaxPasswordFile = 4096;
 
 // The content of such a file, without the end of its only line. No message shows any of it.
 std::string readPassword(const std::string& path) {
-    const auto fail = [&](std::string_view fault) {
-        throw TeskBaseException("Loading::readPassword",
-                                TSKString(path + ": " + std::string(fault)), CIM_ERR_FAILED);
+    const auto fail = [](const std::string& fault) {
+        throw CimXml::ServerError(CimXml::ServerError::Kind::kOptions, fault);
     };
-    std::string password = Security::readPrivateFile(path, kMaxPasswordFile);
+    std::string password;
+    try {
+        password = Security::readPrivateFile(path, kMaxPasswordFile);
+    } catch (const TeskBaseException& error) {
+        fail(error.getMessage().data());
+    }
     if (password.ends_with('\n'))
         password.pop_back();
     if (password.ends_with('\r'))
         password.pop_back();
     if (password.empty())
-        fail("holds no password");
+        fail(path + ": holds no password");
     if (password.find_first_of(std::string_view("\0\n\r", 3)) != std::string::npos)
-        fail("has more than one line, or a zero byte; the password stands alone in it");
+        fail(path + ": has more than one line, or a zero byte; the password stands alone in it");
     return password;
 }
 

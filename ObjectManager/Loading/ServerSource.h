@@ -11,7 +11,7 @@ struct ServerSource {
     std::string name;  ///< by which namespaces refer to it
 
     /// With the password only where a person has typed it.
-    CimXml::ServerOptions options;
+    CimXml::ServerOptions options = {.url = {}};
 
     /// The file with the password of options.user in its only line; empty for none.
     std::string passwordFile = {};
@@ -20,8 +20,8 @@ struct ServerSource {
 };
 
 /// How to talk to the server: the options, with the password of the file as it is now.
-/// Errors: TeskBaseException when the file cannot be read, is not safe (Security/PrivateFile.h) or
-/// holds no password.
+/// Errors: ServerError of the kind kOptions when the file cannot be read, is not safe
+/// (Security/PrivateFile.h) or holds no password.
 [[nodiscard]] CimXml::ServerOptions optionsWithPassword(const ServerSource& source);
 
 }  // namespace Loading

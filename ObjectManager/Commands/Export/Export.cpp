@@ -57,6 +57,7 @@ Exit status: 0 when everything is written, 1 when something is not, 130 after Ct
 Examples:
   tesk export --output documents
   tesk export --output documents --host wsman.example.com:5985 --prune
+  tesk export --output documents --server https://cim.example.com --namespace root/cimv2
   tesk export --output documents --namespace root/cimv2=schema/cim.mof 'CIM_Storage*')";
 
 void addExportOptions(Command& command, ExportOptions& options) {

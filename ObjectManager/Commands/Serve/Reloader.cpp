@@ -87,7 +87,7 @@ void Reloader::beginReading() noexcept {
         auto read = [reading, readSettings = hooks_.readSettings, wake = hooks_.wake] {
             try {
                 reading->settings = readSettings(reading->messages);
-                reading->classes = loadModel(reading->settings, reading->messages);
+                reading->classes = loadModel(reading->settings, reading->messages).repository;
             } catch (...) {
                 reading->failure = std::current_exception();
             }

@@ -31,6 +31,8 @@ namespace {
 
 struct ServeOptions {
     ModelOptions model;
+    std::optional<unsigned> refresh;  // in seconds
+    std::optional<std::string> cache;
     std::vector<std::string> listen;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
@@ -45,10 +47,23 @@ the service. A change of the password file takes effect within about a second.
 Examples:
   tesk serve
   tesk serve --namespace root/cimv2=schema/cim.mof --password-file users
+  tesk serve --server https://cim.example.com --server-user alice --namespace root/cimv2
   tesk serve --config tesk.toml --listen 0.0.0.0:5985 --listen [::]:5985)";
 
 void addServeOptions(Command& command, ServeOptions& options) {
     addModelOptions(command, options.model);
+    command.options.push_back(
+        {.name = "--refresh",
+         .value = "SECONDS",
+         .help = "Ask the CIM servers again after this time; by default only at the start and at "
+                 "a reload",
+         .target = &options.refresh,
+         .range = {{.least = 0, .most = 86'400}}});
+    command.options.push_back(
+        {.name = "--cache",
+         .value = "DIR",
+         .help = "Keep there, as MOF, what servers gave last, and start with that when they fail",
+         .target = &options.cache});
     command.options.push_back({.name = "--listen",
                                .value = "ADDRESS:PORT",
                                .help = "Where to listen for connections, 127.0.0.1:5985 by "
@@ -79,6 +94,9 @@ void addServeOptions(Command& command, ServeOptions& options) {
 // What the configuration file says, where the command line does not say otherwise.
 Configuration::Settings readSettings(const ServeOptions& options, std::ostream& messages) {
     Configuration::Settings settings = readSettings(options.model, messages);
+    if (options.refresh)
+        settings.refresh.interval = std::chrono::seconds(*options.refresh);
+    settings.refresh.cacheDirectory = options.cache.value_or(settings.refresh.cacheDirectory);
     if (!options.listen.empty())
         settings.server.listen.clear();
     for (const std::string& address : options.listen)
@@ -201,7 +219,8 @@ struct ServiceEnd {
 // Serves until a signal ends that.
 ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
                  const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);

@@ -136,7 +136,7 @@ TEST(Model, AWrongConfigurationIsNotUsed) {
     EXPECT_EQ(messages.str(),
               options.configuration +
                   ":1:1: error: unknown key \"nothing\"; known are \"include_path\", "
-                  "\"namespaces\", \"repository\", \"server\", "
+                  "\"servers\", \"namespaces\", \"repository\", \"server\", "
                   "\"security\" and \"log\"\n");
 }
 

@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>
@@ -47,9 +48,7 @@ TEST(ServerOptions, SayHowToTalkToTheServer) {
 }
 
 TEST(ServerOptions, AreThoseOfTheClientWithoutOthers) {
-    CimXml::ServerOptions expected = {.url = "http://h"};
-    expected.netrcFile = Commands::userNetrcFile();
-    EXPECT_EQ(sourceOf({"--server", "http://h"}).options, expected);
+    EXPECT_EQ(sourceOf({"--server", "http://h"}).options, CimXml::ServerOptions{.url = "http://h"});
 }
 
 TEST(ServerOptions, ATimeoutShortensTheOtherTimes) {
@@ -90,9 +89,23 @@ TEST(ServerOptions, RefuseAUserThatHttpCannotSend) {
     }
 }
 
+TEST(ServerOptions, HaveTheNetrcFileOfTheUserWhereTheyNameNoUser) {
+    setenv("HOME", "/home/alice", 1);
+    CimXml::ServerOptions options = {.url = "https://h"};
+    EXPECT_EQ(Commands::complete(options), "");
+    EXPECT_EQ(options.netrcFile, "/home/alice/.netrc");
+    CimXml::ServerOptions withUser = {.url = "https://h", .user = "bob"};
+    EXPECT_EQ(Commands::complete(withUser), "");
+    EXPECT_EQ(withUser.netrcFile, "");
+    unsetenv("HOME");
+    CimXml::ServerOptions homeless = {.url = "https://h"};
+    EXPECT_EQ(Commands::complete(homeless), "");
+    EXPECT_EQ(homeless.netrcFile, "");
+}
+
 TEST(ServerOptions, WarnOfAServerThatNeedNotProveWhoItIs) {
-    EXPECT_EQ(Commands::warningsOf({.url = "https://h"}), "");
-    EXPECT_EQ(Commands::warningsOf({.url = "https://h", .verifiesCertificate = false}),
+    CimXml::ServerOptions options = {.url = "https://h", .verifiesCertificate = false};
+    EXPECT_EQ(Commands::complete(options),
               "tesk: warning: the certificate of https://h is not verified: anybody on the way "
               "there can pretend to be the server, and gets the password\n");
 }
