@@ -162,8 +162,8 @@ std::string summaryText(const Reading& reading, const Loading::ImportResult& res
 }
 
 Reading readAll(const ImportArguments& arguments) {
-    const Loading::ServerSource source = serverSource(arguments.server);
-    std::cerr << warningsOf(source.options);
+    Loading::ServerSource source = serverSource(arguments.server);
+    std::cerr << complete(source.options);
     CimXml::CimServer server(optionsWithPassword(source));
     Reader reader(server, arguments.classes);
     for (const Loading::NamespaceSource& nameSpace : sourcesOf(arguments, server))
