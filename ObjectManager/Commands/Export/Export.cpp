@@ -18,7 +18,7 @@
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/RequestTarget.h"
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -127,7 +127,7 @@ int runExport(const ExportOptions& options) {
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
     if (all)
-        output.put("index.html", Index::makeIndexPage(*repository));
+        output.put("index.html", Pages::makeIndexPage(*repository));
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;
 }

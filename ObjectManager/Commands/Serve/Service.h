@@ -7,7 +7,7 @@
 #include "ObjectManager/Configuration/Settings.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/Server.h"
-#include "ObjectManager/Index/IndexProvider.h"
+#include "ObjectManager/Pages/PageProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
 #include "Platform/Util/TSKSmrPtr.h"
@@ -49,7 +49,7 @@ class Service {
   private:
     TSKSmrPtr<Repository::ClassRepository> repository_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
-    Index::IndexProvider index_;
+    Pages::PageProvider index_;
     Host::ProviderHost host_;
     Http::Server server_;
 };

@@ -5,7 +5,7 @@
 #include <regex>
 #include <string>
 
-#include "Tests/EndToEnd/Index/BrowserTest.h"
+#include "Tests/EndToEnd/Pages/BrowserTest.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ const Names kAll = {"TST_Disk", "TST_Drive", "TST_Tape", "TST_Thing"};
 
 class IndexPageBrowserTest : public BrowserTest {
   protected:
-    [[nodiscard]] std::string page() const { return Index::makeIndexPage(*load(kClasses)); }
+    [[nodiscard]] std::string page() const { return Pages::makeIndexPage(*load(kClasses)); }
     [[nodiscard]] std::string pageWith(const std::string& script) const {
         return withScript(page(), script);
     }
@@ -160,7 +160,7 @@ TEST_F(IndexPageBrowserTest, FiltersFifteenHundredClasses) {
     Names expected;
     for (int number = 1200; number < 1300; ++number)
         expected.push_back(nameOf(number));
-    const Shown shown = show(withScript(Index::makeIndexPage(*load(manyClasses(1499))), R"(
+    const Shown shown = show(withScript(Pages::makeIndexPage(*load(manyClasses(1499))), R"(
         const filter = document.getElementById('filter');
         const begin = performance.now();
         filter.value = 'long ROW class112';

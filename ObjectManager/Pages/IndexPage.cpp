@@ -1,14 +1,14 @@
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
 
 #include <openssl/evp.h>
 #include <string_view>
 
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/Index/FirstSentence.h"
+#include "ObjectManager/Pages/FirstSentence.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
-namespace Index {
+namespace Pages {
 
 // The texts of IndexPage.css and IndexPage.js, in a file that the build makes from
 // PageParts.cpp.in.
@@ -141,4 +141,4 @@ std::string contentSecurityPolicy() {
     return policyOfPage() + "; frame-ancestors 'none'";
 }
 
-}  // namespace Index
+}  // namespace Pages

@@ -2,8 +2,8 @@
 #include <set>
 #include <string>
 
-#include "ObjectManager/Index/IndexPage.h"
-#include "ObjectManager/Index/IndexProvider.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageProvider.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -14,15 +14,15 @@
 
 namespace {
 
-using Index::IndexProvider;
+using Pages::PageProvider;
 
-class IndexProviderTest : public RepositoryTest {
+class PageProviderTest : public RepositoryTest {
   protected:
-    IndexProviderTest() { AuthenticationHelper::setAuthenticator(authenticator_); }
-    ~IndexProviderTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
+    PageProviderTest() { AuthenticationHelper::setAuthenticator(authenticator_); }
+    ~PageProviderTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
 
     // What is written to the client; "(left)" and that when the provider leaves the request.
-    [[nodiscard]] static std::string response(IndexProvider& provider, const char* method,
+    [[nodiscard]] static std::string response(PageProvider& provider, const char* method,
                                               const char* path = "/",
                                               const char* protocol = "HTTP/1.1") {
         TSKHTTPRequest request(method, path, protocol);
@@ -48,22 +48,22 @@ class IndexProviderTest : public RepositoryTest {
 
     [[nodiscard]] static std::string found(const Repository::ClassRepository& repository,
                                            const std::string& protocol = "HTTP/1.1") {
-        const std::string page = Index::makeIndexPage(repository);
+        const std::string page = Pages::makeIndexPage(repository);
         return protocol +
                " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
-               Index::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n" +
+               Pages::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n" +
                page;
     }
 
     TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
     TSKSmrPtr<Repository::ClassRepository> one_ = load("class TST_One {};");
     TSKSmrPtr<Repository::ClassRepository> other_ = load("class TST_Other {}; class TST_Third {};");
-    IndexProvider provider_{one_};
+    PageProvider provider_{one_};
 };
 
 // The front end leaves the body of the response to HEAD out.
-TEST_F(IndexProviderTest, GetAndHeadGetThePage) {
+TEST_F(PageProviderTest, GetAndHeadGetThePage) {
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
     EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
     EXPECT_EQ(response(provider_, "GET", "/", "HTTP/1.0"), found(*one_, "HTTP/1.0"));
@@ -71,7 +71,7 @@ TEST_F(IndexProviderTest, GetAndHeadGetThePage) {
     EXPECT_EQ(authenticator_->liveTokens(), 0);
 }
 
-TEST_F(IndexProviderTest, LeavesOtherPathsToTheFrontEndWithoutAuthentication) {
+TEST_F(PageProviderTest, LeavesOtherPathsToTheFrontEndWithoutAuthentication) {
     authenticator_->accepts = false;
     for (const char* const path :
          {"", "//", "/index.html", "/root", "/root/test/TST_One.wsdl", "/?", " /", "/ ", "*"})
@@ -79,7 +79,7 @@ TEST_F(IndexProviderTest, LeavesOtherPathsToTheFrontEndWithoutAuthentication) {
     EXPECT_EQ(authenticator_->calls, 0);
 }
 
-TEST_F(IndexProviderTest, RefusesUnauthenticatedClientsWithoutWriting) {
+TEST_F(PageProviderTest, RefusesUnauthenticatedClientsWithoutWriting) {
     authenticator_->accepts = false;
     for (const char* const method : {"GET", "HEAD", "POST"}) {
         RecordedOutput output;
@@ -89,12 +89,12 @@ TEST_F(IndexProviderTest, RefusesUnauthenticatedClientsWithoutWriting) {
     EXPECT_EQ(authenticator_->calls, 3);
 }
 
-TEST_F(IndexProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
+TEST_F(PageProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
     AuthenticationHelper::setAuthenticator(nullptr);
     EXPECT_THROW((void)response(provider_, "GET"), TSKHTTPException);
 }
 
-TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
+TEST_F(PageProviderTest, OtherMethodsAreNotAllowed) {
     for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
         EXPECT_EQ(response(provider_, method),
                   "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
@@ -103,7 +103,7 @@ TEST_F(IndexProviderTest, OtherMethodsAreNotAllowed) {
     }
 }
 
-TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
+TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
     provider_.setRepository(other_);
     EXPECT_EQ(response(provider_, "GET"), found(*other_));
@@ -111,7 +111,7 @@ TEST_F(IndexProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
 }
 
-TEST_F(IndexProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
+TEST_F(PageProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
     const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
     TeskProviderPluginManager::setTeskProviderPluginManager(manager);
     EXPECT_TRUE(manager->addProvider(provider_, "index").empty());
@@ -122,7 +122,7 @@ TEST_F(IndexProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
     TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
 }
 
-TEST_F(IndexProviderTest, SeveralThreadsAskWhileTheClassesChange) {
+TEST_F(PageProviderTest, SeveralThreadsAskWhileTheClassesChange) {
     constexpr int kThreads = 4;
     constexpr int kRequests = 200;
     const std::set<std::string> right = {found(*one_), found(*other_)};

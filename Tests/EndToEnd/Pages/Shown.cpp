@@ -1,4 +1,4 @@
-#include "Tests/EndToEnd/Index/Shown.h"
+#include "Tests/EndToEnd/Pages/Shown.h"
 
 #include <regex>
 

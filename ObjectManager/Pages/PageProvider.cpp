@@ -1,12 +1,12 @@
-#include "ObjectManager/Index/IndexProvider.h"
+#include "ObjectManager/Pages/PageProvider.h"
 
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Http/TSKHTTPResponse.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
-namespace Index {
+namespace Pages {
 
 namespace {
 
@@ -14,7 +14,7 @@ void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                           TSKGenericHTTPOStream& ostr) {
     TSKSmrPtr<urma::security::ISecurityToken> token;
     if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
-        throw TSKHTTPException("IndexProvider::processHTTPRequest", "Authentication failed",
+        throw TSKHTTPException("PageProvider::processHTTPRequest", "Authentication failed",
                                TSKHTTPException::kAuthenticationFailed);
 }
 
@@ -40,26 +40,26 @@ void writePage(const TSKHTTPRequest& request, const std::string& page,
 
 }  // namespace
 
-IndexProvider::IndexProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
+PageProvider::PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
     : repository_(repository) {}
 
-void IndexProvider::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
+void PageProvider::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
     const std::lock_guard lock(mutex_);
     repository_ = repository;
     page_.reset();
 }
 
-TSKString IndexProvider::getProviderName() {
-    return "IndexProvider";
+TSKString PageProvider::getProviderName() {
+    return "PageProvider";
 }
 
-void IndexProvider::postStartup() {
+void PageProvider::postStartup() {
     TeskProviderPluginManager::getTeskProviderPluginManager()->registerURI(getProviderName(), "/");
 }
 
-void IndexProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
-                                       TSKHTTPRequest& request, bool& handled,
-                                       TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                                      TSKHTTPRequest& request, bool& handled,
+                                      TSKSmrPtr<ITeskTransaction> /*transaction*/) {
     // Requests that no other provider is there for come here, too.
     if (request.getUri() != "/") {
         handled = false;
@@ -73,11 +73,11 @@ void IndexProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHT
 }
 
 // Made when it is first asked for, so that documents need not wait for it when the service starts.
-std::shared_ptr<const std::string> IndexProvider::page() {
+std::shared_ptr<const std::string> PageProvider::page() {
     const std::lock_guard lock(mutex_);
     if (!page_)
         page_ = std::make_shared<const std::string>(makeIndexPage(*repository_));
     return page_;
 }
 
-}  // namespace Index
+}  // namespace Pages

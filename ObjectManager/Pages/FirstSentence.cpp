@@ -1,11 +1,11 @@
-#include "ObjectManager/Index/FirstSentence.h"
+#include "ObjectManager/Pages/FirstSentence.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "ObjectManager/Base/Utf8.h"
 
-namespace Index {
+namespace Pages {
 
 namespace {
 
@@ -75,4 +75,4 @@ std::string firstSentence(std::string_view text, std::size_t maxBytes) {
     return cut(std::move(sentence), maxBytes);
 }
 
-}  // namespace Index
+}  // namespace Pages

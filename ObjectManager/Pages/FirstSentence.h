@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace Index {
+namespace Pages {
 
 /// The first sentence of a text in UTF-8, on one line: each row of spaces and line ends becomes one
 /// space. A sentence ends before an empty line, and at a full stop, question mark or exclamation
@@ -15,4 +15,4 @@ namespace Index {
 /// May be called by several threads at once.
 [[nodiscard]] std::string firstSentence(std::string_view text, std::size_t maxBytes);
 
-}  // namespace Index
+}  // namespace Pages

@@ -3,7 +3,7 @@
 #include <regex>
 #include <string>
 
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RepositoryTest.h"
@@ -27,12 +27,12 @@ class IndexPageTest : public RepositoryTest {
   protected:
     [[nodiscard]] std::string listOf(const std::string& mof,
                                      const Repository::Options& options = {}) const {
-        return between(Index::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
+        return between(Pages::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
     }
 };
 
 TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
-    const std::string page = Index::makeIndexPage(*load(R"(
+    const std::string page = Pages::makeIndexPage(*load(R"(
         [Description ("A thing. It is there.")] class TST_Thing {};
         class TST_Nothing : TST_Thing {};)"));
     EXPECT_EQ(mainOf(page), R"(<section>
@@ -56,7 +56,7 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
                                    {}, {})
             .repository;
     ASSERT_TRUE(repository);
-    const std::string page = Index::makeIndexPage(*repository);
+    const std::string page = Pages::makeIndexPage(*repository);
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>root/b</a>\n"
               "<a href=#namespace-2>a</a>\n"
@@ -83,7 +83,7 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
 }
 
 TEST_F(IndexPageTest, ARepositoryMayBeEmpty) {
-    EXPECT_EQ(mainOf(Index::makeIndexPage(Repository::ClassRepository({}))), "");
+    EXPECT_EQ(mainOf(Pages::makeIndexPage(Repository::ClassRepository({}))), "");
 }
 
 // Whether the repository escapes descriptions or not.
@@ -127,7 +127,7 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
     namespaces.emplace_back("java script:/<x>", std::move(declarations), Repository::Options());
     namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(), Repository::Options());
     const std::string page =
-        Index::makeIndexPage(Repository::ClassRepository(std::move(namespaces)));
+        Pages::makeIndexPage(Repository::ClassRepository(std::move(namespaces)));
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
               "<a href=#namespace-2>&amp;</a>\n");
@@ -146,17 +146,17 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
 }
 
 TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse) {
-    const std::string page = Index::makeIndexPage(Repository::ClassRepository({}));
+    const std::string page = Pages::makeIndexPage(Repository::ClassRepository({}));
     const std::string script = between(page, "<script>", "</script>");
     const std::string style = between(page, "<style>", "</style>");
     EXPECT_NE(script.find("'use strict'"), std::string::npos);
     EXPECT_NE(style.find("prefers-color-scheme: dark"), std::string::npos);
-    const std::string policy = "default-src 'none'; script-src " + Index::sourceHash(script) +
-                               "; style-src " + Index::sourceHash(style) +
+    const std::string policy = "default-src 'none'; script-src " + Pages::sourceHash(script) +
+                               "; style-src " + Pages::sourceHash(style) +
                                "; img-src data:; base-uri 'none'; form-action 'none'";
     EXPECT_EQ(between(page, "<meta http-equiv=\"Content-Security-Policy\" content=\"", "\">"),
               policy);
-    EXPECT_EQ(Index::contentSecurityPolicy(), policy + "; frame-ancestors 'none'");
+    EXPECT_EQ(Pages::contentSecurityPolicy(), policy + "; frame-ancestors 'none'");
     // What the policy would block, or what would leave the computer.
     EXPECT_FALSE(std::regex_search(page, std::regex(R"(\s(style|on[a-z]+)=)")));
     EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="?(https?:|//))")));
@@ -164,13 +164,13 @@ TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse
 
 // As "printf TEXT | openssl dgst -sha256 -binary | base64" says.
 TEST(IndexPage, TheHashOfASourceIsInBase64) {
-    EXPECT_EQ(Index::sourceHash(""), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
-    EXPECT_EQ(Index::sourceHash("abc"), "'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='");
+    EXPECT_EQ(Pages::sourceHash(""), "'sha256-47DEQpj8HBSa+/TImW+5JCeuQeRkm5NMpJWZG3hSuFU='");
+    EXPECT_EQ(Pages::sourceHash("abc"), "'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='");
 }
 
 TEST_F(IndexPageTest, IsTheSameEachTime) {
     const TSKSmrPtr<Repository::ClassRepository> repository = load("class A {}; class B {};");
-    EXPECT_EQ(Index::makeIndexPage(*repository), Index::makeIndexPage(*repository));
+    EXPECT_EQ(Pages::makeIndexPage(*repository), Pages::makeIndexPage(*repository));
 }
 
 TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
@@ -180,7 +180,7 @@ TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
     const TSKSmrPtr<Repository::ClassRepository> repository =
         Repository::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
-    const std::string page = Index::makeIndexPage(*repository);
+    const std::string page = Pages::makeIndexPage(*repository);
     std::size_t classes = 0;
     for (auto at = page.find("\n<li>"); at != page.npos; at = page.find("\n<li>", at + 1))
         ++classes;

@@ -5,7 +5,7 @@
 
 #include "ObjectManager/Repository/ClassRepository.h"
 
-namespace Index {
+namespace Pages {
 
 /// The page that lists all namespaces and classes of a repository, each class with its superclass,
 /// the first sentence of its description and links to its two documents, with a filter. HTML in
@@ -27,4 +27,4 @@ namespace Index {
 /// Errors: TeskBaseException when the cryptographic library does not work.
 [[nodiscard]] std::string sourceHash(std::string_view text);
 
-}  // namespace Index
+}  // namespace Pages

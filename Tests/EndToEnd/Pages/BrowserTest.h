@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Index/IndexPage.h"
-#include "Tests/EndToEnd/Index/Shown.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "Tests/EndToEnd/Pages/Shown.h"
 #include "Tests/Support/RepositoryTest.h"
 
 /// Shows pages in Chromium, without a window. Its tests are skipped where there is none.

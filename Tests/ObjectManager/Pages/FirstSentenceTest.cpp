@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "ObjectManager/Index/FirstSentence.h"
+#include "ObjectManager/Pages/FirstSentence.h"
 
 namespace {
 
 std::string sentenceOf(const std::string& text) {
-    return Index::firstSentence(text, 1000);
+    return Pages::firstSentence(text, 1000);
 }
 
 TEST(FirstSentence, EndsWithAFullStopOrAQuestionOrExclamationMark) {
@@ -50,26 +50,26 @@ TEST(FirstSentence, ATextWithoutWordsHasNone) {
 }
 
 TEST(FirstSentence, OneThatIsTooLongIsCutBetweenWords) {
-    EXPECT_EQ(Index::firstSentence("One two three.", 14), "One two three.");
-    EXPECT_EQ(Index::firstSentence("One two three.", 13), "One two…");
-    EXPECT_EQ(Index::firstSentence("One two three.", 7), "One two…");
-    EXPECT_EQ(Index::firstSentence("One two three.", 6), "One…");
-    EXPECT_EQ(Index::firstSentence("One. Two three.", 4), "One.");
+    EXPECT_EQ(Pages::firstSentence("One two three.", 14), "One two three.");
+    EXPECT_EQ(Pages::firstSentence("One two three.", 13), "One two…");
+    EXPECT_EQ(Pages::firstSentence("One two three.", 7), "One two…");
+    EXPECT_EQ(Pages::firstSentence("One two three.", 6), "One…");
+    EXPECT_EQ(Pages::firstSentence("One. Two three.", 4), "One.");
 }
 
 TEST(FirstSentence, AWordThatIsTooLongIsCutBetweenCharacters) {
-    EXPECT_EQ(Index::firstSentence("Disk", 3), "Dis…");
-    EXPECT_EQ(Index::firstSentence("Größe", 3), "Gr…");
-    EXPECT_EQ(Index::firstSentence("Größe", 4), "Grö…");
-    EXPECT_EQ(Index::firstSentence("€€", 5), "€…");
-    EXPECT_EQ(Index::firstSentence("€", 2), "…");
+    EXPECT_EQ(Pages::firstSentence("Disk", 3), "Dis…");
+    EXPECT_EQ(Pages::firstSentence("Größe", 3), "Gr…");
+    EXPECT_EQ(Pages::firstSentence("Größe", 4), "Grö…");
+    EXPECT_EQ(Pages::firstSentence("€€", 5), "€…");
+    EXPECT_EQ(Pages::firstSentence("€", 2), "…");
 }
 
 TEST(FirstSentence, AnyBytesAreTaken) {
     const std::string bytes("\x80\xFF. \0\xC3", 6);
     EXPECT_EQ(sentenceOf(bytes), "\x80\xFF.");
     for (std::size_t most = 0; most < 4; ++most)
-        EXPECT_LE(Index::firstSentence("\x80\x80\x80\x80\x80", most).size(), most + 3);
+        EXPECT_LE(Pages::firstSentence("\x80\x80\x80\x80\x80", most).size(), most + 3);
 }
 
 }  // namespace

@@ -8,16 +8,16 @@
 #include "Platform/ProviderFramework/Provider.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
-namespace Index {
+namespace Pages {
 
 /// Serves the page at "/" that lists all classes, to clients that the authenticator of the object
 /// manager accepts. Methods other than GET and HEAD get the status 405. All other paths are left to
 /// the front end.
 ///
 /// Thread safety: may be used by several threads at once.
-class IndexProvider final : public urma::pf::Provider {
+class PageProvider final : public urma::pf::Provider {
   public:
-    explicit IndexProvider(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    explicit PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
     /// Requests that begin from now on see these classes.
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
@@ -38,4 +38,4 @@ class IndexProvider final : public urma::pf::Provider {
     std::shared_ptr<const std::string> page_;  // guarded by mutex_; null until it is requested
 };
 
-}  // namespace Index
+}  // namespace Pages

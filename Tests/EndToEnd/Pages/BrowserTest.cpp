@@ -1,9 +1,9 @@
-#include "Tests/EndToEnd/Index/BrowserTest.h"
+#include "Tests/EndToEnd/Pages/BrowserTest.h"
 
 #include <cstdlib>
 #include <regex>
 
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
 #include "Tests/Support/RunningProgram.h"
 
 void BrowserTest::SetUp() {
@@ -12,7 +12,7 @@ void BrowserTest::SetUp() {
 }
 
 std::string BrowserTest::withScript(std::string page, const std::string& script) {
-    page.insert(page.find("script-src ") + 11, Index::sourceHash(script) + " ");
+    page.insert(page.find("script-src ") + 11, Pages::sourceHash(script) + " ");
     page.insert(page.find("</body>"), "<script>" + script + "</script>");
     return page;
 }

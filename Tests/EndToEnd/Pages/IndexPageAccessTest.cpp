@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ObjectManager/Repository/RepositoryLoader.h"
-#include "Tests/EndToEnd/Index/BrowserTest.h"
+#include "Tests/EndToEnd/Pages/BrowserTest.h"
 #include "Tests/Support/WaitUntil.h"
 
 namespace {
@@ -106,7 +106,7 @@ class IndexPageAccessTest : public BrowserTest {
         for (const std::string& name : names)
             sources.push_back({.name = name, .paths = {file}});
         const Repository::LoadedRepository loaded = Repository::loadRepository(sources, {}, {});
-        return Index::makeIndexPage(*loaded.repository);
+        return Pages::makeIndexPage(*loaded.repository);
     }
 
     // What kMoveFocus puts into the title. The time of a page goes faster than that of the window,
@@ -124,7 +124,7 @@ class IndexPageAccessTest : public BrowserTest {
 
     // With whatever a class can have.
     [[nodiscard]] std::string pageOfTwoClasses() const {
-        return Index::makeIndexPage(*load(
+        return Pages::makeIndexPage(*load(
             R"(class TST_Thing {}; [Description ("Turns.")] class TST_Disk : TST_Thing {};)"));
     }
 };
