@@ -10,14 +10,16 @@
 
 namespace Pages {
 
-/// Serves the page at "/" that lists all classes, to clients that the authenticator of the object
-/// manager accepts. Methods other than GET and HEAD get the status 405. All other paths are left to
-/// the front end.
+/// Serves what people look at, to clients that the authenticator of the object manager accepts: the
+/// index page at "/", and the page of a class, its names in any case, at "/-/NAMESPACE/CLASS".
+/// Methods other than GET and HEAD get the status 405 there. A class that there is not, and all
+/// other paths, are left to the front end.
 ///
 /// Thread safety: may be used by several threads at once.
 class PageProvider final : public urma::pf::Provider {
   public:
     explicit PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    ~PageProvider() override;
 
     /// Requests that begin from now on see these classes.
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
@@ -31,11 +33,12 @@ class PageProvider final : public urma::pf::Provider {
                             TSKSmrPtr<ITeskTransaction> transaction) override;
 
   private:
-    [[nodiscard]] std::shared_ptr<const std::string> page();
+    class Site;
+
+    [[nodiscard]] std::shared_ptr<Site> site();
 
     std::mutex mutex_;
-    TSKSmrPtr<Repository::ClassRepository> repository_;  // guarded by mutex_
-    std::shared_ptr<const std::string> page_;  // guarded by mutex_; null until it is requested
+    std::shared_ptr<Site> site_;  // guarded by mutex_; never null
 };
 
 }  // namespace Pages

@@ -4,6 +4,7 @@
 #include <regex>
 
 #include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
 #include "Tests/Support/RunningProgram.h"
 
 void BrowserTest::SetUp() {

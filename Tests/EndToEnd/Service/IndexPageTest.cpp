@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 
@@ -21,7 +22,7 @@ class ServiceIndexPage : public RunningService {
         return "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
                std::to_string(page().size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
-               Pages::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
+               Pages::contentSecurityPolicy(Pages::PageKind::kIndex) + "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
     }
 };
 

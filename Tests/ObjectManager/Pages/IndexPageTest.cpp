@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RepositoryTest.h"
@@ -152,11 +153,12 @@ TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse
     EXPECT_NE(script.find("'use strict'"), std::string::npos);
     EXPECT_NE(style.find("prefers-color-scheme: dark"), std::string::npos);
     const std::string policy = "default-src 'none'; script-src " + Pages::sourceHash(script) +
-                               "; style-src " + Pages::sourceHash(style) +
+                               " 'self'; style-src " + Pages::sourceHash(style) +
                                "; img-src data:; base-uri 'none'; form-action 'none'";
     EXPECT_EQ(between(page, "<meta http-equiv=\"Content-Security-Policy\" content=\"", "\">"),
               policy);
-    EXPECT_EQ(Pages::contentSecurityPolicy(), policy + "; frame-ancestors 'none'");
+    EXPECT_EQ(Pages::contentSecurityPolicy(Pages::PageKind::kIndex),
+              policy + "; frame-ancestors 'none'");
     // What the policy would block, or what would leave the computer.
     EXPECT_FALSE(std::regex_search(page, std::regex(R"(\s(style|on[a-z]+)=)")));
     EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="?(https?:|//))")));

@@ -2,7 +2,9 @@
 #include <set>
 #include <string>
 
+#include "ObjectManager/Pages/ClassPage.h"
 #include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Pages/PageProvider.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
@@ -52,8 +54,8 @@ class PageProviderTest : public RepositoryTest {
         return protocol +
                " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
-               Pages::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n" +
-               page;
+               Pages::contentSecurityPolicy(Pages::PageKind::kIndex) +
+               "\r\nX-Content-Type-Options: nosniff\r\n\r\n" + page;
     }
 
     TSKSmrPtr<TestAuthenticator> authenticator_ = TSKSmrPtr<TestAuthenticator>::make();
@@ -111,6 +113,41 @@ TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
 }
 
+TEST_F(PageProviderTest, ServesThePageOfAClassInAnyCase) {
+    const Pages::ClassRelations relations(one_->namespaces().front());
+    const std::string page = Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"),
+                                                  relations, Pages::Layout::kServed, "localhost");
+    const std::string expected =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
+        "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
+        Pages::contentSecurityPolicy(Pages::PageKind::kClass) +
+        "\r\nX-Content-Type-Options: nosniff\r\n\r\n" + page;
+    EXPECT_EQ(response(provider_, "GET", "/-/root/test/TST_One"), expected);
+    EXPECT_EQ(response(provider_, "HEAD", "/-/ROOT/test/tst_one"), expected);
+    EXPECT_EQ(response(provider_, "POST", "/-/root/test/TST_One").substr(0, 12), "HTTP/1.1 405");
+}
+
+TEST_F(PageProviderTest, AClassThatThereIsNotIsLeftToTheFrontEndAfterAuthentication) {
+    for (const char* const path : {"/-/", "/-/root/test/", "/-/root/test", "/-/TST_One",
+                                   "/-//TST_One", "/-/root/test/TST_One/", "/-/root/TST_One",
+                                   "/-/root/test/TST_Two", "/-/root/test/TST_One.html"})
+        EXPECT_EQ(response(provider_, "GET", path), "(left)") << path;
+    EXPECT_EQ(authenticator_->calls, 9);
+    authenticator_->accepts = false;
+    EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_One"), TSKHTTPException);
+    EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_Two"), TSKHTTPException);
+}
+
+TEST_F(PageProviderTest, AClassPageNamesTheHostOfTheRequest) {
+    TSKHTTPRequest request("GET", "/-/root/test/TST_One", "HTTP/1.1");
+    request.setHeaderField("Host", "cim.example:81", false);
+    EmptyInput input;
+    RecordedOutput output;
+    bool handled = true;
+    provider_.processHTTPRequest(input, output, request, handled, nullptr);
+    EXPECT_NE(output.text.find("http://cim.example:81/root/test/TST_One.wsdl"), std::string::npos);
+}
+
 TEST_F(PageProviderTest, GetsTheRequestsForWhichNoOtherProviderIsThere) {
     const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
     TeskProviderPluginManager::setTeskProviderPluginManager(manager);
@@ -131,9 +168,10 @@ TEST_F(PageProviderTest, SeveralThreadsAskWhileTheClassesChange) {
             if (thread == 0)
                 provider_.setRepository(count % 2 == 0 ? other_ : one_);
             EXPECT_TRUE(right.contains(response(provider_, "GET")));
+            (void)response(provider_, "GET", "/-/root/test/TST_One");
         }
     });
-    EXPECT_EQ(authenticator_->calls, kThreads * kRequests);
+    EXPECT_EQ(authenticator_->calls, 2 * kThreads * kRequests);
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
 }
 
