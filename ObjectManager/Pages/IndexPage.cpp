@@ -1,7 +1,10 @@
 #include "ObjectManager/Pages/IndexPage.h"
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Pages/FirstSentence.h"
 #include "ObjectManager/Pages/PageFrame.h"
@@ -10,83 +13,88 @@ namespace Pages {
 
 namespace {
 
+using Base::counted;
 using Base::htmlText;
-using Base::percentEncodedPath;
+using Repository::CimClass;
+using Repository::CimNamespace;
 
-// More than a sentence should have. A description without the end of a sentence must not fill the
-// page; the document holds all of it.
-constexpr std::size_t kMaxDescriptionBytes = 500;
+// Two lines of a list. The page of the class has all of it, and the first page that somebody loads
+// shall be small.
+constexpr std::size_t kMaxDescriptionBytes = 90;
 
-// Numbers are written without separators.
-std::string countOf(std::size_t count, const char* singular, const char* plural) {
-    return std::to_string(count) + " " + (count == 1 ? singular : plural);
+std::vector<const CimClass*> classesWithoutRegardToCase(const CimNamespace& nameSpace) {
+    std::vector<const CimClass*> classes;
+    for (const TSKSmrPtr<CimClass>& cimClass : nameSpace.classes())
+        classes.push_back(cimClass.get());
+    std::ranges::stable_sort(classes, {}, [](const CimClass* each) {
+        return Base::lowerCase(std::string_view(each->name()));
+    });
+    return classes;
 }
 
-// Without the end tags of items and paragraphs and the quotes around these links, which HTML does
-// not need: with a thousand classes that matters.
-void appendClass(std::string& page, const std::string& directory,
-                 const Repository::CimClass& cimClass) {
-    const std::string document = directory + percentEncodedPath(cimClass.name());
-    page += "<li><a href=" + document + ".wsdl>" + htmlText(cimClass.name()) + "</a>";
-    if (cimClass.superclass() != nullptr)
-        page += " <i>" + htmlText(cimClass.superclass()->name()) + "</i>";
-    page += " <a href=" + document + ".xsd>XSD</a>";
+// Without the end tags of items and paragraphs and the quotes around the link, which HTML does not
+// need: with a thousand classes that matters.
+void appendClass(std::string& page, const CimNamespace& nameSpace, const CimClass& cimClass,
+                 Layout layout) {
+    page += "<li><a href=" + pathOfClassPage(layout, nameSpace.name(), cimClass.name()) + ">" +
+            htmlText(cimClass.name()) + "</a>";
     const std::string description = firstSentence(cimClass.description(), kMaxDescriptionBytes);
     if (!description.empty())
-        page += " <p>" + htmlText(description);
+        page += "<p>" + htmlText(description);
     page += "\n";
 }
 
-void appendNamespace(std::string& page, const Repository::CimNamespace& nameSpace,
-                     std::size_t number) {
+void appendNamespace(std::string& page, const CimNamespace& nameSpace, std::size_t number,
+                     Layout layout) {
     page += "<section>\n<h2 id=namespace-" + std::to_string(number) + ">" +
             htmlText(nameSpace.name()) + " <small>" +
-            countOf(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
-    const std::string directory = percentEncodedPath(nameSpace.name()) + "/";
-    for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes())
-        appendClass(page, directory, *cimClass);
+            counted(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
+    for (const CimClass* const cimClass : classesWithoutRegardToCase(nameSpace))
+        appendClass(page, nameSpace, *cimClass, layout);
     page += "</ul>\n</section>\n";
 }
 
 // Empty for a single namespace.
 std::string linksToNamespaces(const Repository::ClassRepository& repository) {
     std::string links;
-    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
-        const std::size_t number =
-            static_cast<std::size_t>(&nameSpace - repository.namespaces().data()) + 1;
-        links += "<a href=#namespace-" + std::to_string(number) + ">" + htmlText(nameSpace.name()) +
-                 "</a>\n";
-    }
-    return repository.namespaces().size() < 2
-               ? ""
-               : "<nav aria-label=\"Namespaces\">\n" + links + "</nav>\n";
+    std::size_t number = 0;
+    for (const CimNamespace& nameSpace : repository.namespaces())
+        links += "<a href=#namespace-" + std::to_string(++number) + ">" +
+                 htmlText(nameSpace.name()) + "</a>\n";
+    return number < 2 ? "" : "<nav aria-label=\"Namespaces\">\n" + links + "</nav>\n";
 }
 
-// The filter is shown by the script that makes it work.
-constexpr std::string_view kFilter = R"(<div role="search" id="search" hidden>
-<label for="filter">Filter</label>
-<input id="filter" type="search" autocomplete="off" spellcheck="false"
-  placeholder="words of name, superclass or description">
+// Shown by the script that makes it work.
+std::string searchBar(Layout layout) {
+    return R"(<div role="search" id="search" data-source=")" +
+           std::string(pathOfSearchData(layout)) + R"(" hidden>
+<label for="filter">Search</label>
+<input id="filter" type="search" autocomplete="off" spellcheck="false" aria-keyshortcuts="/"
+  placeholder="classes, properties, methods, descriptions">
+<button type="button" id="list-view" aria-pressed="true">List</button>
+<button type="button" id="tree-view" aria-pressed="false">Tree</button>
 <output id="count" for="filter"></output>
 </div>
 )";
+}
 
 }  // namespace
 
-std::string makeIndexPage(const Repository::ClassRepository& repository) {
-    std::string page =
-        "<header>\n<h1>WSDL and XML Schema of CIM classes</h1>\n<p>" +
-        countOf(repository.countClasses(), "class", "classes") + " in " +
-        countOf(repository.namespaces().size(), "namespace", "namespaces") +
-        ". A name leads to the WSDL document of the class, XSD to its XML Schema.</p>\n";
+std::string makeIndexPage(const Repository::ClassRepository& repository, Layout layout) {
+    constexpr std::string_view kTitle = "WSDL and XML Schema of CIM classes";
+    std::string page = "<header>\n<h1>" + std::string(kTitle) + "</h1>\n<p>" +
+                       counted(repository.countClasses(), "class", "classes") + " in " +
+                       counted(repository.namespaces().size(), "namespace", "namespaces") +
+                       ". The page of a class has its members, its documents and example "
+                       "requests.</p>\n";
     page += linksToNamespaces(repository) + "</header>\n";
-    page += kFilter;
-    page += "<main>\n";
+    page += searchBar(layout);
+    page += "<main>\n<div id=list>\n";
     std::size_t number = 0;
-    for (const Repository::CimNamespace& nameSpace : repository.namespaces())
-        appendNamespace(page, nameSpace, ++number);
-    page += "</main>\n";
-    return framedPage(PageKind::kIndex, "WSDL and XML Schema of CIM classes", page);
+    for (const CimNamespace& nameSpace : repository.namespaces())
+        appendNamespace(page, nameSpace, ++number, layout);
+    page += "</div>\n</main>\n";
+    return framedPage(PageKind::kIndex, kTitle, page);
 }
 
 }  // namespace Pages

@@ -1,43 +1,273 @@
 'use strict';
 
 (() => {
-  const search = document.getElementById('search');
-  const filter = document.getElementById('filter');
-  const count = document.getElementById('count');
+  const byId = (id) => document.getElementById(id);
+  const search = byId('search');
+  const filter = byId('filter');
+  const count = byId('count');
+  const list = byId('list');
+  const buttons = { list: byId('list-view'), tree: byId('tree-view') };
+  const total = list.querySelectorAll('li').length;
 
-  // What is searched of a class: all but the link to its XML Schema, which every class has.
-  const textOf = (item) => Array.from(item.children)
-    .filter((part) => !part.matches('a:not(:first-child)'))
-    .map((part) => part.textContent.toLowerCase())
-    .join(' ');
-  const sections = Array.from(document.querySelectorAll('section'), (section) => ({
-    section,
-    classes: Array.from(section.querySelectorAll('li'), (item) => ({ item, text: textOf(item) })),
+  // How many results are shown at once, and how many matches of each.
+  const kResults = 40;
+  const kMatches = 4;
+
+  const make = (name, properties, ...children) => {
+    const element = Object.assign(document.createElement(name), properties);
+    element.append(...children);
+    return element;
+  };
+  const counted = (number, singular, plural) =>
+    `${number.toLocaleString('en')} ${number === 1 ? singular : plural}`;
+
+  // The links to both documents of the class with a page at `page`.
+  const documentLinks = (page, name) => {
+    const document = page.replace(/^-\//, '').replace(/\.html$/, '');
+    const link = (suffix, text) => make('a', { href: document + suffix, ariaLabel: `${text} of ${name}` }, text);
+    return make('span', { className: 'documents' }, link('.wsdl', 'WSDL'), ' ', link('.xsd', 'XSD'));
+  };
+
+  // What is searched. Until the data are there, the names that the page lists.
+  let namespaces = Array.from(list.querySelectorAll('section'), (section) => ({
+    name: section.querySelector('h2').firstChild.data.trim(),
+    classes: Array.from(section.querySelectorAll('li > a'), (link) => ({
+      name: link.textContent, lower: link.textContent.toLowerCase(),
+      page: link.getAttribute('href'), superclass: '', description: '', members: [],
+      text: link.textContent.toLowerCase(),
+    })),
   }));
-  const total = document.querySelectorAll('section li').length;
+  let state = 'names';  // then 'loading', and 'all' or 'failed'
 
-  const showMatches = () => {
-    const words = filter.value.toLowerCase().split(/\s+/);
-    let matches = 0;
-    for (const { section, classes } of sections) {
-      let matchesHere = 0;
-      for (const { item, text } of classes) {
-        const isMatch = words.every((word) => text.includes(word));
-        item.hidden = !isMatch;
-        matchesHere += isMatch ? 1 : 0;
-      }
-      section.hidden = matchesHere === 0 && filter.value.trim() !== '';
-      matches += matchesHere;
+  const kinds = ['property', 'method'];
+  const classFrom = (pages, suffix) => ([name, superclass, description, members]) => {
+    const known = members.map(([member, kind, text]) => ({
+      name: member, lower: member.toLowerCase(), kind: kinds[kind], description: text,
+      text: text.toLowerCase(),
+    }));
+    const entry = {
+      name, superclass, description, lower: name.toLowerCase(),
+      about: description.toLowerCase(), page: pages + encodeURIComponent(name) + suffix, members: known,
+    };
+    entry.text = [entry.lower, entry.about, ...known.flatMap(({ lower, text }) => [lower, text])].join('\n');
+    return entry;
+  };
+
+  window.teskClasses = (data) => {
+    namespaces = data.namespaces.map(({ name, pages, classes }) => ({
+      name, classes: classes.map(classFrom(pages, data.suffix)),
+    }));
+    state = 'all';
+  };
+
+  const load = () => {
+    if (state !== 'names') return;
+    state = 'loading';
+    const script = make('script', { src: search.dataset.source });
+    const finish = () => {
+      if (state === 'loading') state = 'failed';
+      show();
+    };
+    script.addEventListener('load', finish);
+    script.addEventListener('error', finish);
+    document.head.append(script);
+  };
+
+  // How good a match is, the best first: the whole name, its start, the start of a word, anywhere.
+  // CIM names put a schema before the name proper, and words together with capitals.
+  const rankInName = (name, lower, word) => {
+    const first = lower.indexOf(word);
+    if (first < 0) return -1;
+    const proper = lower.indexOf('_') + 1;
+    let rank = 3;
+    for (let at = first; at >= 0; at = lower.indexOf(word, at + 1)) {
+      const isStart = at === 0 || at === proper;
+      if (isStart && at + word.length === lower.length) return 0;
+      if (isStart) rank = Math.min(rank, 1);
+      else if (name[at] !== lower[at] || !/[a-z0-9]/.test(lower[at - 1])) rank = Math.min(rank, 2);
     }
-    count.textContent = `${matches} of ${total} classes`;
+    return rank;
+  };
+  const rankInText = (text, word) => {
+    const first = text.indexOf(word);
+    if (first < 0) return -1;
+    for (let at = first; at >= 0; at = text.indexOf(word, at + 1)) {
+      if (at === 0 || !/[a-z0-9_]/.test(text[at - 1])) return 2;
+    }
+    return 3;
+  };
+
+  // Of equal ranks, classes come before members, and names before descriptions.
+  const score = (rank, place) => (rank < 0 ? Infinity : 4 * rank + place);
+
+  // The score of a class for all words, with its members that match; nothing when a word is missing.
+  const match = (entry, words) => {
+    if (!words.every((word) => entry.text.includes(word))) return null;
+    const best = words.map((word) => score(rankInName(entry.name, entry.lower, word), 0));
+    const inDescription = words.map((word) => score(rankInText(entry.about || '', word), 2));
+    inDescription.forEach((value, index) => { best[index] = Math.min(best[index], value); });
+    const members = [];
+    for (const member of entry.members) {
+      let bestOfMember = Infinity;
+      words.forEach((word, index) => {
+        const value = Math.min(score(rankInName(member.name, member.lower, word), 1),
+          score(rankInText(member.text, word), 3));
+        best[index] = Math.min(best[index], value);
+        bestOfMember = Math.min(bestOfMember, value);
+      });
+      if (bestOfMember < Infinity) members.push({ member, value: bestOfMember });
+    }
+    return { entry, members, value: best.reduce((sum, value) => sum + value, 0) };
+  };
+
+  const find = (words) => {
+    const found = [];
+    for (const { name, classes } of namespaces) {
+      for (const entry of classes) {
+        const result = match(entry, words);
+        if (result) found.push({ ...result, namespace: name });
+      }
+    }
+    const order = (one, other) => one.value - other.value ||
+      one.entry.name.length - other.entry.name.length || (one.entry.lower < other.entry.lower ? -1 : 1);
+    return found.sort(order);
+  };
+
+  // A text with the words marked in it.
+  const marked = (text, words) => {
+    const lower = text.toLowerCase();
+    const parts = [];
+    let from = 0;
+    while (from < text.length) {
+      let next = -1;
+      let length = 0;
+      for (const word of words) {
+        const at = lower.indexOf(word, from);
+        if (at >= 0 && (next < 0 || at < next || (at === next && word.length > length))) {
+          next = at;
+          length = word.length;
+        }
+      }
+      if (next < 0) break;
+      parts.push(text.slice(from, next), make('mark', {}, text.slice(next, next + length)));
+      from = next + length;
+    }
+    parts.push(text.slice(from));
+    return parts;
+  };
+
+  // What stands around the first word in a description; its beginning where there is none.
+  const around = (text, words) => {
+    const lower = text.toLowerCase();
+    const places = words.map((word) => lower.indexOf(word)).filter((at) => at >= 0);
+    const begin = places.length === 0 ? 0 : Math.max(0, Math.min(...places) - 60);
+    const part = text.slice(begin, begin + 160);
+    return `${begin > 0 ? '…' : ''}${part}${begin + 160 < text.length ? '…' : ''}`;
+  };
+
+  const memberItem = (page, { name, kind, description }, words) => make('li', {},
+    make('a', { href: `${page}#${kind}-${encodeURIComponent(name)}` }, ...marked(name, words)),
+    make('small', {}, ` ${kind} `), ...marked(around(description, words), words));
+
+  const resultItem = ({ entry, members, namespace }, words) => {
+    const item = make('li', {}, make('a', { href: entry.page }, ...marked(entry.name, words)),
+      documentLinks(entry.page, entry.name));
+    const about = [entry.superclass && `extends ${entry.superclass}`,
+      namespaces.length > 1 && `in ${namespace}`].filter(Boolean).join(', ');
+    if (about) item.append(make('small', {}, about));
+    if (entry.description) item.append(make('p', {}, ...marked(around(entry.description, words), words)));
+    const shown = members.sort((one, other) => one.value - other.value).slice(0, kMatches);
+    if (shown.length > 0) {
+      const inside = make('ul', {}, ...shown.map(({ member }) => memberItem(entry.page, member, words)));
+      const left = members.length - shown.length;
+      if (left > 0) inside.append(make('li', {}, make('small', {}, `and ${left.toLocaleString('en')} more`)));
+      item.append(inside);
+    }
+    return item;
+  };
+
+  const results = make('div', { id: 'results', hidden: true });
+  const tree = make('div', { id: 'tree', hidden: true });
+  list.after(results, tree);
+
+  const showResults = (words) => {
+    const found = find(words);
+    const items = make('ul', {}, ...found.slice(0, kResults).map((each) => resultItem(each, words)));
+    results.replaceChildren(items);
+    if (found.length > kResults) {
+      const more = make('button', { type: 'button' }, `Show all ${counted(found.length, 'class', 'classes')}`);
+      more.addEventListener('click', () => {
+        const rest = found.slice(kResults).map((each) => resultItem(each, words));
+        items.append(...rest);
+        more.remove();
+        rest[0].querySelector('a').focus();
+      });
+      results.append(more);
+    }
+    if (found.length === 0) {
+      results.append(make('p', {}, `Nothing matches “${filter.value.trim()}”. A class is found when all `
+        + 'words are in its name, its description or its own members.'));
+    }
+    count.textContent = `${found.length.toLocaleString('en')} of ${counted(total, 'class', 'classes')}`;
+  };
+
+  // A class in the tree; what extends it is made when somebody looks.
+  const treeItem = (entry, subclasses) => {
+    const below = subclasses.get(entry.lower);
+    const link = make('a', { href: entry.page }, entry.name);
+    if (!below) return make('li', {}, link);
+    const inside = make('ul', {});
+    const details = make('details', {},
+      make('summary', {}, link, make('small', {}, ` ${below.length.toLocaleString('en')}`)), inside);
+    details.addEventListener('toggle', () => {
+      if (inside.childElementCount === 0) inside.append(...below.map((each) => treeItem(each, subclasses)));
+    });
+    return make('li', {}, details);
+  };
+
+  const makeTree = () => {
+    tree.replaceChildren(...namespaces.map(({ name, classes }) => {
+      const subclasses = new Map();
+      const sorted = [...classes].sort((one, other) => (one.lower < other.lower ? -1 : 1));
+      for (const entry of sorted) {
+        const above = entry.superclass.toLowerCase();
+        if (!subclasses.has(above)) subclasses.set(above, []);
+        subclasses.get(above).push(entry);
+      }
+      const roots = subclasses.get('') || [];
+      return make('section', {}, make('h2', {}, name),
+        make('ul', {}, ...roots.map((each) => treeItem(each, subclasses))));
+    }));
+  };
+
+  let view = 'list';
+  const wordsOf = () => filter.value.toLowerCase().split(/\s+/).filter(Boolean);
+  const show = () => {
+    const words = wordsOf();
+    const shown = words.length > 0 ? 'results' : view;
+    if (shown === 'results') showResults(words);
+    else count.textContent = counted(total, 'class', 'classes');
+    if (state === 'loading') count.textContent += ', loading the rest …';
+    if (state === 'failed') count.textContent += '; only names are searched';
+    if (shown === 'tree' && state === 'all' && tree.childElementCount === 0) makeTree();
+    list.hidden = shown !== 'list' && !(shown === 'tree' && state !== 'all');
+    results.hidden = shown !== 'results';
+    tree.hidden = shown !== 'tree';
+  };
+  const setView = (name) => {
+    view = name;
+    for (const [each, button] of Object.entries(buttons)) button.ariaPressed = String(each === name);
+    filter.value = '';
+    if (name === 'tree') load();
+    show();
   };
 
   const readAddress = () => {
     const shared = new URLSearchParams(location.hash.slice(1)).get('filter');
-    if (shared !== null) {
-      filter.value = shared;
-      showMatches();
-    }
+    if (shared === null) return;
+    filter.value = shared;
+    if (wordsOf().length > 0) load();
+    show();
   };
 
   // Browsers take it amiss when the address changes with every key.
@@ -51,14 +281,61 @@
     }, 300);
   };
 
+  // The arrows go through the classes and members that are shown, from the search and back to it.
+  const targets = () => Array.from(document.querySelectorAll(
+    '#list:not([hidden]) li > a, #results:not([hidden]) li > a, #tree:not([hidden]) li a'))
+    .filter((link) => link.checkVisibility === undefined || link.checkVisibility());
+  const step = (by) => {
+    const links = targets();
+    const next = links.indexOf(document.activeElement) + by;
+    const target = next < 0 ? filter : links[Math.min(next, links.length - 1)];
+    if (target) target.focus();
+  };
+  document.addEventListener('keydown', (event) => {
+    if (event.ctrlKey || event.altKey || event.metaKey) return;
+    const isTyping = event.target === filter;
+    const isOnLink = event.target.matches('main li a');
+    if (event.key === '/' && !isTyping) {
+      filter.focus();
+      filter.select();
+    } else if (event.key === 'Enter' && isTyping) {
+      const [first] = targets();
+      if (first && wordsOf().length > 0) first.click();
+    } else if (event.key === 'Escape' && (isTyping || isOnLink)) {
+      filter.value = '';
+      filter.focus();
+      show();
+      writeAddress();
+    } else if ((event.key === 'ArrowDown' || event.key === 'ArrowUp') && (isTyping || isOnLink)) {
+      step(event.key === 'ArrowDown' ? 1 : -1);
+    } else {
+      return;
+    }
+    event.preventDefault();
+  });
+
+  filter.addEventListener('focus', load);
   filter.addEventListener('input', () => {
-    showMatches();
+    load();
+    show();
     writeAddress();
   });
+  buttons.list.addEventListener('click', () => setView('list'));
+  buttons.tree.addEventListener('click', () => setView('tree'));
   window.addEventListener('hashchange', readAddress);
   // Also when the browser brings back the page, and what was typed, without loading it.
-  window.addEventListener('pageshow', showMatches);
+  window.addEventListener('pageshow', () => {
+    if (wordsOf().length > 0) load();
+    show();
+  });
   search.hidden = false;
   readAddress();
-  showMatches();
+  show();
+
+  // Not before somebody can type.
+  const idle = window.requestIdleCallback || setTimeout;
+  idle(() => {
+    for (const link of list.querySelectorAll('li > a'))
+      link.after(documentLinks(link.getAttribute('href'), link.textContent));
+  });
 })();

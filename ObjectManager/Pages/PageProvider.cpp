@@ -4,10 +4,10 @@
 #include <optional>
 #include <string_view>
 
-#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Pages/ClassPage.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/PageFrame.h"
+#include "ObjectManager/Pages/SearchData.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/Http/TSKHTTPResponse.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
@@ -17,7 +17,10 @@ namespace Pages {
 
 namespace {
 
+using Repository::CimNamespace;
+
 constexpr std::string_view kBelow = "/-/";
+constexpr std::string_view kSearchData = "search.js";
 
 void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                           TSKGenericHTTPOStream& ostr) {
@@ -35,21 +38,36 @@ void refuseMethod(const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
     response.writeResponseTo(ostr);
 }
 
-bool isReading(const TSKHTTPRequest& request) {
-    return request.getMethod() == "GET" || request.getMethod() == "HEAD";
+// What there is at a path.
+struct Content {
+    std::shared_ptr<const std::string> body;
+    const char* type = "text/html; charset=utf-8";
+    // Of a page its policy; of the search data, which a page of another site could load as a script
+    // with the credentials of the reader, who may do so.
+    const char* guard = "Content-Security-Policy";
+    std::string guardValue;
+};
+
+Content pageContent(PageKind kind, std::shared_ptr<const std::string> page) {
+    return {.body = std::move(page), .guardValue = contentSecurityPolicy(kind)};
 }
 
-void writePage(const TSKHTTPRequest& request, PageKind kind, const std::string& page,
-               TSKGenericHTTPOStream& ostr) {
+Content scriptContent(std::shared_ptr<const std::string> script) {
+    return {.body = std::move(script),
+            .type = "text/javascript; charset=utf-8",
+            .guard = "Cross-Origin-Resource-Policy",
+            .guardValue = "same-origin"};
+}
+
+void write(const TSKHTTPRequest& request, const Content& content, TSKGenericHTTPOStream& ostr) {
     TSKHTTPResponse response(request.getProtocol(), "200", "OK");
     response.setHeaderField("Connection", "close", false);
-    response.setContentLength(page.size());
-    response.setContentType("text/html; charset=utf-8");
-    response.setHeaderField("Content-Security-Policy", TSKString(contentSecurityPolicy(kind)),
-                            false);
+    response.setContentLength(content.body->size());
+    response.setContentType(content.type);
+    response.setHeaderField(content.guard, TSKString(content.guardValue), false);
     response.setHeaderField("X-Content-Type-Options", "nosniff", false);
     response.writeResponseTo(ostr);
-    ostr.write(page.data(), page.size());
+    ostr.write(content.body->data(), content.body->size());
 }
 
 }  // namespace
@@ -63,38 +81,61 @@ class PageProvider::Site {
     explicit Site(TSKSmrPtr<Repository::ClassRepository> repository)
         : repository_(std::move(repository)) {}
 
-    // It lives as long as this.
-    [[nodiscard]] const std::string& indexPage() {
-        const std::lock_guard lock(mutex_);
-        if (!indexPage_)
-            indexPage_ = makeIndexPage(*repository_);
-        return *indexPage_;
+    // Nothing where there is none.
+    [[nodiscard]] std::optional<Content> find(std::string_view path, std::string_view host) {
+        if (path == "/")
+            return pageContent(PageKind::kIndex, indexPage());
+        path.remove_prefix(kBelow.size());
+        if (path == kSearchData)
+            return scriptContent(searchData());
+        const std::size_t slash = path.rfind('/');
+        if (slash == std::string_view::npos)
+            return std::nullopt;
+        return findClassPage(path.substr(0, slash), path.substr(slash + 1), host);
     }
 
-    // Nothing for a class that there is not.
-    [[nodiscard]] std::optional<std::string> classPage(std::string_view nameSpace,
+  private:
+    [[nodiscard]] std::shared_ptr<const std::string> indexPage() {
+        const std::lock_guard lock(mutex_);
+        if (!indexPage_)
+            indexPage_ =
+                std::make_shared<const std::string>(makeIndexPage(*repository_, Layout::kServed));
+        return indexPage_;
+    }
+
+    [[nodiscard]] std::shared_ptr<const std::string> searchData() {
+        const std::lock_guard lock(mutex_);
+        if (!searchData_)
+            searchData_ =
+                std::make_shared<const std::string>(makeSearchData(*repository_, Layout::kServed));
+        return searchData_;
+    }
+
+    [[nodiscard]] std::optional<Content> findClassPage(std::string_view nameSpace,
                                                        std::string_view className,
                                                        std::string_view host) {
-        const Repository::CimNamespace* const found =
-            repository_->findNamespace(TSKString(nameSpace));
+        const CimNamespace* const found = repository_->findNamespace(TSKString(nameSpace));
         if (found == nullptr)
             return std::nullopt;
         const TSKSmrPtr<Repository::CimClass> cimClass = found->findClass(TSKString(className));
         if (!cimClass)
             return std::nullopt;
-        return makeClassPage(*cimClass, relationsOf(*found), Layout::kServed, host);
+        return pageContent(PageKind::kClass,
+                           std::make_shared<const std::string>(makeClassPage(
+                               *cimClass, relationsOf(*found), Layout::kServed, host)));
     }
 
-  private:
-    [[nodiscard]] const ClassRelations& relationsOf(const Repository::CimNamespace& nameSpace) {
+    [[nodiscard]] const ClassRelations& relationsOf(const CimNamespace& nameSpace) {
         const std::lock_guard lock(mutex_);
         return relations_.try_emplace(&nameSpace, nameSpace).first->second;
     }
 
     TSKSmrPtr<Repository::ClassRepository> repository_;
     std::mutex mutex_;
-    std::optional<std::string> indexPage_;                                 // guarded by mutex_
-    std::map<const Repository::CimNamespace*, ClassRelations> relations_;  // guarded by mutex_
+    // All guarded by mutex_; null until they are asked for.
+    std::shared_ptr<const std::string> indexPage_;
+    std::shared_ptr<const std::string> searchData_;
+    std::map<const CimNamespace*, ClassRelations> relations_;
 };
 
 PageProvider::PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
@@ -121,32 +162,19 @@ void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTT
                                       TSKSmrPtr<ITeskTransaction> /*transaction*/) {
     // Requests that no other provider is there for come here, too.
     const std::string_view path = request.getUri();
-    const bool isBelow = path.starts_with(kBelow);
-    if (path != "/" && !isBelow) {
+    if (path != "/" && !path.starts_with(kBelow)) {
         handled = false;
         return;
     }
     requireAuthenticated(request, istr, ostr);
-    const std::shared_ptr<Site> site = this->site();
-    if (!isBelow) {
-        if (isReading(request))
-            writePage(request, PageKind::kIndex, site->indexPage(), ostr);
-        else
-            refuseMethod(request, ostr);
-        return;
-    }
-    const std::size_t slash = path.rfind('/');
+    // HTTP/1.0 has requests without a host.
     const TSKString* const host = request.getHost();
-    const std::optional<std::string> page =
-        slash < kBelow.size()
-            ? std::nullopt
-            : site->classPage(
-                  path.substr(kBelow.size(), slash - kBelow.size()), path.substr(slash + 1),
-                  host == nullptr ? std::string_view("localhost") : std::string_view(*host));
-    if (!page)
+    const std::optional<Content> content = site()->find(
+        path, host == nullptr ? std::string_view("localhost") : std::string_view(*host));
+    if (!content)
         handled = false;
-    else if (isReading(request))
-        writePage(request, PageKind::kClass, *page, ostr);
+    else if (request.getMethod() == "GET" || request.getMethod() == "HEAD")
+        write(request, *content, ostr);
     else
         refuseMethod(request, ostr);
 }

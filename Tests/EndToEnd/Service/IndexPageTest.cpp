@@ -15,14 +15,15 @@ class ServiceIndexPage : public RunningService {
     [[nodiscard]] std::string page() const {
         const Repository::LoadedRepository loaded = Repository::loadRepository(
             {{.name = "root/test", .paths = {directory_ / "test.mof"}}}, {}, {});
-        return Pages::makeIndexPage(*loaded.repository);
+        return Pages::makeIndexPage(*loaded.repository, Pages::Layout::kServed);
     }
 
     [[nodiscard]] std::string head() const {
         return "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
                std::to_string(page().size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
-               Pages::contentSecurityPolicy(Pages::PageKind::kIndex) + "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
+               Pages::contentSecurityPolicy(Pages::PageKind::kIndex) +
+               "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
     }
 };
 

@@ -19,28 +19,33 @@ std::string between(const std::string& text, const std::string& begin, const std
     return text.substr(from, text.find(end, from) - from);
 }
 
+std::string pageOf(const Repository::ClassRepository& repository,
+                   Pages::Layout layout = Pages::Layout::kServed) {
+    return Pages::makeIndexPage(repository, layout);
+}
+
 // What depends on the classes.
 std::string mainOf(const std::string& page) {
-    return between(page, "<main>\n", "</main>");
+    return between(page, "<main>\n<div id=list>\n", "</div>\n</main>");
 }
 
 class IndexPageTest : public RepositoryTest {
   protected:
     [[nodiscard]] std::string listOf(const std::string& mof,
                                      const Repository::Options& options = {}) const {
-        return between(Pages::makeIndexPage(*load(mof, options)), "<ul>\n", "</ul>");
+        return between(pageOf(*load(mof, options)), "<ul>\n", "</ul>");
     }
 };
 
-TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
-    const std::string page = Pages::makeIndexPage(*load(R"(
+TEST_F(IndexPageTest, ListsClassesWithDescriptionAndLink) {
+    const std::string page = pageOf(*load(R"(
         [Description ("A thing. It is there.")] class TST_Thing {};
         class TST_Nothing : TST_Thing {};)"));
     EXPECT_EQ(mainOf(page), R"(<section>
 <h2 id=namespace-1>root/test <small>2 classes</small></h2>
 <ul>
-<li><a href=root/test/TST_Nothing.wsdl>TST_Nothing</a> <i>TST_Thing</i> <a href=root/test/TST_Nothing.xsd>XSD</a>
-<li><a href=root/test/TST_Thing.wsdl>TST_Thing</a> <a href=root/test/TST_Thing.xsd>XSD</a> <p>A thing.
+<li><a href=-/root/test/TST_Nothing>TST_Nothing</a>
+<li><a href=-/root/test/TST_Thing>TST_Thing</a><p>A thing.
 </ul>
 </section>
 )");
@@ -57,7 +62,7 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
                                    {}, {})
             .repository;
     ASSERT_TRUE(repository);
-    const std::string page = Pages::makeIndexPage(*repository);
+    const std::string page = pageOf(*repository);
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>root/b</a>\n"
               "<a href=#namespace-2>a</a>\n"
@@ -65,13 +70,13 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
     EXPECT_EQ(mainOf(page), R"(<section>
 <h2 id=namespace-1>root/b <small>1 class</small></h2>
 <ul>
-<li><a href=root/b/A.wsdl>A</a> <a href=root/b/A.xsd>XSD</a>
+<li><a href=-/root/b/A>A</a>
 </ul>
 </section>
 <section>
 <h2 id=namespace-2>a <small>1 class</small></h2>
 <ul>
-<li><a href=a/A.wsdl>A</a> <a href=a/A.xsd>XSD</a>
+<li><a href=-/a/A>A</a>
 </ul>
 </section>
 <section>
@@ -84,7 +89,7 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
 }
 
 TEST_F(IndexPageTest, ARepositoryMayBeEmpty) {
-    EXPECT_EQ(mainOf(Pages::makeIndexPage(Repository::ClassRepository({}))), "");
+    EXPECT_EQ(mainOf(pageOf(Repository::ClassRepository({}))), "");
 }
 
 // Whether the repository escapes descriptions or not.
@@ -92,16 +97,16 @@ TEST_F(IndexPageTest, DescriptionsAreEscapedOnce) {
     const std::string mof =
         R"([Description ("<b>a</b> & \"b\" &lt; &amp;lt;\nc <script>")] class A {};)";
     const std::string expected =
-        "<li><a href=root/test/A.wsdl>A</a> <a href=root/test/A.xsd>XSD</a> "
+        "<li><a href=-/root/test/A>A</a>"
         "<p>&lt;b&gt;a&lt;/b&gt; &amp; &quot;b&quot; &amp;lt; &amp;amp;lt; c &lt;script&gt;\n";
     EXPECT_EQ(listOf(mof, {.escapeDescriptions = true}), expected);
     EXPECT_EQ(listOf(mof, {.escapeDescriptions = false}), expected);
 }
 
 TEST_F(IndexPageTest, ADescriptionIsCutBeforeItIsEscaped) {
-    const std::string description(499, '<');
+    const std::string description(89, '<');
     std::string escaped;
-    for (int count = 0; count < 499; ++count)
+    for (int count = 0; count < 89; ++count)
         escaped += "&lt;";
     EXPECT_EQ(
         between(listOf("[Description (\"" + description + "> x\")] class A {};"), "<p>", "\n"),
@@ -114,8 +119,7 @@ TEST_F(IndexPageTest, ADescriptionIsCutBeforeItIsEscaped) {
 
 TEST_F(IndexPageTest, AnInheritedDescriptionTellsNothingOfTheClass) {
     EXPECT_EQ(listOf(R"([Description ("A.")] class A {}; class B : A {};)"),
-              "<li><a href=root/test/A.wsdl>A</a> <a href=root/test/A.xsd>XSD</a> <p>A.\n"
-              "<li><a href=root/test/B.wsdl>B</a> <i>A</i> <a href=root/test/B.xsd>XSD</a>\n");
+              "<li><a href=-/root/test/A>A</a><p>A.\n<li><a href=-/root/test/B>B</a>\n");
 }
 
 // Names that no MOF file could declare.
@@ -127,27 +131,35 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
     std::vector<Repository::CimNamespace> namespaces;
     namespaces.emplace_back("java script:/<x>", std::move(declarations), Repository::Options());
     namespaces.emplace_back("&", std::vector<Mof::ClassDeclaration>(), Repository::Options());
-    const std::string page =
-        Pages::makeIndexPage(Repository::ClassRepository(std::move(namespaces)));
+    const std::string page = pageOf(Repository::ClassRepository(std::move(namespaces)));
     EXPECT_EQ(between(page, "<nav aria-label=\"Namespaces\">\n", "</nav>"),
               "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
               "<a href=#namespace-2>&amp;</a>\n");
-    const std::string directory = "java%20script%3A/%3Cx%3E/";
-    const std::string first = directory + "%3Ca%3E%20%22b%22%20%26c";
+    const std::string directory = "-/java%20script%3A/%3Cx%3E/";
     EXPECT_EQ(between(page, "<section>\n", "</section>"),
               "<h2 id=namespace-1>java script:/&lt;x&gt; <small>2 classes</small></h2>\n<ul>\n"
               "<li><a href=" +
-                  first + ".wsdl>&lt;a&gt; &quot;b&quot; &amp;c</a> <a href=" + first +
-                  ".xsd>XSD</a>\n"
-                  "<li><a href=" +
                   directory +
-                  "z%3E.wsdl>z&gt;</a> <i>&lt;a&gt; &quot;b&quot; "
-                  "&amp;c</i> <a href=" +
-                  directory + "z%3E.xsd>XSD</a>\n</ul>\n");
+                  "%3Ca%3E%20%22b%22%20%26c>&lt;a&gt; &quot;b&quot; &amp;c</a>\n<li><a href=" +
+                  directory + "z%3E>z&gt;</a>\n</ul>\n");
+}
+
+TEST_F(IndexPageTest, NamesAreSortedWithoutRegardToCase) {
+    const std::string list = listOf("class b {}; class A {}; class C {}; class a_ {};");
+    EXPECT_EQ(list,
+              "<li><a href=-/root/test/A>A</a>\n<li><a href=-/root/test/a_>a_</a>\n"
+              "<li><a href=-/root/test/b>b</a>\n<li><a href=-/root/test/C>C</a>\n");
+}
+
+TEST_F(IndexPageTest, AnExportedOneLeadsToFiles) {
+    const std::string page = pageOf(*load("class A {};"), Pages::Layout::kExported);
+    EXPECT_NE(page.find("<li><a href=root/test/A.html>A</a>"), std::string::npos);
+    EXPECT_NE(page.find("data-source=\"search.js\""), std::string::npos);
+    EXPECT_NE(pageOf(*load("class A {};")).find("data-source=\"-/search.js\""), std::string::npos);
 }
 
 TEST_F(IndexPageTest, ThePolicyAllowsTheScriptAndTheStyleOfThePageAndNothingElse) {
-    const std::string page = Pages::makeIndexPage(Repository::ClassRepository({}));
+    const std::string page = pageOf(Repository::ClassRepository({}));
     const std::string script = between(page, "<script>", "</script>");
     const std::string style = between(page, "<style>", "</style>");
     EXPECT_NE(script.find("'use strict'"), std::string::npos);
@@ -172,7 +184,7 @@ TEST(IndexPage, TheHashOfASourceIsInBase64) {
 
 TEST_F(IndexPageTest, IsTheSameEachTime) {
     const TSKSmrPtr<Repository::ClassRepository> repository = load("class A {}; class B {};");
-    EXPECT_EQ(Pages::makeIndexPage(*repository), Pages::makeIndexPage(*repository));
+    EXPECT_EQ(pageOf(*repository), pageOf(*repository));
 }
 
 TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
@@ -182,14 +194,13 @@ TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
     const TSKSmrPtr<Repository::ClassRepository> repository =
         Repository::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
-    const std::string page = Pages::makeIndexPage(*repository);
+    const std::string page = pageOf(*repository);
     std::size_t classes = 0;
     for (auto at = page.find("\n<li>"); at != page.npos; at = page.find("\n<li>", at + 1))
         ++classes;
     EXPECT_EQ(classes, 1438U);
-    EXPECT_LT(page.size(), 400'000U);
-    EXPECT_NE(page.find("<li><a href=root/cimv2/CIM_ComputerSystem.wsdl>CIM_ComputerSystem</a> "
-                        "<i>CIM_System</i> <a href=root/cimv2/CIM_ComputerSystem.xsd>XSD</a> <p>"),
+    EXPECT_LT(page.size(), 300'000U);
+    EXPECT_NE(page.find("<li><a href=-/root/cimv2/CIM_ComputerSystem>CIM_ComputerSystem</a><p>"),
               std::string::npos);
 }
 

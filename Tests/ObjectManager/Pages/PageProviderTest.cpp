@@ -6,6 +6,7 @@
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Pages/PageProvider.h"
+#include "ObjectManager/Pages/SearchData.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
@@ -50,7 +51,7 @@ class PageProviderTest : public RepositoryTest {
 
     [[nodiscard]] static std::string found(const Repository::ClassRepository& repository,
                                            const std::string& protocol = "HTTP/1.1") {
-        const std::string page = Pages::makeIndexPage(repository);
+        const std::string page = Pages::makeIndexPage(repository, Pages::Layout::kServed);
         return protocol +
                " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
@@ -125,6 +126,20 @@ TEST_F(PageProviderTest, ServesThePageOfAClassInAnyCase) {
     EXPECT_EQ(response(provider_, "GET", "/-/root/test/TST_One"), expected);
     EXPECT_EQ(response(provider_, "HEAD", "/-/ROOT/test/tst_one"), expected);
     EXPECT_EQ(response(provider_, "POST", "/-/root/test/TST_One").substr(0, 12), "HTTP/1.1 405");
+}
+
+// For pages of this service alone.
+TEST_F(PageProviderTest, ServesTheSearchData) {
+    const std::string data = Pages::makeSearchData(*one_, Pages::Layout::kServed);
+    EXPECT_EQ(
+        response(provider_, "GET", "/-/search.js"),
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(data.size()) +
+            "\r\nContent-Type: text/javascript; charset=utf-8\r\n"
+            "Cross-Origin-Resource-Policy: same-origin\r\n"
+            "X-Content-Type-Options: nosniff\r\n\r\n" +
+            data);
+    authenticator_->accepts = false;
+    EXPECT_THROW((void)response(provider_, "GET", "/-/search.js"), TSKHTTPException);
 }
 
 TEST_F(PageProviderTest, AClassThatThereIsNotIsLeftToTheFrontEndAfterAuthentication) {
