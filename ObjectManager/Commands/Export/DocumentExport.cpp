@@ -71,7 +71,9 @@ class Exporter {
                                           kExtensions[number % kDocumentsOfAClass], directory);
                            options_.onDocumentDone();
                        });
-        if (options_.prune && !isStopped()) {
+        if (!isStopped())
+            options_.onNamespaceDone(selection, directory);
+        if (!isStopped() && options_.prune) {
             removed_ += removeStaleDocuments(directory, *selection.nameSpace);
             removed_ += directory.removeUnfinishedFiles();
         }

@@ -27,6 +27,11 @@ struct DocumentExportOptions {
 
     /// Called after each document. In any thread.
     std::function<void()> onDocumentDone = [] {};
+
+    /// Called with the directory of a namespace when its documents are written, before stale files
+    /// are removed; not after a stop.
+    std::function<void(const ClassSelection&, const OutputDirectory&)> onNamespaceDone =
+        [](const ClassSelection&, const OutputDirectory&) {};
 };
 
 /// What was exported.

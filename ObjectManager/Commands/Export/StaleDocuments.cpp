@@ -9,16 +9,17 @@ namespace Commands {
 
 namespace {
 
-// The class that a document of this name describes; empty if the name is not one of a document.
+// The class that a document, or a page, of this name describes; empty if the name is of neither.
 std::string_view classNameOf(std::string_view file) {
-    for (const std::string_view extension : {".wsdl", ".xsd"}) {
+    for (const std::string_view extension : {".wsdl", ".xsd", ".html"}) {
         if (file.ends_with(extension))
             return file.substr(0, file.size() - extension.size());
     }
     return {};
 }
 
-// Both documents declare, in their first element, the namespace that WS-CIM gives to the class.
+// Documents declare, in their first element, the namespace that WS-CIM gives to the class, and the
+// page of the class names it in its head.
 bool describesClass(const OutputDirectory& directory, const std::string& file,
                     std::string_view className) {
     constexpr std::size_t kStartLength = 4096;
