@@ -4,6 +4,7 @@
 
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Pages/ClassPicture.h"
+#include "ObjectManager/Pages/ExampleRequests.h"
 #include "ObjectManager/Pages/Markup.h"
 #include "ObjectManager/Pages/MemberSections.h"
 #include "ObjectManager/Pages/PageFrame.h"
@@ -35,7 +36,8 @@ class ClassPage {
     [[nodiscard]] std::string body() const {
         return header() + "<main>\n" + descriptionSection() + placeSection() + addressSection() +
                propertySection(class_, relations_, layout_) +
-               methodSection(class_, relations_, layout_) + associationSection() + "</main>\n";
+               methodSection(class_, relations_, layout_) + associationSection() +
+               exampleSection(class_, relations_, host_) + "</main>\n";
     }
 
   private:
@@ -80,7 +82,7 @@ class ClassPage {
             html += " <a href=#methods>Methods</a>";
         if (hasAssociations())
             html += " <a href=#associations>Associations</a>";
-        return html + "</nav>\n";
+        return html + " <a href=#examples>Example requests</a></nav>\n";
     }
 
     [[nodiscard]] std::string descriptionSection() const {

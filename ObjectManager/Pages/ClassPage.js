@@ -23,22 +23,20 @@
     }
   };
 
-  // What is copied of an example is the start of its program, too, if it has one.
-  const textOf = (element) => {
-    const start = document.getElementById(element.dataset.start);
-    return (start ? start.textContent : '') + element.textContent;
-  };
+  // A part of what is shown may be copied by itself.
+  const textOf = (element) => (document.getElementById(element.dataset.of) || element).textContent;
 
   for (const element of document.querySelectorAll('[data-copy]')) {
     const button = document.createElement('button');
     button.type = 'button';
-    button.textContent = 'Copy';
+    const label = element.dataset.of ? 'Copy envelope' : 'Copy';
+    button.textContent = label;
     button.setAttribute('aria-label', `Copy ${element.dataset.copy}`);
     button.addEventListener('click', async () => {
       const done = await copy(textOf(element));
       button.textContent = done ? 'Copied' : 'Not copied';
       button.focus();
-      setTimeout(() => { button.textContent = 'Copy'; }, 2000);
+      setTimeout(() => { button.textContent = label; }, 2000);
     });
     element.after(button);
   }
