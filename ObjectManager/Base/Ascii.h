@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -69,6 +68,15 @@ namespace Base {
 [[nodiscard]] constexpr bool startsWithIgnoringCase(std::string_view text,
                                                     std::string_view start) noexcept {
     return equalsIgnoringCase(text.substr(0, start.size()), start);
+}
+
+/// `text` without the spaces and tabs around it.
+[[nodiscard]] constexpr std::string_view trimmed(std::string_view text) noexcept {
+    while (!text.empty() && isSpaceOrTab(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSpaceOrTab(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 }  // namespace Base

@@ -2,9 +2,12 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -81,6 +84,21 @@ class TemporaryFile {
     bool isInPlace_ = false;
 };
 
+// Not all file systems tell the type along with the name.
+DirectoryEntry::Kind kindOf(const FileDescriptor& directory, const dirent& entry) noexcept {
+    using Kind = DirectoryEntry::Kind;
+    struct stat status = {};
+    auto mode = static_cast<mode_t>(DTTOIF(entry.d_type));
+    if (entry.d_type == DT_UNKNOWN &&
+        fstatat(directory.get(), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+        mode = status.st_mode;
+    if (S_ISREG(mode))
+        return Kind::kRegular;
+    if (S_ISDIR(mode))
+        return Kind::kDirectory;
+    return S_ISLNK(mode) ? Kind::kLink : Kind::kOther;
+}
+
 void takeOwner(const FileDescriptor& file, const FileDescriptor& directory,
                const std::string& name) {
     struct stat old = {};
@@ -136,31 +154,70 @@ bool FileVersion::isAccessibleToOthers() const noexcept {
     return (mode & (S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH)) != 0;
 }
 
-std::optional<FileDescriptor> openIfThere(const std::string& path, FileKind kind) {
-    const int waiting = kind == FileKind::kRegular ? O_NONBLOCK : 0;
-    FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting));
+std::optional<FileDescriptor> openIfThere(const std::string& path) {
+    // Without O_NONBLOCK the call waits until another process writes to a pipe.
+    FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (!file.isOpen() && (errno == ENOENT || errno == ENOTDIR))
         return std::nullopt;
+    if (!file.isOpen() && errno == ENXIO)  // a socket, or a device that is not there
+        fail(std::errc::not_supported);
     require(file.isOpen());
-    if (kind == FileKind::kRegular) {
-        const FileVersion version = FileVersion::of(file);
-        if (!version.isRegular() && !version.isDirectory())
-            fail(std::errc::not_supported);
-    }
+    const FileVersion version = FileVersion::of(file);
+    if (version.isDirectory())
+        fail(std::errc::is_a_directory);
+    if (!version.isRegular())
+        fail(std::errc::not_supported);
+    require(fcntl(file.get(), F_SETFL, 0) == 0);
     return file;
 }
 
-FileDescriptor openForReading(const std::string& path, FileKind kind) {
-    std::optional<FileDescriptor> file = openIfThere(path, kind);
+FileDescriptor openForReading(const std::string& path) {
+    std::optional<FileDescriptor> file = openIfThere(path);
     if (!file)
         fail(std::errc::no_such_file_or_directory);
     return *std::move(file);
+}
+
+std::string readFailure(const std::system_error& error) {
+    if (error.code() == std::errc::not_supported)
+        return "it is not a regular file; a pipe or a device could not be read again at a reload";
+    return error.code() == std::errc::is_a_directory ? "it is a directory" : error.code().message();
+}
+
+std::string locationOf(const FileDescriptor& file) {
+    const std::string link = "/proc/self/fd/" + std::to_string(file.get());
+    std::string location(PATH_MAX, '\0');
+    const ssize_t length = readlink(link.c_str(), location.data(), location.size());
+    require(length >= 0);
+    location.resize(static_cast<std::size_t>(length));
+    return location;
 }
 
 FileDescriptor openDirectory(const std::string& path) {
     FileDescriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     require(directory.isOpen());
     return directory;
+}
+
+std::vector<DirectoryEntry> entriesOf(const FileDescriptor& directory) {
+    // Another descriptor, since reading moves it.
+    FileDescriptor opened(openat(directory.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    require(opened.isOpen());
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(fdopendir(opened.get()), &closedir);
+    require(stream != nullptr);
+    (void)opened.release();
+    std::vector<DirectoryEntry> entries;
+    while (true) {
+        errno = 0;
+        const dirent* const entry = readdir(stream.get());
+        if (entry == nullptr)
+            break;
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            entries.push_back({.name = std::string(name), .kind = kindOf(directory, *entry)});
+    }
+    require(errno == 0);
+    return entries;
 }
 
 std::size_t readUpTo(const FileDescriptor& file, std::span<char> buffer) {
@@ -200,8 +257,8 @@ std::string readAll(const FileDescriptor& file, std::size_t maxBytes) {
     return bytes;
 }
 
-std::string readFile(const std::string& path, std::size_t maxBytes, FileKind kind) {
-    return readAll(openForReading(path, kind), maxBytes);
+std::string readFile(const std::string& path, std::size_t maxBytes) {
+    return readAll(openForReading(path), maxBytes);
 }
 
 void writeAll(const FileDescriptor& file, std::string_view bytes) {

@@ -8,7 +8,9 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <system_error>
 #include <tuple>
+#include <vector>
 
 // Files as the system knows them: by descriptor, for what streams and std::filesystem cannot do or
 // do too slowly for thousands of files.
@@ -82,22 +84,35 @@ struct FileVersion {
     friend bool operator==(const FileVersion&, const FileVersion&) = default;
 };
 
-/// What may be opened.
-enum class FileKind : std::uint8_t {
-    kAny,      ///< also pipes and devices: opening a pipe waits until another process writes to it
-    kRegular,  ///< never waits
-};
-
-/// Opens a file for reading; none when no file has that path. A directory is opened too: the
-/// attempt to read it fails with std::errc::is_a_directory. Errors: as above;
-/// std::errc::not_supported when the file is not of that kind.
-[[nodiscard]] std::optional<FileDescriptor> openIfThere(const std::string& path, FileKind kind);
+/// Opens a regular file for reading, and never waits; none when no file has that path.
+/// Errors: as above; std::errc::is_a_directory, and std::errc::not_supported for pipes, devices and
+/// sockets.
+[[nodiscard]] std::optional<FileDescriptor> openIfThere(const std::string& path);
 
 /// The same; std::errc::no_such_file_or_directory when no file has that path.
-[[nodiscard]] FileDescriptor openForReading(const std::string& path, FileKind kind);
+[[nodiscard]] FileDescriptor openForReading(const std::string& path);
+
+/// Why a file cannot be opened or read, as a message says it. `error` comes from the functions
+/// here.
+[[nodiscard]] std::string readFailure(const std::system_error& error);
+
+/// Where an open file or directory is: an absolute path without links and "..". Right for this very
+/// file, whatever has happened to the path by which it was opened.
+[[nodiscard]] std::string locationOf(const FileDescriptor& file);
 
 /// Opens a directory, for the functions that take one.
 [[nodiscard]] FileDescriptor openDirectory(const std::string& path);
+
+/// A name in a directory and what it stands for; links are not followed.
+struct DirectoryEntry {
+    enum class Kind : std::uint8_t { kRegular, kDirectory, kLink, kOther };
+
+    std::string name;
+    Kind kind = Kind::kOther;
+};
+
+/// What is in a directory, apart from "." and "..", in no order.
+[[nodiscard]] std::vector<DirectoryEntry> entriesOf(const FileDescriptor& directory);
 
 /// Fills `buffer` from where the file stands. Returns how many bytes were read, fewer than fit only
 /// at the end of the file. For secrets, and for files that are read in parts.
@@ -109,8 +124,7 @@ enum class FileKind : std::uint8_t {
 [[nodiscard]] std::string readAll(const FileDescriptor& file, std::size_t maxBytes);
 
 /// Opens a file and reads all of it.
-[[nodiscard]] std::string readFile(const std::string& path, std::size_t maxBytes,
-                                   FileKind kind = FileKind::kRegular);
+[[nodiscard]] std::string readFile(const std::string& path, std::size_t maxBytes);
 
 /// Writes all of `bytes` where the file stands. After an error part of them may be written.
 void writeAll(const FileDescriptor& file, std::string_view bytes);

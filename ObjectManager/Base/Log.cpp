@@ -1,48 +1,39 @@
 #include "ObjectManager/Base/Log.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <memory>
+#include <cstdint>
 #include <new>
-#include <system_error>
 #include <utility>
 
+#include "ObjectManager/Base/Text.h"
 #include "Platform/Util/TSKLog.h"
 #include "Platform/Util/TSKStreamLogSink.h"
 #include "Platform/Util/TSKString.h"
-#include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
 
 namespace Base {
 
 namespace {
 
-struct Close {
-    void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, Close>;
-
-// Closes its file once no thread writes a line through it any more.
-class FileLogSink final : public TSKStreamLogSink {
+class FileLogSink final : public TSKLogSink {
   public:
-    explicit FileLogSink(File file) : TSKStreamLogSink(file.get()), file_(std::move(file)) {}
+    explicit FileLogSink(std::shared_ptr<LogFile> file) : file_(std::move(file)) {}
+
+    void write(const TSKLogEntry& entry) override {
+        const std::uint64_t lost = file_->write(TSKStreamLogSink::lineOf(entry));
+        if (lost == 0)
+            return;
+        const TSKString component = "tesk";
+        const TSKString message(counted(lost, "line", "lines") +
+                                " of the log could not be written until now");
+        (void)file_->write(TSKStreamLogSink::lineOf({.component = component,
+                                                     .message = message,
+                                                     .severity = TeskTraceLog::SeverityWarning,
+                                                     .verbosity = TeskTraceLog::VerbosityNormal,
+                                                     .channel = TSKLog::CIMOMLOG}));
+    }
 
   private:
-    File file_;
+    std::shared_ptr<LogFile> file_;
 };
-
-TSKSmrPtr<TSKLogSink> openSink(const std::string& path) {
-    File file(std::fopen(path.c_str(), "ae"));
-    if (!file) {
-        const std::string reason = std::generic_category().message(errno);
-        const std::string message = "the log file " + path + " cannot be written: " + reason;
-        throw TeskBaseException("Base::LogOutput", TSKString(message), CIM_ERR_FAILED);
-    }
-    // A line is in the file as soon as it is written, even if the process is killed then.
-    (void)std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
-    return TSKSmrPtr<FileLogSink>::make(std::move(file));
-}
 
 }  // namespace
 
@@ -55,20 +46,22 @@ void log(std::string_view component, TeskTraceLog::Severity severity, std::strin
     }
 }
 
-LogOutput::LogOutput(std::string path, TeskTraceLog::Severity level) : path_(std::move(path)) {
+LogOutput::LogOutput(const std::string& path, TeskTraceLog::Severity level) {
     TSKLog::setLevel(level);
-    if (!path_.empty())
-        before_ = TSKLog::setSink(openSink(path_));
+    if (path.empty())
+        return;
+    file_ = std::make_shared<LogFile>(path);
+    before_ = TSKLog::setSink(TSKSmrPtr<FileLogSink>::make(file_));
 }
 
 LogOutput::~LogOutput() {
-    if (!path_.empty())
+    if (file_)
         TSKLog::setSink(before_);
 }
 
 void LogOutput::reopen() const {
-    if (!path_.empty())
-        TSKLog::setSink(openSink(path_));
+    if (file_)
+        file_->reopen();
 }
 
 }  // namespace Base

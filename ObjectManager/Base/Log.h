@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Base/LogFile.h"
 #include "Platform/Util/TSKLogSink.h"
 #include "Platform/Util/TSKSmrPtr.h"
 #include "Platform/Util/TeskTraceLog.h"
@@ -19,10 +21,10 @@ void log(std::string_view component, TeskTraceLog::Severity severity, std::strin
 /// Thread safety: belongs to one thread; the log may be used by several at once.
 class LogOutput {
   public:
-    /// Appends to the file at `path`; an empty path leaves the log on standard error. Lines that
-    /// matter less than `level` are not written; the level stays after the end of this object.
-    /// Errors: TeskBaseException when the file cannot be written.
-    LogOutput(std::string path, TeskTraceLog::Severity level);
+    /// Appends to the file at `path`, see LogFile; an empty path leaves the log on standard error.
+    /// Lines that matter less than `level` are not written; the level stays after the end of this
+    /// object. Errors: TeskBaseException when the file cannot be written.
+    LogOutput(const std::string& path, TeskTraceLog::Severity level);
     LogOutput(const LogOutput&) = delete;
     LogOutput& operator=(const LogOutput&) = delete;
     /// The log goes again where it went before.
@@ -33,7 +35,7 @@ class LogOutput {
     void reopen() const;
 
   private:
-    std::string path_;  // empty for standard error
+    std::shared_ptr<LogFile> file_;  // null for standard error
     TSKSmrPtr<TSKLogSink> before_;
 };
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <ctime>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace Base {
@@ -29,10 +30,15 @@ std::vector<int> signalsThatEnd() {
 
 constexpr std::chrono::seconds kAtOnce(0);
 
+// Ends a wait. By itself the signal does nothing to a process, so it does no harm when it comes too
+// late.
+constexpr int kWake = SIGURG;
+
 }  // namespace
 
 SignalQueue::SignalQueue(const std::vector<int>& signals) {
     sigemptyset(&signals_);
+    sigaddset(&signals_, kWake);
     for (const int signal : signals)
         sigaddset(&signals_, signal);
     pthread_sigmask(SIG_BLOCK, &signals_, &before_);
@@ -46,11 +52,15 @@ int SignalQueue::waitFor(std::chrono::seconds time) const {
     const timespec timeout = {.tv_sec = time.count(), .tv_nsec = 0};
     const int signal = sigtimedwait(&signals_, nullptr, &timeout);
     if (signal >= 0)
-        return signal;
+        return signal == kWake ? 0 : signal;
     // Interrupted when the process was stopped and goes on.
     if (errno == EAGAIN || errno == EINTR)
         return 0;
     throw std::system_error(errno, std::generic_category(), "sigtimedwait");
+}
+
+void SignalQueue::wake() noexcept {
+    (void)kill(getpid(), kWake);
 }
 
 void SignalQueue::letThrough() const {

@@ -22,8 +22,11 @@ class SignalQueue {
     /// A signal that still waits has its effect now.
     ~SignalQueue();
 
-    /// A signal that has come or comes within `time`; 0 when none does.
+    /// A signal that has come or comes within `time`; 0 when none does, and after wake().
     [[nodiscard]] int waitFor(std::chrono::seconds time) const;
+
+    /// Ends a waitFor() that runs, or the next one. May be called by any thread at any time.
+    static void wake() noexcept;
 
     /// From now on the signals have their usual effect again.
     void letThrough() const;

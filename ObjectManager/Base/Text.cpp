@@ -57,6 +57,21 @@ std::string quoted(std::string_view text) {
     return result;
 }
 
+std::string shellQuoted(std::string_view text) {
+    constexpr std::string_view kPlain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./";
+    if (!text.empty() && text.find_first_not_of(kPlain) == std::string_view::npos)
+        return std::string(text);
+    std::string word = "'";
+    for (const char byte : text) {
+        if (byte == '\'')
+            word += "'\\''";
+        else
+            word += byte;
+    }
+    return word + "'";
+}
+
 std::string joined(std::span<const std::string> texts, std::string_view separator,
                    std::string_view lastSeparator) {
     std::string result;

@@ -15,6 +15,9 @@ namespace Base {
 /// the namespace a std::string finds std::quoted, which <filesystem> brings in.
 [[nodiscard]] std::string quoted(std::string_view text);
 
+/// `text` as one word of a shell command: in single quotes where it needs them.
+[[nodiscard]] std::string shellQuoted(std::string_view text);
+
 /// The texts in a row, with `separator` between them; `lastSeparator` before the last one, as in
 /// joined(names, ", ", " or "): "a, b or c".
 [[nodiscard]] std::string joined(std::span<const std::string> texts, std::string_view separator,

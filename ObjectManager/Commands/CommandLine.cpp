@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "ObjectManager/Base/Text.h"
 #include "Platform/Util/TeskBaseException.h"
 
 namespace Commands {
@@ -24,7 +25,7 @@ std::string commandNames(const CLI::App& program) {
 }
 
 std::string whereToReadMore(const std::string& command) {
-    return "\n\"" + command + " --help\" tells more.\n";
+    return "\n" + Base::quoted(command + " --help") + " tells more.\n";
 }
 
 // Whether `word` stands where a command is expected and is none.
@@ -45,7 +46,7 @@ std::string reasonOf(const CLI::App& program, const CLI::Error& error) {
     // A mistyped option comes first: it may be why a required one is missing.
     const std::string unknown = unknownOption(program);
     if (!unknown.empty())
-        return "there is no option \"" + unknown + "\"";
+        return "there is no option " + Base::quoted(unknown);
     if (program.get_subcommands().empty() && error.get_name() == "RequiredError")
         return "no command is given; there are: " + commandNames(program);
     return error.what();
@@ -129,8 +130,8 @@ ParsedCommandLine parseCommandLine(const Program& program, std::vector<std::stri
     app.failure_message(usageMessage);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     if (!arguments.empty() && isUnknownCommand(program, arguments.front())) {
-        errors << program.name << ": there is no command \"" << arguments.front()
-               << "\"; there are: " << commandNames(app) << whereToReadMore(program.name);
+        errors << program.name << ": there is no command " << Base::quoted(arguments.front())
+               << "; there are: " << commandNames(app) << whereToReadMore(program.name);
         return {.action = {}, .status = kWrongUsage};
     }
     try {

@@ -1,7 +1,9 @@
 #include "ObjectManager/Commands/Model.h"
 
+#include <algorithm>
 #include <iostream>
 #include <utility>
+#include <vector>
 
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
@@ -34,6 +36,20 @@ Configuration::Settings readConfiguration(const ModelOptions& options, std::ostr
     return std::move(reading.settings);
 }
 
+// A model may have any number of such classes.
+void warnOfOmittedClasses(const Repository::CimNamespace& nameSpace, std::ostream& messages) {
+    constexpr std::size_t kMaxShown = 20;
+    const std::vector<Repository::OmittedClass>& omitted = nameSpace.omittedClasses();
+    for (std::size_t index = 0; index < std::min(omitted.size(), kMaxShown); ++index)
+        messages << "tesk: warning: the class " << nameSpace.name() << ":"
+                 << Base::logText(omitted[index].name) << " is left out: " << omitted[index].reason
+                 << "\n";
+    if (omitted.size() > kMaxShown)
+        messages << "tesk: warning: " << nameSpace.name() << ": "
+                 << Base::counted(omitted.size() - kMaxShown, "more class is", "more classes are")
+                 << " left out likewise\n";
+}
+
 }  // namespace
 
 Configuration::Settings readSettings(const ModelOptions& options, std::ostream& messages) {
@@ -42,8 +58,13 @@ Configuration::Settings readSettings(const ModelOptions& options, std::ostream& 
         settings.namespaces.clear();
     for (const std::string& text : options.namespaces)
         settings.namespaces.push_back(Configuration::parseNamespaceOption(text));
-    if (settings.namespaces.empty())
+    settings.includePath.insert(settings.includePath.end(), options.includePath.begin(),
+                                options.includePath.end());
+    if (settings.namespaces.empty()) {
         settings.namespaces = sampleModel();
+        // Its namespaces share files.
+        settings.includePath.push_back(Host::InstallationPaths::ofThisProgram().models);
+    }
     return settings;
 }
 
@@ -58,6 +79,7 @@ TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& 
                                 CIM_ERR_FAILED);
     }
     for (const Repository::CimNamespace& nameSpace : loaded.repository->namespaces()) {
+        warnOfOmittedClasses(nameSpace, messages);
         if (nameSpace.classes().empty())
             messages << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }

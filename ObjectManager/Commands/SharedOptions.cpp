@@ -1,5 +1,6 @@
 #include "ObjectManager/Commands/SharedOptions.h"
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -14,7 +15,7 @@ OutputFormat parseFormat(const std::string& text) {
     if (text == "json")
         return OutputFormat::kJson;
     throw TeskBaseException("Commands::formatOption",
-                            TSKString("\"" + text + "\" is neither text nor json"),
+                            TSKString(Base::quoted(text) + " is neither text nor json"),
                             CIM_ERR_INVALID_PARAMETER);
 }
 
@@ -28,6 +29,13 @@ void addModelOptions(Command& command, ModelOptions& options) {
                  "May be given several times; without it the sample model is used",
          .target = &options.namespaces,
          .check = Configuration::parseNamespaceOption});
+    command.options.push_back(
+        {.name = "--include-path",
+         .value = "DIR",
+         .help = "A directory with MOF files that others include. Only files below these "
+                 "directories and below those of the namespaces are read. May be given several "
+                 "times",
+         .target = &options.includePath});
     command.options.push_back({.name = "--config",
                                .value = "FILE",
                                .help = "The configuration file",

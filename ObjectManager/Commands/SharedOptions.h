@@ -10,13 +10,14 @@
 
 namespace Commands {
 
-/// Which classes a command works on: `--namespace` and `--config`.
+/// Which classes a command works on: `--namespace`, `--include-path` and `--config`.
 struct ModelOptions {
     std::vector<std::string> namespaces;  ///< "NAME=PATH" each; the command line has checked them
     std::string configuration;            ///< the file; empty for none
+    std::vector<std::string> includePath = {};  ///< besides that of the configuration
 };
 
-/// Adds `--namespace` and `--config` to a command.
+/// Adds `--namespace`, `--include-path` and `--config` to a command.
 void addModelOptions(Command& command, ModelOptions& options);
 
 enum class OutputFormat : std::uint8_t { kText, kJson };

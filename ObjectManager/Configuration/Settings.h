@@ -20,6 +20,10 @@ struct LogSettings {
     /// collect.
     std::string file;
 
+    /// The file that gets a line in the Combined Log Format for each response; "-" for standard
+    /// output, empty for none.
+    std::string access;
+
     friend bool operator==(const LogSettings&, const LogSettings&) = default;
 };
 

@@ -77,6 +77,10 @@ void readNamespaces(Table table, const Directory& directory,
     }
 }
 
+// Of a document without any member, and a terabyte.
+constexpr std::int64_t kLeastSize = 16'384;
+constexpr std::int64_t kMostSize = 1'099'511'627'776;
+
 void readRepository(Table table, Repository::Options& settings) {
     table.readChoice<Repository::PropertyOrder>(
         "property_order",
@@ -84,6 +88,8 @@ void readRepository(Table table, Repository::Options& settings) {
          {"declaration", Repository::PropertyOrder::kDeclaration}},
         settings.propertyOrder);
     table.readBoolean("escape_descriptions", settings.escapeDescriptions);
+    table.readInteger("max_document_size", kLeastSize, kMostSize, settings.maxDocumentSize);
+    table.readInteger("max_model_size", kLeastSize, kMostSize, settings.maxModelSize);
     table.reportUnknownKeys();
 }
 
@@ -101,9 +107,13 @@ void readServer(Table table, Http::Options& settings) {
     table.readInteger("max_header_size", 256, 1'048'576, settings.maxHeaderSize);
     table.readInteger("max_request_line", 64, 1'048'576, settings.maxRequestLine);
     table.readSeconds("header_timeout", kShortestTimeout, settings.headerTimeout);
+    table.readSeconds("request_timeout", std::chrono::milliseconds(0), settings.requestTimeout);
     table.readSeconds("response_timeout", kShortestTimeout, settings.responseTimeout);
     table.readSeconds("shutdown_timeout", kShortestTimeout, settings.shutdownTimeout);
     table.readInteger("max_connections", 1, 1'000'000, settings.maxConnections);
+    table.readInteger("max_connections_per_client", 0, 1'000'000, settings.maxConnectionsPerClient);
+    table.readInteger("max_response_memory", 1'048'576, 1'099'511'627'776,
+                      settings.maxResponseMemory);
     table.reportUnknownKeys();
 }
 
@@ -120,6 +130,9 @@ void readLog(Table table, const Directory& directory, LogSettings& settings) {
     table.readInteger("level", 1, 4, settings.level);
     table.readText("file", "a path", [&](const std::string& path) {
         settings.file = directory.resolveUnlessEmpty(path);
+    });
+    table.readText("access", "a path or \"-\"", [&](const std::string& path) {
+        settings.access = path == "-" ? path : directory.resolveUnlessEmpty(path);
     });
     table.reportUnknownKeys();
 }
@@ -155,12 +168,11 @@ std::string SettingsError::toString() const {
 
 SettingsReading readSettings(const std::string& path) {
     try {
-        // A pipe is read, too: shells pass the output of a command so.
-        return parseSettings(path, Base::readFile(path, kMaxFileSize, Base::FileKind::kAny));
+        return parseSettings(path, Base::readFile(path, kMaxFileSize));
     } catch (const std::system_error& error) {
         const std::string reason = error.code() == std::errc::file_too_large
                                        ? "it is longer than 1 MiB"
-                                       : error.code().message();
+                                       : Base::readFailure(error);
         return {.settings = {}, .errors = {{.file = path, .message = "cannot be read: " + reason}}};
     }
 }

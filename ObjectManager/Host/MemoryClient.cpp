@@ -13,8 +13,6 @@ namespace Host {
 
 namespace {
 
-constexpr std::string_view kHeaderEnd = "\r\n\r\n";
-
 class LocalToken : public urma::security::ISecurityToken {
   public:
     [[nodiscard]] TSKString getUserName() const override { return "local"; }
@@ -23,16 +21,13 @@ class LocalToken : public urma::security::ISecurityToken {
 }  // namespace
 
 MemoryClient::Response::Response(std::string bytes)
-    : bytes_(std::move(bytes)), bodyStart_(bytes_.find(kHeaderEnd)) {
-    bodyStart_ = bodyStart_ == std::string::npos ? bytes_.size() : bodyStart_ + kHeaderEnd.size();
-}
+    : bytes_(std::move(bytes)), headerLength_(headerLength(bytes_)) {}
 
 std::string_view MemoryClient::Response::status() const noexcept {
     constexpr std::string_view kProtocol = "HTTP/1.1 ";  // or 1.0
     constexpr std::size_t kLength = 3;
-    const std::string_view header = std::string_view(bytes_).substr(0, bodyStart_);
-    if (!header.starts_with("HTTP/1.") || !header.ends_with(kHeaderEnd) ||
-        header.find(' ') + 1 != kProtocol.size())
+    const std::string_view header = std::string_view(bytes_).substr(0, headerLength_);
+    if (!header.starts_with("HTTP/1.") || header.find(' ') + 1 != kProtocol.size())
         return {};
     const std::string_view status = header.substr(kProtocol.size(), kLength);
     const bool isNumber =
@@ -41,7 +36,7 @@ std::string_view MemoryClient::Response::status() const noexcept {
 }
 
 std::string_view MemoryClient::Response::body() const noexcept {
-    return std::string_view(bytes_).substr(bodyStart_);
+    return headerLength_ == 0 ? std::string_view() : std::string_view(bytes_).substr(headerLength_);
 }
 
 MemoryClient::MemoryClient(const TeskProviderPluginManager& manager, TSKString host)
@@ -58,6 +53,7 @@ MemoryClient::Response MemoryClient::get(const TSKString& path) const {
         case ProviderCall::Outcome::kNotAuthenticated:
             throw TSKHTTPException("MemoryClient::get", "Authentication failed",
                                    TSKHTTPException::kAuthenticationFailed);
+        case ProviderCall::Outcome::kNoRoom:  // only where memory is limited
         case ProviderCall::Outcome::kResponse:
             break;
     }

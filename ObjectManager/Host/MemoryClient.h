@@ -26,7 +26,7 @@ class MemoryClient {
 
       private:
         std::string bytes_;
-        std::size_t bodyStart_;
+        std::size_t headerLength_;
     };
 
     /// `manager` must outlive this. `host` is the header field Host, such as "localhost:5985".

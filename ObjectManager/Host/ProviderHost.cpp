@@ -75,8 +75,8 @@ void ProviderHost::stop() noexcept {
 }
 
 void ProviderHost::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
-    manager_->setRepository(repository);
     manager_->setNamespaceList(repository);
+    manager_->setRepository(repository);  // cannot fail
 }
 
 }  // namespace Host

@@ -32,6 +32,7 @@ class ProviderHost {
     [[nodiscard]] const TeskProviderPluginManager& manager() const { return *manager_; }
 
     /// Lets requests that begin from now on see other classes.
+    /// Errors: std::bad_alloc; the classes stay as they were.
     void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
 
   private:

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cstring>
 #include <netinet/in.h>
-#include <ranges>
 #include <system_error>
 
 #include "ObjectManager/Base/Ascii.h"
@@ -194,9 +193,10 @@ ClientAddress clientOf(const TSKHTTPRequest& request, const ClientAddress& peer,
     ClientAddress client = peer;
     if (!isIn(trustedProxies, peer))
         return client;
-    for (const auto& field : std::views::reverse(request.getHeaderFields())) {
-        if (field.name.equalsIgnoreCase("X-Forwarded-For") &&
-            !searchField(field.value, trustedProxies, client))
+    const auto& fields = request.getHeaderFields();
+    for (auto field = fields.rbegin(); field != fields.rend(); ++field) {
+        if (field->name.equalsIgnoreCase("X-Forwarded-For") &&
+            !searchField(field->value, trustedProxies, client))
             break;
     }
     return client;

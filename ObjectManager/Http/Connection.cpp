@@ -1,81 +1,72 @@
 #include "ObjectManager/Http/Connection.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <utility>
 
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Http/IoThread.h"
+
 namespace Http {
 
 using boost::asio::ip::tcp;
 using boost::system::error_code;
-
-void ConnectionSet::add(Connection& connection) {
-    const std::lock_guard lock(mutex_);
-    connections_.insert(&connection);
-}
-
-void ConnectionSet::remove(Connection& connection) noexcept {
-    const std::lock_guard lock(mutex_);
-    connections_.erase(&connection);
-    if (connections_.empty())
-        empty_.notify_all();
-}
-
-std::size_t ConnectionSet::size() const {
-    const std::lock_guard lock(mutex_);
-    return connections_.size();
-}
-
-std::vector<std::shared_ptr<Connection>> ConnectionSet::all() const {
-    std::vector<std::shared_ptr<Connection>> connections;
-    const std::lock_guard lock(mutex_);
-    connections.reserve(connections_.size());
-    for (Connection* const connection : connections_) {
-        // Null for a connection that is being destroyed.
-        if (auto owned = connection->weak_from_this().lock())
-            connections.push_back(std::move(owned));
-    }
-    return connections;
-}
-
-bool ConnectionSet::waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const {
-    std::unique_lock lock(mutex_);
-    return empty_.wait_until(lock, deadline, [this] { return connections_.empty(); });
-}
+using std::chrono::steady_clock;
 
 Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
     : context_(context),
       socket_(std::move(socket)),
       client_(client),
       timer_(socket_.get_executor()),
-      parser_(context.options) {}
+      parser_(context.options),
+      memory_(context.memory) {}
 
 Connection::~Connection() {
     closeSocket();
 }
 
 void Connection::start() {
-    context_.connections.add(*this);
-    // TCP_NODELAY is not set: the connection ends after the response, which sends what is left.
+    context_.connections.add(*this, clientKey());
+    // TCP_NODELAY is not set: the sending side is closed after the response, which sends what is
+    // left.
     socket_.non_blocking(true);
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
-    context_.connections.add(*this);
-    error_code ignored;  // shows again when the response is sent
-    socket_.non_blocking(true, ignored);
-    // Most clients have sent their request already, which tells whether its method is HEAD.
-    const std::size_t length = socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
-    received_.assign(context_.readBuffer.data(), length);
-    refuseBytes(error);
+    context_.connections.add(*this, clientKey());
+    attempt([&] {
+        error_code ignored;  // shows again when the response is sent
+        socket_.non_blocking(true, ignored);
+        // Most clients have sent their request already, which tells whether its method is HEAD.
+        const std::size_t length =
+            socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
+        received_.assign(context_.readBuffer.data(), length);
+        sendError(error);
+    });
 }
 
-void Connection::closeIfReading() {
+void Connection::closeIfReading() noexcept {
+    try {
+        if (phase_ == Phase::kReading)
+            take(&Connection::readHeader);
+    } catch (const std::exception&) {
+        // The connection is closed.
+    }
     if (phase_ == Phase::kReading)
         close();
+}
+
+void Connection::makeRoom() {
+    if (phase_ != Phase::kReading)
+        return;
+    if (!received_.empty())
+        sendError({.status = 503, .text = kTooManyConnections});
+    abandon();
 }
 
 void Connection::abandon() {
@@ -84,11 +75,16 @@ void Connection::abandon() {
         close();
 }
 
-// Takes a step on the I/O thread. If it fails, the connection is closed instead of staying open
-// until its timeout.
 void Connection::take(Step step) {
+    attempt([&] { (this->*step)(); });
+}
+
+// Does something on the I/O thread. If it fails, the connection is closed instead of staying open
+// until its timeout.
+template <typename Work>
+void Connection::attempt(const Work& work) {
     try {
-        (this->*step)();
+        work();
     } catch (const std::exception&) {
         close();
         throw;
@@ -121,38 +117,103 @@ void Connection::readHeader() {
                 queueRequest();
                 return;
             case RequestParser::State::kRefused:
-                refuseBytes(parser_.error());
+                sendError(parser_.error());
                 return;
         }
     }
 }
 
 void Connection::queueRequest() {
-    hasMoreToCome_ = parser_.request().announcesBody || received_.size() > parser_.length();
     timer_.cancel();
     phase_ = Phase::kProcessing;
-    if (context_.prepare)
-        prepared_ = context_.prepare(parser_.request().message);
-    if (!postToWorkers())
-        sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+    context_.connections.endReading(*this);
+    hasRequest_ = true;
+    if (context_.authentication.prepare)
+        prepared_ = context_.authentication.prepare(parser_.request());
+    postToWorkers();
 }
 
-// Returns whether a worker takes the request; the connection belongs to the worker then.
-bool Connection::postToWorkers() {
-    auto job = [self = shared_from_this()] { self->processRequest(); };
-    if (context_.needsPasswordHash && context_.needsPasswordHash(request()))
-        return context_.workers.postSlow(std::move(job));
-    context_.workers.postQuick(std::move(job));
-    return true;
+// The response found no room in memory.
+void Connection::waitForRoom() {
+    if (phase_ != Phase::kProcessing)
+        return;  // the client has got an error because it took too long
+    if (isAbandoned_) {
+        close();
+        return;
+    }
+    phase_ = Phase::kWaiting;
+    const steady_clock::time_point now = steady_clock::now();
+    if (!roomDeadline_)
+        roomDeadline_ = now + context_.options.responseTimeout;
+    limitPhase(std::chrono::ceil<std::chrono::milliseconds>(*roomDeadline_ - now));
+    memory_.wait([waiting = weak_from_this()] {
+        try {
+            if (const auto self = waiting.lock())
+                self->continueOnIoThread(&Connection::repeatRequest);
+        } catch (const std::exception&) {
+            // There is no memory to go on. The wait ends at its deadline.
+        }
+    });
+}
+
+void Connection::repeatRequest() {
+    if (phase_ == Phase::kWaiting)
+        queueRequest();
+}
+
+// The request belongs to the workers then.
+void Connection::postToWorkers() {
+    const Authentication& authentication = context_.authentication;
+    std::optional<Authentication::Login> login;
+    if (authentication.unverifiedLogin)
+        login = authentication.unverifiedLogin(request());
+    if (login) {
+        const ClientAddress client = clientOf(parser_.request(), ClientAddress::of(*client_.data()),
+                                              context_.options.trustedProxies);
+        context_.workers.postHash(
+            {.client = ClientKey::of(client),
+             .user = std::move(login->user),
+             .credentials = std::move(login->credentials),
+             .hash =
+                 [self = shared_from_this()] {
+                     return self->context_.authentication.verify(self->request());
+                 },
+             .done = [self = shared_from_this()](bool isHashed) { self->endHash(isHashed); }});
+        return;
+    }
+    postProcessing();
+}
+
+// Run by any thread. The users may have been replaced since the hash was asked for: then the
+// provider must not do another one, which would delay quick requests.
+void Connection::endHash(bool isHashed) noexcept {
+    try {
+        if (!isHashed)
+            continueOnIoThread(&Connection::refuseForLackOfPlaces);
+        else if (!std::exchange(hasQueuedAgain_, true))
+            postToWorkers();
+        else
+            postProcessing();
+    } catch (const std::exception& exception) {
+        logFailure(exception);  // the connection closes when nothing has hold of it
+    }
+}
+
+void Connection::postProcessing() {
+    context_.workers.postQuick([self = shared_from_this()] { self->processRequest(); },
+                               [self = shared_from_this()] { self->endOverdue(); });
+}
+
+void Connection::refuseForLackOfPlaces() {
+    sendError({.status = 503, .text = "The server has too many requests. Try again later."});
+}
+
+ClientKey Connection::clientKey() const noexcept {
+    return ClientKey::of(ClientAddress::of(*client_.data()));
 }
 
 TSKHTTPRequest& Connection::request() {
-    return prepared_ != nullptr ? *prepared_ : parser_.request().message;
-}
-
-void Connection::refuseBytes(const Error& error) {
-    hasMoreToCome_ = true;  // the end of the request is unknown
-    sendError(error);
+    return prepared_ != nullptr ? *prepared_ : parser_.request();
 }
 
 void Connection::sendError(const Error& error) {
@@ -162,30 +223,64 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    response_ = context_.dispatcher.respond(request(), client_);
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        continueOnIoThread(&Connection::beginWriting);
-    else if (sending == Sending::kDone && clientSendsMore())
-        continueOnIoThread(&Connection::beginLingering);
-    else
-        closeSocket();
+    std::optional<Response> response = context_.dispatcher.respond(request(), client_, memory_);
+    if (!response) {
+        continueOnIoThread(&Connection::waitForRoom);
+        return;
+    }
+    if (isAnswered_.exchange(true))
+        return;
+    response_ = std::move(response);
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            continueOnIoThread(&Connection::beginWriting);
+            break;
+        case Sending::kDone:
+            continueOnIoThread(&Connection::beginLingering);
+            break;
+        case Sending::kFailed:
+            closeSocket();
+            break;
+    }
+}
+
+// The request may be used by the provider at this time, but the bytes as they were received are
+// not.
+void Connection::endOverdue() {
+    if (phase_ != Phase::kProcessing || isAnswered_.exchange(true))
+        return;
+    isOverdue_ = true;
+    Base::log(kLogComponent, TeskTraceLog::SeverityError,
+              Base::logText(requestLine()) + ": the provider did not respond in time");
+    sendError({.status = 504, .text = "The server did not make the response in time."});
+}
+
+std::string_view Connection::requestLine() const {
+    const std::string_view bytes = received_;
+    const std::size_t start = std::min(bytes.find_first_not_of("\r\n"), bytes.size());
+    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
+    return bytes.substr(start, end - start);
 }
 
 void Connection::beginWriting() {
     phase_ = Phase::kWriting;
+    context_.connections.endReading(*this);
     limitPhase(context_.options.responseTimeout);
     write();
 }
 
 void Connection::write() {
-    const Sending sending = isAbandoned_ ? Sending::kFailed : send();
-    if (sending == Sending::kBlocked)
-        waitFor(tcp::socket::wait_write, &Connection::write);
-    else if (sending == Sending::kDone && clientSendsMore())
-        beginLingering();
-    else
-        close();
+    switch (isAbandoned_ ? Sending::kFailed : send()) {
+        case Sending::kBlocked:
+            waitFor(tcp::socket::wait_write, &Connection::write);
+            break;
+        case Sending::kDone:
+            beginLingering();
+            break;
+        case Sending::kFailed:
+            close();
+            break;
+    }
 }
 
 // Sends what the socket takes now.
@@ -198,25 +293,50 @@ Connection::Sending Connection::send() {
         if (error)
             return Sending::kFailed;
     }
+    report();
     return Sending::kDone;
 }
 
-bool Connection::clientSendsMore() const {
-    error_code error;
-    return hasMoreToCome_ || socket_.available(error) > 0;
+void Connection::report() noexcept {
+    if (!context_.report || !response_ || std::exchange(isReported_, true))
+        return;
+    const TSKHTTPRequest* message = nullptr;
+    // A provider that is late may still use its request.
+    if (hasRequest_ && !isOverdue_)
+        message = &request();
+    else if (hasRequest_ && prepared_ != nullptr)
+        message = &parser_.request();
+    ClientAddress client = ClientAddress::of(*client_.data());
+    if (message != nullptr)
+        client = clientOf(*message, client, context_.options.trustedProxies);
+    try {
+        context_.report({.client = client,
+                         .requestLine = requestLine(),
+                         .request = message,
+                         .status = response_->status(),
+                         .bodyBytes = response_->sentBodyBytes()});
+    } catch (const std::exception&) {
+        // The response is as it would have been.
+    }
 }
 
+// Gives its place away before the client is told that nothing follows: a client that sees the end
+// of the response can rely on a free place. Reads before it waits: many clients have closed the
+// connection already.
 void Connection::beginLingering() {
-    if (isAbandoned_) {
+    if (isAbandoned_ || !lingers_ || (context_.lacksDescriptors && context_.lacksDescriptors())) {
         close();
         return;
     }
     phase_ = Phase::kLingering;
-    limitPhase(context_.options.lingerTimeout);
     response_.reset();
+    memory_.release();
+    context_.connections.beginLingering(*this);
     error_code error;  // shows again when the client's bytes are read
     socket_.shutdown(tcp::socket::shutdown_send, error);
     linger();
+    if (phase_ == Phase::kLingering)
+        limitPhase(context_.options.lingerTimeout);
 }
 
 void Connection::linger() {
@@ -234,14 +354,21 @@ void Connection::close() noexcept {
     error_code error;
     timer_.cancel(error);
     closeSocket();
+    response_.reset();
+    memory_.release();
 }
 
 // May be called by a worker, which must not touch the phase and the timer. Leaves the set before
 // the socket closes: a client that sees the end of its connection can rely on a free place.
 void Connection::closeSocket() noexcept {
+    report();
     context_.connections.remove(*this);
+    if (!socket_.is_open())
+        return;
     error_code error;  // the socket is closed in any case
     socket_.close(error);
+    if (context_.onClosed)
+        context_.onClosed();
 }
 
 // The wait ends with the phase.
@@ -270,10 +397,19 @@ void Connection::limitPhase(std::chrono::milliseconds timeout) {
 }
 
 void Connection::onTimeout() {
-    if (phase_ == Phase::kReading)
-        refuseBytes({.status = 408, .text = "The header section was not received in time."});
-    else
-        close();
+    switch (phase_) {
+        case Phase::kReading:
+            lingers_ = !received_.empty();
+            sendError({.status = 408, .text = "The header section was not received in time."});
+            break;
+        case Phase::kWaiting:
+            memory_.release();
+            sendError({.status = 503, .text = kNoRoom});
+            break;
+        default:
+            close();
+            break;
+    }
 }
 
 }  // namespace Http

@@ -4,53 +4,30 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <string_view>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/Authentication.h"
+#include "ObjectManager/Http/ConnectionSet.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestParser.h"
 #include "ObjectManager/Http/Response.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
 
-class Connection;
-
-/// The open connections of a server.
-///
-/// Thread safety: may be used by several threads at once.
-class ConnectionSet {
-  public:
-    /// `connection` must be removed before it is destroyed.
-    /// Errors: std::bad_alloc.
-    void add(Connection& connection);
-
-    /// Does nothing if `connection` is not in the set.
-    void remove(Connection& connection) noexcept;
-
-    [[nodiscard]] std::size_t size() const;
-
-    /// The connections that are open now.
-    /// Errors: std::bad_alloc.
-    [[nodiscard]] std::vector<std::shared_ptr<Connection>> all() const;
-
-    /// Returns true as soon as the set is empty, false if it is not at the deadline.
-    [[nodiscard]] bool waitUntilEmpty(std::chrono::steady_clock::time_point deadline) const;
-
-  private:
-    mutable std::mutex mutex_;
-    mutable std::condition_variable empty_;
-    std::unordered_set<Connection*> connections_;  // guarded by mutex_
-};
+/// Why a client gets 503 when there is no place for its connection.
+inline constexpr const char* kTooManyConnections =
+    "The server has too many connections. Try again later.";
 
 /// What the connections of a server share.
 ///
@@ -60,10 +37,21 @@ struct ConnectionContext {
     const Dispatcher& dispatcher;
     WorkerPool& workers;
     ConnectionSet& connections;
+    ResponseMemory& memory;
 
-    /// See Server; may be empty.
-    std::function<bool(const TSKHTTPRequest&)> needsPasswordHash = nullptr;
-    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest&)> prepare = nullptr;
+    Authentication authentication = {};
+
+    /// Called after a connection has given its file descriptor back; may be empty. Called by
+    /// several threads at once; must not throw.
+    std::function<void()> onClosed = nullptr;
+
+    /// Whether clients wait for a file descriptor: no connection lingers then. Called by the I/O
+    /// thread; may be empty.
+    std::function<bool()> lacksDescriptors = nullptr;
+
+    /// Called with each response that has been sent, or that could not be sent to its end, by the
+    /// thread that has sent it, before the client sees the end of the connection. May be empty.
+    std::function<void(const Exchange&)> report = nullptr;
 
     /// Bytes stay here only during one call, so an idle connection takes no buffer.
     std::vector<char> readBuffer = std::vector<char>(64UL * 1024);
@@ -77,11 +65,17 @@ struct ConnectionContext {
 ///
 /// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
 ///   which there is no worker, gets an error; the next phase is writing.
-/// - processing: a worker runs the provider and sends what the socket takes at once. If that is the
-///   whole response and the client sends nothing more, the worker closes the connection.
+/// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
+///   and sends what the socket takes at once. If the provider takes too long, the I/O thread sends
+///   an error, and what the provider writes later is dropped.
+/// - waiting: there is no room in memory for the response, which is dropped. When there is room,
+///   the next phase is processing again; if that takes too long, the client gets 503.
 /// - writing: the I/O thread sends the rest as the client reads it.
-/// - lingering: the client has the response but still sends. To close the connection now would
-///   discard what the client has not read yet, so its bytes are read and dropped first.
+/// - lingering: the response is sent, and the client is told that nothing follows. The server reads
+///   and drops what the client sends until the client closes the connection (RFC 9112, section
+///   9.6): to close it first, with bytes of the client unread or on their way, would discard what
+///   the client has not read yet. A client that has sent nothing at all within the time for a
+///   header section is not waited for.
 ///
 /// Thread safety: belongs to the I/O thread, except for what a worker does while processing.
 class Connection : public std::enable_shared_from_this<Connection> {
@@ -105,31 +99,45 @@ class Connection : public std::enable_shared_from_this<Connection> {
     /// Errors: as start().
     void refuse(const Error& error);
 
-    /// Closes the connection if the header section has not come in yet.
-    void closeIfReading();
+    /// Closes the connection unless the header section has come in by now.
+    void closeIfReading() noexcept;
+
+    /// Closes the connection if the header section has not come in yet, since the server needs its
+    /// place. A client that has sent a part of it gets 503 if it can be sent at once.
+    /// Errors: std::bad_alloc; the connection is closed.
+    void makeRoom();
 
     /// Closes the connection; if a worker processes the request, as soon as the provider has
     /// returned.
     void abandon();
 
   private:
-    enum class Phase { kReading, kProcessing, kWriting, kLingering, kClosed };
+    enum class Phase { kReading, kProcessing, kWaiting, kWriting, kLingering, kClosed };
     enum class Sending { kDone, kBlocked, kFailed };
 
     using Step = void (Connection::*)();
 
     void take(Step step);
+    template <typename Work>
+    void attempt(const Work& work);
     void readHeader();
     void queueRequest();
-    [[nodiscard]] bool postToWorkers();
+    void postToWorkers();
+    void postProcessing();
+    void endHash(bool isHashed) noexcept;
+    void refuseForLackOfPlaces();
+    [[nodiscard]] ClientKey clientKey() const noexcept;
+    [[nodiscard]] std::string_view requestLine() const;
     [[nodiscard]] TSKHTTPRequest& request();
-    void refuseBytes(const Error& error);
     void sendError(const Error& error);
     void processRequest();
+    void waitForRoom();
+    void repeatRequest();
+    void endOverdue();
     void beginWriting();
     void write();
     [[nodiscard]] Sending send();
-    [[nodiscard]] bool clientSendsMore() const;
+    void report() noexcept;
     void beginLingering();
     void linger();
     void close() noexcept;
@@ -147,12 +155,20 @@ class Connection : public std::enable_shared_from_this<Connection> {
     Phase phase_ = Phase::kReading;          // used by the I/O thread only
     bool isLimited_ = false;                 // whether the timeout of a phase has begun
     std::atomic<bool> isAbandoned_ = false;  // set by the I/O thread, read by the worker
+    // Set by the thread that responds, the worker or the I/O thread, whichever is first.
+    std::atomic<bool> isAnswered_ = false;
+    bool hasQueuedAgain_ = false;  // for another hash
+    bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
     std::string received_;
     RequestParser parser_;
-    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without ConnectionContext::prepare
-    bool hasMoreToCome_ = false;  // the client has sent or announced more than a header section
+    std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare
+    bool lingers_ = true;                       // after the response
+    bool hasRequest_ = false;                   // the header section has come in
+    std::optional<std::chrono::steady_clock::time_point> roomDeadline_;  // once it has waited
+    ResponseMemory::Share memory_;  // of response_, which is destroyed first
     std::optional<Response> response_;
+    bool isReported_ = false;
     std::size_t lingerBytes_ = 0;
 };
 

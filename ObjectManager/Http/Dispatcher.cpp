@@ -1,14 +1,17 @@
 #include "ObjectManager/Http/Dispatcher.h"
 
+#include <algorithm>
+#include <array>
 #include <exception>
-#include <optional>
+#include <malloc.h>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/Host/ProviderCall.h"
+#include "ObjectManager/Http/EntityTag.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestTarget.h"
@@ -18,8 +21,19 @@ namespace Http {
 
 namespace {
 
+constexpr std::array kKnownMethods = {"CONNECT", "DELETE", "GET", "HEAD", "OPTIONS",
+                                      "PATCH",   "POST",   "PUT", "TRACE"};
+
+// Bytes of a response. What a provider needed to make a larger one goes back to the system at once;
+// the C library would keep most of it.
+constexpr std::size_t kLarge = 8UL * 1024 * 1024;
+
 bool isHead(const TSKHTTPRequest& request) {
     return request.getMethod() == "HEAD";
+}
+
+bool isSafe(const TSKHTTPRequest& request) {
+    return isHead(request) || request.getMethod() == "GET";
 }
 
 Response fail(const TSKHTTPRequest& request, std::string_view reason) {
@@ -30,23 +44,89 @@ Response fail(const TSKHTTPRequest& request, std::string_view reason) {
                          isHead(request));
 }
 
+Response notFound(TSKHTTPRequest& request, const Host::Client& client) {
+    if (!Host::isAuthenticated(request, client))
+        return authenticationChallenge();
+    return errorResponse({.status = 404, .text = "There is nothing at this path."},
+                         isHead(request));
+}
+
+// What a provider wrote, as the request wants it.
+Response conditional(Response response, const TSKHTTPRequest& request) {
+    if (!isSafe(request) || response.status() != 200)
+        return response;
+    std::string tag(response.field("ETag").value_or(""));
+    if (tag.empty()) {
+        tag = entityTag(response.body());
+        response.addField("ETag", tag);
+    }
+    switch (evaluatePreconditions(request, tag)) {
+        case Precondition::kNotModified:
+            response = notModifiedResponse(tag);
+            break;
+        case Precondition::kFailed:
+            response = errorResponse(
+                {.status = 412, .text = "The document is not the one that If-Match names."},
+                isHead(request));
+            break;
+        case Precondition::kMet:
+            break;
+    }
+    return response;
+}
+
+std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& request,
+                                   const Host::Client& client) {
+    using enum Host::ProviderCall::Outcome;
+    switch (call.outcome) {
+        case kNotFound:
+            return notFound(request, client);
+        case kNotAuthenticated:
+            return authenticationChallenge();
+        case kNoRoom:
+            if (isSafe(request))
+                return std::nullopt;
+            return errorResponse({.status = 503, .text = Http::kNoRoom}, false);
+        case kResponse:
+            break;
+    }
+    std::optional<Response> response = Response::make(std::move(call.response));
+    if (!response)
+        return fail(request, "no HTTP response was written");
+    response = conditional(std::move(*response), request);
+    if (isHead(request))
+        response->dropBody();
+    return response;
+}
+
 }  // namespace
 
-Response Dispatcher::respond(TSKHTTPRequest& request,
-                             const boost::asio::ip::tcp::endpoint& client) const {
-    using enum Host::ProviderCall::Outcome;
+std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request,
+                                            const boost::asio::ip::tcp::endpoint& client,
+                                            ResponseMemory::Share& memory) const {
+    std::size_t written = 0;
+    const auto mayTake = [&](std::size_t bytes) {
+        written = bytes;
+        return memory.growTo(bytes);
+    };
+    std::optional<Response> response = makeResponse(request, client, mayTake);
+    // The provider may have written more.
+    if (response)
+        memory.shrinkTo(response->memorySize());
+    if (written >= kLarge)
+        malloc_trim(0);
+    return response;
+}
+
+std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request,
+                                                 const boost::asio::ip::tcp::endpoint& client,
+                                                 const Host::MayTake& mayTake) const {
     try {
-        Host::ProviderCall call = Host::callProvider(
-            manager_, request,
-            {.address = toUriHost(client.address()), .port = std::to_string(client.port())});
-        if (call.outcome == kNotFound)
-            return errorResponse({.status = 404, .text = "There is nothing at this path."},
-                                 isHead(request));
-        if (call.outcome == kNotAuthenticated)
-            return authenticationChallenge();
-        if (auto response = Response::make(std::move(call.response), isHead(request)))
-            return std::move(*response);
-        return fail(request, "no HTTP response was written");
+        if (std::optional<Response> response = respondToMethod(request))
+            return response;
+        const Host::Client peer = {.address = toUriHost(client.address()),
+                                   .port = std::to_string(client.port())};
+        return toResponse(Host::callProvider(manager_, request, peer, mayTake), request, peer);
     } catch (const TeskBaseException& exception) {
         return fail(request, exception.what());  // with the place in the provider
     } catch (const std::exception& exception) {
@@ -54,6 +134,25 @@ Response Dispatcher::respond(TSKHTTPRequest& request,
     } catch (...) {
         return fail(request, "an exception of unknown type");
     }
+}
+
+// The response to a request that its provider is not called for.
+std::optional<Response> Dispatcher::respondToMethod(const TSKHTTPRequest& request) const {
+    const TSKString& method = request.getMethod();
+    const std::vector<TSKString> methods = manager_.getMethods(request.getUri());
+    if (std::ranges::find(methods, method) != methods.end())
+        return std::nullopt;
+    if (std::ranges::find(kKnownMethods, method) == kKnownMethods.end())
+        return errorResponse({.status = 501, .text = "This method is not implemented."}, false);
+    std::string allowed;
+    for (const TSKString& each : methods)
+        allowed += std::string(each) + ", ";
+    allowed += "OPTIONS";
+    if (method == "OPTIONS")
+        return optionsResponse(allowed);
+    return errorResponse(
+        {.status = 405, .text = "This method is not allowed here.", .allow = allowed},
+        isHead(request));
 }
 
 }  // namespace Http

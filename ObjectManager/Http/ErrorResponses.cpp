@@ -9,9 +9,13 @@ namespace Http {
 namespace {
 
 // `text` is a response.
-Response makeResponse(std::string text, bool withoutBody) {
-    return std::move(Response::make(std::move(text), withoutBody).value());
+Response makeResponse(std::string text) {
+    return std::move(Response::make(std::move(text)).value());
 }
+
+// The queue for password hashes, the longest of those that make a server refuse requests, is empty
+// after this time.
+constexpr std::string_view kRetryAfter = "Retry-After: 5\r\n";
 
 }  // namespace
 
@@ -23,11 +27,35 @@ Response errorResponse(const Error& error, bool withoutBody) {
     text += std::string_view(reason.data(), reason.size());
     text +=
         "\r\n"
-        "Connection: close\r\n"
+        "Connection: close\r\n";
+    if (!error.allow.empty())
+        text += "Allow: " + error.allow + "\r\n";
+    if (error.status == 503)
+        text += kRetryAfter;
+    text +=
         "Content-Type: text/plain; charset=utf-8\r\n"
         "Content-Length: " +
         std::to_string(body.size()) + "\r\n\r\n" + body;
-    return makeResponse(std::move(text), withoutBody);
+    Response response = makeResponse(std::move(text));
+    if (withoutBody)
+        response.dropBody();
+    return response;
+}
+
+Response notModifiedResponse(const std::string& tag) {
+    return makeResponse(
+        "HTTP/1.1 304 Not Modified\r\n"
+        "Connection: close\r\n"
+        "ETag: " +
+        tag + "\r\n\r\n");
+}
+
+Response optionsResponse(const std::string& allow) {
+    return makeResponse(
+        "HTTP/1.1 204 No Content\r\n"
+        "Connection: close\r\n"
+        "Allow: " +
+        allow + "\r\n\r\n");
 }
 
 Response authenticationChallenge() {
@@ -35,8 +63,7 @@ Response authenticationChallenge() {
         "HTTP/1.1 401 Unauthorized\r\n"
         "Connection: close\r\n"
         "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\n"
-        "Content-Length: 0\r\n\r\n",
-        true);
+        "Content-Length: 0\r\n\r\n");
 }
 
 }  // namespace Http

@@ -11,8 +11,6 @@
 
 namespace Http {
 
-namespace {
-
 void logFailure(const std::exception& exception) noexcept {
     try {
         Base::log(kLogComponent, TeskTraceLog::SeverityError,
@@ -21,8 +19,6 @@ void logFailure(const std::exception& exception) noexcept {
         // The line is lost; the other connections go on.
     }
 }
-
-}  // namespace
 
 void IoThread::start() {
     thread_ = std::thread([this] { run(); });

@@ -2,10 +2,15 @@
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
+#include <exception>
 #include <functional>
 #include <thread>
 
 namespace Http {
+
+/// Logs why a connection failed, unless there is no memory for that. May be called by several
+/// threads at once.
+void logFailure(const std::exception& exception) noexcept;
 
 /// A thread that runs an io_context.
 ///

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,30 +61,72 @@ struct Options {
     /// network, short enough that idle clients do not hold connections for long.
     std::chrono::milliseconds headerTimeout = std::chrono::seconds(10);
 
+    /// Time for a provider to make a response; the client gets 504 then, and another worker takes
+    /// the place of the one that waits for the provider, as often as there are workers. 0 for no
+    /// limit. The largest documents take some seconds, also on a slow machine; a provider that
+    /// needs a minute will not return at all.
+    std::chrono::milliseconds requestTimeout = std::chrono::seconds(60);
+
     /// Time for a client to read the whole response; the connection is closed then. A document of
     /// 10 MiB needs 3 Mbit/s.
     std::chrono::milliseconds responseTimeout = std::chrono::seconds(30);
+
+    /// Bytes that all responses take together, from when they are made until they are sent. A
+    /// response for which there is no room waits for at most `responseTimeout`; its client gets 503
+    /// then. One response alone may be larger. Enough for thousands of usual documents; what a
+    /// provider needs to make a document comes on top, for each worker.
+    std::size_t maxResponseMemory = 256UL * 1024 * 1024;
 
     /// Time for running requests to finish when the server stops. Long enough for the largest
     /// document; service managers wait longer before they kill a process.
     std::chrono::milliseconds shutdownTimeout = std::chrono::seconds(10);
 
-    /// Open connections, lingering ones included. One more gets 503. Each takes a file descriptor
-    /// and memory for its request and its response.
+    /// Time for clients that are connected when the server stops to send their request; their
+    /// connections are closed then. Clients send it at once, so this covers a bad network, and the
+    /// server stops soon although idle clients are connected.
+    std::chrono::milliseconds stopGrace = std::chrono::milliseconds(500);
+
+    /// Open connections, lingering ones included; fewer if the process may not open so many files.
+    /// For one more, the one that has lingered for longest is closed, else the oldest one that has
+    /// not sent its header section; if there is none, it gets 503. Each takes a file descriptor and
+    /// memory for its request and its response.
     std::size_t maxConnections = 4096;
+
+    /// Open connections of one client: of an IPv4 address or an IPv6 /64 network. One more gets
+    /// 503. 0 for no limit; by default a quarter of the connections, so that no single client can
+    /// take all of them. Trusted proxies have no limit: they bring many clients.
+    std::optional<std::size_t> maxConnectionsPerClient = std::nullopt;
+
+    /// File descriptors that connections leave for other files: for the log, and for the
+    /// configuration, the classes and the password file when they are read again.
+    std::size_t reservedDescriptors = 64;
+
+    /// After this time, connections are accepted again when file descriptors have run out and no
+    /// connection was closed since: another process or another part of this one may have held them.
+    std::chrono::milliseconds descriptorTimeout = std::chrono::seconds(1);
 
     /// Connections beyond `maxConnections` that linger after their 503. Others are closed at once,
     /// and a client that is still sending may lose the response. Enough for a burst of clients,
     /// few compared to the file descriptors that the process has.
     std::size_t maxRefusedConnections = 64;
 
-    /// Requests that wait for a worker to hash their password. One more gets 503. A hash takes
-    /// about 15 ms, so with a single worker for them the last of 256 waits for 4 s.
+    /// Passwords that wait to be hashed. One more gets 503, or takes a place of the client that has
+    /// most of them. A hash takes about 15 ms, so with a single worker for them the last of 256
+    /// waits for 4 s. Requests with equal credentials count as one.
     std::size_t maxWaitingHashes = 256;
 
-    /// How long, and for how many bytes, a connection lingers: after the response it stays open
-    /// for a client that is still sending, since closing it would discard what the client has not
-    /// read yet. Clients that send a body before they read need this.
+    /// Those of one client: a quarter, so that others have places at once.
+    std::size_t maxWaitingHashesPerClient = 64;
+
+    /// Passwords that are hashed at once. Each takes a processor for 15 ms and 16 MiB of memory;
+    /// clients that send wrong passwords must not take more than this. Where there are two or more
+    /// workers, one of them never hashes.
+    unsigned maxRunningHashes = 4;
+
+    /// How long, and for how many bytes, a connection lingers: after the response the server waits
+    /// for the client to close it, and drops what the client still sends. Closing it earlier could
+    /// discard what the client has not read yet. Most clients close at once; those that send a body
+    /// before they read need the time.
     std::chrono::milliseconds lingerTimeout = std::chrono::seconds(5);
     std::size_t maxLingerBytes = 16UL * 1024 * 1024;
 

@@ -1,12 +1,14 @@
 #include "ObjectManager/Http/RequestParser.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -79,12 +81,37 @@ bool isForbidden(char character) {
     return Base::isControl(character) && !Base::isSpace(character);
 }
 
-// Whether the request line ends with "HTTP/", a digit, a dot and a digit.
-bool namesHttpVersion(std::string_view header) {
-    const std::string_view line = header.substr(0, header.find('\r'));
+std::string_view requestLineOf(std::string_view header) {
+    return header.substr(0, header.find('\r'));
+}
+
+// The end of the request line if it is "HTTP/", a digit, a dot and a digit; empty if it is not.
+std::string_view httpVersionOf(std::string_view header) {
+    const std::string_view line = requestLineOf(header);
     const std::string_view version = line.substr(line.rfind(' ') + 1);
-    return version.size() == 8 && version.starts_with("HTTP/") && Base::isDigit(version[5]) &&
-           version[6] == '.' && Base::isDigit(version[7]);
+    const bool isVersion = version.size() == 8 && version.starts_with("HTTP/") &&
+                           Base::isDigit(version[5]) && version[6] == '.' &&
+                           Base::isDigit(version[7]);
+    return isVersion ? version : std::string_view();
+}
+
+// `header` with the version HTTP/1.1 if it has a later one of HTTP/1, which is understood in the
+// same way (RFC 9110, section 2.5); `copy` holds its bytes then.
+std::string_view asHttp11(std::string_view header, std::string& copy) {
+    const std::string_view version = httpVersionOf(header);
+    if (!version.starts_with("HTTP/1.") || version.back() <= '1')
+        return header;
+    copy = header;
+    copy[requestLineOf(header).size() - 1] = '1';
+    return copy;
+}
+
+Error versionError(std::string_view header) {
+    if (httpVersionOf(header).empty())
+        return badRequest("The request line does not end with a version of HTTP.");
+    if (std::ranges::count(requestLineOf(header), ' ') > 2)
+        return badRequest("The request target contains a space.");
+    return {.status = 505, .text = "This server supports HTTP/1.0 and HTTP/1.1."};
 }
 
 Error toError(const error_code& error, std::string_view header, const Options& options) {
@@ -92,11 +119,8 @@ Error toError(const error_code& error, std::string_view header, const Options& o
         return badRequest("The method is malformed.");
     if (error == http::error::bad_target)
         return badRequest("The request target is malformed.");
-    if (error == http::error::bad_version) {
-        if (namesHttpVersion(header))
-            return {.status = 505, .text = "This server supports HTTP/1.0 and HTTP/1.1."};
-        return badRequest("The request line does not end with a version of HTTP.");
-    }
+    if (error == http::error::bad_version)
+        return versionError(header);
     if (error == http::error::bad_field)
         return badRequest("The name of a header field is malformed.");
     if (error == http::error::bad_value)
@@ -134,13 +158,48 @@ const char* validateHost(const HeaderParser& parser) {
                                        : "The Host field is not a host with an optional port.";
 }
 
-// Whether the end of the body cannot be found (RFC 9112, section 6.3).
-bool hasEndlessBody(const HeaderParser& parser) {
-    if (parser.chunked())
-        return false;
-    return std::ranges::any_of(parser.fields(), [](const HeaderParser::Field& field) {
-        return field.id == http::field::transfer_encoding;
-    });
+// Whether all transfer codings of a list are registered (RFC 9112, section 7). Bodies are dropped,
+// so they need not be decoded.
+bool areKnownCodings(std::string_view list) {
+    constexpr std::array<std::string_view, 6> kKnown = {"chunked", "compress",   "deflate",
+                                                        "gzip",    "x-compress", "x-gzip"};
+    while (!list.empty()) {
+        const std::string_view element = list.substr(0, list.find(','));
+        list.remove_prefix(std::min(element.size() + 1, list.size()));
+        const std::string_view name = Base::trimmed(element);
+        const auto isName = [name](std::string_view known) {
+            return Base::equalsIgnoringCase(known, name);
+        };
+        if (!name.empty() && std::ranges::none_of(kKnown, isName))
+            return false;
+    }
+    return true;
+}
+
+// What is wrong with the transfer codings: one that is not known, or the end of the body cannot be
+// found (RFC 9112, section 6.3).
+std::optional<Error> validateTransferCodings(const HeaderParser& parser) {
+    bool isEndless = false;
+    for (const HeaderParser::Field& field : parser.fields()) {
+        if (field.id != http::field::transfer_encoding)
+            continue;
+        if (!areKnownCodings(field.value))
+            return Error{.status = 501, .text = "A transfer coding is not known."};
+        isEndless = !parser.chunked();
+    }
+    if (isEndless)
+        return badRequest("The last transfer coding is not \"chunked\".");
+    return std::nullopt;
+}
+
+// The target of CONNECT is an authority, which the server is not asked about as a resource.
+std::variant<RequestTarget, Error> targetOf(const HeaderParser& parser) {
+    if (parser.method() == http::verb::connect)
+        return Error{
+            .status = 405, .text = "This server is not a proxy.", .allow = "GET, HEAD, OPTIONS"};
+    if (parser.method() == http::verb::options && parser.target() == "*")
+        return RequestTarget{.path = "*", .authority = {}};
+    return parseRequestTarget(parser.target());
 }
 
 TSKHTTPRequest makeMessage(const HeaderParser& parser, const RequestTarget& target) {
@@ -154,24 +213,22 @@ TSKHTTPRequest makeMessage(const HeaderParser& parser, const RequestTarget& targ
 }
 
 // Reads a header section with the empty line at its end.
-std::variant<Request, Error> parseHeader(std::string_view header, const Options& options) {
+std::variant<TSKHTTPRequest, Error> parseHeader(std::string_view header, const Options& options) {
     if (hasContinuedField(header))
         return badRequest("A header field continues on a second line.");
     HeaderParser parser(options.maxHeaderFields);
-    if (const error_code error = parser.read(header))
+    std::string copy;
+    if (const error_code error = parser.read(asHttp11(header, copy)))
         return toError(error, header, options);
-    if (hasEndlessBody(parser))
-        return badRequest("The last transfer coding is not \"chunked\".");
+    if (auto error = validateTransferCodings(parser))
+        return *std::move(error);
     if (const char* const fault = validateHost(parser))
         return badRequest(fault);
-    if (parser.method() == http::verb::connect || parser.method() == http::verb::trace)
-        return Error{.status = 501, .text = "This method is not implemented."};
 
-    auto target = parseRequestTarget(parser.target());
+    auto target = targetOf(parser);
     if (auto* error = std::get_if<Error>(&target))
         return std::move(*error);
-    return Request{.message = makeMessage(parser, std::get<RequestTarget>(target)),
-                   .announcesBody = !parser.is_done()};
+    return makeMessage(parser, std::get<RequestTarget>(target));
 }
 
 }  // namespace
@@ -229,7 +286,7 @@ RequestParser::State RequestParser::finish(std::string_view header) {
     auto parsed = parseHeader(header, options_);
     if (auto* error = std::get_if<Error>(&parsed))
         return refuse(std::move(*error));
-    request_ = std::move(std::get<Request>(parsed));
+    request_ = std::move(std::get<TSKHTTPRequest>(parsed));
     return State::kComplete;
 }
 

@@ -11,18 +11,6 @@
 
 namespace Http {
 
-/// A request without its body, checked.
-///
-/// Thread safety: belongs to one thread.
-struct Request {
-    /// Its uri is RequestTarget::path. It has exactly one header field "Host", which isHostWithPort
-    /// accepts; an HTTP/1.0 request may have none. The authority of an absolute target replaces the
-    /// value of the field (RFC 9112, section 3.2.2).
-    TSKHTTPRequest message;
-
-    bool announcesBody = false;  ///< by its length or a transfer coding
-};
-
 /// Reads the header section of a request (RFC 9112: request line, header fields, empty line) from
 /// bytes as they come in. What the bytes are, and how they are split, does not matter: the result
 /// is the same. Empty lines before the request are skipped (section 2.2).
@@ -39,10 +27,11 @@ struct Request {
 /// - 400 for what is malformed or ambiguous: request line, target (see parseRequestTarget), header
 ///   fields, a header field that continues on a second line, contradicting lengths, a transfer
 ///   coding whose end cannot be found, a Host field that is missing, malformed or not the only one.
+/// - 405 for the method CONNECT, whose target is no resource. All other methods are left to the
+///   Dispatcher.
 /// - 431 for more header fields than Options::maxHeaderFields.
-/// - 501 for the methods CONNECT and TRACE, which no resource of this server supports. All other
-///   methods are left to the provider.
-/// - 505 for versions of HTTP other than 1.0 and 1.1.
+/// - 501 for a transfer coding that is not known.
+/// - 505 for versions of HTTP other than 1.x. Versions above 1.1 are read as 1.1.
 ///
 /// Thread safety: belongs to one thread.
 class RequestParser {
@@ -57,8 +46,11 @@ class RequestParser {
     /// Errors: std::bad_alloc.
     [[nodiscard]] State parse(std::string_view received);
 
-    /// After kComplete: the request. Belongs to the parser.
-    [[nodiscard]] Request& request() noexcept { return *request_; }
+    /// After kComplete: the request, without its body. Its uri is RequestTarget::path, or "*" for
+    /// the method OPTIONS. It has exactly one header field "Host", which isHostWithPort accepts; an
+    /// HTTP/1.0 request may have none. The authority of an absolute target replaces the value of
+    /// the field (RFC 9112, section 3.2.2). Belongs to the parser.
+    [[nodiscard]] TSKHTTPRequest& request() noexcept { return *request_; }
 
     /// After kComplete: how many bytes of what was received belong to the header section and the
     /// empty lines before it.
@@ -83,7 +75,7 @@ class RequestParser {
     std::size_t start_ = 0;      // of the request line
     std::size_t lineStart_ = 0;  // of the line that `position_` is in
     char previous_ = '\0';       // the byte before `position_`
-    std::optional<Request> request_;
+    std::optional<TSKHTTPRequest> request_;
     Error error_;
 };
 

@@ -129,7 +129,9 @@ bool isOptionalPort(std::string_view text) {
 std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target) {
     if (!std::ranges::all_of(target, isTargetCharacter))
         return badRequest("The request target contains a character that must be percent-encoded.");
-    const std::string_view withoutQuery = target.substr(0, target.find_first_of("?#"));
+    if (target.find('#') != std::string_view::npos)
+        return badRequest("The request target contains a fragment.");
+    const std::string_view withoutQuery = target.substr(0, target.find('?'));
     if (withoutQuery.starts_with('/'))
         return makeTarget("", withoutQuery);
 

@@ -13,8 +13,8 @@ namespace Http {
 ///
 /// Thread safety: belongs to one thread.
 struct RequestTarget {
-    /// Begins with `/`, percent-encodings decoded, without query string and fragment. Contains no
-    /// control character and no segment `.` or `..`.
+    /// Begins with `/`, percent-encodings decoded, without query string. Contains no control
+    /// character and no segment `.` or `..`.
     std::string path;
 
     /// Host and optional port of an absolute target, as isHostWithPort accepts them; empty for a
@@ -24,8 +24,9 @@ struct RequestTarget {
 
 /// Reads a request target (RFC 9112, section 3.2): a path, or an absolute URI with the scheme http.
 /// Other forms get an error with status 400, and so does every target that could lead a provider to
-/// a wrong path: percent-encodings that are malformed or stand for a `/` or a control character,
-/// segments `.` and `..` (encoded or not), bytes that are not allowed in a URI.
+/// a wrong path: a fragment, which clients keep for themselves, percent-encodings that are
+/// malformed or stand for a `/` or a control character, segments `.` and `..` (encoded or not),
+/// bytes that are not allowed in a URI.
 [[nodiscard]] std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target);
 
 /// Whether `text` is a host with an optional port, as the header field "Host" requires (RFC 9110,

@@ -1,10 +1,12 @@
 #include "ObjectManager/Http/Response.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
 #include <utility>
 
 #include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Host/ProviderCall.h"
 #include "Platform/Util/TSKString.h"
 
 namespace Http {
@@ -12,23 +14,18 @@ namespace Http {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+constexpr std::string_view kVersion = "HTTP/1.1";
 
 // Not strftime's names, which depend on the locale.
 constexpr std::array<const char*, 7> kDays = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 constexpr std::array<const char*, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-// `header` ends with an empty line.
-bool hasField(std::string_view header, std::string_view name) {
-    for (std::size_t end = header.find(kLineEnd); end != std::string_view::npos;
-         end = header.find(kLineEnd)) {
-        const std::string_view line = header.substr(0, end);
-        if (Base::equalsIgnoringCase(line.substr(0, line.find(':')), name))
-            return true;
-        header.remove_prefix(end + kLineEnd.size());
-    }
-    return false;
+// Whether it is one of HTTP/1.
+bool beginsWithVersion(std::string_view text) {
+    constexpr std::string_view kAnyVersion = "HTTP/1.";
+    return text.size() > kVersion.size() && text.starts_with(kAnyVersion) &&
+           Base::isDigit(text[kAnyVersion.size()]) && text[kVersion.size()] == ' ';
 }
 
 // Formats once per second and thread. Valid until the next call by the same thread.
@@ -45,27 +42,62 @@ const std::string& currentDateField() {
 
 }  // namespace
 
-std::optional<Response> Response::make(std::string text, bool withoutBody) {
-    const std::string_view view = text;
-    const std::size_t headerEnd = view.find(kHeaderEnd);
-    if (!view.starts_with("HTTP/1.") || headerEnd == std::string_view::npos)
+std::optional<Response> Response::make(std::string text) {
+    const std::size_t headerLength = Host::headerLength(text);
+    if (headerLength == 0 || !beginsWithVersion(text))
         return std::nullopt;
-    const std::size_t headerLength = headerEnd + kHeaderEnd.size();
+    text.replace(0, kVersion.size(), kVersion);
 
     Response response;
-    response.statusLineLength_ = view.find(kLineEnd) + kLineEnd.size();
-    response.addedFields_ = currentDateField();
-    if (!hasField(view.substr(0, headerLength), "Connection"))
-        response.addedFields_ += "Connection: close\r\n";
-    response.length_ = withoutBody ? headerLength : view.size();
+    response.statusLineLength_ = text.find(kLineEnd) + kLineEnd.size();
+    response.headerLength_ = headerLength;
     response.text_ = std::move(text);
+    response.addedFields_ = currentDateField();
+    if (!response.field("Connection"))
+        response.addField("Connection", "close");
     return response;
+}
+
+unsigned Response::status() const noexcept {
+    const std::string_view line = std::string_view(text_).substr(0, statusLineLength_);
+    const std::size_t start = std::min(kVersion.size() + 1, line.size());
+    unsigned status = 0;
+    std::from_chars(line.data() + start, line.data() + line.size(), status);
+    return status;
+}
+
+std::optional<std::string_view> Response::field(std::string_view name) const noexcept {
+    std::string_view lines = std::string_view(text_).substr(0, headerLength_);
+    for (lines.remove_prefix(statusLineLength_); !lines.empty();
+         lines.remove_prefix(lines.find(kLineEnd) + kLineEnd.size())) {
+        const std::string_view line = lines.substr(0, lines.find(kLineEnd));
+        const std::size_t colon = std::min(line.find(':'), line.size());
+        if (Base::equalsIgnoringCase(line.substr(0, colon), name))
+            return Base::trimmed(line.substr(std::min(colon + 1, line.size())));
+    }
+    return std::nullopt;
+}
+
+std::string_view Response::body() const noexcept {
+    return std::string_view(text_).substr(headerLength_);
+}
+
+void Response::addField(std::string_view name, std::string_view value) {
+    addedFields_ += name;
+    addedFields_ += ": ";
+    addedFields_ += value;
+    addedFields_ += kLineEnd;
+}
+
+void Response::dropBody() {
+    text_ = std::string(text_, 0, headerLength_);
 }
 
 Response::Parts Response::unsent() const {
     const char* const begin = text_.data();
-    Parts parts = {boost::asio::buffer(begin, statusLineLength_), boost::asio::buffer(addedFields_),
-                   boost::asio::buffer(begin + statusLineLength_, length_ - statusLineLength_)};
+    Parts parts = {
+        boost::asio::buffer(begin, statusLineLength_), boost::asio::buffer(addedFields_),
+        boost::asio::buffer(begin + statusLineLength_, text_.size() - statusLineLength_)};
     std::size_t skipped = sent_;
     for (boost::asio::const_buffer& part : parts) {
         const std::size_t inPart = std::min(skipped, part.size());
@@ -73,6 +105,11 @@ Response::Parts Response::unsent() const {
         skipped -= inPart;
     }
     return parts;
+}
+
+std::size_t Response::sentBodyBytes() const noexcept {
+    const std::size_t before = headerLength_ + addedFields_.size();
+    return sent_ - std::min(sent_, before);
 }
 
 std::string dateField(std::time_t time) {

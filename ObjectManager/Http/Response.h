@@ -6,6 +6,7 @@
 #include <ctime>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Http {
 
@@ -19,11 +20,33 @@ class Response {
     using Parts = std::array<boost::asio::const_buffer, 3>;
 
     /// `text` is a whole response. Adds the field "Date", and "Connection: close" if there is no
-    /// field "Connection". Leaves the body out if `withoutBody` is true, as the method HEAD
-    /// requires. Returns nothing if `text` does not begin with the header section of an HTTP/1
+    /// field "Connection". The version becomes HTTP/1.1, which is that of this server whatever the
+    /// client's is. Returns nothing if `text` does not begin with the header section of an HTTP/1
     /// response.
     /// Errors: std::bad_alloc.
-    [[nodiscard]] static std::optional<Response> make(std::string text, bool withoutBody);
+    [[nodiscard]] static std::optional<Response> make(std::string text);
+
+    /// The number in the status line; 0 if there is none.
+    [[nodiscard]] unsigned status() const noexcept;
+
+    /// The value of the first field of that name among those that the provider wrote. Valid until
+    /// dropBody() or the end of this response.
+    [[nodiscard]] std::optional<std::string_view> field(std::string_view name) const noexcept;
+
+    /// Valid until dropBody() or the end of this response.
+    [[nodiscard]] std::string_view body() const noexcept;
+
+    /// The bytes of memory that it takes, without the few that are added to it.
+    [[nodiscard]] std::size_t memorySize() const noexcept { return text_.capacity(); }
+
+    /// Adds a header field. Nothing may be sent yet.
+    /// Errors: std::bad_alloc.
+    void addField(std::string_view name, std::string_view value);
+
+    /// Leaves the body out, as the method HEAD requires, and frees its memory. Nothing may be sent
+    /// yet.
+    /// Errors: std::bad_alloc.
+    void dropBody();
 
     /// Valid until `consume` or the end of this response.
     [[nodiscard]] Parts unsent() const;
@@ -33,14 +56,17 @@ class Response {
 
     [[nodiscard]] bool isSent() const noexcept { return sent_ == size(); }
 
+    /// How many bytes of the body are sent.
+    [[nodiscard]] std::size_t sentBodyBytes() const noexcept;
+
   private:
     Response() = default;
 
-    [[nodiscard]] std::size_t size() const noexcept { return length_ + addedFields_.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return text_.size() + addedFields_.size(); }
 
     std::string text_;
-    std::size_t length_ = 0;            // of text_, without a body that is left out
     std::size_t statusLineLength_ = 0;  // with its line end
+    std::size_t headerLength_ = 0;      // with its empty line
     std::string addedFields_;           // sent after the status line
     std::size_t sent_ = 0;
 };

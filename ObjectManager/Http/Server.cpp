@@ -1,17 +1,28 @@
 #include "ObjectManager/Http/Server.h"
 
 #include <algorithm>
+#include <atomic>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/system/error_code.hpp>
 #include <chrono>
+#include <limits>
+#include <new>
 #include <optional>
+#include <string>
+#include <sys/resource.h>
 #include <thread>
 #include <utility>
 
+#include "ObjectManager/Base/Log.h"
+#include "ObjectManager/Http/ClientAddress.h"
 #include "ObjectManager/Http/Connection.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/IoThread.h"
 #include "ObjectManager/Http/Listener.h"
 #include "ObjectManager/Http/RequestTarget.h"
+#include "ObjectManager/Http/ResponseMemory.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -19,7 +30,11 @@ namespace Http {
 namespace {
 
 using boost::asio::ip::tcp;
+using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+
+// How long the handshake of a connection takes, even to a distant client.
+constexpr std::chrono::milliseconds kHandshakeTime{100};
 
 // More than a worker needs to finish after the provider has returned.
 constexpr std::chrono::seconds kSettlingTime{1};
@@ -29,17 +44,53 @@ unsigned workerCount(const Options& options) {
                                : std::max(1U, std::thread::hardware_concurrency());
 }
 
+// The options with the numbers of connections that the process may have file descriptors for. A
+// warning in the log says so when these are fewer than configured.
+Options withinDescriptors(Options options) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return options;
+    const std::size_t reserve =
+        std::min<std::size_t>(options.reservedDescriptors, limit.rlim_cur / 2);
+    const std::size_t available = limit.rlim_cur - reserve;
+    if (available >= options.maxConnections + options.maxRefusedConnections)
+        return options;
+    options.maxRefusedConnections = std::min(options.maxRefusedConnections, available / 8);
+    const std::size_t configured = std::exchange(
+        options.maxConnections, std::clamp<std::size_t>(available - options.maxRefusedConnections,
+                                                        1, options.maxConnections));
+    if (options.maxConnections < configured) {
+        Base::log(kLogComponent, TeskTraceLog::SeverityWarning,
+                  "The process may open " + std::to_string(limit.rlim_cur) +
+                      " files, too few for " + std::to_string(configured) +
+                      " connections (max_connections); it serves " +
+                      std::to_string(options.maxConnections) +
+                      " at once. Raise the limit, which ulimit -n shows, or lower "
+                      "max_connections");
+    }
+    return options;
+}
+
+// The number of connections that one client may have.
+std::size_t clientLimit(const Options& options) {
+    const std::size_t limit = options.maxConnectionsPerClient.value_or(
+        std::max<std::size_t>(1, options.maxConnections / 4));
+    return limit == 0 ? std::numeric_limits<std::size_t>::max() : limit;
+}
+
 }  // namespace
 
 // The order of the members ends the threads before what they use.
 class Server::Implementation {
   public:
     Implementation(const Options& options, const TeskProviderPluginManager& manager,
-                   NeedsPasswordHash needsPasswordHash, Prepare prepare)
-        : options_(options),
-          needsPasswordHash_(std::move(needsPasswordHash)),
-          prepare_(std::move(prepare)),
-          dispatcher_(manager) {
+                   Authentication authentication, Report report)
+        : options_(withinDescriptors(options)),
+          maxConnectionsPerClient_(clientLimit(options_)),
+          authentication_(std::move(authentication)),
+          report_(std::move(report)),
+          dispatcher_(manager),
+          memory_(options.maxResponseMemory) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =
                 listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
@@ -51,6 +102,7 @@ class Server::Implementation {
     Implementation& operator=(const Implementation&) = delete;
 
     ~Implementation() {
+        hasEnded_ = true;
         ioThread_.stop();
         closeListeners();
     }
@@ -60,14 +112,22 @@ class Server::Implementation {
     }
 
     void start() {
-        workers_.emplace(workerCount(options_), options_.maxWaitingHashes);
+        workers_.emplace(
+            workerCount(options_),
+            WorkerPool::Limits{.maxRunningHashes = options_.maxRunningHashes,
+                               .hashes = {.places = options_.maxWaitingHashes,
+                                          .placesPerClient = options_.maxWaitingHashesPerClient}});
         context_.emplace(contextOf(connections_));
         refusedContext_.emplace(contextOf(refused_));
         for (const std::unique_ptr<Listener>& listener : listeners_) {
-            listener->start([this](tcp::socket socket, const tcp::endpoint& client) {
-                accept(std::move(socket), client);
-            });
+            listener->start(
+                [this](tcp::socket socket, const tcp::endpoint& client) {
+                    accept(std::move(socket), client);
+                },
+                options_.descriptorTimeout);
         }
+        if (options_.requestTimeout.count() > 0)
+            findOverdueRequests();
         ioThread_.start();
     }
 
@@ -77,14 +137,8 @@ class Server::Implementation {
             closeListeners();
             return true;
         }
-        ioThread_.call([this] {
-            closeListeners();
-            for (const auto& connection : connections_.all())
-                connection->closeIfReading();
-            for (const auto& connection : refused_.all())
-                connection->abandon();
-        });
-        if (!connections_.waitUntilEmpty(deadline)) {
+        receiveLastRequests(deadline);
+        if (!connections_.waitUntilServed(deadline)) {
             workers_->dropWaiting();
             ioThread_.call([this] {
                 for (const auto& connection : connections_.all())
@@ -100,8 +154,34 @@ class Server::Implementation {
                 .dispatcher = dispatcher_,
                 .workers = *workers_,
                 .connections = connections,
-                .needsPasswordHash = needsPasswordHash_,
-                .prepare = prepare_};
+                .memory = memory_,
+                .authentication = authentication_,
+                .onClosed = [this] { onClosed(); },
+                .lacksDescriptors = [this] { return lacksDescriptors(); },
+                .report = report_};
+    }
+
+    // A client that is connected when the server stops gets its response: first those that are
+    // connecting complete that, then all of them have some time to send their request.
+    void receiveLastRequests(steady_clock::time_point deadline) {
+        ioThread_.call([this] {
+            for (const std::unique_ptr<Listener>& listener : listeners_)
+                listener->refuseNewClients();
+        });
+        if (!std::exchange(isStopping_, true))
+            std::this_thread::sleep_until(std::min(deadline, steady_clock::now() + kHandshakeTime));
+        ioThread_.call([this] {
+            for (const std::unique_ptr<Listener>& listener : listeners_)
+                listener->acceptRestAndClose();
+        });
+        (void)connections_.waitUntilNoneReads(
+            std::min(deadline, steady_clock::now() + options_.stopGrace));
+        ioThread_.call([this] {
+            for (const auto& connection : connections_.all())
+                connection->closeIfReading();
+            for (const auto& connection : refused_.all())
+                connection->abandon();
+        });
     }
 
     void closeListeners() {
@@ -110,26 +190,96 @@ class Server::Implementation {
     }
 
     void accept(tcp::socket socket, const tcp::endpoint& client) {
-        if (connections_.size() < options_.maxConnections)
-            std::make_shared<Connection>(*context_, std::move(socket), client)->start();
+        if (hasTooMany(client))
+            refuse(std::move(socket), client,
+                   "Too many connections come from your address. Try again later.");
+        else if (!makeRoom())
+            refuse(std::move(socket), client, kTooManyConnections);
         else
-            refuse(std::move(socket), client);
+            std::make_shared<Connection>(*context_, std::move(socket), client)->start();
     }
 
-    void refuse(tcp::socket socket, const tcp::endpoint& client) {
+    [[nodiscard]] bool hasTooMany(const tcp::endpoint& client) const {
+        const ClientAddress address = ClientAddress::of(*client.data());
+        return connections_.sizeOf(ClientKey::of(address)) >= maxConnectionsPerClient_ &&
+               !isIn(options_.trustedProxies, address);
+    }
+
+    // Returns whether there is a place for one more connection.
+    [[nodiscard]] bool makeRoom() {
+        if (connections_.size() < options_.maxConnections)
+            return true;
+        if (const std::shared_ptr<Connection> oldest = connections_.oldestLingering())
+            oldest->abandon();
+        else if (const std::shared_ptr<Connection> reading = connections_.oldestReading())
+            reading->makeRoom();
+        return connections_.size() < options_.maxConnections;
+    }
+
+    void refuse(tcp::socket socket, const tcp::endpoint& client, const char* reason) {
         const bool mayLinger = refused_.size() < options_.maxRefusedConnections;
         const auto connection =
             std::make_shared<Connection>(*refusedContext_, std::move(socket), client);
-        connection->refuse(
-            {.status = 503, .text = "The server has too many connections. Try again later."});
+        connection->refuse({.status = 503, .text = reason});
         if (!mayLinger)
             connection->abandon();
     }
 
-    Options options_;
-    NeedsPasswordHash needsPasswordHash_;
-    Prepare prepare_;
+    // Looks again and again for requests that take too long.
+    void findOverdueRequests() {
+        overdueTimer_.expires_after(std::clamp<milliseconds>(
+            options_.requestTimeout / 8, milliseconds(1), std::chrono::seconds(1)));
+        overdueTimer_.async_wait([this](const boost::system::error_code& error) {
+            if (error)
+                return;
+            findOverdueRequests();
+            endOverdueRequests();
+        });
+    }
+
+    void endOverdueRequests() {
+        const auto overdue =
+            workers_->replaceOverdue(steady_clock::now() - options_.requestTimeout);
+        for (const WorkerPool::Overdue& request : overdue) {
+            request.whenOverdue();
+            const std::string limit = std::to_string(workerCount(options_));
+            const std::string text =
+                request.isReplaced
+                    ? "A worker that waits for a provider is replaced by another one, " +
+                          std::to_string(request.replacements) + " of at most " + limit + " times"
+                    : "A worker that waits for a provider cannot be replaced; " +
+                          std::to_string(request.replacements) + " of at most " + limit +
+                          " have been";
+            Base::log(kLogComponent, TeskTraceLog::SeverityError, text);
+        }
+    }
+
+    [[nodiscard]] bool lacksDescriptors() const noexcept {
+        return std::ranges::any_of(listeners_, [](const std::unique_ptr<Listener>& listener) {
+            return listener->isOutOfDescriptors();
+        });
+    }
+
+    // Lets listeners go on that have run out of file descriptors. Called by all threads.
+    void onClosed() noexcept {
+        if (hasEnded_ || !lacksDescriptors())
+            return;
+        try {
+            boost::asio::post(ioThread_.context(), [this] {
+                for (const std::unique_ptr<Listener>& listener : listeners_)
+                    listener->goOnWithDescriptors();
+            });
+        } catch (const std::bad_alloc&) {
+            // They go on after Options::descriptorTimeout.
+        }
+    }
+
+    const Options options_;
+    const std::size_t maxConnectionsPerClient_;
+    const Authentication authentication_;
+    const Report report_;
     Dispatcher dispatcher_;
+    ResponseMemory memory_;
     ConnectionSet connections_;
     ConnectionSet refused_;  // beyond the limit; they have their response, but may still send
     std::optional<ConnectionContext> context_;
@@ -137,13 +287,16 @@ class Server::Implementation {
     IoThread ioThread_;
     std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<ListenAddress> addresses_;
+    boost::asio::steady_timer overdueTimer_{ioThread_.context()};
+    bool isStopping_ = false;
+    std::atomic<bool> hasEnded_ = false;  // the listeners may be gone
     std::optional<WorkerPool> workers_;
 };
 
 Server::Server(const Options& options, const TeskProviderPluginManager& manager,
-               NeedsPasswordHash needsPasswordHash, Prepare prepare)
-    : implementation_(std::make_unique<Implementation>(
-          options, manager, std::move(needsPasswordHash), std::move(prepare))) {}
+               Authentication authentication, Report report)
+    : implementation_(std::make_unique<Implementation>(options, manager, std::move(authentication),
+                                                       std::move(report))) {}
 
 Server::~Server() = default;
 

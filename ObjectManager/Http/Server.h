@@ -4,8 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/Authentication.h"
 #include "ObjectManager/Http/Options.h"
-#include "Platform/Http/TSKHTTPRequest.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 namespace Http {
@@ -21,23 +22,15 @@ namespace Http {
 /// Thread safety: belongs to one thread, which must not run providers.
 class Server {
   public:
-    /// Whether a password must be hashed to respond to `request`, which takes long. Such requests
-    /// wait in a queue of their own (Options::maxWaitingHashes) and never occupy all workers if
-    /// there are two or more. Called by the I/O thread, so it must be fast. If it throws, the
-    /// connection is closed.
-    using NeedsPasswordHash = std::function<bool(const TSKHTTPRequest& request)>;
-
-    /// Makes the request that `needsPasswordHash` and the provider get. It may be of a derived
-    /// class, which carries what both would find out for themselves, such as parsed credentials.
-    /// Called by the I/O thread, as NeedsPasswordHash is.
-    using Prepare = std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest& request)>;
+    /// Is told of each response, also of those of the server itself; see ConnectionContext::report.
+    /// Called by several threads at once.
+    using Report = std::function<void(const Exchange& exchange)>;
 
     /// Listens from now on, on all addresses or on none; connections wait until start(). `manager`
-    /// must outlive the server. Without `needsPasswordHash` all requests are alike;
-    /// without `prepare` a request is handed on as it was read.
+    /// must outlive the server.
     /// Errors: std::system_error that names address and port when it cannot listen on one of them.
     Server(const Options& options, const TeskProviderPluginManager& manager,
-           NeedsPasswordHash needsPasswordHash = nullptr, Prepare prepare = nullptr);
+           Authentication authentication = {}, Report report = nullptr);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Closes all connections. Waits for the providers that still run, however long that takes.
@@ -51,9 +44,16 @@ class Server {
     /// Errors: std::system_error when a thread cannot be started.
     void start();
 
-    /// Stops serving: accepts no further connections, closes those whose request has not come in,
-    /// lets the others finish for Options::shutdownTimeout, then closes them too. May be called
-    /// again, to wait longer for providers.
+    /// Stops serving: accepts the connections that clients have begun, and no further ones; closes
+    /// those whose request does not come in within Options::stopGrace; lets the others send their
+    /// response until Options::shutdownTimeout has passed, then closes them too. Does not wait for
+    /// clients that have their response and do not close their connection. May be called again, to
+    /// wait longer for providers.
+    ///
+    /// So no request is lost if its client was connected when stop() began. The exceptions: a
+    /// client so far away that its handshake takes more than a tenth of a second, one that is slow
+    /// to send its request, and a server that cannot accept its connection because file
+    /// descriptors have run out.
     ///
     /// Returns whether no provider runs any more, so that the providers may be shut down. If it
     /// returns false, a provider hangs and cannot be stopped; then end the process without

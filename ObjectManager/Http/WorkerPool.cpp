@@ -1,35 +1,23 @@
 #include "ObjectManager/Http/WorkerPool.h"
 
 #include <algorithm>
+#include <exception>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace Http {
 
-namespace {
+using std::chrono::steady_clock;
 
-// Takes the first job out, runs it without the lock and destroys it.
-void runFirst(std::deque<WorkerPool::Job>& waiting, std::unique_lock<std::mutex>& lock) {
-    WorkerPool::Job job = std::move(waiting.front());
-    waiting.pop_front();
-    lock.unlock();
+WorkerPool::WorkerPool(unsigned threads, const Limits& limits)
+    : threads_(std::max(1U, threads)),
+      maxHashing_(std::clamp(limits.maxRunningHashes, 1U, std::max(2U, threads_) - 1)),
+      hashes_(limits.hashes) {
     try {
-        job();
-    } catch (...) {
-        // The job has reported its failure, or there is no memory to do so.
-    }
-    job = nullptr;
-    lock.lock();
-}
-
-}  // namespace
-
-WorkerPool::WorkerPool(unsigned threads, std::size_t maxSlowWaiting)
-    : maxSlowWaiting_(maxSlowWaiting), maxSlowRunning_(threads > 1 ? threads - 1 : 1) {
-    const unsigned count = std::max(1U, threads);
-    threads_.reserve(count);
-    try {
-        while (threads_.size() < count)
-            threads_.emplace_back([this] { runJobs(); });
+        std::unique_lock lock(mutex_);
+        while (workers_.size() < threads_)
+            startWorker();
     } catch (...) {
         join();
         throw;
@@ -41,75 +29,157 @@ WorkerPool::~WorkerPool() {
     join();
 }
 
-void WorkerPool::postQuick(Job job) {
+void WorkerPool::postQuick(Job job, Job whenOverdue) {
     {
         const std::lock_guard lock(mutex_);
-        quick_.push_back(std::move(job));
+        quick_.push_back({.run = std::move(job), .whenOverdue = std::move(whenOverdue)});
     }
     jobWaits_.notify_one();
 }
 
-bool WorkerPool::postSlow(Job job) {
+void WorkerPool::postHash(HashRequest request) {
+    HashQueue::Groups refused;
     {
         const std::lock_guard lock(mutex_);
-        if (slow_.size() >= maxSlowWaiting_)
-            return false;
-        slow_.push_back(std::move(job));
+        refused = hashes_.push(std::move(request), steady_clock::now());
     }
     jobWaits_.notify_one();
-    return true;
+    for (const auto& group : refused)
+        HashQueue::end(*group, false);
+}
+
+std::vector<WorkerPool::Overdue> WorkerPool::replaceOverdue(TimePoint begin) {
+    std::vector<Overdue> found;
+    const std::lock_guard lock(mutex_);
+    found.reserve(workers_.size());
+    // Threads that are started meanwhile have no job yet.
+    for (Worker& worker : workers_) {
+        if (!worker.whenOverdue || worker.begin >= begin)
+            continue;
+        if (replacements_ < threads_) {
+            try {
+                startWorker();
+                worker.isReplaced = true;
+                ++replacements_;
+            } catch (const std::exception&) {
+                // The system has no thread or no memory for it.
+            }
+        }
+        found.push_back({.whenOverdue = std::exchange(worker.whenOverdue, nullptr),
+                         .isReplaced = worker.isReplaced,
+                         .replacements = replacements_});
+    }
+    return found;
 }
 
 // One by one, since the destructor must not allocate, and without the lock, since a job may hold
 // anything.
 void WorkerPool::dropWaiting() {
     std::unique_lock lock(mutex_);
-    while (!quick_.empty() || !slow_.empty()) {
-        std::deque<Job>& jobs = quick_.empty() ? slow_ : quick_;
-        Job dropped = std::move(jobs.front());
-        jobs.pop_front();
+    for (;;) {
+        QuickJob job;
+        std::shared_ptr<HashQueue::Group> group;
+        if (!quick_.empty()) {
+            job = std::move(quick_.front());
+            quick_.pop_front();
+        } else if (group = hashes_.drop(); group == nullptr) {
+            break;
+        }
         lock.unlock();
-        dropped = nullptr;
+        job = {};
+        group.reset();
         lock.lock();
     }
     if (isIdle())
         idle_.notify_all();
 }
 
-bool WorkerPool::waitUntilIdle(std::chrono::steady_clock::time_point deadline) {
+bool WorkerPool::waitUntilIdle(TimePoint deadline) {
     std::unique_lock lock(mutex_);
     return idle_.wait_until(lock, deadline, [this] { return isIdle(); });
 }
 
+void WorkerPool::startWorker() {
+    Worker& worker = workers_.emplace_back();
+    try {
+        worker.thread = std::thread([this, &worker] { runJobs(worker); });
+    } catch (...) {
+        workers_.pop_back();
+        throw;
+    }
+}
+
 // A thread looks for jobs of both kinds, and again after each job. So no job is overlooked,
-// although a slow one may wake a thread that must not run it.
-void WorkerPool::runJobs() {
+// although a hash may wake a thread that must not compute it.
+void WorkerPool::runJobs(Worker& worker) {
     std::unique_lock lock(mutex_);
-    for (;;) {
-        jobWaits_.wait(lock, [this] { return isEnding_ || !quick_.empty() || mayRunSlow(); });
-        if (isEnding_)
-            return;
-        if (isSlowNext())
-            runSlow(lock);
+    while (!isEnding_ && !worker.isReplaced) {
+        if (isHashNext())
+            runHash(lock);
+        else if (!quick_.empty())
+            runQuick(worker, lock);
         else
-            runQuick(lock);
+            waitForJob(lock);
         if (isIdle())
             idle_.notify_all();
     }
 }
 
-void WorkerPool::runQuick(std::unique_lock<std::mutex>& lock) {
-    quickInARow_ = mayRunSlow() ? quickInARow_ + 1 : 0;
-    ++quickRunning_;
-    runFirst(quick_, lock);
-    --quickRunning_;
+void WorkerPool::waitForJob(std::unique_lock<std::mutex>& lock) {
+    const std::optional<TimePoint> turn = hashes_.nextTurn();
+    if (turn && hashing_ < maxHashing_)
+        jobWaits_.wait_until(lock, *turn);
+    else
+        jobWaits_.wait(lock);
 }
 
-void WorkerPool::runSlow(std::unique_lock<std::mutex>& lock) {
+void WorkerPool::runQuick(Worker& worker, std::unique_lock<std::mutex>& lock) {
+    quickInARow_ = mayHash() ? quickInARow_ + 1 : 0;
+    QuickJob job = std::move(quick_.front());
+    quick_.pop_front();
+    worker.whenOverdue = std::move(job.whenOverdue);
+    if (worker.whenOverdue)
+        worker.begin = steady_clock::now();
+    ++running_;
+    lock.unlock();
+    try {
+        job.run();
+    } catch (...) {
+        // The job has reported its failure, or there is no memory to do so.
+    }
+    job.run = nullptr;
+    lock.lock();
+    if (Job whenOverdue = std::exchange(worker.whenOverdue, nullptr)) {
+        lock.unlock();
+        whenOverdue = nullptr;
+        lock.lock();
+    }
+    --running_;
+}
+
+void WorkerPool::runHash(std::unique_lock<std::mutex>& lock) {
     quickInARow_ = 0;
-    ++slowRunning_;
-    runFirst(slow_, lock);
-    --slowRunning_;
+    HashQueue::Turn turn = hashes_.take(steady_clock::now());
+    ++running_;
+    ++hashing_;
+    lock.unlock();
+    std::optional<bool> isRight;
+    try {
+        isRight = HashQueue::hash(*turn.group);
+    } catch (...) {
+        // The requests are served as if there was a result, and report the failure.
+    }
+    lock.lock();
+    --hashing_;
+    HashQueue::Groups refused = hashes_.finish(turn, isRight, steady_clock::now());
+    lock.unlock();
+    HashQueue::end(*turn.group, true);
+    for (const auto& group : refused)
+        HashQueue::end(*group, false);
+    turn = {};
+    refused.clear();
+    lock.lock();
+    --running_;
 }
 
 void WorkerPool::join() {
@@ -118,20 +188,21 @@ void WorkerPool::join() {
         isEnding_ = true;
     }
     jobWaits_.notify_all();
-    for (std::thread& thread : threads_)
-        thread.join();
+    for (Worker& worker : workers_)
+        worker.thread.join();
 }
 
-bool WorkerPool::mayRunSlow() const {
-    return !slow_.empty() && slowRunning_ < maxSlowRunning_;
+bool WorkerPool::mayHash() const {
+    const std::optional<TimePoint> turn = hashes_.nextTurn();
+    return turn && hashing_ < maxHashing_ && *turn <= steady_clock::now();
 }
 
-bool WorkerPool::isSlowNext() const {
-    return mayRunSlow() && (quick_.empty() || quickInARow_ >= kMaxQuickInARow);
+bool WorkerPool::isHashNext() const {
+    return mayHash() && (quick_.empty() || quickInARow_ >= kMaxQuickInARow);
 }
 
 bool WorkerPool::isIdle() const {
-    return quick_.empty() && slow_.empty() && quickRunning_ == 0 && slowRunning_ == 0;
+    return quick_.empty() && !hashes_.nextTurn() && running_ == 0;
 }
 
 }  // namespace Http

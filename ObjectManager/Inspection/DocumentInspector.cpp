@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Inspection/XmlDocument.h"
 
 namespace Inspection {
@@ -123,8 +124,8 @@ std::vector<Finding> findDuplicateMessages(const xmlNode& definitions) {
         const std::string name = attribute(*child, "name");
         if (!names.insert(name).second) {
             findings.push_back(finding(FindingKind::kDuplicateMessage, "",
-                                       "the WSDL has two messages \"" + name +
-                                           "\", since a method is named like another operation"));
+                                       "the WSDL has two messages " + Base::quoted(name) +
+                                           ", since a method is named like another operation"));
         }
     }
     return findings;

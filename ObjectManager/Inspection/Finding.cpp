@@ -5,7 +5,7 @@
 namespace Inspection {
 
 bool isError(FindingKind kind) noexcept {
-    return kind == FindingKind::kNoDocument || kind == FindingKind::kTooManyGaps ||
+    return kind == FindingKind::kNoDocument || kind == FindingKind::kTooLarge ||
            kind == FindingKind::kNotWellFormed;
 }
 
@@ -13,8 +13,8 @@ const char* nameOf(FindingKind kind) noexcept {
     switch (kind) {
         case FindingKind::kNoDocument:
             return "no-document";
-        case FindingKind::kTooManyGaps:
-            return "too-many-gaps";
+        case FindingKind::kTooLarge:
+            return "too-large";
         case FindingKind::kNotWellFormed:
             return "not-well-formed";
         case FindingKind::kUnmappedType:

@@ -8,7 +8,7 @@ namespace Inspection {
 /// What may be wrong with the documents of a class, the most serious first.
 enum class FindingKind : std::uint8_t {
     kNoDocument,         ///< the provider sent none
-    kTooManyGaps,        ///< ".." of ValueMaps that would be written as more than 1,000,000 values
+    kTooLarge,           ///< the documents would be larger than allowed; the class is left out
     kNotWellFormed,      ///< no XML parser reads the document
     kUnmappedType,       ///< a type without a place in XML Schema, written as "NA"
     kLengthAndValueMap,  ///< a parameter with both MaxLen and ValueMap: two types for one element

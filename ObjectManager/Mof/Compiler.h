@@ -12,7 +12,8 @@ namespace Mof {
 
 struct CompilerOptions {
     /// The directories that are searched for an included file that is not in the directory of the
-    /// file that includes it.
+    /// file that includes it. No file is read that is neither below one of them nor below the
+    /// directory of a path that is compiled, whatever links lead to it.
     std::vector<std::string> includePath;
 
     /// How many errors and warnings are reported.
@@ -25,6 +26,9 @@ struct CompilerOptions {
     /// The size of a file in bytes, eight times that of the DMTF's whole schema. Its declarations
     /// take many times its size in memory.
     std::size_t maxFileSize = std::size_t{64} << 20U;
+
+    /// The size of all files together in bytes.
+    std::size_t maxTotalSize = std::size_t{256} << 20U;
 };
 
 /// The declarations of MOF files, and what is wrong with them.
@@ -33,6 +37,7 @@ struct Compilation {
     std::vector<QualifierDeclaration> qualifiers;
     std::vector<ClassDeclaration> classes;
     std::vector<Diagnostic> diagnostics;
+    std::size_t bytesRead = 0;  ///< the size of all files
 
     /// Whether an error makes the declarations useless.
     [[nodiscard]] bool hasErrors() const noexcept;

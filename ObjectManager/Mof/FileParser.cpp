@@ -211,8 +211,7 @@ bool TokenStream::isFollowedByName(const Range& token) const {
     while (end < text_.size() && Base::isSpace(text_[end]))
         ++end;
     const char next = end == text_.size() ? ' ' : text_[end];
-    return end > token.end &&
-           (Base::isLetter(next) || next == '_' || static_cast<unsigned char>(next) >= 0x80);
+    return end > token.end && beginsName(next);
 }
 
 // What the grammar makes of its symbols.

@@ -1,5 +1,6 @@
 #include "ObjectManager/Mof/IncludeReader.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <optional>
@@ -38,22 +39,64 @@ std::string siblingPath(std::string_view file, const std::string& name) {
 struct OpenFile {
     std::string path;
     Base::FileDescriptor descriptor;
-    Base::FileIdentity identity;
+    Base::FileVersion version;
 };
 
 // None if no file has that path.
-std::optional<OpenFile> openSource(std::string path, Base::FileKind kind) {
-    std::optional<Base::FileDescriptor> descriptor = Base::openIfThere(path, kind);
+std::optional<OpenFile> openSource(std::string path) {
+    std::optional<Base::FileDescriptor> descriptor = Base::openIfThere(path);
     if (!descriptor)
         return std::nullopt;
-    const Base::FileIdentity identity = Base::FileVersion::of(*descriptor).identity;
+    const Base::FileVersion version = Base::FileVersion::of(*descriptor);
     return OpenFile{
-        .path = std::move(path), .descriptor = *std::move(descriptor), .identity = identity};
+        .path = std::move(path), .descriptor = *std::move(descriptor), .version = version};
 }
 
-std::string reasonOf(const std::system_error& error) {
-    return error.code() == std::errc::not_supported ? "it is not a regular file"
-                                                    : error.code().message();
+// The directories below which files may be read. A model that comes from a stranger must not lead
+// to other files, whose lines would appear in messages.
+class ReadableDirectories {
+  public:
+    // One that is not there or closed holds nothing that could be read.
+    void add(const std::string& path) {
+        try {
+            std::string location = Base::locationOf(Base::openDirectory(path));
+            if (std::ranges::find(locations_, location) == locations_.end())
+                locations_.push_back(std::move(location));
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::no_such_file_or_directory &&
+                error.code() != std::errc::not_a_directory &&
+                error.code() != std::errc::permission_denied)
+                throw;
+        }
+    }
+
+    // Where the file itself is counts, not by which path and links it was reached, nor what has
+    // happened to these since.
+    [[nodiscard]] bool contain(const OpenFile& file) const {
+        const std::string location = Base::locationOf(file.descriptor);
+        return std::ranges::any_of(locations_, [&](std::string_view directory) {
+            return location.starts_with(directory) &&
+                   (directory.ends_with('/') || location.substr(directory.size()).starts_with('/'));
+        });
+    }
+
+    // As a message says what to do about a file elsewhere.
+    [[nodiscard]] std::string advice() const {
+        std::vector<std::string> shown;
+        std::ranges::transform(locations_, std::back_inserter(shown), &Base::quoted);
+        return "files are read below " + Base::joined(shown, ", ", " and ") +
+               " only; include_path and --include-path add directories";
+    }
+
+  private:
+    std::vector<std::string> locations_;
+};
+
+std::string directoryOf(const std::string& path) {
+    if (Base::FileVersion::of(path).isDirectory())
+        return path;
+    const std::size_t end = path.rfind('/');
+    return end == std::string::npos ? "." : path.substr(0, end + 1);
 }
 
 // Reads files and what they include. Since declarations may have any order, an included file is
@@ -72,13 +115,22 @@ class IncludeReader {
                   reporter_.warning(inLastFile(offset), message);
               }) {}
 
+    // Allows to read below what is given here.
+    void addReadable(const std::string& path) {
+        try {
+            readable_.add(path);
+        } catch (const std::system_error& error) {
+            addUnreadable(path, error);
+        }
+    }
+
     // Reads a file or a directory.
     void readAll(const std::string& path) {
         try {
-            if (fs::is_directory(path))
+            if (Base::FileVersion::of(path).isDirectory())
                 readDirectory(path);
             else
-                readUnlessIncluded(path, Base::FileKind::kAny);
+                readGiven(path);
         } catch (const fs::filesystem_error& error) {
             addUnreadable(error.path1(), error);
         } catch (const std::system_error& error) {
@@ -100,7 +152,7 @@ class IncludeReader {
             inDirectories_.insert(file.identity);
         for (const DirectoryFile& file : files) {
             try {
-                readUnlessIncluded(file.path, Base::FileKind::kRegular);
+                readFound(file.path);
             } catch (const std::system_error& error) {
                 addUnreadable(file.path, error);
             }
@@ -108,30 +160,61 @@ class IncludeReader {
     }
 
     void addUnreadable(const std::string& path, const std::system_error& error) {
-        reporter_.errorOfFile(path, "cannot be read: " + reasonOf(error));
+        reporter_.errorOfFile(path, "cannot be read: " + Base::readFailure(error));
     }
 
-    void readUnlessIncluded(const std::string& path, Base::FileKind kind) {
-        const std::optional<OpenFile> file = openSource(path, kind);
+    // A path that is compiled. Whoever gives it may link to wherever they like.
+    void readGiven(const std::string& path) {
+        const OpenFile file = openExisting(path);
+        if (!read_.contains(file.version.identity))
+            read(file, nullptr);
+    }
+
+    // A file in a directory that is compiled.
+    void readFound(const std::string& path) {
+        const OpenFile file = openExisting(path);
+        if (read_.contains(file.version.identity))
+            return;
+        if (readable_.contain(file))
+            read(file, nullptr);
+        else
+            reporter_.errorOfFile(path, "is a link that leads elsewhere: " + readable_.advice());
+    }
+
+    static OpenFile openExisting(const std::string& path) {
+        std::optional<OpenFile> file = openSource(path);
         if (!file)
             throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory));
-        if (!read_.contains(file->identity))
-            read(*file, nullptr);
+        return *std::move(file);
     }
 
     void read(const OpenFile& file, const Reading* includedBy) {
         const std::size_t number = compilation_.files.size();
-        compilation_.files.emplace_back(file.path,
-                                        Base::readAll(file.descriptor, options_.maxFileSize));
-        read_.insert(file.identity);
+        const std::size_t left = options_.maxTotalSize - compilation_.bytesRead;
+        if (!fits(file, left))
+            return;
+        std::string bytes = Base::readAll(file.descriptor, std::min(options_.maxFileSize, left));
+        compilation_.bytesRead += bytes.size();
+        compilation_.files.emplace_back(file.path, std::move(bytes));
+        read_.insert(file.version.identity);
         FileDeclarations declarations = parser_.parse(compilation_.files.back(), number);
         moveInto(compilation_.qualifiers, declarations.qualifiers);
         moveInto(compilation_.classes, declarations.classes);
-        const Reading reading{.identity = file.identity,
+        const Reading reading{.identity = file.version.identity,
                               .includedBy = includedBy,
                               .depth = includedBy == nullptr ? 0 : includedBy->depth + 1};
         for (const Include& include : declarations.includes)
             readIncluded(include, reading);
+    }
+
+    // Reports if not.
+    bool fits(const OpenFile& file, std::size_t left) {
+        if (static_cast<std::size_t>(file.version.size) <= left)
+            return true;
+        reporter_.errorOfFile(file.path,
+                              "is not read: with it the model would be larger than "
+                              "repository.max_model_size");
+        return false;
     }
 
     void readIncluded(const Include& include, const Reading& includedBy) {
@@ -139,7 +222,7 @@ class IncludeReader {
             findAndRead(include, includedBy);
         } catch (const std::system_error& error) {
             reporter_.error(include.position, "the included file " + Base::quoted(include.path) +
-                                                  " cannot be read: " + reasonOf(error));
+                                                  " cannot be read: " + Base::readFailure(error));
         }
     }
 
@@ -154,13 +237,12 @@ class IncludeReader {
     }
 
     [[nodiscard]] std::optional<OpenFile> find(const Include& include) const {
-        constexpr auto kKind = Base::FileKind::kRegular;
         const std::string& includingFile = compilation_.files[include.position.file].name();
-        std::optional<OpenFile> file = openSource(siblingPath(includingFile, include.path), kKind);
+        std::optional<OpenFile> file = openSource(siblingPath(includingFile, include.path));
         for (const std::string& directory : options_.includePath) {
             if (file)
                 break;
-            file = openSource(siblingPath(directory + "/", include.path), kKind);
+            file = openSource(siblingPath(directory + "/", include.path));
         }
         return file;
     }
@@ -169,15 +251,20 @@ class IncludeReader {
     bool mayBeRead(const Include& include, const OpenFile& file, const Reading& includedBy) {
         for (const Reading* reading = &includedBy; reading != nullptr;
              reading = reading->includedBy) {
-            if (reading->identity == file.identity) {
+            if (reading->identity == file.version.identity) {
                 reporter_.error(include.position,
                                 "the file " + Base::quoted(include.path) + " includes itself" +
                                     (reading == &includedBy ? "" : " by way of others"));
                 return false;
             }
         }
-        if (read_.contains(file.identity)) {
+        if (read_.contains(file.version.identity)) {
             warnUnlessInDirectory(include, file);
+            return false;
+        }
+        if (!readable_.contain(file)) {
+            reporter_.error(include.position, "the included file " + Base::quoted(include.path) +
+                                                  " is elsewhere: " + readable_.advice());
             return false;
         }
         if (includedBy.depth == options_.maxIncludeDepth) {
@@ -191,7 +278,7 @@ class IncludeReader {
 
     // A directory may hold a file that includes the others, which may be read before it.
     void warnUnlessInDirectory(const Include& include, const OpenFile& file) {
-        if (!inDirectories_.contains(file.identity)) {
+        if (!inDirectories_.contains(file.version.identity)) {
             reporter_.warning(include.position, "the file " + Base::quoted(include.path) +
                                                     " is included already and not read again");
         }
@@ -206,6 +293,7 @@ class IncludeReader {
     Compilation& compilation_;
     Reporter& reporter_;
     FileParser parser_;
+    ReadableDirectories readable_;
     std::set<Base::FileIdentity> read_;
     std::set<Base::FileIdentity> inDirectories_;  // of those given: read, or about to be
 };
@@ -215,6 +303,10 @@ class IncludeReader {
 void readFiles(const std::vector<std::string>& paths, const CompilerOptions& options,
                Compilation& compilation, Reporter& reporter) {
     IncludeReader reader(options, compilation, reporter);
+    for (const std::string& path : paths)
+        reader.addReadable(directoryOf(path));
+    for (const std::string& directory : options.includePath)
+        reader.addReadable(directory);
     for (const std::string& path : paths)
         reader.readAll(path);
 }

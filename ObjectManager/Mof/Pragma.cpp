@@ -5,6 +5,7 @@
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Mof/Scanner.h"
 
 namespace Mof {
 
@@ -21,8 +22,7 @@ bool holdsLineEnd(std::string_view text) {
 }
 
 bool isNameByte(char byte) {
-    return Base::isLetter(byte) || Base::isDigit(byte) || byte == '_' ||
-           static_cast<unsigned char>(byte) >= 0x80;
+    return beginsName(byte) || Base::isDigit(byte);
 }
 
 // Takes the parts of a pragma from the front of a text, each with the spaces and comments before

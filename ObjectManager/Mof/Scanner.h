@@ -4,12 +4,19 @@
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Mof/Diagnostics.h"
 #include "ObjectManager/Mof/Parser.h"
 #include "Platform/Util/TSKString.h"
 
 namespace Mof {
+
+/// Whether a name may begin with a byte: a letter, an underscore, or a part of a character that is
+/// not ASCII.
+[[nodiscard]] constexpr bool beginsName(char byte) noexcept {
+    return Base::isLetter(byte) || byte == '_' || static_cast<unsigned char>(byte) >= 0x80;
+}
 
 /// Splits texts into tokens, one text after the other. Spaces, comments and pragmas that are not
 /// complete are left out.

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <functional>
 #include <set>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "ObjectManager/Base/Ascii.h"
@@ -13,9 +15,20 @@ namespace Mof {
 namespace {
 
 namespace fs = std::filesystem;
+using Kind = Base::DirectoryEntry::Kind;
 
-bool isNamedMof(const fs::path& path) {
-    return Base::equalsIgnoringCase(path.extension().native(), ".mof");
+bool isNamedMof(std::string_view name) {
+    constexpr std::string_view kExtension = ".mof";
+    return name.size() > kExtension.size() &&
+           Base::equalsIgnoringCase(name.substr(name.size() - kExtension.size()), kExtension);
+}
+
+std::vector<Base::DirectoryEntry> entriesOf(const std::string& directory) {
+    try {
+        return Base::entriesOf(Base::openDirectory(directory));
+    } catch (const std::system_error& error) {
+        throw fs::filesystem_error("cannot read", directory, error.code());
+    }
 }
 
 // Reads directories without recursion: they may be nested to any depth.
@@ -39,21 +52,22 @@ class DirectoryListing {
 
   private:
     void read(const std::string& directory) {
-        for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
-            if (entry.is_symlink() || isNamedMof(entry.path()))
-                add(entry);
-            else if (entry.is_directory())
-                directories_.push_back(entry.path());
+        const std::string prefix = directory.ends_with('/') ? directory : directory + "/";
+        for (const auto& [name, kind] : entriesOf(directory)) {
+            if (kind == Kind::kLink || isNamedMof(name))
+                add(prefix, name, kind);
+            else if (kind == Kind::kDirectory)
+                directories_.push_back(prefix + name);
         }
     }
 
-    void add(const fs::directory_entry& entry) {
-        const Base::FileVersion target = Base::FileVersion::of(entry.path());
-        if (target.isDirectory()) {
-            (entry.is_symlink() ? links_ : directories_).push_back(entry.path());
-        } else if (isNamedMof(entry.path())) {
-            files_.push_back({.path = entry.path(), .identity = target.identity});
-        }
+    void add(const std::string& prefix, const std::string& name, Kind kind) {
+        std::string path = prefix + name;
+        const Base::FileVersion target = Base::FileVersion::of(path);
+        if (target.isDirectory())
+            (kind == Kind::kLink ? links_ : directories_).push_back(std::move(path));
+        else if (isNamedMof(name))
+            files_.push_back({.path = std::move(path), .identity = target.identity});
     }
 
     // In descending order, since the next directory is taken from the end.

@@ -208,7 +208,7 @@ std::string makeClassPage(const CimClass& cimClass, const ClassRelations& relati
     return framedPage(
         PageKind::kClass,
         std::string(cimClass.name()) + " – " + std::string(relations.nameSpace().name()),
-        classUri(cimClass.name()), ClassPage(cimClass, relations, layout, host).body());
+        ClassPage(cimClass, relations, layout, host).body());
 }
 
 }  // namespace Pages

@@ -94,7 +94,7 @@ std::string makeIndexPage(const Repository::ClassRepository& repository, Layout 
     for (const CimNamespace& nameSpace : repository.namespaces())
         appendNamespace(page, nameSpace, ++number, layout);
     page += "</div>\n</main>\n";
-    return framedPage(PageKind::kIndex, kTitle, "", page);
+    return framedPage(PageKind::kIndex, kTitle, page);
 }
 
 }  // namespace Pages

@@ -45,8 +45,7 @@ constexpr std::string_view kIcon =
 
 }  // namespace
 
-std::string framedPage(PageKind kind, std::string_view title, std::string_view resource,
-                       std::string_view body) {
+std::string framedPage(PageKind kind, std::string_view title, std::string_view body) {
     std::string page = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
@@ -58,10 +57,7 @@ std::string framedPage(PageKind kind, std::string_view title, std::string_view r
 <meta name="viewport" content="width=device-width, initial-scale=1">
 <title>)";
     page += Base::htmlText(title);
-    page += "</title>\n";
-    if (!resource.empty())
-        page += "<meta name=\"resource\" content=\"" + Base::htmlText(resource) + "\">\n";
-    page += "<link rel=\"icon\" href=\"";
+    page += "</title>\n<link rel=\"icon\" href=\"";
     page += kIcon;
     page += "\">\n<style>";
     page += styleOf(kind);

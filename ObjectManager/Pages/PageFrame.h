@@ -11,12 +11,10 @@ enum class PageKind : std::uint8_t { kIndex, kClass };
 
 /// A page in HTML, in UTF-8, around the content of its body. Style, script and icon are in the page
 /// itself, and its policy lets a browser use nothing else; only the index page may load the search
-/// data, from where the page itself comes from. `resource` is the URI of what the page is about,
-/// for programs; empty for none.
+/// data, from where the page itself comes from.
 ///
 /// All functions may be called by several threads at once.
-[[nodiscard]] std::string framedPage(PageKind kind, std::string_view title,
-                                     std::string_view resource, std::string_view body);
+[[nodiscard]] std::string framedPage(PageKind kind, std::string_view title, std::string_view body);
 
 /// The value of the header field Content-Security-Policy that goes with a page. The page itself
 /// holds the same policy without `frame-ancestors`, which browsers accept only in the header field.

@@ -30,14 +30,6 @@ void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                                TSKHTTPException::kAuthenticationFailed);
 }
 
-void refuseMethod(const TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
-    TSKHTTPResponse response(request.getProtocol(), "405", "Method Not Allowed");
-    response.setHeaderField("Connection", "close", false);
-    response.setHeaderField("Allow", "GET, HEAD", false);
-    response.setContentLength(0);
-    response.writeResponseTo(ostr);
-}
-
 // What there is at a path.
 struct Content {
     std::shared_ptr<const std::string> body;
@@ -173,10 +165,8 @@ void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTT
         path, host == nullptr ? std::string_view("localhost") : std::string_view(*host));
     if (!content)
         handled = false;
-    else if (request.getMethod() == "GET" || request.getMethod() == "HEAD")
-        write(request, *content, ostr);
     else
-        refuseMethod(request, ostr);
+        write(request, *content, ostr);
 }
 
 std::shared_ptr<PageProvider::Site> PageProvider::site() {

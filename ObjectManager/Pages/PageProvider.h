@@ -12,8 +12,8 @@ namespace Pages {
 
 /// Serves what people look at, to clients that the authenticator of the object manager accepts: the
 /// index page at "/", what it searches at "/-/search.js", and the page of a class, its names in any
-/// case, at "/-/NAMESPACE/CLASS". Methods other than GET and HEAD get the status 405 there. A class
-/// that there is not, and all other paths, are left to the front end.
+/// case, at "/-/NAMESPACE/CLASS". A class that there is not, and all other paths, are left to the
+/// front end.
 ///
 /// Thread safety: may be used by several threads at once.
 class PageProvider final : public urma::pf::Provider {

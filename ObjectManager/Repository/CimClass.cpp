@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Repository/DocumentSize.h"
 
 namespace Repository {
 
@@ -84,6 +85,8 @@ CimClass::CimClass(Mof::ClassDeclaration&& declaration, TSKSmrPtr<CimClass> supe
         inherit(properties_, superclass_->properties_);
         inherit(methods_, superclass_->methods_);
     }
+    measure(properties_);
+    measure(methods_);
     if (options.propertyOrder == PropertyOrder::kName) {
         sortByName(properties_.own);
         sortByName(properties_.merged);
@@ -94,10 +97,26 @@ template <typename Member>
 void CimClass::inherit(Members<Member>& members, const Members<Member>& inherited) {
     if (members.declared.empty()) {
         members.all = inherited.all;
+        members.documentSize = inherited.documentSize;
         return;
     }
     members.merged = withInherited(*inherited.all, members.declared);
     members.all = &members.merged;
+}
+
+// What is inherited alone was measured by the superclass.
+template <typename Member>
+void CimClass::measure(Members<Member>& members) {
+    if (members.declared.empty())
+        return;
+    for (Member& member : members.declared)
+        member.measure();
+    for (const Member* member : *members.all)
+        members.documentSize = addSizes(members.documentSize, member->documentSize());
+}
+
+std::uint64_t CimClass::sizeOfMembers() const noexcept {
+    return addSizes(properties_.documentSize, methods_.documentSize);
 }
 
 CI_AutoPtr_U<urma::Iterator<const urma::IPropertyDef&>> CimClass::getProperties(

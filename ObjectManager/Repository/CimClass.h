@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "ObjectManager/Repository/CimDefinition.h"
@@ -36,6 +37,9 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
         return *methods_.all;
     }
 
+    /// What all members take together of a document (Repository/DocumentSize.h).
+    [[nodiscard]] std::uint64_t sizeOfMembers() const noexcept;
+
     /// The class that declares what this one lists: itself or a superclass.
     [[nodiscard]] const CimClass& declaringClass(const CimProperty& property) const noexcept;
     [[nodiscard]] const CimClass& declaringClass(const CimMethod& method) const noexcept;
@@ -49,10 +53,13 @@ class CimClass : public CimDefinition<ITeskClass>, public TSKReferenceCount {
         std::vector<const Member*> own;
         std::vector<const Member*> merged;
         const std::vector<const Member*>* all = &own;
+        std::uint64_t documentSize = 0;  // of all
     };
 
     template <typename Member>
     static void inherit(Members<Member>& members, const Members<Member>& inherited);
+    template <typename Member>
+    static void measure(Members<Member>& members);
 
     TSKSmrPtr<CimClass> superclass_;
     Members<CimProperty> properties_;

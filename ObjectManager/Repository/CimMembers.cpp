@@ -4,8 +4,13 @@
 #include <utility>
 
 #include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Repository/DocumentSize.h"
 
 namespace Repository {
+
+void CimProperty::measure() {
+    documentSize_ = sizeInDocument(*this);
+}
 
 CimMethod::CimMethod(Mof::Method&& method, const Options& options)
     : CimDefinition(std::move(method.name.text), std::move(method.qualifiers), options),
@@ -31,6 +36,10 @@ void CimMethod::override(const CimMethod& overridden) {
         if (found != overriddenParameters.end())
             parameter.override(*found->second);
     }
+}
+
+void CimMethod::measure() {
+    documentSize_ = sizeInDocument(*this);
 }
 
 }  // namespace Repository

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,15 @@ class CimProperty : public CimTypedDefinition<urma::IPropertyDef> {
     CimProperty(Mof::Property&& property, const Options& options)
         : CimTypedDefinition(std::move(property.name.text), std::move(property.type),
                              std::move(property.qualifiers), options) {}
+
+    /// What it takes of a document (Repository/DocumentSize.h).
+    [[nodiscard]] std::uint64_t documentSize() const noexcept { return documentSize_; }
+
+    /// Finds documentSize(), once all qualifiers are inherited.
+    void measure();
+
+  private:
+    std::uint64_t documentSize_ = 0;
 };
 
 /// A parameter of a method.
@@ -82,11 +92,18 @@ class CimMethod : public CimDefinition<urma::IMethodDef> {
     /// those of the parameter of its name.
     void override(const CimMethod& overridden);
 
+    /// What it takes of a document (Repository/DocumentSize.h).
+    [[nodiscard]] std::uint64_t documentSize() const noexcept { return documentSize_; }
+
+    /// Finds documentSize(), once all qualifiers are inherited.
+    void measure();
+
   private:
     const TSKSmrPtr<ITeskType>& returnType_;
     TSKString referencedClass_;
     std::vector<CimParameter> parameters_;
     std::vector<const CimParameter*> parameterList_;
+    std::uint64_t documentSize_ = 0;
 };
 
 }  // namespace Repository

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Repository/DocumentSize.h"
+
 namespace Repository {
 
 namespace {
@@ -46,6 +49,17 @@ class ClassMaker {
     Base::NameMap<std::size_t> places_;
 };
 
+OmittedClass omitted(const CimClass& cimClass, const Options& options) {
+    LargestPart part = largestPartOf(cimClass);
+    return {.name = cimClass.name(),
+            .member = std::move(part.member),
+            .reason = "its documents would have up to " +
+                      Base::bytesText(documentSizeOf(cimClass)) + ", " + part.description +
+                      " alone " + Base::bytesText(part.size) + "; at most " +
+                      Base::bytesText(options.maxDocumentSize) +
+                      " are allowed (repository.max_document_size)"};
+}
+
 }  // namespace
 
 CimNamespace::CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& declarations,
@@ -55,6 +69,12 @@ CimNamespace::CimNamespace(TSKString name, std::vector<Mof::ClassDeclaration>&& 
               [](const TSKSmrPtr<CimClass>& left, const TSKSmrPtr<CimClass>& right) {
                   return left->name() < right->name();
               });
+    std::erase_if(classes_, [&](const TSKSmrPtr<CimClass>& cimClass) {
+        const bool isTooLarge = documentSizeOf(*cimClass) > options.maxDocumentSize;
+        if (isTooLarge)
+            omittedClasses_.push_back(omitted(*cimClass, options));
+        return isTooLarge;
+    });
     places_.reserve(classes_.size());
     for (std::size_t place = 0; place < classes_.size(); ++place)
         places_.emplace(classes_[place]->name(), place);

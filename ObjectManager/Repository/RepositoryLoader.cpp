@@ -33,11 +33,14 @@ LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                 const Options& options) {
     LoadedRepository loaded;
     std::vector<CimNamespace> namespaces;
+    std::size_t bytesLeft = options.maxModelSize;
     bool failed = false;
     for (const NamespaceSource& source : addUp(sources)) {
         Mof::CompilerOptions compilerOptions;
         compilerOptions.includePath = includePath;
+        compilerOptions.maxTotalSize = bytesLeft;
         Mof::Compilation compilation = Mof::compile(source.paths, compilerOptions);
+        bytesLeft -= std::min(bytesLeft, compilation.bytesRead);
         failed = failed || compilation.hasErrors();
         std::move(compilation.diagnostics.begin(), compilation.diagnostics.end(),
                   std::back_inserter(loaded.diagnostics));

@@ -26,6 +26,7 @@ struct LoadedRepository {
 };
 
 /// Compiles the classes of all namespaces. Sources of the same namespace, in any case, add up.
+/// Classes whose documents would be too large are left out (CimNamespace::omittedClasses).
 /// `includePath` as in Mof::CompilerOptions.
 [[nodiscard]] LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
                                               const std::vector<std::string>& includePath,

@@ -50,6 +50,7 @@ class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
         : TSKHTTPRequest(request), login_(std::move(login)) {}
 
     [[nodiscard]] const std::shared_ptr<const Login>& login() const noexcept { return login_; }
+    void setLogin(std::shared_ptr<const Login> login) noexcept { login_ = std::move(login); }
 
   private:
     std::shared_ptr<const Login> login_;  // null without credentials
@@ -58,19 +59,44 @@ class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
 BasicAuthenticator::BasicAuthenticator(UserTable users, const Options& options, CheckerHooks hooks)
     : checker_(std::make_shared<CredentialChecker>(std::move(users), options, std::move(hooks))) {}
 
-void BasicAuthenticator::setUsers(UserTable users) {
-    auto checker = std::make_shared<CredentialChecker>(std::move(users), *this->checker());
+std::shared_ptr<CredentialChecker> BasicAuthenticator::makeChecker(UserTable users) const {
+    return std::make_shared<CredentialChecker>(std::move(users), *checker());
+}
+
+void BasicAuthenticator::setChecker(std::shared_ptr<CredentialChecker> checker) noexcept {
     const std::lock_guard lock(mutex_);
     checker_.swap(checker);
+}
+
+void BasicAuthenticator::setUsers(UserTable users) {
+    setChecker(makeChecker(std::move(users)));
 }
 
 std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(const TSKHTTPRequest& request) const {
     return std::make_unique<PreparedRequest>(request, loginOf(request));
 }
 
-bool BasicAuthenticator::needsPasswordHash(const TSKHTTPRequest& request) const {
+std::optional<BasicAuthenticator::UnverifiedLogin> BasicAuthenticator::unverifiedLogin(
+    const TSKHTTPRequest& request) const {
     const std::shared_ptr<const Login> login = loginOf(request);
-    return login != nullptr && login->checker->needsPasswordHash(login->claim);
+    if (login == nullptr || !login->checker->needsPasswordHash(login->claim))
+        return std::nullopt;
+    const KeyedDigest& digest = login->claim.digest;
+    return UnverifiedLogin{.user = login->credentials.user,
+                           .credentials = std::string(digest.begin(), digest.end())};
+}
+
+bool BasicAuthenticator::verify(TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    // The result is kept for the authentication, also if it was prepared for former users.
+    if (auto* const prepared = dynamic_cast<PreparedRequest*>(&request))
+        prepared->setLogin(login);
+    return login != nullptr && login->checker->check(login->credentials, login->claim);
+}
+
+std::string BasicAuthenticator::userOf(const TSKHTTPRequest& request) const {
+    const std::shared_ptr<const Login> login = loginOf(request);
+    return login == nullptr ? std::string() : login->credentials.user;
 }
 
 bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,

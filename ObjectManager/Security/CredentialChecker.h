@@ -2,8 +2,9 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
-#include <semaphore>
+#include <mutex>
 #include <string>
 
 #include "ObjectManager/Security/CredentialCache.h"
@@ -12,7 +13,6 @@
 #include "ObjectManager/Security/Options.h"
 #include "ObjectManager/Security/PasswordHash.h"
 #include "ObjectManager/Security/SecretText.h"
-#include "ObjectManager/Security/SingleFlight.h"
 #include "ObjectManager/Security/UserTable.h"
 
 namespace Security {
@@ -32,8 +32,13 @@ struct CheckerHooks {
 /// another user, always the same one for a name, and the result is dropped. So neither the result
 /// nor the time tells which users exist.
 ///
+/// Equal credentials that are asked about at the same time cost one hash: their claims share its
+/// result, right or wrong, as long as one of them lives.
+///
 /// Thread safety: may be used by several threads at once.
 class CredentialChecker {
+    class Check;
+
   public:
     /// What is checked for a user name and a password. Valid as long as the checker that made it.
     struct Claim {
@@ -41,6 +46,7 @@ class CredentialChecker {
         const std::string* passwordHash = nullptr;
         bool isOfUser = false;  ///< the hash is that of the user, not of another one
         KeyedDigest digest = {};
+        std::shared_ptr<Check> check = nullptr;  ///< null if the password was remembered
     };
 
     /// Errors: TeskBaseException when the system has no random bytes.
@@ -62,22 +68,22 @@ class CredentialChecker {
     [[nodiscard]] bool check(const Credentials& credentials, const Claim& claim);
     [[nodiscard]] bool check(const Credentials& credentials);
 
-    /// Whether check() must hash a password that was never verified. A verified one that is no
-    /// longer remembered costs a hash, too, but its user must not queue with clients that send
-    /// wrong passwords.
+    /// Whether check() must hash a password that was never verified, and that is not known to be
+    /// wrong. A verified one that is no longer remembered costs a hash, too, but its user must not
+    /// queue with clients that send wrong passwords. Never waits for a hash.
     [[nodiscard]] bool needsPasswordHash(const Claim& claim) const;
 
   private:
     [[nodiscard]] const User& standInFor(std::string_view name) const;
-    [[nodiscard]] bool verify(const SecretText& password, const std::string& passwordHash);
+    [[nodiscard]] std::shared_ptr<Check> checkOf(const KeyedDigest& digest) const;
 
     const UserTable users_;
     const Options options_;
     const CheckerHooks hooks_;
     const std::shared_ptr<const DigestKey> key_;
     CredentialCache cache_;
-    SingleFlight<KeyedDigest, bool> checks_;
-    std::counting_semaphore<> freeHashes_;
+    mutable std::mutex checksMutex_;
+    mutable std::map<KeyedDigest, std::weak_ptr<Check>> checks_;  // guarded by checksMutex_
 };
 
 }  // namespace Security

@@ -24,10 +24,6 @@ struct Options {
     /// users.
     std::size_t maxRememberedCredentials = 1024;
 
-    /// How many password hashes are computed at once. Each takes a processor for 15 ms and 16 MiB
-    /// of memory; clients that send wrong passwords must not take more than this.
-    std::ptrdiff_t maxConcurrentHashes = 4;
-
     friend bool operator==(const Options&, const Options&) = default;
 };
 

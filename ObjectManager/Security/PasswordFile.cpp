@@ -2,12 +2,18 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 #include "ObjectManager/Base/Files.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordHash.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -17,8 +23,8 @@ namespace Security {
 
 namespace {
 
-// More than a million users need.
-constexpr std::size_t kMaxFileSize = 256UL * 1024 * 1024;
+// More than 100,000 users need.
+constexpr std::size_t kMaxFileSize = 16'000'000;
 
 [[noreturn]] void fail(const std::string& message) {
     throw TeskBaseException("Security::PasswordFile", TSKString(message), CIM_ERR_FAILED);
@@ -29,40 +35,6 @@ constexpr std::size_t kMaxFileSize = 256UL * 1024 * 1024;
     fail(path + ": " + std::string(what) + ": " + reason.message());
 }
 
-// A path as one word of a shell command.
-std::string shellQuoted(const std::string& path) {
-    constexpr std::string_view kPlain =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./";
-    if (path.find_first_not_of(kPlain) == std::string::npos)
-        return path;
-    std::string text = "'";
-    for (const char byte : path) {
-        if (byte == '\'')
-            text += "'\\''";
-        else
-            text += byte;
-    }
-    return text + "'";
-}
-
-std::string readPrivateFile(const std::string& path) {
-    try {
-        const Base::FileDescriptor file = Base::openForReading(path, Base::FileKind::kRegular);
-        const Base::FileVersion version = Base::FileVersion::of(file);
-        if (!version.isRegular())
-            fail(path + ": is not a regular file");
-        if (version.isAccessibleToOthers()) {
-            fail(path + ": others than its owner can read or write it; correct that with: " +
-                 "chmod 600 " + shellQuoted(path));
-        }
-        return Base::readAll(file, kMaxFileSize);
-    } catch (const std::system_error& error) {
-        if (error.code() == std::errc::not_supported)
-            fail(path + ": is not a regular file");
-        fail(path, "cannot be read", error.code());
-    }
-}
-
 // The file itself, so that a symbolic link to it stays one when the file is replaced.
 std::filesystem::path withoutLinks(const std::string& path) {
     std::error_code error;
@@ -70,14 +42,96 @@ std::filesystem::path withoutLinks(const std::string& path) {
     return error ? std::filesystem::path(path) : target;
 }
 
+// Who reads a file, and so whose file it may be.
+enum class Reader : std::uint8_t {
+    kService,        // for which the owner of the file decides who may log in
+    kAdministrator,  // who, being root, also changes the files of services that run as other users
+};
+
+bool isTrusted(uid_t owner) noexcept {
+    return owner == 0 || owner == geteuid();
+}
+
+// Who can replace the files of a directory decides what is in them.
+void requireSafeDirectory(const std::filesystem::path& file, Reader reader) {
+    const std::filesystem::path parent = file.parent_path();
+    const std::string path = parent.empty() ? "." : parent.string();
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+        fail(path, "cannot be examined", std::error_code(errno, std::generic_category()));
+    const bool isSticky = (status.st_mode & S_ISVTX) != 0;
+    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0 && !isSticky) {
+        fail(path +
+             ": others than its owner can replace the password file in it; correct that with: "
+             "chmod go-w " +
+             Base::shellQuoted(path));
+    }
+    const bool isRoot = reader == Reader::kAdministrator && geteuid() == 0;
+    if (!isRoot && !isTrusted(status.st_uid))
+        fail(path + ": the directory of a password file must belong to root or to the user of " +
+             "this process");
+}
+
+void requireSafe(const std::string& path, const struct stat& status, Reader reader) {
+    if (!S_ISREG(status.st_mode))
+        fail(path + ": is not a regular file");
+    const bool isRoot = reader == Reader::kAdministrator && geteuid() == 0;
+    // The group of the service may read a file that belongs to root. Which that is, root does not
+    // know.
+    const bool mayGroupRead = isRoot || status.st_gid == getegid();
+    const mode_t forbidden = S_IWGRP | S_IROTH | S_IWOTH | (mayGroupRead ? mode_t{0} : S_IRGRP);
+    if ((status.st_mode & forbidden) != 0) {
+        fail(path + ": others than its owner can read or write it; correct that with: " +
+             "chmod 600 " + Base::shellQuoted(path));
+    }
+    if (!isRoot && !isTrusted(status.st_uid))
+        fail(path + ": must belong to root or to the user of this process");
+}
+
+// The permissions of the file, as far as safe ones go; for a new file those of the owner alone.
+mode_t permissionsFor(const std::filesystem::path& path) noexcept {
+    struct stat status = {};
+    const mode_t group = stat(path.c_str(), &status) == 0 ? status.st_mode & S_IRGRP : 0;
+    return S_IRUSR | S_IWUSR | group;
+}
+
+std::string readPrivateFile(const std::string& path, Reader reader) {
+    try {
+        const Base::FileDescriptor file = Base::openForReading(path);
+        struct stat status = {};
+        if (fstat(file.get(), &status) != 0)
+            throw std::system_error(errno, std::generic_category());
+        // The one to which links lead as well.
+        requireSafeDirectory(path, reader);
+        requireSafeDirectory(withoutLinks(path), reader);
+        requireSafe(path, status, reader);
+        return Base::readAll(file, kMaxFileSize);
+    } catch (const std::system_error& error) {
+        if (error.code() == std::errc::not_supported || error.code() == std::errc::is_a_directory)
+            fail(path + ": is not a regular file");
+        if (error.code() == std::errc::file_too_large)
+            fail(path + ": is larger than " + Base::bytesText(kMaxFileSize));
+        fail(path, "cannot be read", error.code());
+    }
+}
+
 // Waits until no other process or thread holds the lock of that directory. The lock is held as long
 // as the result is open; the system releases it when the process crashes.
-Base::FileDescriptor lockDirectory(const std::string& path) {
+Base::FileDescriptor lockDirectory(const std::string& path, const LockWait& wait) {
+    constexpr std::chrono::milliseconds kInterval(20);
     try {
         Base::FileDescriptor directory = Base::openDirectory(path);
-        while (flock(directory.get(), LOCK_EX) != 0) {
-            if (errno != EINTR)
+        const auto deadline = std::chrono::steady_clock::now() + wait.timeout;
+        for (bool isTold = false; flock(directory.get(), LOCK_EX | LOCK_NB) != 0; isTold = true) {
+            if (errno != EWOULDBLOCK && errno != EINTR)
                 throw std::system_error(errno, std::generic_category());
+            if (std::chrono::steady_clock::now() >= deadline) {
+                fail(path + ": another process, perhaps another \"tesk passwd\", has locked this " +
+                     "directory and does not release it");
+            }
+            if (!isTold && wait.tell)
+                wait.tell(path);
+            std::this_thread::sleep_for(kInterval);
         }
         return directory;
     } catch (const std::system_error& error) {
@@ -88,28 +142,46 @@ Base::FileDescriptor lockDirectory(const std::string& path) {
 }  // namespace
 
 PasswordFile::PasswordFile(std::string name, std::string_view text) : name_(std::move(name)) {
+    std::unordered_map<std::string_view, std::size_t> places;  // of each user in lines_
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        lines_.push_back(parseLine(text.substr(0, end)));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::string_view line = text.substr(0, text.find('\n'));
+        lines_.push_back(parseLine(line));
+        const auto [other, isNew] =
+            places.emplace(line.substr(0, lines_.back().nameLength), lines_.size());
+        if (!isNew && lines_.back().nameLength != 0) {
+            fail(name_ + ":" + std::to_string(lines_.size()) + ": the user " +
+                 Base::quoted(other->first) + " is already in line " +
+                 std::to_string(other->second));
+        }
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
     }
 }
 
 PasswordFile PasswordFile::read(const std::string& path) {
-    return {path, readPrivateFile(path)};
+    return {path, readPrivateFile(path, Reader::kService)};
 }
 
-void PasswordFile::change(const std::string& path,
-                          const std::function<void(PasswordFile&)>& change) {
+PasswordFile PasswordFile::readForChange(const std::string& path) {
+    std::error_code error;
+    const auto type = std::filesystem::symlink_status(path, error).type();
+    if (type != std::filesystem::file_type::not_found)
+        return {path, readPrivateFile(path, Reader::kAdministrator)};
+    requireSafeDirectory(path, Reader::kAdministrator);
+    return {path, ""};
+}
+
+void PasswordFile::change(const std::string& path, const std::function<void(PasswordFile&)>& change,
+                          const LockWait& wait) {
     const std::filesystem::path target = withoutLinks(path);
     const std::filesystem::path parent = target.parent_path();
-    const Base::FileDescriptor directory = lockDirectory(parent.empty() ? "." : parent.string());
-    const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(target));
-    PasswordFile file = isThere ? read(target) : PasswordFile(target, "");
+    const Base::FileDescriptor directory =
+        lockDirectory(parent.empty() ? "." : parent.string(), wait);
+    PasswordFile file = readForChange(target);
     change(file);
+    const mode_t mode = permissionsFor(target);
     try {
         Base::replaceFile(directory, target.filename(), file.text(),
-                          {.mode = 0600, .keepsOwner = true, .isDurable = true});
+                          {.mode = mode, .keepsOwner = true, .isDurable = true});
     } catch (const std::system_error& error) {
         fail(target, "cannot be written", error.code());
     }
@@ -161,11 +233,6 @@ PasswordFile::Line PasswordFile::parseLine(std::string_view text) const {
         failAtNextLine("the user name cannot be used: " + std::string(fault));
     if (!isPasswordHash(text.substr(colon + 1)))
         failAtNextLine("this system cannot check such a password hash");
-    const auto earlier = std::ranges::find(lines_, user, &Line::user);
-    if (earlier != lines_.end()) {
-        failAtNextLine("the user \"" + std::string(user) + "\" is already in line " +
-                       std::to_string(earlier - lines_.begin() + 1));
-    }
     return {.text = std::string(text), .nameLength = colon};
 }
 

@@ -24,6 +24,10 @@ void log(TeskTraceLog::Severity severity, const TSKString& message) {
                 TSKLog::CIMOMLOG);
 }
 
+std::vector<TSKString> documentMethods() {
+    return {"GET", "HEAD"};
+}
+
 void report(Failures& failures, const TSKString& file, const TSKString& reason) {
     log(TeskTraceLog::SeverityError, file + ": " + reason);
     failures.push_back({.file = file, .reason = reason});
@@ -93,16 +97,34 @@ bool TeskProviderPluginManager::registerURI(const TSKString& providerName, const
     return false;
 }
 
-TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
-    TSKSmrPtr<ITeskNamespaceList> namespaces) {
-    const std::vector<TSKString> now = urisOf(namespaces);
-    TSKSmrPtr<ITeskNamespaceList> previous = std::move(namespaces);
+bool TeskProviderPluginManager::registerMethods(const TSKString& providerName,
+                                                const std::vector<TSKString>& methods) {
     {
         const std::lock_guard lock(mutex_);
-        namespaces_.swap(previous);
+        const auto entry = std::ranges::find(entries_, providerName, &Entry::name);
+        if (entry != entries_.end()) {
+            entry->methods = methods;
+            return true;
+        }
     }
-    routeNamespaces(urisOf(previous), now);
-    return previous;
+    log(TeskTraceLog::SeverityWarning,
+        "The methods of the provider " + providerName + " are refused: there is no such provider");
+    return false;
+}
+
+TSKSmrPtr<ITeskNamespaceList> TeskProviderPluginManager::setNamespaceList(
+    TSKSmrPtr<ITeskNamespaceList> namespaces) {
+    TSKSmrPtr<ITeskNamespaceList> previous;
+    {
+        const std::lock_guard lock(mutex_);
+        previous = namespaces_;
+    }
+    // Before the list changes: this fails when memory runs out. A route to a namespace that does
+    // not come to be listed does no harm, since the provider does not find it.
+    routeNamespaces(urisOf(previous), urisOf(namespaces));
+    const std::lock_guard lock(mutex_);
+    namespaces_.swap(namespaces);
+    return namespaces;
 }
 
 TSKSmrPtr<ITeskRepository> TeskProviderPluginManager::setRepository(
@@ -177,11 +199,20 @@ Failures TeskProviderPluginManager::shutdown() {
 
 urma::pf::Provider* TeskProviderPluginManager::findProvider(const TSKString& path) const {
     const std::shared_lock lock(mutex_);
-    const TSKString* name = routes_.find(path);
-    if (name == nullptr)
-        return nullptr;
-    const Entry* entry = findEntry(*name);
+    const Entry* entry = findEntryOf(path);
     return entry == nullptr ? nullptr : entry->provider;
+}
+
+std::vector<TSKString> TeskProviderPluginManager::getMethods(const TSKString& path) const {
+    const std::shared_lock lock(mutex_);
+    const Entry* entry = findEntryOf(path);
+    return entry == nullptr ? documentMethods() : entry->methods;
+}
+
+const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntryOf(
+    const TSKString& path) const {
+    const TSKString* name = routes_.find(path);
+    return name == nullptr ? nullptr : findEntry(*name);
 }
 
 const TeskProviderPluginManager::Entry* TeskProviderPluginManager::findEntry(
@@ -234,7 +265,8 @@ void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSK
             "A provider of the name " + name + " is already there, from " + other->file,
             CIM_ERR_ALREADY_EXISTS);
     const std::lock_guard lock(mutex_);
-    entries_.push_back({.provider = &provider, .name = name, .file = file});
+    entries_.push_back(
+        {.provider = &provider, .name = name, .file = file, .methods = documentMethods()});
 }
 
 void TeskProviderPluginManager::removeEntry(const Entry& entry) {

@@ -50,6 +50,12 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     /// so that an object manager can watch over registrations.
     virtual bool registerURI(const TSKString& providerName, const TSKString& uri);
 
+    /// Says which methods of HTTP the named provider responds to. It gets no request with another
+    /// method: the front end responds to it, and to OPTIONS unless that is listed. Before this call
+    /// the methods of a provider are GET and HEAD, which suits one that serves documents. Returns
+    /// false, and logs it, when no provider of that name is there.
+    bool registerMethods(const TSKString& providerName, const std::vector<TSKString>& methods);
+
     // What the object manager calls.
 
     /// Makes `manager` the plug-in manager of the process, null for none. Returns the one before.
@@ -86,14 +92,20 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     /// used until shutdown(), before which the caller ends all requests.
     [[nodiscard]] urma::pf::Provider* findProvider(const TSKString& path) const;
 
+    /// The methods of the provider that a request for `path` belongs to; GET and HEAD when it
+    /// belongs to none.
+    [[nodiscard]] std::vector<TSKString> getMethods(const TSKString& path) const;
+
   private:
     struct Entry {
         urma::pf::Provider* provider;
         TSKString name;
         TSKString file;
+        std::vector<TSKString> methods;
     };
 
     [[nodiscard]] const Entry* findEntry(const TSKString& providerName) const;
+    [[nodiscard]] const Entry* findEntryOf(const TSKString& path) const;
     [[nodiscard]] const char* addRoute(const TSKString& providerName, const TSKString& uri);
     void routeNamespaces(const std::vector<TSKString>& before, const std::vector<TSKString>& now);
     void addEntry(urma::pf::Provider& provider, const TSKString& file);

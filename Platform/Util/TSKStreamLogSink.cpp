@@ -44,7 +44,7 @@ void appendPrintable(TSKString& line, std::string_view text) {
 
 TSKStreamLogSink::~TSKStreamLogSink() = default;
 
-void TSKStreamLogSink::write(const TSKLogEntry& entry) {
+TSKString TSKStreamLogSink::lineOf(const TSKLogEntry& entry) {
     TSKString line = currentTime();
     line += ' ';
     line += wordFor(entry.severity);
@@ -53,6 +53,11 @@ void TSKStreamLogSink::write(const TSKLogEntry& entry) {
     line += ": ";
     appendPrintable(line, entry.message);
     line += '\n';
+    return line;
+}
+
+void TSKStreamLogSink::write(const TSKLogEntry& entry) {
+    const TSKString line = lineOf(entry);
     // One call, so that lines of several threads do not mix: C streams lock themselves. A line that
     // cannot be written is lost.
     (void)std::fwrite(line.data(), 1, line.length(), stream_);

@@ -17,6 +17,9 @@ class TESK_PLATFORM_EXPORT TSKStreamLogSink : public TSKLogSink {
 
     void write(const TSKLogEntry& entry) override;
 
+    /// The line for an entry of this moment, with its line end; for sinks that write elsewhere.
+    [[nodiscard]] static TSKString lineOf(const TSKLogEntry& entry);
+
   private:
     std::FILE* stream_;
 };

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -99,6 +101,58 @@ std::vector<TSKString> entriesOf(const ITeskValue& valueMap) {
     return entries;
 }
 
+// The numbers that were listed so far, as runs without a gap. So a ".." takes no longer than the
+// values that it is written as, however many numbers are listed and however often ".." is.
+class ListedNumbers {
+  public:
+    void add(long number) {
+        auto next = runs_.upper_bound(number);
+        const bool joinsNext = next != runs_.end() && next->first - 1 == number;
+        if (next != runs_.begin()) {
+            const auto run = std::prev(next);
+            if (run->second >= number)
+                return;
+            if (run->second + 1 == number) {
+                run->second = joinsNext ? next->second : number;
+                if (joinsNext)
+                    runs_.erase(next);
+                ++count_;
+                return;
+            }
+        }
+        const long last = joinsNext ? next->second : number;
+        if (joinsNext)
+            next = runs_.erase(next);
+        runs_.emplace_hint(next, number, last);
+        ++count_;
+    }
+
+    // Each number once.
+    [[nodiscard]] long count() const noexcept { return count_; }
+
+    // Calls `visit` with each number from 0 up to, but not including, `end` that is not listed.
+    template <typename Visit>
+    void forEachGapBelow(long end, const Visit& visit) const {
+        long number = 0;
+        auto run = runs_.upper_bound(0);
+        if (run != runs_.begin())
+            number = std::max(number, std::prev(run)->second + 1);
+        for (; number < end; ++run) {
+            const long gapEnd = run == runs_.end() ? end : std::min(end, run->first);
+            for (; number < gapEnd; ++number)
+                visit(number);
+            if (gapEnd < end)
+                number = run->second + 1;
+            else
+                return;
+        }
+    }
+
+  private:
+    std::map<long, long> runs_;  // the first number of each, and its last
+    long count_ = 0;
+};
+
 // Adds the members of the union that a ValueMap with ranges stands for.
 class ValueMapUnion {
   public:
@@ -126,7 +180,7 @@ class ValueMapUnion {
             openEnumeration_.emplace(addEnumeration(addChild(topUnion_, TAG_SIMPLE_TYPE)));
         const TSKString value = normalised(entry);
         openEnumeration_->add(value);
-        listedNumbers_.push_back(value.atol());
+        listed_.add(value.atol());
     }
 
     // The bound on the open side of a range comes from its neighbour.
@@ -149,8 +203,7 @@ class ValueMapUnion {
         const long number = numberBefore(index);
         const TSKString lower = decimalText(firstAfter(number));
         const TSKString upper = lastBeforeNext(index);
-        sortOnce(listedNumbers_);
-        if (static_cast<long>(listedNumbers_.size()) >= firstAfter(number)) {
+        if (listed_.count() >= firstAfter(number)) {
             addInterval(topUnion_, lower, upper);
             return;
         }
@@ -160,17 +213,9 @@ class ValueMapUnion {
         addInterval(gapUnion, lower, upper);
     }
 
-    static void sortOnce(std::vector<long>& numbers) {
-        std::sort(numbers.begin(), numbers.end());
-        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-    }
-
     void addGaps(const Element& member, long end) const {
         const Enumeration gaps = addEnumeration(member);
-        for (long number = 0; number < end; ++number) {
-            if (!std::binary_search(listedNumbers_.begin(), listedNumbers_.end(), number))
-                gaps.add(decimalText(number));
-        }
+        listed_.forEachGapBelow(end, [&](long number) { gaps.add(decimalText(number)); });
     }
 
     [[nodiscard]] Enumeration addEnumeration(const Element& member) const {
@@ -201,7 +246,7 @@ class ValueMapUnion {
     const ITeskType& type_;
     std::vector<TSKString> entries_;
     std::optional<Enumeration> openEnumeration_;
-    std::vector<long> listedNumbers_;  // sorted, and each once, where they are looked at
+    ListedNumbers listed_;
 };
 
 }  // namespace

@@ -28,7 +28,8 @@ class CheckCommand : public testing::Test {
     const TemporaryDirectory directory_;
 };
 
-constexpr const char* kQualifiers = "#pragma include (\"" MODELS_DIRECTORY "/qualifiers.mof\")\n";
+constexpr const char* kQualifiers = "#pragma include (\"qualifiers.mof\")\n";
+constexpr const char* kWithQualifiers = "check --include-path '" MODELS_DIRECTORY "' ";
 
 TEST_F(CheckCommand, FindsNoErrorInTheSampleModel) {
     const ProgramRun run = runTesk("check");
@@ -107,7 +108,7 @@ TEST_F(CheckCommand, ShowsWhatIsWrongWithMof) {
 
 TEST_F(CheckCommand, GoesOnAfterWarningsAboutMof) {
     const ProgramRun run = runTesk(
-        "check --namespace " +
+        kWithQualifiers + std::string("--namespace ") +
         write("odd.mof", std::string(kQualifiers) + "class TST_A { [ValueMap] uint8 Count; };\n"));
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(shown(run.errors),
@@ -163,7 +164,7 @@ TEST_F(CheckCommand, FailsForADocumentThatIsNotWellFormed) {
     const std::string source = write(
         "a.mof", std::string(kQualifiers) +
                      "class TST_A { [ValueMap {\"a\\x1\"}] string Name; };\nclass TST_B {};\n");
-    const ProgramRun run = runTesk("check --namespace " + source);
+    const ProgramRun run = runTesk(kWithQualifiers + std::string("--namespace ") + source);
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "");
     EXPECT_TRUE(run.output.starts_with(
@@ -175,7 +176,8 @@ TEST_F(CheckCommand, FailsForADocumentThatIsNotWellFormed) {
         << run.output;
     EXPECT_TRUE(run.output.ends_with(": 2 errors, 0 warnings\n")) << run.output;
 
-    const ProgramRun asJson = runTesk("check --format json --namespace " + source);
+    const ProgramRun asJson =
+        runTesk(kWithQualifiers + std::string("--format json --namespace ") + source);
     EXPECT_EQ(asJson.end, "status 1");
     const json result = json::parse(asJson.output);
     EXPECT_EQ(result["errors"], 2);
@@ -187,7 +189,7 @@ TEST_F(CheckCommand, FailsForADocumentThatIsNotWellFormed) {
 // Descriptions are texts, whatever they look like.
 TEST_F(CheckCommand, EscapesDescriptions) {
     const ProgramRun run =
-        runTesk("check --namespace " +
+        runTesk(kWithQualifiers + std::string("--namespace ") +
                 write("a.mof", std::string(kQualifiers) +
                                    "[Description(\"<a & b> ]]> &nbsp;\")]\n"
                                    "class TST_A { [Description(\"<!-- --\")] uint8 Go(); };\n"));
@@ -199,11 +201,12 @@ TEST_F(CheckCommand, EscapesDescriptions) {
 TEST_F(CheckCommand, TakesNamespacesAndOptionsFromAConfiguration) {
     (void)write("a.mof", std::string(kQualifiers) +
                              "[Description(\"a & b\")]\nclass TST_A {};\nclass TST_B {};\n");
-    const std::string file = directory_.write("tesk.toml",
-                                              "[namespaces]\n"
-                                              "\"root/test\" = \"a.mof\"\n"
-                                              "[repository]\n"
-                                              "escape_descriptions = false\n");
+    const std::string file = directory_.write("tesk.toml", "include_path = '" MODELS_DIRECTORY
+                                                           "'\n"
+                                                           "[namespaces]\n"
+                                                           "\"root/test\" = \"a.mof\"\n"
+                                                           "[repository]\n"
+                                                           "escape_descriptions = false\n");
     const ProgramRun run = runTesk("check --config '" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "");

@@ -42,7 +42,14 @@ class ExportTest : public testing::Test {
     }
 
     [[nodiscard]] std::string out() const { return directory_ / "out"; }
-    [[nodiscard]] DirectoryContent content() const { return contentOf(out()); }
+    // Without the lists of documents.
+    [[nodiscard]] DirectoryContent content() const {
+        DirectoryContent content = contentOf(out());
+        std::erase_if(content, [](const auto& file) {
+            return fs::path(file.first).filename() == ".tesk-export";
+        });
+        return content;
+    }
 
     // The files below the directory, without directories.
     [[nodiscard]] std::vector<std::string> files() const {
@@ -220,6 +227,17 @@ TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
         << run.output;
     EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/A.html", "n/A.wsdl", "n/A.xsd",
                                                  "search.js"}));
+}
+
+TEST_F(ExportTest, ANamespaceWithTheNameOfTheIndexIsRefusedBeforeAnythingIsWritten) {
+    const std::string mof = directory_.write("one.mof", "class A {};");
+    const ProgramRun run =
+        runExport({"--namespace", "n=" + mof, "--namespace", "index.html=" + mof});
+    EXPECT_EQ(run.end, "status 1");
+    EXPECT_EQ(run.errors,
+              "tesk: the namespace \"index.html\" cannot be the path of a directory: the export "
+              "has a file \"index.html\"\n");
+    EXPECT_EQ(content(), DirectoryContent());
 }
 
 TEST_F(ExportTest, AFileInPlaceOfTheDirectoryIsAnError) {

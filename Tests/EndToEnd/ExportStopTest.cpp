@@ -45,7 +45,8 @@ class ExportStopTest : public testing::Test {
 
     // `count` is what the program says that it has written.
     void expectCompleteDocuments(std::string count) const {
-        const DirectoryContent all = contentOf(out_);
+        DirectoryContent all = contentOf(out_);
+        EXPECT_EQ(all.erase("n/.tesk-export"), 1U);
         std::erase(count, ',');
         EXPECT_EQ(std::to_string(all.size() - 1), count);
         for (const auto& [file, text] : all)

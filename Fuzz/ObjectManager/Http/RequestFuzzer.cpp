@@ -1,13 +1,18 @@
 // Feeds bytes of a client through everything between the socket and the response: parser, routing,
 // a provider that responds by the path, and the response.
 
+#include <algorithm>
 #include <boost/asio/ip/tcp.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/ClientAddress.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
@@ -67,9 +72,9 @@ class RoutingProvider : public urma::pf::Provider {
     }
 };
 
-class Host {
+class FuzzedHost {
   public:
-    Host() {
+    FuzzedHost() {
         TSKLog::setLevel(TeskTraceLog::SeverityOff);
         (void)manager_.addProvider(provider_, "fuzzer");
         for (const char* const uri : {"/", "/interop", "/root/cimv2"})
@@ -109,8 +114,9 @@ void checkPath(std::string_view path) {
 }
 
 void checkRequest(const TSKHTTPRequest& request) {
-    checkPath(request.getUri());
-    require(request.getMethod() != "CONNECT" && request.getMethod() != "TRACE");
+    if (request.getMethod() != "OPTIONS" || request.getUri() != "*")
+        checkPath(request.getUri());
+    require(request.getMethod() != "CONNECT");
     require(request.getHeaderFields().size() <= kOptions.maxHeaderFields + 1);
     if (const TSKString* host = request.getHost())
         require(Http::isHostWithPort(*host));
@@ -139,10 +145,29 @@ void checkByBytes(std::string_view bytes, RequestParser& whole, State expected) 
     require(state == expected);
     if (state == State::kComplete) {
         require(parser.length() == whole.length());
-        require(isSame(parser.request().message, whole.request().message));
+        require(isSame(parser.request(), whole.request()));
     }
     if (state == State::kRefused)
         require(parser.error().status == whole.error().status);
+}
+
+// Requires one line with the columns of the format, whatever the client has sent.
+void checkAccessLogLine(std::string_view bytes, const TSKHTTPRequest* request) {
+    const std::string line = Http::accessLogLine(
+        {.client = {}, .requestLine = bytes, .request = request, .status = 200, .bodyBytes = 1},
+        bytes, 0);
+    require(line.find('\n') == line.size() - 1);
+    require(std::count(line.begin(), line.end(), '"') == 6);
+    require(std::all_of(line.begin(), line.end() - 1, &Base::isPrintable));
+}
+
+// Requires the peer, or an address that the request names.
+void checkClient(const TSKHTTPRequest& request) {
+    static const std::vector<Http::Network> proxies = {Http::Network::parse("0.0.0.0/1")};
+    const Http::ClientAddress peer = proxies.front().first;
+    const Http::ClientAddress client = Http::clientOf(request, peer, proxies);
+    require(client == peer || request.getHeaderField("X-Forwarded-For") != nullptr);
+    require(Http::ClientAddress::parse(client.toString()) == client);
 }
 
 }  // namespace
@@ -154,14 +179,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkByBytes(bytes, parser, state);
     const bool isHead = parser.isHeadRequest(bytes);
     if (state == State::kComplete) {
-        static const Host host;
+        static const FuzzedHost host;
         require(parser.length() <= kOptions.maxHeaderSize);
-        TSKHTTPRequest& request = parser.request().message;
+        TSKHTTPRequest& request = parser.request();
         require(isHead == (request.getMethod() == "HEAD"));
         checkRequest(request);
-        checkResponse(host.dispatcher().respond(request, {}), isHead);
+        checkClient(request);
+        checkAccessLogLine(bytes, &request);
+        Http::ResponseMemory memory(1024);
+        Http::ResponseMemory::Share share(memory);
+        if (const auto response = host.dispatcher().respond(request, {}, share))
+            checkResponse(*response, isHead);
     }
-    if (state == State::kRefused)
+    if (state == State::kRefused) {
+        checkAccessLogLine(bytes, nullptr);
         checkResponse(Http::errorResponse(parser.error(), isHead), isHead);
+    }
     return 0;
 }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/Base/Utf8.h"
 #include "ObjectManager/Commands/DocumentRequest.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Inspection/ClassInspector.h"
@@ -20,6 +21,14 @@ namespace {
 using Inspection::Finding;
 using Inspection::FindingKind;
 
+// The name of a class that is left out may be the very thing that is too large.
+std::string shortened(std::string_view name) {
+    constexpr std::size_t kMaxBytes = 200;
+    if (name.size() <= kMaxBytes)
+        return std::string(name);
+    return std::string(name.substr(0, Base::startOfCharacter(name, kMaxBytes))) + "...";
+}
+
 // Checks in several threads, and collects what they find.
 class Checker {
   public:
@@ -27,19 +36,23 @@ class Checker {
 
     void check(const Repository::CimNamespace& nameSpace, const Repository::CimClass& cimClass) {
         std::vector<Finding> found = Inspection::inspectClass(cimClass);
-        const bool mayBeMade = std::ranges::none_of(found, [](const Finding& finding) {
-            return finding.kind == FindingKind::kTooManyGaps;
-        });
-        if (mayBeMade) {
-            inspectDocument(nameSpace, cimClass, ".xsd", Inspection::inspectSchema, found);
-            inspectDocument(nameSpace, cimClass, ".wsdl", Inspection::inspectWsdl, found);
-        }
+        inspectDocument(nameSpace, cimClass, ".xsd", Inspection::inspectSchema, found);
+        inspectDocument(nameSpace, cimClass, ".wsdl", Inspection::inspectWsdl, found);
         for (Finding& finding : found) {
             finding.nameSpace = nameSpace.name().data();
             finding.className = cimClass.name().data();
         }
         const std::lock_guard lock(mutex_);
         std::move(found.begin(), found.end(), std::back_inserter(findings_));
+    }
+
+    void addOmitted(const Repository::CimNamespace& nameSpace) {
+        for (const Repository::OmittedClass& omitted : nameSpace.omittedClasses())
+            findings_.push_back({.kind = FindingKind::kTooLarge,
+                                 .nameSpace = nameSpace.name().data(),
+                                 .className = shortened(omitted.name),
+                                 .member = shortened(omitted.member),
+                                 .message = omitted.reason});
     }
 
     CheckResult takeResult() {
@@ -100,13 +113,18 @@ CheckResult checkDocuments(const Repository::ClassRepository& repository,
             classes.emplace_back(&nameSpace, cimClass.get());
     }
     Checker checker(client);
+    std::size_t omitted = 0;
+    for (const Repository::CimNamespace& nameSpace : repository.namespaces()) {
+        checker.addOmitted(nameSpace);
+        omitted += nameSpace.omittedClasses().size();
+    }
     workInParallel(classes.size(), jobs, [&](std::size_t number) {
         checker.check(*classes[number].first, *classes[number].second);
         onClassDone();
     });
     CheckResult result = checker.takeResult();
     result.namespaces = repository.namespaces().size();
-    result.classes = classes.size();
+    result.classes = classes.size() + omitted;
     result.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return result;

@@ -14,7 +14,7 @@ namespace Commands {
 /// What the check of all documents has found.
 struct CheckResult {
     std::size_t namespaces = 0;
-    std::size_t classes = 0;
+    std::size_t classes = 0;    ///< those that are left out included
     std::size_t documents = 0;  ///< that the provider has made
     std::size_t bytes = 0;      ///< of all documents
     double seconds = 0;
@@ -23,7 +23,8 @@ struct CheckResult {
     [[nodiscard]] std::size_t countErrors() const;
 };
 
-/// Lets the provider make both documents of every class, in `jobs` threads, and inspects them.
+/// Lets the provider make both documents of every class, in `jobs` threads, and inspects them. A
+/// class that its namespace leaves out is a finding.
 /// Calls `onClassDone` after each class, in any thread.
 [[nodiscard]] CheckResult checkDocuments(const Repository::ClassRepository& repository,
                                          const Host::MemoryClient& client, unsigned jobs,

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Classes/ClassListing.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Model.h"
@@ -35,7 +36,8 @@ const Repository::CimNamespace& findNamespace(const Repository::ClassRepository&
     std::string names;
     for (const Repository::CimNamespace& nameSpace : repository.namespaces())
         names += (names.empty() ? "" : ", ") + std::string(nameSpace.name());
-    const std::string message = "there is no namespace \"" + bareName + "\"; there are: " + names;
+    const std::string message =
+        "there is no namespace " + Base::quoted(bareName) + "; there are: " + names;
     throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_NAMESPACE);
 }
 
@@ -55,10 +57,10 @@ std::string describe(const Repository::ClassRepository& repository, const Classe
     const TSKSmrPtr<Repository::CimClass> cimClass =
         nameSpace.findClass(TSKString(options.className));
     if (!cimClass) {
-        const std::string message = "the namespace \"" + std::string(nameSpace.name()) +
-                                    "\" has no class \"" + options.className +
-                                    "\"; \"tesk classes " + std::string(nameSpace.name()) +
-                                    "\" lists them";
+        const std::string message = "the namespace " + Base::quoted(nameSpace.name()) +
+                                    " has no class " + Base::quoted(options.className) + "; " +
+                                    Base::quoted("tesk classes " + std::string(nameSpace.name())) +
+                                    " lists them";
         throw TeskBaseException("tesk classes", TSKString(message), CIM_ERR_INVALID_CLASS);
     }
     return describeClass(nameSpace, *cimClass, options.format);

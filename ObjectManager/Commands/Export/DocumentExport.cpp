@@ -8,9 +8,10 @@
 #include <string_view>
 #include <utility>
 
+#include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/DocumentRequest.h"
-#include "ObjectManager/Commands/Export/StaleDocuments.h"
+#include "ObjectManager/Commands/Export/DocumentList.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -33,16 +34,45 @@ std::vector<std::string> directoriesOf(std::string_view nameSpace) {
     }
 }
 
-void requireDirectoryNames(const Repository::CimNamespace& nameSpace) {
+[[noreturn]] void refuse(const Repository::CimNamespace& nameSpace, const std::string& reason) {
+    throw TeskBaseException("Commands::exportDocuments",
+                            TSKString("the namespace " + Base::quoted(nameSpace.name()) +
+                                      " cannot be the path of a directory: " + reason),
+                            CIM_ERR_INVALID_NAMESPACE);
+}
+
+// Names are compared without regard to case, as some file systems do.
+bool isFileOfExport(const std::string& directory, bool isAtTheTop) {
+    return (isAtTheTop && (Base::equalsIgnoringCase(directory, kIndexFile) ||
+                           Base::equalsIgnoringCase(directory, kSearchFile))) ||
+           Base::equalsIgnoringCase(directory, DocumentList::kFile) ||
+           OutputDirectory::isTemporaryName(Base::lowerCase(directory));
+}
+
+bool hasDocument(const std::vector<ClassSelection>& selections, std::string_view nameSpace,
+                 const std::string& document) {
+    const std::string lower = Base::lowerCase(document);
+    const TSKString className(classNameOf(lower));
+    return !className.isEmpty() &&
+           std::ranges::any_of(selections, [&](const ClassSelection& selection) {
+               return Base::equalsIgnoringCase(selection.nameSpace->name(), nameSpace) &&
+                      !selection.nameSpace->findClass(className).isNull();
+           });
+}
+
+void requireDirectoryNames(const std::vector<ClassSelection>& selections,
+                           const Repository::CimNamespace& nameSpace) {
+    std::string above;
     for (const std::string& directory : directoriesOf(nameSpace.name())) {
         const std::string_view fault = OutputDirectory::validateName(directory);
-        if (fault.empty())
-            continue;
-        const std::string message = "the namespace \"" + std::string(nameSpace.name()) +
-                                    "\" cannot be the path of a directory: a name in it " +
-                                    std::string(fault);
-        throw TeskBaseException("Commands::exportDocuments", TSKString(message),
-                                CIM_ERR_INVALID_NAMESPACE);
+        if (!fault.empty())
+            refuse(nameSpace, "a name in it " + std::string(fault));
+        if (isFileOfExport(directory, above.empty()))
+            refuse(nameSpace, "the export has a file " + Base::quoted(directory));
+        if (hasDocument(selections, above, directory))
+            refuse(nameSpace, Base::quoted(directory) + " is a document of the namespace " +
+                                  Base::quoted(above));
+        above += (above.empty() ? "" : "/") + directory;
     }
 }
 
@@ -62,6 +92,18 @@ class Exporter {
         : client_(client), options_(options) {}
 
     void exportAll(const ClassSelection& selection, const OutputDirectory& directory) {
+        // Listed before they are written, so that none is forgotten when the process is killed. A
+        // list that cannot be read stays as it is, so that nothing in it is forgotten either.
+        DocumentList list = DocumentList::read(directory);
+        const bool isListed = list.fault().empty();
+        if (isListed) {
+            addDocuments(selection, list);
+            list.write(directory);
+        } else {
+            failures_.push_back(
+                (directory.path() / DocumentList::kFile).string() +
+                " cannot be read, so no document is listed or removed there: " + list.fault());
+        }
         workInParallel(selection.classes.size() * kDocumentsOfAClass, options_.jobs,
                        [&](std::size_t number) {
                            if (isStopped())
@@ -71,11 +113,14 @@ class Exporter {
                                           kExtensions[number % kDocumentsOfAClass], directory);
                            options_.onDocumentDone();
                        });
-        if (!isStopped())
-            options_.onNamespaceDone(selection, directory);
+        if (options_.exportPages && !isStopped())
+            options_.exportPages(selection, directory);
         if (!isStopped() && options_.prune) {
-            removed_ += removeStaleDocuments(directory, *selection.nameSpace);
             removed_ += directory.removeUnfinishedFiles();
+            if (isListed) {
+                removed_ += list.removeStale(directory, *selection.nameSpace);
+                list.write(directory);
+            }
         }
     }
 
@@ -103,6 +148,15 @@ class Exporter {
     }
 
   private:
+    void addDocuments(const ClassSelection& selection, DocumentList& list) const {
+        for (const Repository::CimClass* cimClass : selection.classes) {
+            for (const char* const extension : kExtensions)
+                list.add(std::string(cimClass->name() + extension));
+            if (options_.exportPages)
+                list.add(std::string(cimClass->name() + kPageExtension));
+        }
+    }
+
     void exportDocument(const Repository::CimNamespace& nameSpace,
                         const Repository::CimClass& cimClass, const char* extension,
                         const OutputDirectory& directory) {
@@ -149,7 +203,7 @@ DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selectio
                                      const DocumentExportOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     for (const ClassSelection& selection : selections)
-        requireDirectoryNames(*selection.nameSpace);
+        requireDirectoryNames(selections, *selection.nameSpace);
     DocumentExportResult result;
     result.namespaces = selections.size();
     result.documents = countDocuments(selections);
@@ -158,7 +212,9 @@ DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selectio
     for (const ClassSelection& selection : selections) {
         if (exporter.isStopped())
             break;
-        exporter.exportAll(selection, createDirectory(output, *selection.nameSpace));
+        OutputDirectory directory = createDirectory(output, *selection.nameSpace);
+        directory.lock();
+        exporter.exportAll(selection, directory);
     }
     exporter.pruneTop(output);
     exporter.takeResult(result);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObjectManager/Commands/Export/ClassSelection.h"
@@ -12,14 +13,22 @@
 
 namespace Commands {
 
+/// The page that lists all classes, and what it searches, in the output directory. The caller
+/// writes them.
+constexpr std::string_view kIndexFile = "index.html";
+constexpr std::string_view kSearchFile = "search.js";
+
+/// The page of a class has the name of the class and this.
+constexpr const char* kPageExtension = ".html";
+
 struct DocumentExportOptions {
     /// How many documents are made at once.
     unsigned jobs = 1;
 
     /// Whether the documents of classes that are gone are removed from the directories of the
-    /// selected namespaces (see removeStaleDocuments), and the temporary files of killed processes
-    /// from these and from the output directory. It looks at whole namespaces, also where only some
-    /// classes of them are selected.
+    /// selected namespaces (see DocumentList), and the temporary files of killed processes from
+    /// these and, if it is locked, from the output directory. It looks at whole namespaces, also
+    /// where only some classes of them are selected.
     bool prune = false;
 
     /// Called before each document; work stops when it returns true. In any thread.
@@ -28,10 +37,10 @@ struct DocumentExportOptions {
     /// Called after each document. In any thread.
     std::function<void()> onDocumentDone = [] {};
 
-    /// Called with the directory of a namespace when its documents are written, before stale files
-    /// are removed; not after a stop.
-    std::function<void(const ClassSelection&, const OutputDirectory&)> onNamespaceDone =
-        [](const ClassSelection&, const OutputDirectory&) {};
+    /// Puts the pages of classes into the directory of their namespace; none are written without
+    /// it. Called when the documents are there, before stale files are removed; not after a stop.
+    std::function<void(const ClassSelection&, const OutputDirectory&)> exportPages;
+};
 };
 
 /// What was exported.
@@ -44,8 +53,8 @@ struct DocumentExportResult {
     std::size_t removed = 0;  ///< files of either kind
     std::size_t bytes = 0;    ///< of the documents that were written or unchanged
     double seconds = 0;
-    /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ..."; in
-    /// ascending order.
+    /// The documents that could not be made, and why: "root/cimv2:CIM_Foo: CIM_Foo.xsd ...", and
+    /// the lists of documents that could not be read; in ascending order.
     std::vector<std::string> failures;
     bool isStopped = false;  ///< some documents are missing because work was stopped
 };
@@ -53,8 +62,9 @@ struct DocumentExportResult {
 /// Puts both documents of each selected class, as `client` gets them, into a directory of `output`
 /// that is named after the namespace: root/cimv2/CIM_Foo.wsdl and .xsd. A document that cannot be
 /// made is a failure in the result, and the others are written.
-/// Errors: TeskBaseException when a namespace's name cannot be a path, before anything is written;
-/// std::system_error when a directory or a file cannot be written; the export ends then.
+/// Errors: TeskBaseException when a namespace's name cannot be a path, or is that of a file of the
+/// export, before anything is written; std::system_error when a directory or a file cannot be
+/// written, or another export is at work in it; the export ends then.
 [[nodiscard]] DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
                                                    const Host::MemoryClient& client,
                                                    const OutputDirectory& output,

@@ -82,9 +82,10 @@ void addExportOptions(Command& command, ExportOptions& options) {
          .target = &options.classes});
     command.options.push_back(
         {.name = "--prune",
-         .help = "Also removes, from the directories of the namespaces, the documents of classes "
-                 "that are gone, and the half-written files of an export that was killed; no other "
-                 "files",
+         .help =
+             "Also removes, from the directories of the namespaces, the documents of classes "
+             "that are gone, as far as exports have written them, and the half-written files of "
+             "an export that was killed; no other files",
          .target = &options.prune,
          .excludes = "CLASS"});
 }
@@ -105,8 +106,8 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     exportOptions.onDocumentDone = [&progress] { progress.step(); };
     // Pages lead to each other, so there are all or none.
     if (options.classes.empty()) {
-        exportOptions.onNamespaceDone = [&](const ClassSelection& selection,
-                                            const OutputDirectory& directory) {
+        exportOptions.exportPages = [&](const ClassSelection& selection,
+                                        const OutputDirectory& directory) {
             exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
         };
     }
@@ -130,15 +131,16 @@ int runExport(const ExportOptions& options) {
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
     // Before this, a signal may end the program at once: nothing is written yet.
     const Base::StopSignals stopSignals;
-    const OutputDirectory output = OutputDirectory::create(options.output);
+    OutputDirectory output = OutputDirectory::create(options.output);
+    output.lock();
     const DocumentExportResult result =
         writeDocuments(options, repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
     if (all) {
-        output.put("search.js", Pages::makeSearchData(*repository, Pages::Layout::kExported));
-        output.put("index.html", Pages::makeIndexPage(*repository, Pages::Layout::kExported));
+        output.put(kSearchFile, Pages::makeSearchData(*repository, Pages::Layout::kExported));
+        output.put(kIndexFile, Pages::makeIndexPage(*repository, Pages::Layout::kExported));
     }
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;

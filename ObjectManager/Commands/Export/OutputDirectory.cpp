@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
-#include <csignal>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -34,14 +31,6 @@ bool isNumber(std::string_view text) noexcept {
     return !text.empty() && text.front() != '0' && std::ranges::all_of(text, Base::isDigit);
 }
 
-// Whether no process has that number any more. One that took over the number of an ended process
-// counts as the first: its files stay until it ends, too.
-bool isGone(std::string_view process) noexcept {
-    pid_t id = 0;
-    const auto result = std::from_chars(process.data(), process.data() + process.size(), id);
-    return result.ec == std::errc() && kill(id, 0) != 0 && errno == ESRCH;
-}
-
 bool isUnfinished(std::string_view file) noexcept {
     if (!file.starts_with(kTemporaryPrefix))
         return false;
@@ -49,8 +38,7 @@ bool isUnfinished(std::string_view file) noexcept {
     const std::size_t hyphen = numbers.find('-');
     if (hyphen == std::string_view::npos)
         return false;
-    const std::string_view process = numbers.substr(0, hyphen);
-    return isNumber(process) && isNumber(numbers.substr(hyphen + 1)) && isGone(process);
+    return isNumber(numbers.substr(0, hyphen)) && isNumber(numbers.substr(hyphen + 1));
 }
 
 // None when the file cannot be opened or is not a regular one. Does not wait for the other end of a
@@ -144,8 +132,20 @@ void OutputDirectory::remove(std::string_view name) const {
         fail("cannot remove", path_ / name);
 }
 
+void OutputDirectory::lock() {
+    FileDescriptor lock(openat(descriptor_.get(), ".", kOpenDirectory));
+    if (!lock.isOpen())
+        fail("cannot lock the directory", path_);
+    if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
+        lock_ = std::move(lock);
+    else if (errno == EWOULDBLOCK)
+        fail("another export is at work in", path_);
+}
+
 std::size_t OutputDirectory::removeUnfinishedFiles() const {
     std::size_t removed = 0;
+    if (!lock_.isOpen())
+        return removed;
     for (const std::string& file : files()) {
         if (!isUnfinished(file))
             continue;
@@ -156,36 +156,33 @@ std::size_t OutputDirectory::removeUnfinishedFiles() const {
 }
 
 std::vector<std::string> OutputDirectory::files() const {
-    // Another descriptor, since reading moves it.
-    FileDescriptor directory(openat(descriptor_.get(), ".", kOpenDirectory));
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(
-        directory.isOpen() ? fdopendir(directory.get()) : nullptr, &closedir);
-    if (entries == nullptr)
-        fail("cannot read the directory", path_);
-    (void)directory.release();
     std::vector<std::string> names;
-    errno = 0;
-    while (const dirent* entry = readdir(entries.get())) {
-        struct stat status = {};
-        if (fstatat(descriptor_.get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-            S_ISREG(status.st_mode))
-            names.emplace_back(entry->d_name);
-        errno = 0;
+    try {
+        for (Base::DirectoryEntry& entry : Base::entriesOf(descriptor_)) {
+            if (entry.kind == Base::DirectoryEntry::Kind::kRegular)
+                names.push_back(std::move(entry.name));
+        }
+    } catch (const std::system_error& error) {
+        throw std::system_error(error.code(), "cannot read the directory " + path_.string());
     }
-    if (errno != 0)
-        fail("cannot read the directory", path_);
     std::ranges::sort(names);
     return names;
 }
 
-std::string OutputDirectory::startOf(std::string_view name, std::size_t length) const {
-    const FileDescriptor file = openRegularFile(descriptor_, std::string(name));
-    std::string bytes;
+std::string OutputDirectory::contentOf(std::string_view name, std::size_t maxBytes) const {
+    const FileDescriptor file(openat(descriptor_.get(), std::string(name).c_str(),
+                                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file.isOpen() && errno == ENOENT)
+        return {};
     if (!file.isOpen())
-        return bytes;
-    bytes.resize(length);
-    bytes.resize(Base::readUpTo(file, bytes));
-    return bytes;
+        throw std::system_error(errno, std::generic_category());
+    if (!Base::FileVersion::of(file).isRegular())
+        throw std::system_error(std::make_error_code(std::errc::not_supported));
+    return Base::readAll(file, maxBytes);
+}
+
+bool OutputDirectory::isTemporaryName(std::string_view name) noexcept {
+    return name.starts_with(kTemporaryPrefix);
 }
 
 }  // namespace Commands

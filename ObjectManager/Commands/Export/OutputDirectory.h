@@ -48,16 +48,25 @@ class OutputDirectory {
     /// Removes a file.
     void remove(std::string_view name) const;
 
+    /// Keeps other exports out, whatever machine or container of this machine they run in, until
+    /// this object is gone. Does nothing where the file system has no locks.
+    /// Errors: as above, when another export is at work here.
+    void lock();
+
     /// Removes the temporary files of processes that were killed while they wrote here. Returns how
-    /// many there were.
+    /// many there were. Removes none unless the directory is locked: they may be those of a process
+    /// that runs.
     std::size_t removeUnfinishedFiles() const;
 
     /// The names of the regular files, in ascending order.
     [[nodiscard]] std::vector<std::string> files() const;
 
-    /// Up to `length` bytes from the beginning of a file; none when it cannot be read or is not a
-    /// regular file.
-    [[nodiscard]] std::string startOf(std::string_view name, std::size_t length) const;
+    /// The content of a file; empty when there is none.
+    /// Errors: std::system_error of Base::readAll, and when it is not a regular file.
+    [[nodiscard]] std::string contentOf(std::string_view name, std::size_t maxBytes) const;
+
+    /// Whether a file of that name may be a temporary one, now or later.
+    [[nodiscard]] static bool isTemporaryName(std::string_view name) noexcept;
 
     /// As in messages.
     [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
@@ -68,6 +77,7 @@ class OutputDirectory {
     [[nodiscard]] bool contains(std::string_view name, std::string_view content) const;
 
     Base::FileDescriptor descriptor_;
+    Base::FileDescriptor lock_;
     std::filesystem::path path_;
 };
 

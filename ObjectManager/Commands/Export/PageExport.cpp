@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "ObjectManager/Commands/Export/DocumentExport.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Pages/ClassPage.h"
 
@@ -12,7 +13,7 @@ void exportPages(const ClassSelection& selection, const OutputDirectory& directo
     const Pages::ClassRelations relations(*selection.nameSpace);
     workInParallel(selection.classes.size(), jobs, [&](std::size_t number) {
         const Repository::CimClass& cimClass = *selection.classes[number];
-        const std::string file = std::string(cimClass.name()) + ".html";
+        const std::string file = std::string(cimClass.name()) + kPageExtension;
         if (isStopped() || !OutputDirectory::validateName(file).empty())
             return;
         directory.put(file,

@@ -6,6 +6,7 @@
 #include <memory>
 #include <unistd.h>
 
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Passwd/PasswordInput.h"
 #include "ObjectManager/Security/Credentials.h"
@@ -21,9 +22,9 @@ namespace {
 using Security::PasswordFile;
 
 constexpr const char* kDetails =
-    "The file has a line for each user, with a hash of the password. Only its owner may read it.\n"
-    "On a terminal, the command asks for the password twice; otherwise the password is the first\n"
-    "line of standard input.\n"
+    "The file has a line for each user, with a hash of the password. Only its owner may read\n"
+    "it, and the group of the service. On a terminal, the command asks for the password twice;\n"
+    "otherwise the password is the first line of standard input.\n"
     "\n"
     "Examples:\n"
     "  tesk passwd /etc/tesk/users alice            add alice, or change her password\n"
@@ -34,31 +35,44 @@ constexpr const char* kDetails =
     throw TeskBaseException("Commands::runPasswd", TSKString(message), CIM_ERR_FAILED);
 }
 
-// Called before a password is typed that could not be saved.
-void requireUsable(const std::string& file) {
-    std::error_code ignored;
-    if (std::filesystem::exists(file, ignored))
-        static_cast<void>(PasswordFile::read(file));
+// A process that hangs with the lock keeps this one from its work.
+Security::LockWait lockWait(std::ostream& messages) {
+    return {.tell = [&messages](const std::string& directory) {
+        messages << "tesk passwd: waiting for another process, which has locked " << directory
+                 << "\n";
+        messages.flush();
+    }};
 }
 
-std::string removeUser(const PasswdRequest& request) {
+std::string removeUser(const PasswdRequest& request, std::ostream& messages) {
     // PasswordFile::change() would create a missing file.
-    static_cast<void>(PasswordFile::read(request.file));
-    PasswordFile::change(request.file, [&](PasswordFile& file) {
-        if (!file.remove(request.user))
-            fail(request.file + ": there is no user \"" + request.user + "\"");
-    });
-    return "Removed the user \"" + request.user + "\" from " + request.file;
+    std::error_code error;
+    if (std::filesystem::status(request.file, error).type() ==
+        std::filesystem::file_type::not_found) {
+        fail(request.file + ": cannot be read: " +
+             std::make_error_code(std::errc::no_such_file_or_directory).message());
+    }
+    PasswordFile::change(
+        request.file,
+        [&](PasswordFile& file) {
+            if (!file.remove(request.user))
+                fail(request.file + ": there is no user " + Base::quoted(request.user));
+        },
+        lockWait(messages));
+    return "Removed the user " + Base::quoted(request.user) + " from " + request.file;
 }
 
-std::string setPassword(const PasswdRequest& request, const PasswordSource& readPassword) {
-    requireUsable(request.file);
+std::string setPassword(const PasswdRequest& request, const PasswordSource& readPassword,
+                        std::ostream& messages) {
+    // Before a password is typed that could not be saved.
+    static_cast<void>(PasswordFile::readForChange(request.file));
     const std::string hash = Security::hashPassword(readPassword(), request.hashing);
     bool isNew = false;
-    PasswordFile::change(request.file,
-                         [&](PasswordFile& file) { isNew = file.set(request.user, hash); });
-    return (isNew ? "Added the user \"" : "Changed the password of the user \"") + request.user +
-           (isNew ? "\" to " : "\" in ") + request.file;
+    PasswordFile::change(
+        request.file, [&](PasswordFile& file) { isNew = file.set(request.user, hash); },
+        lockWait(messages));
+    return (isNew ? "Added the user " : "Changed the password of the user ") +
+           Base::quoted(request.user) + (isNew ? " to " : " in ") + request.file;
 }
 
 }  // namespace
@@ -95,7 +109,8 @@ Command passwdCommand() {
 int runPasswd(const PasswdRequest& request, const PasswordSource& readPassword,
               std::ostream& messages) {
     try {
-        messages << (request.isRemoval ? removeUser(request) : setPassword(request, readPassword))
+        messages << (request.isRemoval ? removeUser(request, messages)
+                                       : setPassword(request, readPassword, messages))
                  << "\n";
         return EXIT_SUCCESS;
     } catch (const TeskBaseException& exception) {

@@ -1,16 +1,22 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "ObjectManager/Base/Files.h"
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Signals.h"
+#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/Serve/Reloader.h"
@@ -28,12 +34,13 @@ struct ServeOptions {
     std::vector<std::string> listen;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
+    std::optional<std::string> accessLog;
 };
 
 constexpr const char* kDetails =
     R"(Signals: SIGHUP reads the configuration, the classes and the password file again and reopens the
-log file; SIGTERM and SIGINT finish running requests and end the service. A change of the password
-file takes effect within about a second.
+log files; SIGUSR1 only reopens the log files; SIGTERM and SIGINT finish running requests and end
+the service. A change of the password file takes effect within about a second.
 
 Examples:
   tesk serve
@@ -53,7 +60,8 @@ void addServeOptions(Command& command, ServeOptions& options) {
         {.name = "--password-file",
          .value = "FILE",
          .help = "The users and their passwords, see \"tesk passwd\"; without it a temporary "
-                 "password is generated and printed",
+                 "password is generated and printed, or written to a file where standard output "
+                 "is not a terminal",
          .target = &options.passwordFile});
     command.options.push_back({.name = "--log-level",
                                .value = "LEVEL",
@@ -61,6 +69,11 @@ void addServeOptions(Command& command, ServeOptions& options) {
                                        "(default), 4 each request",
                                .target = &options.logLevel,
                                .range = {{.least = 1, .most = 4}}});
+    command.options.push_back({.name = "--access-log",
+                               .value = "FILE",
+                               .help = "Append a line for each response, in the Combined Log "
+                                       "Format; - for standard output",
+                               .target = &options.accessLog});
 }
 
 // What the configuration file says, where the command line does not say otherwise.
@@ -73,6 +86,7 @@ Configuration::Settings readSettings(const ServeOptions& options, std::ostream& 
     settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
     if (options.logLevel)
         settings.log.level = static_cast<int>(*options.logLevel);
+    settings.log.access = options.accessLog.value_or(settings.log.access);
     return settings;
 }
 
@@ -88,29 +102,72 @@ std::string samplePath(const Repository::ClassRepository& repository) {
     return "/";
 }
 
-// Returns false if the output failed: the user could not know the password then.
+// Writes where the service is, and with which password: one that was generated is shown at a
+// terminal only, else `note` is the file that it is in. Returns false if the output failed: the
+// user could not know the password then.
 [[nodiscard]] bool announce(const Service& service, const Repository::ClassRepository& repository,
-                            const ServiceUsers& users) {
+                            const ServiceUsers& users, const PasswordNote* note) {
     std::cout << "Serving " << contentText(repository) << " on";
     for (const std::string& address : service.addresses())
         std::cout << " " << address;
     std::cout << "\n";
-    if (!users.generatedPassword.isEmpty()) {
+    if (note != nullptr) {
+        std::cout
+            << "There is no password file. A password that is valid until the service ends is "
+               "in a file:\n"
+            << "  curl --user \"$(cat " << Base::shellQuoted(note->path()) << ")\"";
+    } else if (!users.generatedPassword.isEmpty()) {
         std::cout << "There is no password file. This password is valid until the service ends:\n"
-                  << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view()
-                  << " " << service.addresses().front() << samplePath(repository) << "\n";
+                  << "  curl --user " << kTemporaryUser << ":" << users.generatedPassword.view();
     }
+    if (!users.generatedPassword.isEmpty())
+        std::cout << " " << service.addresses().front() << samplePath(repository) << "\n";
     std::cout.flush();
     return std::cout.good();
 }
 
-void reopenLog(const Base::LogOutput& logOutput) {
-    try {
-        logOutput.reopen();
-    } catch (const TeskBaseException& error) {
-        Base::log("tesk", TeskTraceLog::SeverityError,
-                  "The log goes on as before: " + std::string(error.getMessage().data()));
+bool isLoopback(const Http::ListenAddress& listen) {
+    const auto address = Http::ClientAddress::parse(listen.address);
+    return address &&
+           Http::isIn({Http::Network::parse("127.0.0.0/8"), Http::Network::parse("::1")}, *address);
+}
+
+// Warns of what is allowed but seldom meant.
+void warnOfRisks(const Http::Options& options, const std::vector<std::string>& addresses) {
+    for (std::size_t index = 0; index < options.listen.size(); ++index) {
+        if (!isLoopback(options.listen[index])) {
+            Base::log("tesk", TeskTraceLog::SeverityWarning,
+                      "Other machines reach " + addresses.at(index) +
+                          ", and passwords travel there in clear text: put a TLS proxy in front of "
+                          "it, or listen on 127.0.0.1 only");
+        }
     }
+    if (geteuid() == 0) {
+        Base::log("tesk", TeskTraceLog::SeverityWarning,
+                  "The process runs as root, which it has no need of: start it as a user of its "
+                  "own");
+    }
+}
+
+// Opens a log again by `reopen`; `name` is what it is called.
+template <typename Reopen>
+void reopenLog(std::string_view name, const Reopen& reopen) noexcept {
+    try {
+        try {
+            reopen();
+        } catch (const std::exception& error) {
+            Base::log(
+                "tesk", TeskTraceLog::SeverityError,
+                std::string(name) + " goes on as before: " + std::string(Base::reasonOf(error)));
+        }
+    } catch (const std::bad_alloc&) {
+        // The line is lost.
+    }
+}
+
+[[noreturn]] void endWithoutHandlers(int status) {
+    (void)std::fflush(nullptr);
+    std::_Exit(status);
 }
 
 int stop(Service& service) {
@@ -120,8 +177,7 @@ int stop(Service& service) {
     // A provider that still runs would use objects that are destroyed.
     Base::log("tesk", TeskTraceLog::SeverityError,
               "A provider does not finish in time; the process ends without it");
-    (void)std::fflush(nullptr);
-    std::_Exit(1);
+    endWithoutHandlers(1);
 }
 
 // How often the password file is examined. A user who was just given a password tries it at once.
@@ -136,39 +192,70 @@ void raiseLimitOfOpenFiles() {
     }
 }
 
-int runServe(const ServeOptions& options) {
-    const Configuration::Settings settings = readSettings(options, std::cerr);
-    raiseLimitOfOpenFiles();
-    (void)std::signal(SIGPIPE,
-                      SIG_IGN);  // writing to a client that has gone is an error, not the end
-    const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP});
-    const Base::LogOutput logOutput(settings.log.file,
-                                    static_cast<TeskTraceLog::Severity>(settings.log.level));
+// What is left of the process when the service has ended.
+struct ServiceEnd {
+    int status = 0;
+    bool isReading = false;  // a thread still compiles classes
+};
+
+// Serves until a signal ends that.
+ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
+                 const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
     const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);
     // Before the service is announced: from then on it ends by signals alone.
     Reloader reloader(
-        service, [&options](std::ostream& messages) { return readSettings(options, messages); },
+        {.readSettings =
+             [options](std::ostream& messages) { return readSettings(options, messages); },
+         .replace = [&service](const auto& classes,
+                               auto newUsers) { service.replace(classes, std::move(newUsers)); },
+         .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
+         .wake = &Base::SignalQueue::wake},
         settings, passwordFile);
+    std::unique_ptr<const PasswordNote> note;
+    if (!users.generatedPassword.isEmpty() && isatty(STDOUT_FILENO) == 0)
+        note = std::make_unique<PasswordNote>(users.generatedPassword);
+    warnOfRisks(settings.server, service.addresses());
     service.start();
-    if (!announce(service, *repository, users)) {
+    if (!announce(service, *repository, users, note.get())) {
+        note.reset();
         (void)stop(service);
-        return 1;  // the program says that its output cannot be written
+        return {.status = 1};  // the program says that its output cannot be written
     }
-    int signal = 0;
-    while ((signal = signals.waitFor(kPasswordFileInterval)) == 0 || signal == SIGHUP) {
-        if (signal == SIGHUP) {
-            reopenLog(logOutput);
-            reloader.reloadAll();
+    for (int signal = 0; signal != SIGTERM && signal != SIGINT;
+         signal = signals.waitFor(kPasswordFileInterval)) {
+        if (signal == SIGHUP || signal == SIGUSR1) {
+            reopenLog("The log", [&] { logOutput.reopen(); });
+            reopenLog("The access log", [&] { service.reopenAccessLog(); });
         }
-        reloader.reloadUsersIfChanged();
+        if (signal == SIGHUP)
+            reloader.reload();
+        reloader.goOn();
+        service.tellFailedLogins();
     }
-    // A second Ctrl-C ends the process at once. A reload makes no sense any more.
+    // A second Ctrl-C ends the process at once. The other signals make no sense any more.
     (void)std::signal(SIGHUP, SIG_IGN);
+    (void)std::signal(SIGUSR1, SIG_IGN);
+    note.reset();  // before a signal can end the process
     signals.letThrough();
-    return stop(service);
+    return {.status = stop(service), .isReading = reloader.isReading()};
+}
+
+int runServe(const ServeOptions& options) {
+    const Configuration::Settings settings = readSettings(options, std::cerr);
+    raiseLimitOfOpenFiles();
+    (void)std::signal(SIGPIPE,
+                      SIG_IGN);  // writing to a client that has gone is an error, not the end
+    const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
+    const Base::LogOutput logOutput(settings.log.file,
+                                    static_cast<TeskTraceLog::Severity>(settings.log.level));
+    const ServiceEnd end = serve(options, settings, signals, logOutput);
+    // The thread uses static objects, which the exit handlers would destroy.
+    if (end.isReading)
+        endWithoutHandlers(end.status);
+    return end.status;
 }
 
 }  // namespace

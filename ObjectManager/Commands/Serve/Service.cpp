@@ -1,28 +1,45 @@
 #include "ObjectManager/Commands/Serve/Service.h"
 
+#include <new>
 #include <utility>
 
 #include "ObjectManager/Host/InstallationPaths.h"
 
 namespace Commands {
 
+namespace {
+
+Http::Authentication authenticationBy(
+    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
+    return {
+        .prepare = [authenticator](
+                       const TSKHTTPRequest& request) { return authenticator->prepare(request); },
+        .unverifiedLogin = [authenticator](const TSKHTTPRequest& request)
+            -> std::optional<Http::Authentication::Login> {
+            auto login = authenticator->unverifiedLogin(request);
+            if (!login)
+                return std::nullopt;
+            return {{.user = std::move(login->user), .credentials = std::move(login->credentials)}};
+        },
+        .verify =
+            [authenticator](TSKHTTPRequest& request) { return authenticator->verify(request); }};
+}
+
+}  // namespace
+
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
                  Security::UserTable users)
-    : repository_(repository),
+    : accessLog_(settings.log.access.empty()
+                     ? nullptr
+                     : std::make_unique<Http::AccessLog>(settings.log.access)),
       authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
       host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
             {&index_}),
-      server_(
-          settings.server, host_.manager(),
-          [authenticator = authenticator_](const TSKHTTPRequest& request) {
-              return authenticator->needsPasswordHash(request);
-          },
-          [authenticator = authenticator_](const TSKHTTPRequest& request) {
-              return authenticator->prepare(request);
-          }) {}
+      server_(settings.server, host_.manager(), authenticationBy(authenticator_),
+              [this](const Http::Exchange& exchange) { report(exchange); }) {}
 
 Service::~Service() = default;
 
@@ -32,21 +49,42 @@ void Service::start() {
 
 void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
                       std::optional<Security::UserTable> users) {
-    try {
-        host_.setRepository(repository);
-        index_.setRepository(repository);
-        if (users)
-            setUsers(*std::move(users));
-    } catch (...) {
-        host_.setRepository(repository_);
-        index_.setRepository(repository_);
-        throw;
-    }
-    repository_ = repository;
+    std::shared_ptr<Security::CredentialChecker> checker;
+    if (users)
+        checker = authenticator_->makeChecker(*std::move(users));
+    host_.setRepository(repository);
+    // Nothing below fails.
+    index_.setRepository(repository);
+    if (checker)
+        authenticator_->setChecker(std::move(checker));
 }
 
 void Service::setUsers(Security::UserTable users) {
     authenticator_->setUsers(std::move(users));
+}
+
+void Service::reopenAccessLog() {
+    if (accessLog_)
+        accessLog_->reopen();
+}
+
+void Service::tellFailedLogins() noexcept {
+    try {
+        failedLogins_.tellRest();
+    } catch (const std::bad_alloc&) {
+        // Told next time.
+    }
+}
+
+// Called by the threads of the server.
+void Service::report(const Http::Exchange& exchange) {
+    constexpr unsigned kUnauthorized = 401;
+    const std::string user =
+        exchange.request == nullptr ? "" : authenticator_->userOf(*exchange.request);
+    if (exchange.status == kUnauthorized && !user.empty())
+        failedLogins_.add(exchange.client, user);
+    if (accessLog_)
+        accessLog_->write(exchange, user);
 }
 
 bool Service::stop() {

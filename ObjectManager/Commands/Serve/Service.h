@@ -1,11 +1,14 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "ObjectManager/Configuration/Settings.h"
 #include "ObjectManager/Host/ProviderHost.h"
+#include "ObjectManager/Http/AccessLog.h"
+#include "ObjectManager/Http/FailedLogins.h"
 #include "ObjectManager/Http/Server.h"
 #include "ObjectManager/Pages/PageProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
@@ -21,8 +24,8 @@ namespace Commands {
 class Service {
   public:
     /// Starts the providers and listens. Requests wait until start() is called.
-    /// Errors: TeskBaseException when a provider fails, std::system_error when an address cannot be
-    /// listened on.
+    /// Errors: TeskBaseException when a provider fails or the access log cannot be written,
+    /// std::system_error when an address cannot be listened on.
     Service(const Configuration::Settings& settings,
             const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
     Service(const Service&) = delete;
@@ -39,6 +42,13 @@ class Service {
                  std::optional<Security::UserTable> users);
     void setUsers(Security::UserTable users);
 
+    /// Opens the access log by its name again, if there is one.
+    /// Errors: TeskBaseException when it cannot be written; it goes on as before then.
+    void reopenAccessLog();
+
+    /// Tells the log of failed logins that were left out. To be called about once a second.
+    void tellFailedLogins() noexcept;
+
     /// Takes no further requests and finishes those that run, within the shutdown timeout. Returns
     /// whether no provider runs any more; if one does, this must not be destroyed.
     [[nodiscard]] bool stop();
@@ -47,7 +57,10 @@ class Service {
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:
-    TSKSmrPtr<Repository::ClassRepository> repository_;
+    void report(const Http::Exchange& exchange);
+
+    std::unique_ptr<Http::AccessLog> accessLog_;  // null for none
+    Http::FailedLogins failedLogins_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Pages::PageProvider index_;
     Host::ProviderHost host_;

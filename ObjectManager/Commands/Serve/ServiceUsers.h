@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "ObjectManager/Security/Options.h"
 #include "ObjectManager/Security/SecretText.h"
 #include "ObjectManager/Security/UserTable.h"
@@ -21,5 +23,28 @@ constexpr const char* kTemporaryUser = "tesk";
 /// password file, generates a password for kTemporaryUser.
 /// Errors: TeskBaseException when the file cannot be read or others than its owner can.
 [[nodiscard]] ServiceUsers loadUsers(const Security::Options& options);
+
+/// A file with the generated password, "USER:PASSWORD" in one line, for the case that standard
+/// output is not a terminal: what is printed then goes to a journal or a file, which others read,
+/// too. Only the owner of the file can read it.
+///
+/// Thread safety: belongs to one thread.
+class PasswordNote {
+  public:
+    /// Makes a new file in the directory that XDG_RUNTIME_DIR names, else in that of TMPDIR, else
+    /// in
+    /// "/tmp".
+    /// Errors: TeskBaseException when it cannot be written in any of them.
+    explicit PasswordNote(const Security::SecretText& password);
+    PasswordNote(const PasswordNote&) = delete;
+    PasswordNote& operator=(const PasswordNote&) = delete;
+    /// Removes the file.
+    ~PasswordNote();
+
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+  private:
+    std::string path_;
+};
 
 }  // namespace Commands

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
+#include "ObjectManager/Http/EntityTag.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/HasIPv6.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
@@ -147,7 +148,7 @@ TEST_F(ServiceDocuments, TheAddressesInADocumentAreThoseThatTheClientUses) {
 TEST_F(ServiceDocuments, AClientWithoutHostFieldGetsItsOwnAddress) {
     start();
     EXPECT_EQ(response(request("GET /root/test/TST_Nothing.wsdl HTTP/1.0", kAlice)),
-              found(expected("TST_Nothing.wsdl", "127.0.0.1"), "HTTP/1.0"));
+              found(expected("TST_Nothing.wsdl", "127.0.0.1")));
 }
 
 TEST_F(ServiceDocuments, AClientOfIPv6WithoutHostFieldGetsItsOwnAddressInBrackets) {
@@ -157,8 +158,7 @@ TEST_F(ServiceDocuments, AClientOfIPv6WithoutHostFieldGetsItsOwnAddressInBracket
     start();
     const Client client("::1", port(1));
     EXPECT_TRUE(client.send(request("GET /root/test/TST_Nothing.wsdl HTTP/1.0", kAlice)));
-    EXPECT_EQ(withoutDate(client.readAll()),
-              found(expected("TST_Nothing.wsdl", "[::1]"), "HTTP/1.0"));
+    EXPECT_EQ(withoutDate(client.readAll()), found(expected("TST_Nothing.wsdl", "[::1]")));
     EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
 }
 
@@ -174,12 +174,50 @@ TEST_F(ServiceDocuments, HeadGetsTheHeaderSectionAlone) {
 TEST_F(ServiceDocuments, ABodyThatAClientSendsIsThrownAway) {
     start();
     const std::string body(200'000, 'b');
-    const std::string head = request("POST /root/test/TST_Nothing.wsdl HTTP/1.1",
+    const std::string head = request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
                                      "Host: " + std::string(kHost) + "\r\n" + kAlice +
                                          "Content-Length: " + std::to_string(body.size()) + "\r\n");
     const Client client = sending(head + body);
     EXPECT_EQ(withoutDate(client.readAll()), found(expected("TST_Nothing.wsdl")));
     EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ServiceDocuments, OtherMethodsAreRefused) {
+    start();
+    const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
+    const auto asks = [&](const std::string& line) { return response(request(line, fields)); };
+    const std::string options =
+        "HTTP/1.1 204 No Content\r\nConnection: close\r\nAllow: GET, HEAD, OPTIONS\r\n\r\n";
+    EXPECT_EQ(asks("POST /root/test/TST_Nothing.wsdl HTTP/1.1"), kNotAllowed);
+    EXPECT_EQ(asks("FOO /root/test/TST_Nothing.wsdl HTTP/1.1"),
+              refusal("501 Not Implemented", "This method is not implemented."));
+    EXPECT_EQ(asks("OPTIONS /root/test/TST_Nothing.wsdl HTTP/1.1"), options);
+    EXPECT_EQ(asks("OPTIONS * HTTP/1.1"), options);
+}
+
+TEST_F(ServiceDocuments, AClientThatHasADocumentDoesNotGetItAgain) {
+    start();
+    const std::string document = expected("TST_Nothing.wsdl");
+    const std::string tag = Http::entityTag(document);
+    const auto asks = [&](const std::string& condition) {
+        return response(
+            request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+                    "Host: " + std::string(kHost) + "\r\n" + kAlice + condition + "\r\n"));
+    };
+    EXPECT_EQ(asks("If-None-Match: " + tag),
+              "HTTP/1.1 304 Not Modified\r\nConnection: close\r\nETag: " + tag + "\r\n\r\n");
+    EXPECT_EQ(asks("If-None-Match: \"other\""), found(document));
+    EXPECT_EQ(
+        asks("If-Match: \"other\""),
+        refusal("412 Precondition Failed", "The document is not the one that If-Match names."));
+}
+
+TEST_F(ServiceDocuments, AStrangerCannotTellWhichNamespacesThereAre) {
+    start();
+    for (const char* const path : {"/root/test/TST_Nothing.wsdl", "/root/test/TST_None.wsdl",
+                                   "/root/none/TST_Nothing.wsdl", "/root/test", "/none"})
+        EXPECT_EQ(response("GET " + std::string(path) + " HTTP/1.1\r\nHost: a\r\n\r\n"), kChallenge)
+            << path;
 }
 
 TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {

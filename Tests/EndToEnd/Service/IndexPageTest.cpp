@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ObjectManager/Http/EntityTag.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
@@ -19,8 +20,8 @@ class ServiceIndexPage : public RunningService {
     }
 
     [[nodiscard]] std::string head() const {
-        return "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
-               std::to_string(page().size()) +
+        return "HTTP/1.1 200 OK\r\nETag: " + Http::entityTag(page()) +
+               "\r\nConnection: close\r\nContent-Length: " + std::to_string(page().size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
                Pages::contentSecurityPolicy(Pages::PageKind::kIndex) +
                "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
@@ -48,9 +49,15 @@ TEST_F(ServiceIndexPage, IsForThoseWhoMayReadTheDocuments) {
 TEST_F(ServiceIndexPage, CannotBeChanged) {
     start();
     const std::string fields = "Host: " + std::string(kHost) + "\r\n" + kAlice;
-    EXPECT_EQ(response(request("DELETE / HTTP/1.1", fields)),
-              "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
-              "Content-Length: 0\r\n\r\n");
+    EXPECT_EQ(response(request("DELETE / HTTP/1.1", fields)), kNotAllowed);
+}
+
+TEST_F(ServiceIndexPage, IsNotSentToAClientThatHasIt) {
+    start();
+    const std::string tag = Http::entityTag(page());
+    EXPECT_EQ(response(request("GET / HTTP/1.1",
+                               "Host: a\r\n" + (kAlice + ("If-None-Match: " + tag)) + "\r\n")),
+              "HTTP/1.1 304 Not Modified\r\nConnection: close\r\nETag: " + tag + "\r\n\r\n");
 }
 
 TEST_F(ServiceIndexPage, IsAtNoOtherPath) {

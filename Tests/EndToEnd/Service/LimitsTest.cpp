@@ -72,38 +72,52 @@ TEST_F(ServiceLimits, AClientThatDoesNotTakeItsResponseLosesIt) {
     waitForResponse(get("/root/test/TST_Large.wsdl"), "HTTP/1.1 200 OK");
 }
 
-TEST_F(ServiceLimits, OneClientTooManyIsTurnedAway) {
+TEST_F(ServiceLimits, AConnectionWithoutARequestMakesRoomForOneClientTooMany) {
     serverKeys_["max_connections"] = "3";
     start();
     const std::string request = get("/root/test/TST_Nothing.wsdl");
     const Client first = connect();
     const Client second = connect();
-    {
-        const Client third = connect();
-        EXPECT_EQ(response(request),
-                  refusal("503 Service Unavailable",
-                          "The server has too many connections. Try again later."));
-    }
-    waitForResponse(request, "HTTP/1.1 200 OK");
-    for (const Client* const client : {&first, &second}) {
+    const Client third = connect();
+    EXPECT_EQ(response(request), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(first.readAll(), "");
+    for (const Client* const client : {&second, &third}) {
         EXPECT_TRUE(client->send(request));
         EXPECT_EQ(withoutDate(client->readAll()), found(expected("TST_Nothing.wsdl")));
     }
 }
 
-TEST_F(ServiceLimits, TheLimitOfClientsIsForAllAddressesTogether) {
+TEST_F(ServiceLimits, OneClientTooManyIsTurnedAwayAtAllAddresses) {
+    writeModel("test.mof", largeClass());
     listen_ = {"127.0.0.1:0", "127.0.0.1:0"};
     serverKeys_["max_connections"] = "2";
     start();
+    // They do not read their responses, so nobody can make room.
+    std::vector<Client> busy;
+    for (int count = 0; count < 2; ++count) {
+        busy.push_back(sending(get("/root/test/TST_Large.wsdl")));
+        EXPECT_EQ(busy.back().read(15), "HTTP/1.1 200 OK");
+    }
+    for (const std::size_t address : {0U, 1U}) {
+        EXPECT_EQ(withoutDate(Client("127.0.0.1", port(address)).readAll()),
+                  refusal("503 Service Unavailable",
+                          "The server has too many connections. Try again later."));
+    }
+    busy.clear();
+    waitForResponse(get("/root/test/TST_None.wsdl"), "HTTP/1.1 404 File Not Found");
+}
+
+TEST_F(ServiceLimits, OneConnectionTooManyOfAClientIsTurnedAway) {
+    serverKeys_["max_connections_per_client"] = "2";
+    start();
     const Client first = connect();
-    EXPECT_EQ(response(get("/root/test/TST_None.wsdl")), kNotFound);  // the first is accepted
-    const Client second("127.0.0.1", port(1));
-    const Client third("127.0.0.1", port(1));
-    EXPECT_EQ(withoutDate(third.readAll()),
+    const Client second = connect();
+    EXPECT_EQ(withoutDate(connect().readAll()),
               refusal("503 Service Unavailable",
-                      "The server has too many connections. Try again later."));
-    EXPECT_TRUE(second.send(get("/root/test/TST_Nothing.wsdl")));
-    EXPECT_EQ(withoutDate(second.readAll()), found(expected("TST_Nothing.wsdl")));
+                      "Too many connections come from your address. Try again later."));
+    const Client other("127.0.0.1", port(), "127.0.0.2");
+    EXPECT_TRUE(other.send(get("/root/test/TST_Nothing.wsdl")));
+    EXPECT_EQ(withoutDate(other.readAll()), found(expected("TST_Nothing.wsdl")));
 }
 
 TEST_F(ServiceLimits, TheWorkersAreForAllAddressesTogether) {
@@ -121,8 +135,8 @@ TEST_F(ServiceLimits, TheWorkersAreForAllAddressesTogether) {
 }
 
 // Of several workers one is always there for those whose passwords need not be hashed.
-TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
-    constexpr std::size_t kStrangers = 12;
+TEST_F(ServiceLimits, WrongPasswordsDoNotDelayAVerifiedUser) {
+    constexpr std::size_t kStrangers = 8;
     // A hash that takes long: some 0.3 s.
     writeUsers("alice:" + std::string(kSha512OfSecret) + "\nmallory:$6$rounds=500000$saltsalt$" +
                std::string(86, 'a') + "\n");
@@ -143,6 +157,32 @@ TEST_F(ServiceLimits, WrongPasswordsKeepNobodyWaitingWhoWasLetInBefore) {
     EXPECT_FALSE(strangers[kStrangers - 3].hasInput());
     for (const Client& stranger : strangers)
         EXPECT_EQ(withoutDate(stranger.readAll()), kChallenge);
+}
+
+// Most of them got 503 before.
+TEST_F(ServiceLimits, FourHundredFirstRequestsWithTheRightPasswordAreAllServed) {
+    start();
+    std::vector<Client> clients;
+    for (int count = 0; count < 400; ++count)
+        clients.push_back(sending(get("/root/test/TST_Nothing.wsdl")));
+    for (const Client& client : clients)
+        EXPECT_EQ(withoutDate(client.readAll()), found(expected("TST_Nothing.wsdl")));
+}
+
+TEST_F(ServiceLimits, FourHundredWrongPasswordsDoNotKeepAUserOutWhoHasNotLoggedInYet) {
+    serverKeys_["workers"] = "2";
+    serverKeys_["shutdown_timeout"] = "0.1";  // nobody waits for the strangers
+    start();
+    std::vector<Client> strangers;
+    for (int count = 0; count < 400; ++count) {
+        const std::string password = "wrong" + std::to_string(count);
+        strangers.push_back(sending(
+            request("GET /root/test/TST_Nothing.wsdl HTTP/1.1",
+                    "Host: a\r\nAuthorization: " + basicField("mallory", password) + "\r\n")));
+    }
+    const Client user("127.0.0.1", port(), "127.0.0.2");
+    EXPECT_TRUE(user.send(get("/root/test/TST_Nothing.wsdl")));
+    EXPECT_EQ(withoutDate(user.readAll()), found(expected("TST_Nothing.wsdl")));
 }
 
 }  // namespace

@@ -49,6 +49,22 @@ TEST_F(ServiceReload, ClassesComeAndGo) {
         << process().log();
 }
 
+// One request of such a document would take all memory.
+TEST_F(ServiceReload, AClassWithTooLargeDocumentsIsLeftOutWithAWarning) {
+    writeModel("test.mof",
+               "Qualifier ValueMap : string[], Scope(property);\n"
+               "class TST_Nothing {};\n"
+               "class TST_One { [ValueMap {\"4294967295\", \"..\"}] uint32 q; };\n");
+    reload();
+    for (const char* const document : {"TST_One.wsdl", "TST_One.xsd"})
+        EXPECT_EQ(response(get(std::string("/root/test/") + document)), kNotFound);
+    EXPECT_EQ(response(get("/")).find("TST_One"), std::string::npos);
+    expectedLog_ = {
+        "warning tesk: the class root/test:TST_One is left out: its "
+        "documents would have up to 253.4 GB, the property \"q\" alone 253.4 GB; at "
+        "most 67.1 MB are allowed (repository.max_document_size)"};
+}
+
 TEST_F(ServiceReload, NamespacesComeAndGo) {
     const std::string request = get("/root/new/TST_One.wsdl");
     EXPECT_EQ(response(request), refusal("404 Not Found", "There is nothing at this path."));
@@ -158,7 +174,7 @@ TEST_F(ServiceReload, WithoutAPasswordFileTheUsersStay) {
 TEST_F(ServiceReload, AnUnsafePasswordFileKeepsOldUsersAndClasses) {
     writeModel("test.mof", "class TST_Nothing {};\n");
     const std::string users = directory_ / "users";
-    std::filesystem::permissions(users, std::filesystem::perms(0640));
+    std::filesystem::permissions(users, std::filesystem::perms(0644));
     process().waitForLog("The users stay as they were: ");  // as the file has changed
     reload();
     expectServedAsBefore();

@@ -4,6 +4,7 @@
 #include <regex>
 #include <sstream>
 
+#include "ObjectManager/Http/EntityTag.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
@@ -29,12 +30,14 @@ std::string inQuotes(std::string_view text) {
 }  // namespace
 
 std::vector<std::string> unusualLines(const std::string& log) {
-    const std::regex information("[-0-9T:.]+Z information .*");
+    const std::regex usual(
+        "[-0-9T:.]+Z (information .*|warning HttpFrontEnd: .*[Ff]ailed login.*|warning tesk: The "
+        "process runs as root.*)");
     const std::regex time("^[-0-9T:.]+Z ");
     std::vector<std::string> lines;
     std::istringstream stream(log);
     for (std::string line; std::getline(stream, line);) {
-        if (!std::regex_match(line, information))
+        if (!std::regex_match(line, usual))
             lines.push_back(std::regex_replace(line, time, ""));
     }
     return lines;
@@ -135,9 +138,9 @@ void RunningService::waitForResponse(std::string_view request, std::string_view 
     })) << response.substr(0, begin.size());
 }
 
-std::string RunningService::found(std::string_view document, std::string_view protocol) {
-    return std::string(protocol) +
-           " 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(document.size()) +
+std::string RunningService::found(std::string_view document) {
+    return "HTTP/1.1 200 OK\r\nETag: " + Http::entityTag(document) +
+           "\r\nConnection: close\r\nContent-Length: " + std::to_string(document.size()) +
            "\r\nContent-Type: text/xml\r\n\r\n" + std::string(document);
 }
 
@@ -150,9 +153,9 @@ std::string RunningService::expected(const std::string& name, const std::string&
 }
 
 std::string RunningService::refusal(const std::string& status, const std::string& text) {
-    return "HTTP/1.1 " + status +
-           "\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
-           "Content-Length: " +
+    return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" +
+           (status.starts_with("503") ? "Retry-After: 5\r\n" : "") +
+           "Content-Type: text/plain; charset=utf-8\r\nContent-Length: " +
            std::to_string(text.size() + 1) + "\r\n\r\n" + text + "\n";
 }
 

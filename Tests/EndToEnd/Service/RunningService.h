@@ -31,6 +31,11 @@ class RunningService : public testing::Test {
         "HTTP/1.1 401 Unauthorized\r\nConnection: close\r\n"
         "WWW-Authenticate: Basic realm=\"tesk\", charset=\"UTF-8\"\r\nContent-Length: 0\r\n\r\n";
 
+    static constexpr const char* kNotAllowed =
+        "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD, OPTIONS\r\n"
+        "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 33\r\n\r\n"
+        "This method is not allowed here.\n";
+
     /// The classes TST_Nothing and TST_One of Tests/Providers in the namespace root/test.
     RunningService();
     void TearDown() override;
@@ -73,8 +78,7 @@ class RunningService : public testing::Test {
     void waitForResponse(std::string_view request, std::string_view begin) const;
 
     /// The response with a document.
-    [[nodiscard]] static std::string found(std::string_view document,
-                                           std::string_view protocol = "HTTP/1.1");
+    [[nodiscard]] static std::string found(std::string_view document);
     /// The document of that name in Tests/Providers, as the service sends it to that host.
     [[nodiscard]] static std::string expected(const std::string& name,
                                               const std::string& host = kHost);
@@ -89,8 +93,11 @@ class RunningService : public testing::Test {
     std::vector<std::string> listen_ = {"127.0.0.1:0"};
     /// The keys of [server]. Nothing ends because a machine is slow, unless the test says so.
     std::map<std::string, std::string> serverKeys_ = {
-        {"header_timeout", "300"}, {"response_timeout", "300"}, {"shutdown_timeout", "300"}};
-    std::string logKeys_;  ///< lines for [log]
+        {"header_timeout", "300"},
+        {"response_timeout", "300"},
+        {"shutdown_timeout", "300"},
+        {"max_connections_per_client", "0"}};  // all clients have the same address
+    std::string logKeys_;                      ///< lines for [log]
     std::optional<TeskProcess> process_;
     Lines expectedLog_;       ///< what is not information, without the time
     int expectedStatus_ = 0;  ///< with which it ends
@@ -101,5 +108,6 @@ class RunningService : public testing::Test {
     std::string readyLine_;
 };
 
-/// The lines of a log that are no information, without the time in front of those that have one.
+/// The lines of a log that are neither information nor about failed logins nor about the test's
+/// being run by root, without the time in front of those that have one.
 [[nodiscard]] std::vector<std::string> unusualLines(const std::string& log);

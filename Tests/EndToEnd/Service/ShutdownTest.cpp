@@ -125,6 +125,18 @@ TEST_F(ServiceShutdown, AReloadThatIsAskedForTooLateDoesNotCutResponsesOff) {
     expectProvidersShutDown();
 }
 
+// The process ends while a thread of it still compiles.
+TEST_F(ServiceShutdown, AReloadOfALargeModelIsNotWaitedFor) {
+    start();
+    std::string classes = "class TST_Nothing {};\n";
+    for (int index = 0; index < 20'000; ++index)
+        classes += "class TST_" + std::to_string(index) + " : TST_Nothing { string Text; };\n";
+    writeModel("test.mof", classes);
+    process().signal(SIGHUP);
+    process().signal(SIGTERM);
+    expectProvidersShutDown();
+}
+
 TEST_F(ServiceShutdown, ASecondSigintEndsAtOnce) {
     serveLargeClass();
     const Client client = readingLargeDocument();

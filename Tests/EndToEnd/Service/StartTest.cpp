@@ -1,6 +1,7 @@
 // What keeps `tesk serve` from starting, and what it says then.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 
@@ -35,6 +36,21 @@ TEST_F(ServiceStart, SaysWhatItServesAndWhere) {
                   " http://127.0.0.1:" + std::to_string(port(1)));
     process().signal(SIGTERM);
     EXPECT_EQ(process().readRest(), "");
+}
+
+TEST_F(ServiceStart, WarnsOfPasswordsInClearTextWhereOtherMachinesListen) {
+    listen_ = {"127.0.0.2:0", "0.0.0.0:0"};
+    start();
+    expectedLog_ = {
+        "warning tesk: Other machines reach http://0.0.0.0:" + std::to_string(port(1)) +
+        ", and passwords travel there in clear text: put a TLS proxy in front of it, or "
+        "listen on 127.0.0.1 only"};
+}
+
+TEST_F(ServiceStart, WarnsOfRoot) {
+    start();
+    EXPECT_EQ(process().log().find("warning tesk: The process runs as root") != std::string::npos,
+              geteuid() == 0);
 }
 
 TEST_F(ServiceStart, APortInUse) {

@@ -1,14 +1,18 @@
 // Who is let in, and the way there that the program itself shows.
 
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
+#include <unistd.h>
 
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Security/BasicField.h"
 #include "Tests/ObjectManager/Security/Files.h"
 #include "Tests/ObjectManager/Security/Hashes.h"
 #include "Tests/Support/Command.h"
+#include "Tests/Support/DirectoryContent.h"
+#include "Tests/Support/PseudoTerminal.h"
 
 namespace {
 
@@ -138,11 +142,16 @@ TEST_F(ServiceUsers, WithoutAPasswordFileThePrintedCommandFetchesADocument) {
     const std::string address = "http://127.0.0.1:" + std::to_string(port());
     EXPECT_EQ(readyLine(), "Serving 59 classes in 2 namespaces on " + address);
     EXPECT_EQ(process().readLine(),
-              "There is no password file. This password is valid until the service ends:");
+              "There is no password file. A password that is valid until the service ends is in a "
+              "file:");
     const std::string command = process().readLine();
-    EXPECT_TRUE(std::regex_match(command, std::regex("  curl --user tesk:[a-z0-9]{20} " + address +
-                                                     "/root/cimv2/CIM_ComputerSystem.wsdl")))
-        << command;
+    const std::regex form("  curl --user \"\\$\\(cat (.*/tesk-password-[A-Za-z0-9]{6})\\)\" " +
+                          address + "/root/cimv2/CIM_ComputerSystem.wsdl");
+    std::smatch match;
+    ASSERT_TRUE(std::regex_match(command, match, form)) << command;
+    const std::string file = match[1];
+    EXPECT_EQ(modeOf(file), 0600U);
+    EXPECT_TRUE(std::regex_match(contentOfFile(file), std::regex("tesk:[a-z0-9]{20}\n")));
     const std::string document = outputOf(command + " 2>/dev/null");
     EXPECT_EQ(document.substr(0, 57),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<wsdl:definitions\n");
@@ -150,10 +159,48 @@ TEST_F(ServiceUsers, WithoutAPasswordFileThePrintedCommandFetchesADocument) {
               std::string::npos);
     EXPECT_TRUE(document.ends_with("</wsdl:definitions>\n")) << document;
 
-    const std::regex password(":[a-z0-9]{20} ");
-    const std::string withWrongOne = std::regex_replace(command, password, ":wrong ");
+    const std::string withWrongOne =
+        std::regex_replace(command, std::regex("\"[^\"]*\""), "tesk:wrong");
     EXPECT_EQ(outputOf(withWrongOne + " --output /dev/null --write-out '%{http_code}' 2>/dev/null"),
               "401");
+    process().signal(SIGTERM);
+    EXPECT_EQ(process().wait(), 0);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+// Whose connections these are does not matter: proxies may have as many as they like.
+TEST_F(ServiceUsers, AUserWhoIsRemovedIsRefusedWhileConnectionsTakeAllDescriptors) {
+    serverKeys_["trusted_proxies"] = "\"127.0.0.1\"";
+    writeConfiguration();
+    startWith({"-c", "ulimit -n 100 && exec \"$0\" serve --config \"$1\"", TESK_PROGRAM,
+               directory_ / "tesk.toml"},
+              "/bin/sh");
+    const Lines warnings = unusualLines(process().log());
+    std::vector<Client> idle;
+    for (int count = 0; count < 150; ++count)
+        idle.push_back(connect());
+    writeUsers("");
+    process().waitForLog("tesk: The users have changed");
+    idle.clear();
+    waitForResponse(with(basicField("alice", "secret")), "HTTP/1.1 401");
+    expectedLog_ = warnings;
+    expectedLog_.push_back(
+        "warning tesk: Every request is refused: " + (directory_ / "users").string() +
+        " has no users; \"tesk passwd\" adds them");
+}
+
+TEST_F(ServiceUsers, ThePasswordThatWasMadeIsShownAtATerminal) {
+    PseudoTerminal terminal([] {
+        return execl(TESK_PROGRAM, TESK_PROGRAM, "serve", "--listen", "127.0.0.1:0", nullptr);
+    });
+    ASSERT_TRUE(terminal.waitFor("CIM_ComputerSystem.wsdl"));
+    const std::regex shown(
+        "There is no password file\\. This password is valid until the service ends:\r\n"
+        "  curl --user tesk:[a-z0-9]{20} http://127\\.0\\.0\\.1:[0-9]+/root/cimv2/"
+        "CIM_ComputerSystem\\.wsdl");
+    EXPECT_TRUE(std::regex_search(terminal.shown(), shown)) << terminal.shown();
+    terminal.sendSignal(SIGTERM);
+    EXPECT_EQ(terminal.waitForEnd(), "status 0");
 }
 
 TEST_F(ServiceUsers, ThePasswordThatWasMadeOutlivesAReload) {

@@ -57,4 +57,11 @@ TEST(Ascii, ComparesTheStart) {
     EXPECT_FALSE(Base::startsWithIgnoringCase("abc", "bc"));
 }
 
+TEST(Ascii, DropsSpacesAndTabsAround) {
+    EXPECT_EQ(Base::trimmed(" \ta \t b\t "), "a \t b");
+    EXPECT_EQ(Base::trimmed("\na"), "\na");
+    EXPECT_EQ(Base::trimmed(" \t "), "");
+    EXPECT_EQ(Base::trimmed(""), "");
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
@@ -22,7 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Base::FileDescriptor;
-using Base::FileKind;
 using Base::FileVersion;
 using Base::openForReading;
 using Base::readAll;
@@ -31,6 +31,9 @@ using Base::replaceFile;
 using Base::ReplaceOptions;
 
 constexpr std::size_t kNoLimit = 1'000'000;
+
+// A regular file that is always there.
+constexpr const char* kAnyFile = "/proc/self/exe";
 
 // The code of the error that `work` fails with; none when it does not.
 template <typename Work>
@@ -50,7 +53,7 @@ bool isOpen(int descriptor) {
 TEST(FileDescriptor, ClosesItsFileOnce) {
     int number = -1;
     {
-        FileDescriptor first = openForReading("/dev/null", FileKind::kAny);
+        FileDescriptor first = openForReading(kAnyFile);
         number = first.get();
         FileDescriptor second = std::move(first);
         FileDescriptor third;
@@ -62,29 +65,29 @@ TEST(FileDescriptor, ClosesItsFileOnce) {
 }
 
 TEST(FileDescriptor, AnAssignmentClosesTheFormerFile) {
-    FileDescriptor descriptor = openForReading("/dev/null", FileKind::kAny);
+    FileDescriptor descriptor = openForReading(kAnyFile);
     const int former = descriptor.get();
-    descriptor = openForReading("/dev/null", FileKind::kAny);
+    descriptor = openForReading(kAnyFile);
     EXPECT_FALSE(isOpen(former));
     EXPECT_TRUE(isOpen(descriptor.get()));
 }
 
 TEST(FileDescriptor, IsClosedOrHandedOverOnRequest) {
-    FileDescriptor closed = openForReading("/dev/null", FileKind::kAny);
+    FileDescriptor closed = openForReading(kAnyFile);
     const int number = closed.get();
     closed.close();
     EXPECT_FALSE(closed.isOpen());
     EXPECT_FALSE(isOpen(number));
     closed.close();
 
-    FileDescriptor released = openForReading("/dev/null", FileKind::kAny);
+    FileDescriptor released = openForReading(kAnyFile);
     const FileDescriptor owner(released.release());
     EXPECT_FALSE(released.isOpen());
     EXPECT_TRUE(isOpen(owner.get()));
 }
 
 TEST(FileDescriptor, AFailedCloseIsReported) {
-    FileDescriptor descriptor = openForReading("/dev/null", FileKind::kAny);
+    FileDescriptor descriptor = openForReading(kAnyFile);
     ::close(descriptor.get());
     EXPECT_EQ(failureOf([&] { descriptor.close(); }), std::errc::bad_file_descriptor);
     EXPECT_FALSE(descriptor.isOpen());
@@ -104,15 +107,14 @@ TEST(Reading, ReadsAPipeToItsEnd) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const std::string content(10'000, 'x');
     std::thread writer([&] { directory.write("pipe", content); });
-    const std::string read = readFile(path, kNoLimit, FileKind::kAny);
+    const std::string read = readAll(FileDescriptor(open(path.c_str(), O_RDONLY)), kNoLimit);
     writer.join();
     EXPECT_EQ(read, content);
 }
 
 TEST(Reading, ReadsAFileInParts) {
     const TemporaryDirectory directory;
-    const FileDescriptor file =
-        openForReading(directory.write("file", "0123456789"), FileKind::kAny);
+    const FileDescriptor file = openForReading(directory.write("file", "0123456789"));
     char buffer[4] = {};
     std::string content;
     for (std::size_t count = sizeof buffer; count == sizeof buffer;) {
@@ -125,8 +127,7 @@ TEST(Reading, ReadsAFileInParts) {
 
 TEST(Reading, ReadsFromWhereTheFileStands) {
     const TemporaryDirectory directory;
-    const FileDescriptor file =
-        openForReading(directory.write("file", "0123456789"), FileKind::kAny);
+    const FileDescriptor file = openForReading(directory.write("file", "0123456789"));
     char buffer[4] = {};
     (void)Base::readUpTo(file, buffer);
     EXPECT_EQ(readAll(file, kNoLimit), "456789");
@@ -140,16 +141,16 @@ TEST(Reading, AFileMayHaveAsManyBytesAsAllowedAndNoMore) {
 }
 
 TEST(Reading, AnEndlessDeviceIsNotRead) {
-    EXPECT_EQ(failureOf([] { (void)readFile("/dev/zero", kNoLimit, FileKind::kAny); }),
-              std::errc::file_too_large);
+    const FileDescriptor zeros(open("/dev/zero", O_RDONLY));
+    EXPECT_EQ(failureOf([&] { (void)readAll(zeros, kNoLimit); }), std::errc::file_too_large);
 }
 
 TEST(Reading, AFileThatIsNotThereIsNone) {
     const TemporaryDirectory directory;
     const std::string missing = directory / "missing";
-    EXPECT_FALSE(Base::openIfThere(missing, FileKind::kAny));
-    EXPECT_FALSE(Base::openIfThere(directory.write("file", "") / "below", FileKind::kAny));
-    EXPECT_EQ(failureOf([&] { (void)openForReading(missing, FileKind::kAny); }),
+    EXPECT_FALSE(Base::openIfThere(missing));
+    EXPECT_FALSE(Base::openIfThere(directory.write("file", "") / "below"));
+    EXPECT_EQ(failureOf([&] { (void)openForReading(missing); }),
               std::errc::no_such_file_or_directory);
 }
 
@@ -158,22 +159,75 @@ TEST(Reading, WhatCannotBeReadIsAnError) {
     EXPECT_EQ(failureOf([&] { (void)readFile(directory.path(), kNoLimit); }),
               std::errc::is_a_directory);
     fs::create_symlink("loop", directory / "loop");
-    EXPECT_EQ(failureOf([&] { (void)Base::openIfThere(directory / "loop", FileKind::kAny); }),
+    EXPECT_EQ(failureOf([&] { (void)Base::openIfThere(directory / "loop"); }),
               std::errc::too_many_symbolic_link_levels);
     char buffer[4] = {};
     EXPECT_EQ(failureOf([&] { (void)Base::readUpTo(FileDescriptor(), buffer); }),
               std::errc::bad_file_descriptor);
 }
 
-// To which no process ever writes.
-TEST(Reading, APipeIsNotWaitedForWhereARegularFileIsWanted) {
+// To the pipe no process ever writes.
+TEST(Reading, WhatIsNoRegularFileIsRefusedAtOnce) {
     const TemporaryDirectory directory;
     const std::string pipe = directory / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    for (const std::string& path : {pipe, std::string("/dev/null")}) {
-        EXPECT_EQ(failureOf([&] { (void)openForReading(path, FileKind::kRegular); }),
-                  std::errc::not_supported)
-            << path;
+    const std::string socket = directory / "socket";
+    ASSERT_EQ(mknod(socket.c_str(), S_IFSOCK | 0600, 0), 0);
+    for (const std::string& path : {pipe, socket, std::string("/dev/null")}) {
+        EXPECT_EQ(failureOf([&] { (void)openForReading(path); }), std::errc::not_supported) << path;
+    }
+    EXPECT_EQ(failureOf([&] { (void)openForReading(directory.path()); }),
+              std::errc::is_a_directory);
+}
+
+TEST(Reading, AnOpenFileWaits) {
+    const TemporaryDirectory directory;
+    const FileDescriptor file = openForReading(directory.write("file", ""));
+    EXPECT_EQ(fcntl(file.get(), F_GETFL) & O_NONBLOCK, 0);
+    EXPECT_NE(fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST(Reading, SaysWhyAFileCannotBeRead) {
+    const auto reasonFor = [](std::errc code) {
+        return Base::readFailure(std::system_error(std::make_error_code(code)));
+    };
+    EXPECT_EQ(reasonFor(std::errc::not_supported),
+              "it is not a regular file; a pipe or a device could not be read again at a reload");
+    EXPECT_EQ(reasonFor(std::errc::is_a_directory), "it is a directory");
+    EXPECT_EQ(reasonFor(std::errc::permission_denied), "Permission denied");
+}
+
+TEST(Location, IsThatOfTheFileItself) {
+    const TemporaryDirectory directory;
+    const fs::path real = fs::canonical(directory.path());
+    fs::create_directory(real / "below");
+    fs::create_symlink("../file", real / "below/link");
+    directory.write("file", "");
+    const FileDescriptor file = openForReading(real / "below/.././below/link");
+    EXPECT_EQ(Base::locationOf(file), real / "file");
+    EXPECT_EQ(Base::locationOf(Base::openDirectory(real / "below")), real / "below");
+    fs::rename(real / "file", real / "other");
+    EXPECT_EQ(Base::locationOf(file), real / "other");
+    EXPECT_EQ(failureOf([] { (void)Base::locationOf(FileDescriptor()); }),
+              std::errc::no_such_file_or_directory);
+}
+
+TEST(Entries, AreAllNamesWithTheirKinds) {
+    using Kind = Base::DirectoryEntry::Kind;
+    const TemporaryDirectory directory;
+    directory.write("file", "");
+    fs::create_directory(directory / "directory");
+    fs::create_symlink("file", directory / "link");
+    ASSERT_EQ(mkfifo((directory / "pipe").c_str(), 0600), 0);
+    const FileDescriptor opened = Base::openDirectory(directory.path());
+    for (int times = 0; times < 2; ++times) {
+        std::map<std::string, Kind> kinds;
+        for (const auto& [name, kind] : Base::entriesOf(opened))
+            kinds[name] = kind;
+        EXPECT_EQ(kinds, (std::map<std::string, Kind>{{"directory", Kind::kDirectory},
+                                                      {"file", Kind::kRegular},
+                                                      {"link", Kind::kLink},
+                                                      {"pipe", Kind::kOther}}));
     }
 }
 
@@ -187,7 +241,7 @@ class FileVersionTest : public testing::Test {
 TEST_F(FileVersionTest, StaysWhileNothingChanges) {
     EXPECT_EQ(readFile(file_, kNoLimit), "text");
     EXPECT_EQ(FileVersion::of(file_), before_);
-    EXPECT_EQ(FileVersion::of(openForReading(file_, FileKind::kRegular)), before_);
+    EXPECT_EQ(FileVersion::of(openForReading(file_)), before_);
 }
 
 TEST_F(FileVersionTest, ChangesWithTheContent) {

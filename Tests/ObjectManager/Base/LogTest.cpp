@@ -8,6 +8,7 @@
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RecordingLogSink.h"
+#include "Tests/Support/ResourceLimit.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
@@ -91,6 +92,18 @@ TEST_F(LogOutputTest, GoesOnWhenTheFileCannotBeOpenedAgain) {
     EXPECT_THROW(output.reopen(), TeskBaseException);
     logLine("a line");
     expectLines("log.1", {"a line"});
+}
+
+TEST_F(LogOutputTest, TellsHowManyLinesWereLost) {
+    const LogOutput output(path_, TeskTraceLog::SeverityInformation);
+    {
+        const ResourceLimit full(RLIMIT_FSIZE, 0);
+        logLine("lost");
+        logLine("lost");
+    }
+    logLine("written");
+    expectLines("log",
+                {"written", " warning tesk: 2 lines of the log could not be written until now"});
 }
 
 TEST_F(LogOutputTest, AFileThatCannotBeWrittenIsAnError) {

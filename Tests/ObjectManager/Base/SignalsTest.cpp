@@ -42,6 +42,16 @@ TEST(SignalQueue, HandsSignalsOutOneByOne) {
     EXPECT_EQ(queue.waitFor(std::chrono::seconds(0)), 0);
 }
 
+TEST(SignalQueue, AThreadThatWaitsCanBeWoken) {
+    const SignalQueue queue({SIGUSR1});
+    SignalQueue::wake();
+    SignalQueue::wake();
+    EXPECT_EQ(queue.waitFor(std::chrono::hours(1)), 0);
+    std::thread waker(&SignalQueue::wake);
+    EXPECT_EQ(queue.waitFor(std::chrono::hours(1)), 0);
+    waker.join();
+}
+
 TEST(SignalQueue, ASignalThatStillWaitsHasItsEffectAtTheEnd) {
     const Handled handled(SIGUSR1);
     {

@@ -150,4 +150,11 @@ TEST(XmlText, KnowsWhatNeedsEscapes) {
         EXPECT_FALSE(Base::needsXmlEscapes(text)) << text;
 }
 
+TEST(ShellQuoted, IsOneWordOfACommand) {
+    EXPECT_EQ(Base::shellQuoted("/a/b_c-1.d"), "/a/b_c-1.d");
+    EXPECT_EQ(Base::shellQuoted(""), "''");
+    EXPECT_EQ(Base::shellQuoted("a b$"), "'a b$'");
+    EXPECT_EQ(Base::shellQuoted("it's"), "'it'\\''s'");
+}
+
 }  // namespace

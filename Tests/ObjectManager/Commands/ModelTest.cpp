@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
@@ -54,6 +55,42 @@ TEST(Model, HasTheClassesOfAllNamespaces) {
     EXPECT_TRUE(repository->getClass("root/a", "TST_A"));
     EXPECT_TRUE(repository->getClass("root/b", "TST_B"));
     EXPECT_TRUE(repository->getClass("root/a", "TST_C"));
+}
+
+// At a start and at a reload.
+TEST(Model, WarnsOfClassesThatAreLeftOut) {
+    const TemporaryDirectory directory;
+    std::string mof =
+        "Qualifier ValueMap : string[], Scope(property);\n"
+        "class TST_A { [ValueMap{\"4294967295\", \"..\"}] uint32 q; };\n";
+    for (int number = 0; number < 21; ++number)
+        mof += "class TST_" + std::to_string(number) + " : TST_A {};\n";
+    Configuration::Settings settings;
+    settings.namespaces = {{.name = "root/a", .paths = {directory.write("a.mof", mof)}}};
+    std::ostringstream messages;
+    (void)Commands::loadModel(settings, messages);
+    const std::string text = messages.str();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 22);
+    EXPECT_NE(text.find("tesk: warning: the class root/a:TST_12 is left out: its documents would "
+                        "have up to 253.4 GB, the property \"q\" alone 253.4 GB; at most 67.1 MB "
+                        "are allowed (repository.max_document_size)\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("tesk: warning: root/a: 2 more classes are left out likewise\n"
+                        "tesk: warning: the namespace root/a has no class\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(Model, AddsTheIncludePathOfTheCommandLine) {
+    const TemporaryDirectory directory;
+    ModelOptions options;
+    options.namespaces = {"root/b=b.mof"};
+    options.configuration = directory.write("tesk.toml", "include_path = '/one'\n");
+    options.includePath = {"two", "/three"};
+    std::ostringstream messages;
+    EXPECT_EQ(Commands::readSettings(options, messages).includePath,
+              (std::vector<std::string>{"/one", "two", "/three"}));
 }
 
 TEST(Model, WithAnErrorIsNotLoaded) {

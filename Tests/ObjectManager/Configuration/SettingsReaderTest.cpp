@@ -3,6 +3,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "Tests/ObjectManager/Configuration/SettingsText.h"
@@ -38,19 +39,25 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "include_path:\n"
               "property_order: name\n"
               "escape_descriptions: true\n"
+              "max_document_size: 67108864\n"
+              "max_model_size: 268435456\n"
               "listen: 127.0.0.1:5985\n"
               "trusted_proxies:\n"
               "workers: 0\n"
               "max_header_size: 16384\n"
               "max_request_line: 8192\n"
               "header_timeout: 10000 ms\n"
+              "request_timeout: 60000 ms\n"
               "response_timeout: 30000 ms\n"
               "shutdown_timeout: 10000 ms\n"
               "max_connections: 4096\n"
+              "max_connections_per_client: 1024\n"
+              "max_response_memory: 268435456\n"
               "password_file:\n"
               "credential_lifetime: 300000 ms\n"
               "level: 3\n"
-              "file:\n");
+              "file:\n"
+              "access:\n");
     EXPECT_EQ(settingsOf(""), Settings());
     EXPECT_EQ(settingsOf("\xEF\xBB\xBF# nothing\n[server]\n[namespaces]\n"), Settings());
 }
@@ -64,6 +71,8 @@ Interop = ["interop", "extra.mof"]
 [repository]
 property_order = "declaration"
 escape_descriptions = false
+max_document_size = 16384
+max_model_size = 1099511627776
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
 trusted_proxies = ["10.0.0.0/8", "::1"]
@@ -71,34 +80,44 @@ workers = 3
 max_header_size = 1000
 max_request_line = 100
 header_timeout = 1
+request_timeout = 0
 response_timeout = 2.5
 shutdown_timeout = 0.25
 max_connections = 7
+max_connections_per_client = 0
+max_response_memory = 2000000
 [security]
 password_file = "users"
 credential_lifetime = 60
 [log]
 level = 4
 file = "tesk.log"
+access = "access.log"
 )")),
               "namespace root/cimv2: cim.mof\n"
               "namespace Interop: interop extra.mof\n"
               "include_path: common /usr/share/mof\n"
               "property_order: declaration\n"
               "escape_descriptions: false\n"
+              "max_document_size: 16384\n"
+              "max_model_size: 1099511627776\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
               "trusted_proxies: 10.0.0.0/8 ::1/128\n"
               "workers: 3\n"
               "max_header_size: 1000\n"
               "max_request_line: 100\n"
               "header_timeout: 1000 ms\n"
+              "request_timeout: 0 ms\n"
               "response_timeout: 2500 ms\n"
               "shutdown_timeout: 250 ms\n"
               "max_connections: 7\n"
+              "max_connections_per_client: 0\n"
+              "max_response_memory: 2000000\n"
               "password_file: users\n"
               "credential_lifetime: 60000 ms\n"
               "level: 4\n"
-              "file: tesk.log\n");
+              "file: tesk.log\n"
+              "access: access.log\n");
 }
 
 TEST(SettingsReader, OneTextStandsForAListOfOne) {
@@ -117,6 +136,7 @@ a = ["a.mof", "/b.mof"]
 password_file = "users"
 [log]
 file = "logs/tesk.log"
+access = "logs/access.log"
 )");
     EXPECT_EQ(errorsOf(reading), "");
     const Settings& settings = reading.settings;
@@ -126,12 +146,21 @@ file = "logs/tesk.log"
               (std::vector<std::string>{"/etc/tesk/a.mof", "/b.mof"}));
     EXPECT_EQ(settings.security.passwordFile, "/etc/tesk/users");
     EXPECT_EQ(settings.log.file, "/etc/tesk/logs/tesk.log");
+    EXPECT_EQ(settings.log.access, "/etc/tesk/logs/access.log");
 }
 
 TEST(SettingsReader, AnEmptyNameOfAFileMeansNone) {
     const Settings settings =
-        parseSettings("/etc/tesk.toml", "security.password_file = ''\nlog.file = ''").settings;
+        parseSettings("/etc/tesk.toml",
+                      "security.password_file = ''\nlog.file = ''\nlog.access = ''")
+            .settings;
     EXPECT_EQ(settings, Settings());
+}
+
+TEST(SettingsReader, ADashAsAccessLogMeansStandardOutput) {
+    EXPECT_EQ(parseSettings("/etc/tesk.toml", "log.access = '-'").settings.log.access, "-");
+    EXPECT_EQ(errorIn("log", "access = 1"),
+              "10: error: \"access\" in [log] must be a path or \"-\", not 1\n");
 }
 
 TEST(SettingsReader, NumbersHaveTheirLimits) {
@@ -164,6 +193,14 @@ TEST(SettingsReader, NumbersHaveTheirLimits) {
               rangeError("max_connections", "19", "1 to 1000000", "1000001"));
     EXPECT_EQ(errorIn("server", "max_connections = 9223372036854775807"),
               rangeError("max_connections", "19", "1 to 1000000", "9223372036854775807"));
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1048576").server.maxResponseMemory,
+              1048576U);
+    EXPECT_EQ(settingsOf("[server]\nmax_response_memory = 1099511627776").server.maxResponseMemory,
+              1099511627776U);
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1048575"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1048575"));
+    EXPECT_EQ(errorIn("server", "max_response_memory = 1099511627777"),
+              rangeError("max_response_memory", "23", "1048576 to 1099511627776", "1099511627777"));
     EXPECT_EQ(settingsOf("[log]\nlevel = 1").log.level, 1);
     EXPECT_EQ(errorIn("log", "level = 0"),
               "9: error: \"level\" in [log] must be a whole number from 1 to 4, not 0\n");
@@ -320,8 +357,8 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
               "1: error: unknown key \"max-connection\" in [server]; did you mean "
               "\"max_connections\"?\n");
     EXPECT_EQ(errorIn("repository", "order = 1"),
-              "1: error: unknown key \"order\" in [repository]; known are \"property_order\" and "
-              "\"escape_descriptions\"\n");
+              "1: error: unknown key \"order\" in [repository]; known are \"property_order\", "
+              "\"escape_descriptions\", \"max_document_size\" and \"max_model_size\"\n");
     EXPECT_EQ(errorIn("", "includepath = 1"),
               "1: error: unknown key \"includepath\"; did you mean \"include_path\"?\n");
     EXPECT_EQ(errorIn("", "listen = 1"),
@@ -336,8 +373,9 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
         errorIn("server", "tls.key = 1"),
         "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"trusted_proxies\", "
         "\"workers\", "
-        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"response_timeout\", "
-        "\"shutdown_timeout\" and \"max_connections\"\n");
+        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
+        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\", "
+        "\"max_connections_per_client\" and \"max_response_memory\"\n");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -354,14 +392,15 @@ a = 1
     EXPECT_EQ(
         errorsOf(reading),
         "tesk.toml:2:9: error: \"level\" in [log] must be a whole number from 1 to 4, not 9\n"
-        "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\" and "
-        "\"file\"\n"
+        "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\", "
+        "\"file\" and \"access\"\n"
         "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
         "1024, not \"all\"\n"
         "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
         "\"trusted_proxies\", \"workers\", \"max_header_size\", \"max_request_line\", "
         "\"header_timeout\", "
-        "\"response_timeout\", \"shutdown_timeout\" and \"max_connections\"\n"
+        "\"request_timeout\", \"response_timeout\", \"shutdown_timeout\", "
+        "\"max_connections\", \"max_connections_per_client\" and \"max_response_memory\"\n"
         "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
         "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);
@@ -398,9 +437,19 @@ TEST_F(SettingsFileTest, AMissingOneIsReported) {
               path_ + ": error: cannot be read: No such file or directory\n");
 }
 
+// To which no process ever writes.
+TEST_F(SettingsFileTest, APipeIsReportedAtOnce) {
+    const std::string pipe = directory_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(errorsOf(readSettings(pipe)),
+              pipe +
+                  ": error: cannot be read: it is not a regular file; a pipe or a device could "
+                  "not be read again at a reload\n");
+}
+
 TEST_F(SettingsFileTest, ADirectoryIsReported) {
     EXPECT_EQ(errorsOf(readSettings(directory_.path())),
-              directory_.path().string() + ": error: cannot be read: Is a directory\n");
+              directory_.path().string() + ": error: cannot be read: it is a directory\n");
 }
 
 TEST_F(SettingsFileTest, HasUpToOneMebibyte) {
@@ -446,7 +495,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 16);
+    EXPECT_EQ(count, 22);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

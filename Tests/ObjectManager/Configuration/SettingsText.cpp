@@ -35,6 +35,8 @@ std::string textOf(const Settings& settings) {
                                    ? "name"
                                    : "declaration");
     text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
+    text += line("max_document_size", settings.repository.maxDocumentSize);
+    text += line("max_model_size", settings.repository.maxModelSize);
     const Http::Options& server = settings.server;
     std::vector<std::string> addresses;
     for (const Http::ListenAddress& listen : server.listen)
@@ -48,13 +50,18 @@ std::string textOf(const Settings& settings) {
     text += line("max_header_size", server.maxHeaderSize);
     text += line("max_request_line", server.maxRequestLine);
     text += line("header_timeout", server.headerTimeout);
+    text += line("request_timeout", server.requestTimeout);
     text += line("response_timeout", server.responseTimeout);
     text += line("shutdown_timeout", server.shutdownTimeout);
     text += line("max_connections", server.maxConnections);
+    text += line("max_connections_per_client",
+                 server.maxConnectionsPerClient.value_or(server.maxConnections / 4));
+    text += line("max_response_memory", server.maxResponseMemory);
     text += line("password_file", settings.security.passwordFile);
     text += line("credential_lifetime", settings.security.credentialLifetime);
     text += line("level", std::to_string(settings.log.level));
-    return text + line("file", settings.log.file);
+    text += line("file", settings.log.file);
+    return text + line("access", settings.log.access);
 }
 
 std::string errorsOf(const SettingsReading& reading) {

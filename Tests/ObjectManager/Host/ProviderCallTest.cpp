@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderCall.h"
 #include "Platform/Http/TSKHTTPException.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
 
 namespace {
 
@@ -28,11 +31,20 @@ class HookedProvider : public urma::pf::Provider {
         ostr.write("a\0b", 3);
         ostr.write(nullptr, 0);
         ostr.write("cd", 1);
+        try {
+            ostr.write(body.data(), body.size());
+        } catch (...) {
+            if (!catchesAll)
+                throw;
+            ostr.write("more", 4);
+        }
         if (onRequest)
             onRequest(handled);
     }
 
     std::string seen;
+    std::string body;
+    bool catchesAll = false;
     std::function<void(bool& handled)> onRequest;
 };
 
@@ -68,6 +80,45 @@ TEST_F(ProviderCallTest, TheProviderSeesTheRequestAndTheClient) {
     EXPECT_EQ(provider_.seen,
               "POST /root/a from [2001:db8::7] port 50000, bytes to read: 0, handled: yes, "
               "transaction: no");
+}
+
+TEST_F(ProviderCallTest, AsksBeforeTheResponseTakesMemory) {
+    std::vector<std::size_t> asked;
+    TSKHTTPRequest request("GET", "/root/a", "HTTP/1.1");
+    provider_.body = std::string(1000, 'x');
+    const auto result = Host::callProvider(manager_, request, {}, [&](std::size_t bytes) {
+        asked.push_back(bytes);
+        return true;
+    });
+    EXPECT_EQ(result.response, std::string("a\0bc", 4) + provider_.body);
+    EXPECT_EQ(asked, std::vector<std::size_t>({1004}));
+}
+
+TEST_F(ProviderCallTest, AResponseThatMayNotTakeMemoryIsDropped) {
+    provider_.body = std::string(1000, 'x');
+    for (const bool isCaught : {false, true}) {
+        provider_.catchesAll = isCaught;
+        TSKHTTPRequest request("GET", "/root/a", "HTTP/1.1");
+        int asked = 0;
+        expectNoResponse(Host::callProvider(manager_, request, {},
+                                            [&](std::size_t /*bytes*/) { return ++asked > 1; }),
+                         Outcome::kNoRoom);
+    }
+}
+
+TEST_F(ProviderCallTest, AClientIsAuthenticatedAsProvidersDo) {
+    TSKHTTPRequest request("GET", "/root/a", "HTTP/1.1");
+    EXPECT_FALSE(Host::isAuthenticated(request, {}));
+    AuthenticationHelper::setAuthenticator(TSKSmrPtr<Host::LocalAuthenticator>::make());
+    EXPECT_TRUE(Host::isAuthenticated(request, {}));
+    AuthenticationHelper::setAuthenticator(nullptr);
+}
+
+TEST(HeaderLength, EndsWithTheFirstEmptyLine) {
+    EXPECT_EQ(Host::headerLength("HTTP/1.1 200 OK\r\na: b\r\n\r\nc\r\n\r\n"), 25U);
+    EXPECT_EQ(Host::headerLength("\r\n\r\n"), 4U);
+    for (const char* const text : {"", "a\r\n", "a\n\n", "a\r\n\n", "a\r\n\r"})
+        EXPECT_EQ(Host::headerLength(text), 0U) << text;
 }
 
 TEST_F(ProviderCallTest, APathWithoutAProviderIsNotFound) {

@@ -48,12 +48,21 @@ bool waitFor(int descriptor, short event) {
 
 }  // namespace
 
-Client::Client(const std::string& address, std::uint16_t port) {
+Client::Client(const std::string& address, std::uint16_t port) : Client(address, port, "") {}
+
+Client::Client(const std::string& address, std::uint16_t port, const std::string& source) {
     const Addresses addresses(address, port);
     descriptor_ = socket(addresses.first->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (descriptor_ < 0)
         throw std::system_error(errno, std::generic_category(), "socket");
-    if (connect(descriptor_, addresses.first->ai_addr, addresses.first->ai_addrlen) != 0) {
+    const auto hasSource = [&] {
+        if (source.empty())
+            return true;
+        const Addresses sources(source, 0);
+        return bind(descriptor_, sources.first->ai_addr, sources.first->ai_addrlen) == 0;
+    };
+    if (!hasSource() ||
+        connect(descriptor_, addresses.first->ai_addr, addresses.first->ai_addrlen) != 0) {
         const int error = errno;
         close(descriptor_);
         throw std::system_error(error, std::generic_category(), "connect");

@@ -12,6 +12,8 @@ class Client {
     /// Connects to an address without brackets.
     /// Errors: std::system_error.
     Client(const std::string& address, std::uint16_t port);
+    /// The same from the address `source`.
+    Client(const std::string& address, std::uint16_t port, const std::string& source);
     Client(Client&& other) noexcept;
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;

@@ -25,62 +25,6 @@ using boost::asio::ip::tcp;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-class ConnectionSetTest : public testing::Test {
-  protected:
-    std::shared_ptr<Http::Connection> makeConnection() {
-        return std::make_shared<Http::Connection>(context_, tcp::socket(ioContext_),
-                                                  tcp::endpoint());
-    }
-
-    Http::ConnectionSet set_;
-    TeskProviderPluginManager manager_;
-    Http::Dispatcher dispatcher_{manager_};
-    Http::WorkerPool workers_{1, 1};
-    Http::Options options_;
-    Http::ConnectionContext context_{
-        .options = options_, .dispatcher = dispatcher_, .workers = workers_, .connections = set_};
-    boost::asio::io_context ioContext_;
-};
-
-TEST_F(ConnectionSetTest, ContainsWhatIsAddedUntilItIsRemoved) {
-    const auto first = makeConnection();
-    const auto second = makeConnection();
-    EXPECT_EQ(set_.size(), 0U);
-    set_.add(*first);
-    set_.add(*second);
-    EXPECT_EQ(set_.size(), 2U);
-    EXPECT_EQ(set_.all().size(), 2U);
-    set_.remove(*first);
-    set_.remove(*first);
-    EXPECT_EQ(set_.all(), std::vector({second}));
-    set_.remove(*second);
-    EXPECT_EQ(set_.size(), 0U);
-}
-
-TEST_F(ConnectionSetTest, AConnectionThatEndsRemovesItself) {
-    {
-        const auto connection = makeConnection();
-        set_.add(*connection);
-    }
-    EXPECT_EQ(set_.size(), 0U);
-}
-
-TEST_F(ConnectionSetTest, WaitsUntilTheLastOneIsRemoved) {
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now()));
-    const auto first = makeConnection();
-    const auto second = makeConnection();
-    set_.add(*first);
-    set_.add(*second);
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now()));
-    EXPECT_FALSE(set_.waitUntilEmpty(steady_clock::now() + milliseconds(1)));
-    std::thread removing([&] {
-        set_.remove(*first);
-        set_.remove(*second);
-    });
-    EXPECT_TRUE(set_.waitUntilEmpty(steady_clock::now() + kPatience));
-    removing.join();
-}
-
 class ConnectionTest : public RunningServer {
   protected:
     static constexpr std::size_t kLarge = 16UL * 1024 * 1024;
@@ -91,9 +35,17 @@ class ConnectionTest : public RunningServer {
         provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
             if (request.getUri() != "/test/large")
                 return writeTo(ostr, kHello);
-            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n");
             writeTo(ostr, large_);
         };
+    }
+
+    // Makes the response to "/test/large" larger than any socket takes at once, and leaves no room
+    // for a second one.
+    void serveLargeOneAtATime() {
+        serveLarge();
+        options_.maxResponseMemory = kLarge + kLarge / 2;
+        options_.workers = 1;
     }
 
     // Runs one connection on this thread and makes an allocation of it fail. Returns whether one
@@ -102,11 +54,13 @@ class ConnectionTest : public RunningServer {
                         std::string& response) {
         const Http::Dispatcher dispatcher(manager_);
         Http::ConnectionSet connections;
-        Http::WorkerPool workers(1, options_.maxWaitingHashes);
+        Http::ResponseMemory memory(options_.maxResponseMemory);
+        Http::WorkerPool workers(1, {});
         Http::ConnectionContext context{.options = options_,
                                         .dispatcher = dispatcher,
                                         .workers = workers,
-                                        .connections = connections};
+                                        .connections = connections,
+                                        .memory = memory};
         boost::asio::io_context ioContext;
         tcp::acceptor acceptor(ioContext, {tcp::v4(), 0});
         const Client client("127.0.0.1", acceptor.local_endpoint().port());
@@ -218,7 +172,7 @@ TEST_F(ConnectionTest, ARefusedRequestGetsTheReason) {
     EXPECT_EQ(
         responseTo("GET /test HTTP/2.0\r\nHost: a\r\n\r\n"),
         error("505 HTTP Version Not Supported", "This server supports HTTP/1.0 and HTTP/1.1."));
-    EXPECT_EQ(responseTo("TRACE /test HTTP/1.1\r\nHost: a\r\n\r\n"),
+    EXPECT_EQ(responseTo("FOO /test HTTP/1.1\r\nHost: a\r\n\r\n"),
               error("501 Not Implemented", "This method is not implemented."));
 }
 
@@ -332,7 +286,77 @@ TEST_F(ConnectionTest, SlowReadersDelayNoOtherClient) {
     const std::string head = slow.front().read(12);
     EXPECT_EQ(responseTo(kGet), kHello);
     EXPECT_EQ(withoutDate(head + slow.front().readAll()),
-              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
+}
+
+TEST_F(ConnectionTest, AResponseWithoutRoomWaitsUntilOthersAreRead) {
+    serveLargeOneAtATime();
+    start();
+    const std::string whole =
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_;
+    const Client first = sending(kGetLarge);
+    std::string begin = first.read(12);
+    const Client second = sending(kGetLarge);
+    const Client third = sending(kGetLarge);
+    // The only worker is not occupied.
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_FALSE(second.hasInput());
+    EXPECT_FALSE(third.hasInput());
+    EXPECT_EQ(withoutDate(begin + first.readAll()), whole);
+    EXPECT_EQ(withoutDate(second.readAll()), whole);
+    EXPECT_EQ(withoutDate(third.readAll()), whole);
+}
+
+TEST_F(ConnectionTest, AResponseThatGetsNoRoomInTimeGets503) {
+    serveLargeOneAtATime();
+    options_.responseTimeout = milliseconds(50);
+    // The first response stays where it is made.
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    const auto respondLarge = provider_.respond;
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        respondLarge(request, ostr);
+        if (request.getMethod() == "POST") {
+            begun.set_value();
+            goOn.get_future().wait();
+        }
+    };
+    options_.workers = 2;
+    start();
+    const Client first = sending("POST /test/large HTTP/1.1\r\nHost: a\r\n\r\n");
+    begun.get_future().wait();
+    EXPECT_EQ(responseTo(kGetLarge),
+              error("503 Service Unavailable",
+                    "The server has no memory for the response. Try again later."));
+    goOn.set_value();
+    server_.reset();  // waits for the provider, which uses what stands above
+}
+
+TEST_F(ConnectionTest, AClientThatWaitsForRoomMayGoAway) {
+    serveLargeOneAtATime();
+    start();
+    const Client first = sending(kGetLarge);
+    const std::string begin = first.read(12);
+    {
+        Client second = sending(kGetLarge);
+        EXPECT_EQ(responseTo(kGet), kHello);
+        second.reset();
+    }
+    const Client third = sending(kGetLarge);
+    const std::string whole = begin + first.readAll();
+    EXPECT_EQ(withoutDate(third.readAll()), withoutDate(whole));
+}
+
+TEST_F(ConnectionTest, TheServerMayEndWhileResponsesWaitForRoom) {
+    serveLargeOneAtATime();
+    options_.shutdownTimeout = milliseconds(50);
+    start();
+    const Client first = sending(kGetLarge);
+    const std::string begin = first.read(12);
+    const Client second = sending(kGetLarge);
+    EXPECT_EQ(responseTo(kGet), kHello);
+    EXPECT_TRUE(server_->stop());
+    EXPECT_EQ(second.readAll(), "");
 }
 
 TEST_F(ConnectionTest, ALargeResponseMayBeReadInSmallPieces) {
@@ -343,7 +367,8 @@ TEST_F(ConnectionTest, ALargeResponseMayBeReadInSmallPieces) {
     for (std::string piece = client.read(100'003); !piece.empty(); piece = client.read(100'003))
         text += piece;
     EXPECT_FALSE(client.wasReset());
-    EXPECT_EQ(withoutDate(text), "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + large_);
+    EXPECT_EQ(withoutDate(text),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
 }
 
 TEST_F(ConnectionTest, AClientThatReadsNothingIsCutOff) {
@@ -387,6 +412,38 @@ TEST_F(ConnectionTest, ASecondRequestIsIgnored) {
     EXPECT_EQ(calls, 1);
 }
 
+// The server is done with the first response when it responds to another client, since it has one
+// worker. The client has not read it then.
+TEST_F(ConnectionTest, ASecondRequestDoesNotCutTheFirstResponse) {
+    large_.assign(282'000, 'x');
+    provider_.respond = [this](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, request.getUri() == "/test/large"
+                          ? "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_
+                          : kHello);
+    };
+    options_.workers = 1;
+    start();
+    const Client client = sending(kGetLarge);
+    const std::string begin = client.read(12);
+    EXPECT_EQ(responseTo(kGet), kHello);
+    for (int count = 0; count < 3; ++count) {
+        EXPECT_TRUE(client.send(kGet));
+        EXPECT_EQ(responseTo(kGet), kHello);
+    }
+    EXPECT_EQ(withoutDate(begin + client.readAll()),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + large_);
+    EXPECT_FALSE(client.wasReset());
+}
+
+TEST_F(ConnectionTest, AClientThatHasSentNothingIsNotWaitedForAfterTheTimeout) {
+    options_.headerTimeout = milliseconds(50);
+    options_.lingerTimeout = 2 * kPatience;
+    start();
+    const Client silent = connect();
+    EXPECT_EQ(withoutDate(silent.readAll()), error("408 Request Timeout", kTimeout));
+    EXPECT_TRUE(waitUntil([&] { return !silent.send("G"); }));
+}
+
 TEST_F(ConnectionTest, TheResponseDoesNotWaitForABody) {
     start();
     for (const char* const fields :
@@ -424,25 +481,30 @@ TEST_F(ConnectionTest, AClientThatEndsSendingAfterTheRequestGetsTheResponse) {
 }
 
 TEST_F(ConnectionTest, AClientThatSendsTooMuchAfterTheResponseIsCutOff) {
-    options_.maxConnections = 1;
+    options_.lingerTimeout = 2 * kPatience;
     options_.maxLingerBytes = 100'000;
     start();
-    const std::string head = "POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 1000000\r\n\r\n";
-    const Client client = sending(head);
+    const Client client = sending(kGet);
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
     EXPECT_TRUE(client.send(std::string(100'000, 'b')));
-    EXPECT_EQ(sending(kGet).readAll().substr(0, 12), "HTTP/1.1 503");
-    EXPECT_TRUE(client.send("b"));
-    waitUntilServed();
+    EXPECT_TRUE(waitUntil([&] { return !client.send("b"); }));
 }
 
 TEST_F(ConnectionTest, AClientThatStaysAfterTheResponseIsCutOff) {
-    options_.maxConnections = 1;
     options_.lingerTimeout = milliseconds(50);
     start();
-    const Client client = sending("POST /test HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\n\r\n");
+    const Client client = sending(kGet);
     EXPECT_EQ(withoutDate(client.readAll()), kHello);
-    waitUntilServed();
+    EXPECT_TRUE(waitUntil([&] { return !client.send("b"); }));
+}
+
+TEST_F(ConnectionTest, AClientThatStaysAfterTheResponseTakesNoPlace) {
+    options_.maxConnections = 1;
+    options_.lingerTimeout = 2 * kPatience;
+    start();
+    const Client client = sending(kGet);
+    EXPECT_EQ(withoutDate(client.readAll()), kHello);
+    EXPECT_EQ(responseTo(kGet), kHello);
 }
 
 TEST_F(ConnectionTest, AClientMayGoAwayBeforeItsResponse) {
@@ -506,7 +568,7 @@ TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
     constexpr int kRounds = 100;
     provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
         const std::string path = request.getUri().data();
-        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path);
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + path);
         writeTo(ostr, std::string(path.size() * 1000, 'x'));
     };
     options_.workers = 4;
@@ -515,7 +577,7 @@ TEST_F(ConnectionTest, ManyClientsAreServedAtTheSameTime) {
         for (int round = 0; round < kRounds; ++round) {
             const std::string path = "/test/" + std::to_string(index * kRounds + round);
             EXPECT_EQ(responseTo("GET " + path + " HTTP/1.1\r\nHost: a\r\n\r\n"),
-                      "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + path +
+                      "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\n\r\n" + path +
                           std::string(path.size() * 1000, 'x'));
         }
     });

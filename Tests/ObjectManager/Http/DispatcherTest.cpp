@@ -3,10 +3,13 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Http/Dispatcher.h"
 #include "Platform/Http/TSKHTTPException.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/Support/AllocationProbe.h"
@@ -14,11 +17,12 @@
 
 namespace {
 
+using Fields = std::vector<std::pair<const char*, const char*>>;
 using Lines = std::vector<std::string>;
 using std::string_literals::operator""s;
 
 constexpr const char* kHello =
-    "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 5\r\n\r\nhello";
+    "HTTP/1.1 200 OK\r\nConnection: close\r\nETag: \"a\"\r\nContent-Length: 5\r\n\r\nhello";
 
 constexpr const char* kNotFound =
     "HTTP/1.1 404 Not Found\r\nConnection: close\r\nContent-Type: text/plain; charset=utf-8\r\n"
@@ -40,18 +44,32 @@ class DispatcherTest : public testing::Test {
             writeTo(ostr, kHello);
         };
         provider_.addTo(manager_);
+        AuthenticationHelper::setAuthenticator(TSKSmrPtr<Host::LocalAuthenticator>::make());
     }
 
+    ~DispatcherTest() override { AuthenticationHelper::setAuthenticator(nullptr); }
+
     // The response without its date.
-    [[nodiscard]] std::string responseTo(const char* path, const char* method = "GET") {
+    [[nodiscard]] std::string responseTo(const char* path, const char* method = "GET",
+                                         const Fields& fields = {}) {
         TSKHTTPRequest request(method, path, "HTTP/1.1");
+        for (const auto& [name, value] : fields)
+            request.setHeaderField(name, value, true);
         const Http::Dispatcher dispatcher(manager_);
+        Http::ResponseMemory::Share share(memory_);
         const Http::Response response =
-            dispatcher.respond(request, {boost::asio::ip::make_address("192.0.2.7"), 50000});
+            dispatcher.respond(request, {boost::asio::ip::make_address("192.0.2.7"), 50000}, share)
+                .value();
         std::string text;
         for (const boost::asio::const_buffer& part : response.unsent())
             text.append(static_cast<const char*>(part.data()), part.size());
         return withoutDate(text);
+    }
+
+    // As a client that is not authenticated.
+    [[nodiscard]] std::string responseToStranger(const char* path, const char* method = "GET") {
+        AuthenticationHelper::setAuthenticator(nullptr);
+        return responseTo(path, method);
     }
 
     // Has the provider throw this after it has written a part of its response.
@@ -67,7 +85,9 @@ class DispatcherTest : public testing::Test {
 
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
+    Http::ResponseMemory memory_{100'000};
     LogRecording log_;
+    bool throws_ = false;
 };
 
 TEST_F(DispatcherTest, TheProviderOfThePathResponds) {
@@ -95,6 +115,135 @@ TEST_F(DispatcherTest, WithoutAProviderNothingIsFound) {
     EXPECT_EQ(responseTo("/"), kNotFound);
     (void)manager_.shutdown();
     EXPECT_EQ(responseTo("/test/a"), kNotFound);
+}
+
+TEST_F(DispatcherTest, AStrangerDoesNotLearnWhichPathsExist) {
+    EXPECT_EQ(responseToStranger("/other/path"), kChallenge);
+    EXPECT_EQ(responseToStranger("/", "HEAD"), kChallenge);
+    provider_.leavesAnswer = true;
+    EXPECT_EQ(responseToStranger("/test/a"), kChallenge);
+    makeProviderThrow(
+        TSKHTTPException("here", "Authentication failed", TSKHTTPException::kAuthenticationFailed));
+    EXPECT_EQ(responseToStranger("/test/a"), kChallenge);
+}
+
+TEST_F(DispatcherTest, AProviderMayServeStrangers) {
+    EXPECT_EQ(responseToStranger("/test/a"), kHello);
+}
+
+TEST_F(DispatcherTest, OptionsGetsTheMethodsOfThePath) {
+    const auto options = [](const std::string& allowed) {
+        return "HTTP/1.1 204 No Content\r\nConnection: close\r\nAllow: " + allowed + "\r\n\r\n";
+    };
+    EXPECT_EQ(responseTo("/test/a", "OPTIONS"), options("GET, HEAD, POST, OPTIONS"));
+    EXPECT_EQ(responseToStranger("/other/path", "OPTIONS"), options("GET, HEAD, OPTIONS"));
+    EXPECT_EQ(responseTo("*", "OPTIONS"), options("GET, HEAD, OPTIONS"));
+    EXPECT_TRUE(manager_.registerMethods(provider_.getProviderName(), {"OPTIONS"}));
+    EXPECT_EQ(responseTo("/test/a", "OPTIONS"), kHello);
+}
+
+TEST_F(DispatcherTest, AMethodThatTheProviderDoesNotServeIsNotAllowed) {
+    const auto notAllowed = [](const std::string& allowed) {
+        return "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: " + allowed +
+               "\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: 33\r\n\r\n"
+               "This method is not allowed here.\n";
+    };
+    for (const char* const method : {"PUT", "DELETE", "PATCH", "TRACE", "CONNECT"})
+        EXPECT_EQ(responseTo("/test/a", method), notAllowed("GET, HEAD, POST, OPTIONS")) << method;
+    for (const char* const method : {"POST", "PUT"})
+        EXPECT_EQ(responseToStranger("/other/path", method), notAllowed("GET, HEAD, OPTIONS"));
+    EXPECT_TRUE(manager_.registerMethods(provider_.getProviderName(), {"PUT"}));
+    EXPECT_EQ(responseTo("/test/a", "PUT"), kHello);
+    EXPECT_EQ(responseTo("/test/a"), notAllowed("PUT, OPTIONS"));
+}
+
+TEST_F(DispatcherTest, AnUnknownMethodIsNotImplemented) {
+    for (const char* const method : {"FOO", "get", "M-POST", "OPTION", "GETS"})
+        EXPECT_EQ(responseTo("/test/a", method),
+                  "HTTP/1.1 501 Not Implemented\r\nConnection: close\r\n"
+                  "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 32\r\n\r\n"
+                  "This method is not implemented.\n")
+            << method;
+    EXPECT_TRUE(manager_.registerMethods(provider_.getProviderName(), {"M-POST"}));
+    EXPECT_EQ(responseTo("/test/a", "M-POST"), kHello);
+}
+
+TEST_F(DispatcherTest, ADocumentGetsAnEntityTag) {
+    constexpr const char* kTag = "ETag: \"2cf24dba5fb0a30e26e83b2ac5b9e29e\"\r\n";
+    std::string written;
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, written);
+    };
+    const std::string rest = "Connection: close\r\n\r\n";
+    written = "HTTP/1.1 200 OK\r\n" + rest + "hello";
+    EXPECT_EQ(responseTo("/test/a"), "HTTP/1.1 200 OK\r\n" + (kTag + rest) + "hello");
+    EXPECT_EQ(responseTo("/test/a", "HEAD"), "HTTP/1.1 200 OK\r\n" + (kTag + rest));
+    EXPECT_EQ(responseTo("/test/a", "POST"), written);
+    written = "HTTP/1.1 404 No\r\n" + rest + "hello";
+    EXPECT_EQ(responseTo("/test/a"), written);
+}
+
+TEST_F(DispatcherTest, ConditionsAreForDocuments) {
+    const Fields known = {{"If-None-Match", "\"a\""}};
+    const Fields other = {{"If-Match", "\"b\""}};
+    constexpr const char* kNotModified =
+        "HTTP/1.1 304 Not Modified\r\nConnection: close\r\nETag: \"a\"\r\n\r\n";
+    const std::string failed =
+        "HTTP/1.1 412 Precondition Failed\r\nConnection: close\r\n"
+        "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 49\r\n\r\n";
+    EXPECT_EQ(responseTo("/test/a", "GET", known), kNotModified);
+    EXPECT_EQ(responseTo("/test/a", "HEAD", known), kNotModified);
+    EXPECT_EQ(responseTo("/test/a", "GET", other),
+              failed + "The document is not the one that If-Match names.\n");
+    EXPECT_EQ(responseTo("/test/a", "HEAD", other), failed);
+    EXPECT_EQ(responseTo("/test/a", "POST", known), kHello);
+    EXPECT_EQ(responseTo("/test/a", "POST", other), kHello);
+    EXPECT_EQ(responseTo("/other/path", "GET", other), kNotFound);
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 404 No\r\nConnection: close\r\n\r\n");
+    };
+    EXPECT_EQ(responseTo("/test/a", "GET", other), "HTTP/1.1 404 No\r\nConnection: close\r\n\r\n");
+}
+
+TEST_F(DispatcherTest, AResponseTakesTheMemoryThatItHolds) {
+    const std::string body(10'000, 'x');
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 200 OK\r\nETag: \"a\"\r\n\r\n");
+        writeTo(ostr, body);
+        if (throws_)
+            throw std::runtime_error("reason");
+    };
+    const auto takes = [&](const char* method, const Fields& fields = {}) {
+        TSKHTTPRequest request(method, "/test/a", "HTTP/1.1");
+        for (const auto& [name, value] : fields)
+            request.setHeaderField(name, value, true);
+        Http::ResponseMemory::Share share(memory_);
+        EXPECT_TRUE(Http::Dispatcher(manager_).respond(request, {}, share).has_value());
+        return memory_.used();
+    };
+    EXPECT_GE(takes("GET"), body.size());
+    EXPECT_LT(takes("GET"), body.size() + 1000);
+    EXPECT_LT(takes("HEAD"), 1000U);
+    EXPECT_LT(takes("GET", {{"If-None-Match", "*"}}), 1000U);
+    throws_ = true;
+    EXPECT_LT(takes("GET"), 1000U);
+    EXPECT_EQ(memory_.used(), 0U);
+    EXPECT_EQ(log_.lines(), errors("GET /test/a: reason"));
+}
+
+TEST_F(DispatcherTest, ADocumentWithoutRoomIsNotMade) {
+    Http::ResponseMemory::Share others(memory_);
+    EXPECT_TRUE(others.growTo(99'999));
+    for (const char* const method : {"GET", "HEAD"}) {
+        TSKHTTPRequest request(method, "/test/a", "HTTP/1.1");
+        Http::ResponseMemory::Share share(memory_);
+        EXPECT_FALSE(Http::Dispatcher(manager_).respond(request, {}, share).has_value());
+    }
+    EXPECT_EQ(responseTo("/test/a", "POST"),
+              "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\nRetry-After: 5\r\n"
+              "Content-Type: text/plain; charset=utf-8\r\nContent-Length: 60\r\n\r\n"
+              "The server has no memory for the response. Try again later.\n");
+    EXPECT_EQ(log_.lines(), Lines());
 }
 
 TEST_F(DispatcherTest, AResponseThatTheProviderLeavesOutIsNotFound) {
@@ -167,9 +316,8 @@ TEST_F(DispatcherTest, TextThatIsNotAResponseIsAFailure) {
 
 TEST_F(DispatcherTest, ALogLineCannotBeForged) {
     makeProviderThrow(std::runtime_error("bad\r\nline: \x1b[2J"));
-    EXPECT_EQ(responseTo("/test/\n2026-01-01 error", "G\rET"), kFailed);
-    EXPECT_EQ(log_.lines(),
-              errors("G\\x0dET /test/\\x0a2026-01-01 error: bad\\x0d\\x0aline: \\x1b[2J"));
+    EXPECT_EQ(responseTo("/test/\n2026-01-01 error"), kFailed);
+    EXPECT_EQ(log_.lines(), errors("GET /test/\\x0a2026-01-01 error: bad\\x0d\\x0aline: \\x1b[2J"));
 }
 
 TEST_F(DispatcherTest, LongPathsAreCutInTheLog) {
@@ -192,7 +340,8 @@ TEST_F(DispatcherTest, AFailedAllocationIsReportedIfThereIsMemoryForThat) {
             text.clear();
             TSKHTTPRequest request("GET", "/test/a/longer/path", "HTTP/1.1");
             const Http::Dispatcher dispatcher(manager_);
-            const Http::Response response = dispatcher.respond(request, {});
+            Http::ResponseMemory::Share share(memory_);
+            const Http::Response response = dispatcher.respond(request, {}, share).value();
             for (const boost::asio::const_buffer& part : response.unsent())
                 text.append(static_cast<const char*>(part.data()), part.size());
         },

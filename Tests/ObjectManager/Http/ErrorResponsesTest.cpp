@@ -23,6 +23,39 @@ TEST(ErrorResponses, TheBodyIsTheText) {
               "The method is malformed.\n");
 }
 
+TEST(ErrorResponses, AMethodThatIsNotAllowedGetsTheOthers) {
+    EXPECT_EQ(
+        sent(Http::errorResponse({.status = 405, .text = "No.", .allow = "GET, HEAD"}, false)),
+        "HTTP/1.1 405 Method Not Allowed\r\n"
+        "Connection: close\r\n"
+        "Allow: GET, HEAD\r\n"
+        "Content-Type: text/plain; charset=utf-8\r\n"
+        "Content-Length: 4\r\n"
+        "\r\n"
+        "No.\n");
+}
+
+TEST(ErrorResponses, AnOverloadedServerSaysWhenToTryAgain) {
+    EXPECT_EQ(sent(Http::errorResponse({.status = 503, .text = "No."}, false)),
+              "HTTP/1.1 503 Service Unavailable\r\n"
+              "Connection: close\r\n"
+              "Retry-After: 5\r\n"
+              "Content-Type: text/plain; charset=utf-8\r\n"
+              "Content-Length: 4\r\n"
+              "\r\n"
+              "No.\n");
+}
+
+TEST(ErrorResponses, ABodyThatTheClientHasIsNotSent) {
+    EXPECT_EQ(sent(Http::notModifiedResponse("\"a\"")),
+              "HTTP/1.1 304 Not Modified\r\nConnection: close\r\nETag: \"a\"\r\n\r\n");
+}
+
+TEST(ErrorResponses, OptionsGetsTheMethods) {
+    EXPECT_EQ(sent(Http::optionsResponse("GET, OPTIONS")),
+              "HTTP/1.1 204 No Content\r\nConnection: close\r\nAllow: GET, OPTIONS\r\n\r\n");
+}
+
 TEST(ErrorResponses, TheBodyIsLeftOutForHead) {
     EXPECT_EQ(sent(Http::errorResponse({.status = 404, .text = "No."}, true)),
               "HTTP/1.1 404 Not Found\r\n"

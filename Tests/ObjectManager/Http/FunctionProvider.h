@@ -25,10 +25,11 @@ class FunctionProvider : public urma::pf::Provider {
         handled = handled && !leavesAnswer;
     }
 
-    /// Adds it to `manager` for all paths that begin with "/test".
+    /// Adds it to `manager` for all paths that begin with "/test", and POST besides GET and HEAD.
     void addTo(TeskProviderPluginManager& manager) {
         (void)manager.addProvider(*this, "test");
         (void)manager.registerURI(getProviderName(), "/test");
+        (void)manager.registerMethods(getProviderName(), {"GET", "HEAD", "POST"});
     }
 
     Function respond;

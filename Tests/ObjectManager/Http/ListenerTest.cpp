@@ -1,13 +1,25 @@
+#include <boost/asio/buffer.hpp>
 #include <boost/asio/io_context.hpp>
+#include <cerrno>
+#include <cstddef>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <new>
+#include <poll.h>
+#include <stdexcept>
 #include <string>
+#include <sys/socket.h>
 #include <system_error>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
+#include "ObjectManager/Base/Files.h"
 #include "ObjectManager/Http/Listener.h"
 #include "Tests/ObjectManager/Http/Client.h"
 #include "Tests/Support/RecordingLogSink.h"
+#include "Tests/Support/ResourceLimit.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -71,7 +83,8 @@ TEST(Listener, AConnectionThatCannotBeTakenIsClosedAndTheNextOneIsAcceptedLater)
                 throw std::bad_alloc();
             clientPort = client.port();
             listener.close();
-        });
+        },
+        kPatience);
     const Client first("127.0.0.1", port);
     const Client second("127.0.0.1", port);
     const Client third("127.0.0.1", port);
@@ -83,6 +96,157 @@ TEST(Listener, AConnectionThatCannotBeTakenIsClosedAndTheNextOneIsAcceptedLater)
     const std::string line =
         "HttpFrontEnd|1|2|Cannot accept connections for now: Cannot allocate memory";
     EXPECT_EQ(log.lines(), std::vector({line}));
+}
+
+TEST(Listener, AnExceptionThatIsNotOfMemoryIsLoggedAndTheNextConnectionIsAcceptedAtOnce) {
+    const LogRecording log;
+    boost::asio::io_context context;
+    Listener listener(context, {"127.0.0.1", 0});
+    const Client first("127.0.0.1", listener.endpoint().port());
+    const Client second("127.0.0.1", listener.endpoint().port());
+    int calls = 0;
+    listener.start(
+        [&](boost::asio::ip::tcp::socket /*socket*/, const boost::asio::ip::tcp::endpoint&) {
+            if (++calls == 1)
+                throw std::runtime_error("the\nreason");
+            listener.close();
+        },
+        kPatience);
+    context.run_one();
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(first.readAll(), "");
+    EXPECT_EQ(log.lines(),
+              std::vector<std::string>({"HttpFrontEnd|1|2|A connection failed: the\\x0areason"}));
+}
+
+// Fills all file descriptors that the process may have.
+class AllDescriptors {
+  public:
+    AllDescriptors() {
+        while (takeOne()) {
+        }
+    }
+
+    // Returns whether there was one.
+    bool takeOne() {
+        Base::FileDescriptor taken(dup(STDERR_FILENO));
+        if (!taken.isOpen())
+            return false;
+        taken_.push_back(std::move(taken));
+        return true;
+    }
+    void giveOneBack() { taken_.pop_back(); }
+
+  private:
+    const ResourceLimit limit_{RLIMIT_NOFILE, 128};
+    std::vector<Base::FileDescriptor> taken_;
+};
+
+TEST(Listener, EachFreeDescriptorLetsOneConnectionInAndALackOfThemIsLoggedOnce) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
+    constexpr int kClients = 20;
+    const LogRecording log;
+    boost::asio::io_context context;
+    Listener listener(context, {"127.0.0.1", 0});
+    std::vector<boost::asio::ip::tcp::socket> accepted;
+    accepted.reserve(kClients);
+    listener.start(
+        [&](boost::asio::ip::tcp::socket socket, const boost::asio::ip::tcp::endpoint&) {
+            accepted.push_back(std::move(socket));
+        },
+        kPatience);
+    std::vector<Client> clients;
+    for (int count = 0; count < kClients; ++count)
+        clients.emplace_back("127.0.0.1", listener.endpoint().port());
+    AllDescriptors descriptors;
+    context.run_one();
+    EXPECT_TRUE(listener.isOutOfDescriptors());
+    for (std::size_t count = 1; count <= kClients; ++count) {
+        descriptors.giveOneBack();
+        EXPECT_EQ(accepted.size(), count - 1);
+        listener.goOnWithDescriptors();
+        EXPECT_EQ(accepted.size(), count);
+    }
+    descriptors.giveOneBack();
+    listener.goOnWithDescriptors();
+    EXPECT_FALSE(listener.isOutOfDescriptors());
+    listener.close();
+    EXPECT_EQ(log.lines(),
+              std::vector<std::string>(
+                  {"HttpFrontEnd|1|2|Cannot accept connections for now: Too many open files"}));
+}
+
+TEST(Listener, GoesOnByItselfWhenOthersGiveDescriptorsBack) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
+    const LogRecording log;
+    boost::asio::io_context context;
+    Listener listener(context, {"127.0.0.1", 0});
+    int accepted = 0;
+    listener.start([&](boost::asio::ip::tcp::socket /*socket*/,
+                       const boost::asio::ip::tcp::endpoint&) { ++accepted; },
+                   std::chrono::milliseconds(1));
+    const Client client("127.0.0.1", listener.endpoint().port());
+    {
+        const AllDescriptors descriptors;
+        context.run_one();
+        EXPECT_TRUE(listener.isOutOfDescriptors());
+    }
+    while (accepted == 0)
+        context.run_one();
+    EXPECT_FALSE(listener.isOutOfDescriptors());
+    EXPECT_EQ(log.lines().size(), 1U);
+}
+
+// A client that does not wait until it is connected.
+class Connecting {
+  public:
+    explicit Connecting(std::uint16_t port)
+        : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        EXPECT_NE(
+            connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(errno, EINPROGRESS);
+    }
+
+    [[nodiscard]] bool isConnected() const {
+        pollfd waited{.fd = socket_.get(), .events = POLLOUT, .revents = 0};
+        return poll(&waited, 1, 0) == 1;
+    }
+
+  private:
+    Base::FileDescriptor socket_;
+};
+
+TEST(Listener, RefusesNewClientsAndKeepsThoseThatAreConnected) {
+    boost::asio::io_context context;
+    Listener listener(context, {"127.0.0.1", 0});
+    const std::uint16_t port = listener.endpoint().port();
+    int accepted = 0;
+    listener.start(
+        [&](boost::asio::ip::tcp::socket socket, const boost::asio::ip::tcp::endpoint&) {
+            ++accepted;
+            socket.send(boost::asio::buffer("x", 1));
+        },
+        kPatience);
+    std::vector<Client> clients;
+    for (int count = 0; count < 100; ++count)
+        clients.emplace_back("127.0.0.1", port);
+    listener.refuseNewClients();
+    const Connecting late(port);
+    listener.acceptRestAndClose();
+    EXPECT_EQ(accepted, 100);
+    EXPECT_FALSE(late.isConnected());
+    for (const Client& client : clients) {
+        EXPECT_EQ(client.readAll(), "x");
+        EXPECT_FALSE(client.wasReset());
+    }
 }
 
 }  // namespace

@@ -18,7 +18,10 @@ std::string unsentOf(const Response& response) {
 }
 
 std::string sent(const std::string& text, bool withoutBody = false) {
-    return unsentOf(Response::make(text, withoutBody).value());
+    Response response = Response::make(text).value();
+    if (withoutBody)
+        response.dropBody();
+    return unsentOf(response);
 }
 
 TEST(Response, TheDateFollowsTheStatusLine) {
@@ -29,8 +32,8 @@ TEST(Response, TheDateFollowsTheStatusLine) {
 }
 
 TEST(Response, AMissingConnectionFieldIsAdded) {
-    EXPECT_EQ(withoutDate(sent("HTTP/1.0 404 No\r\n\r\n")),
-              "HTTP/1.0 404 No\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(withoutDate(sent("HTTP/1.1 404 No\r\n\r\n")),
+              "HTTP/1.1 404 No\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(
         withoutDate(sent("HTTP/1.1 200 OK\r\nX: Connection: \r\n\r\nConnection: close\r\n")),
         "HTTP/1.1 200 OK\r\nConnection: close\r\nX: Connection: \r\n\r\nConnection: close\r\n");
@@ -47,15 +50,53 @@ TEST(Response, TheBodyIsLeftOutForHead) {
 TEST(Response, OnlyAResponseIsSent) {
     for (const char* const response :
          {"", "body", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\n\n", "HTTP/2 200\r\n\r\n",
-          " HTTP/1.1 200 OK\r\n\r\n", "HTTP/1.1 200 OK\r\nX: y\r\n"})
-        EXPECT_FALSE(Response::make(response, false).has_value()) << response;
+          " HTTP/1.1 200 OK\r\n\r\n", "HTTP/1.1 200 OK\r\nX: y\r\n", "HTTP/1.\r\n\r\n",
+          "HTTP/1.1\r\n\r\n", "HTTP/1.x 200 OK\r\n\r\n", "HTTP/1.10 200\r\n\r\n"})
+        EXPECT_FALSE(Response::make(response).has_value()) << response;
+}
+
+TEST(Response, TheVersionIsThatOfTheServer) {
+    EXPECT_EQ(withoutDate(sent("HTTP/1.0 200 OK\r\nConnection: close\r\n\r\nHTTP/1.0")),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nHTTP/1.0");
+}
+
+TEST(Response, TellsWhatTheProviderWrote) {
+    const Response response =
+        Response::make("HTTP/1.1 204 OK\r\nA: \r\nnothing\r\nb:\t c d \r\nB: e\r\n\r\nb: f\r\n\r\n")
+            .value();
+    EXPECT_EQ(response.status(), 204U);
+    EXPECT_EQ(response.field("a"), "");
+    EXPECT_EQ(response.field("nothing"), "");
+    EXPECT_EQ(response.field("B"), "c d");
+    EXPECT_EQ(response.field("Date"), std::nullopt);
+    EXPECT_EQ(response.field("HTTP/1.1 204 OK"), std::nullopt);
+    EXPECT_EQ(response.body(), "b: f\r\n\r\n");
+    EXPECT_EQ(Response::make("HTTP/1.0 404\r\n\r\n").value().status(), 404U);
+    EXPECT_EQ(Response::make("HTTP/1.1 \r\n\r\n").value().status(), 0U);
+    EXPECT_EQ(Response::make("HTTP/1.1 abc\r\n\r\n").value().status(), 0U);
+}
+
+TEST(Response, AFieldCanBeAdded) {
+    Response response = Response::make("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nbody").value();
+    response.addField("ETag", "\"a\"");
+    EXPECT_EQ(withoutDate(unsentOf(response)),
+              "HTTP/1.1 200 OK\r\nETag: \"a\"\r\nConnection: close\r\n\r\nbody");
+}
+
+TEST(Response, ABodyThatIsLeftOutTakesNoMemory) {
+    Response response =
+        Response::make("HTTP/1.1 200 OK\r\n\r\n" + std::string(100'000, 'x')).value();
+    EXPECT_GE(response.memorySize(), 100'000U);
+    response.dropBody();
+    EXPECT_LT(response.memorySize(), 100U);
+    EXPECT_EQ(response.body(), "");
 }
 
 TEST(Response, IsSentInPiecesOfAnySize) {
     const std::string written = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nbody";
     const std::string whole = sent(written);
     for (std::size_t piece = 1; piece <= whole.size(); ++piece) {
-        Response response = Response::make(written, false).value();
+        Response response = Response::make(written).value();
         std::string text;
         while (!response.isSent()) {
             const std::string next = unsentOf(response).substr(0, piece);
@@ -67,12 +108,24 @@ TEST(Response, IsSentInPiecesOfAnySize) {
     }
 }
 
+TEST(Response, TellsHowMuchOfTheBodyIsSent) {
+    Response response = Response::make("HTTP/1.1 200 OK\r\n\r\nbody").value();
+    const std::size_t size = unsentOf(response).size();
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(size - 4);
+    EXPECT_EQ(response.sentBodyBytes(), 0U);
+    response.consume(1);
+    EXPECT_EQ(response.sentBodyBytes(), 1U);
+    response.consume(3);
+    EXPECT_EQ(response.sentBodyBytes(), 4U);
+}
+
 TEST(Response, TheBodyIsNotCopied) {
     std::string written =
         "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + std::string(100'000, 'x');
     const char* const bytes = written.data();
     const std::size_t statusLine = 17;
-    const Response response = Response::make(std::move(written), false).value();
+    const Response response = Response::make(std::move(written)).value();
     EXPECT_EQ(response.unsent()[0].data(), bytes);
     EXPECT_EQ(response.unsent()[2].data(), bytes + statusLine);
 }

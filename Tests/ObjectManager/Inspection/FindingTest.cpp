@@ -14,7 +14,7 @@ using Inspection::Finding;
 using Inspection::FindingKind;
 
 constexpr FindingKind kKinds[] = {
-    FindingKind::kNoDocument,       FindingKind::kTooManyGaps,       FindingKind::kNotWellFormed,
+    FindingKind::kNoDocument,       FindingKind::kTooLarge,          FindingKind::kNotWellFormed,
     FindingKind::kUnmappedType,     FindingKind::kLengthAndValueMap, FindingKind::kManyGaps,
     FindingKind::kDuplicateMessage, FindingKind::kNoXmlName,
 };
@@ -23,7 +23,7 @@ TEST(Finding, KindsHaveNamesForPrograms) {
     std::vector<std::string> names;
     for (const FindingKind kind : kKinds)
         names.emplace_back(Inspection::nameOf(kind));
-    EXPECT_EQ(names, std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed",
+    EXPECT_EQ(names, std::vector<std::string>({"no-document", "too-large", "not-well-formed",
                                                "unmapped-type", "length-and-value-map", "many-gaps",
                                                "duplicate-message", "no-xml-name"}));
 }
@@ -34,8 +34,7 @@ TEST(Finding, IsAnErrorWhereThereIsNoUsableDocument) {
         if (Inspection::isError(kind))
             errors.emplace_back(Inspection::nameOf(kind));
     }
-    EXPECT_EQ(errors,
-              std::vector<std::string>({"no-document", "too-many-gaps", "not-well-formed"}));
+    EXPECT_EQ(errors, std::vector<std::string>({"no-document", "too-large", "not-well-formed"}));
 }
 
 // In the order of seriousness.

@@ -126,8 +126,10 @@ TEST_F(IncludeReaderTest, TheOrderOfADirectoryMakesNoDifferenceToAFileThatInclud
 TEST_F(IncludeReaderTest, AFileOutsideADirectoryThatIsIncludedTwiceIsAWarning) {
     write("directory/a.mof", "#pragma include (\"../b.mof\")\n#pragma include (\"../b.mof\")");
     write("b.mof", "class A_B {};");
+    Mof::CompilerOptions options;
+    options.includePath = {directory_.path("")};
     EXPECT_EQ(
-        shown(read("directory")),
+        shown(read("directory", options)),
         "directory/a.mof:2:1: warning: the file \"../b.mof\" is included already and not read "
         "again\n"
         "#pragma include (\"../b.mof\")\n"
@@ -141,21 +143,86 @@ TEST_F(IncludeReaderTest, APipeInADirectoryOrIncludedIsAnErrorAndNotOpened) {
         ASSERT_EQ(mkfifo(directory_.path(name).c_str(), 0600), 0);
     EXPECT_EQ(
         shown(read("directory")),
-        "directory/a.mof: error: cannot be read: it is not a regular file\n"
+        "directory/a.mof: error: cannot be read: it is not a regular file; a pipe or a device "
+        "could not be read again at a reload\n"
         "directory/b.mof:1:1: error: the included file \"../pipe\" cannot be read: it is not a "
-        "regular file\n"
+        "regular file; a pipe or a device could not be read again at a reload\n"
         "#pragma include (\"../pipe\")\n"
         "^\n");
 }
 
-TEST_F(IncludeReaderTest, APipeThatIsNamedByTheUserIsRead) {
-    const std::string pipe = directory_.path("pipe");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&] { directory_.write("pipe", "class A_B {};"); });
-    const Compilation compilation = read("pipe");
-    writer.join();
+TEST_F(IncludeReaderTest, APipeThatIsNamedByTheUserIsAnErrorAndNotOpened) {
+    ASSERT_EQ(mkfifo(directory_.path("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(shown(read("pipe")),
+              "pipe: error: cannot be read: it is not a regular file; a pipe or a device could not "
+              "be read again at a reload\n");
+}
+
+// What a model that came from a stranger could show of this machine.
+constexpr const char* kElsewhere =
+    " is elsewhere: files are read below \"model\" only; include_path and --include-path add "
+    "directories\n";
+
+TEST_F(IncludeReaderTest, NoLineOfAFileOutsideTheModelIsShown) {
+    write("secret", "root:$6$x:1::::::");
+    const std::string secret = directory_.path("secret");
+    std::filesystem::create_directories(directory_.path("model"));
+    std::filesystem::create_symlink("../secret", directory_.path("model/relative.mof"));
+    std::filesystem::create_symlink(secret, directory_.path("model/absolute.mof"));
+    std::filesystem::create_directory_symlink("..", directory_.path("model/above"));
+    for (const std::string& include :
+         {secret, std::string("../secret"), std::string("above/secret"),
+          std::string("relative.mof"), std::string("absolute.mof")}) {
+        write("model/main.mof", "#pragma include (\"" + include + "\")\n");
+        const std::string all = shown(read("model/main.mof"));
+        EXPECT_NE(all.find(kElsewhere), std::string::npos) << all;
+        EXPECT_EQ(all.find("root:"), std::string::npos) << all;
+    }
+}
+
+TEST_F(IncludeReaderTest, ALinkInADirectoryThatLeadsElsewhereIsAnError) {
+    write("secret.mof", "root:$6$x:1::::::");
+    write("model/a.mof", "class A_B {};");
+    std::filesystem::create_symlink("../secret.mof", directory_.path("model/b.mof"));
+    EXPECT_EQ(shown(read("model")),
+              "model/b.mof: error: is a link that leads elsewhere: files are read below \"model\" "
+              "only; include_path and --include-path add directories\n");
+}
+
+TEST_F(IncludeReaderTest, LinksMayLeadBelowTheModelAndTheIncludePath) {
+    write("common/c.mof", "class A_C {};");
+    write("model/below/b.mof", "class A_B {};");
+    std::filesystem::create_symlink(directory_.path("model/below/b.mof"),
+                                    directory_.path("model/b.mof"));
+    std::filesystem::create_symlink("../common/c.mof", directory_.path("model/c.mof"));
+    write("model/main.mof", "#pragma include (\"b.mof\")\n#pragma include (\"c.mof\")");
+    std::filesystem::create_directory_symlink("model", directory_.path("link"));
+    Mof::CompilerOptions options;
+    options.includePath = {directory_.path("common")};
+    const Compilation compilation = read("link/main.mof", options);
     EXPECT_EQ(shown(compilation), "");
-    EXPECT_EQ(textOf(compilation), "class A_B\n");
+    EXPECT_EQ(textOf(compilation), "class A_B\nclass A_C\n");
+}
+
+// "model" is the beginning of "model2".
+TEST_F(IncludeReaderTest, ADirectoryWithALongerNameIsElsewhere) {
+    write("model2/b.mof", "class A_B {};");
+    write("model/main.mof", "#pragma include (\"../model2/b.mof\")\n");
+    EXPECT_EQ(shown(read("model/main.mof")),
+              "model/main.mof:1:1: error: the included file \"../model2/b.mof\"" +
+                  std::string(kElsewhere) + "#pragma include (\"../model2/b.mof\")\n^\n");
+}
+
+TEST_F(IncludeReaderTest, AllFilesTogetherMayHaveALargestSize) {
+    write("main.mof", "class A_B {};\n#pragma include (\"b.mof\")");
+    write("b.mof", "class A_C {};");
+    Mof::CompilerOptions options;
+    options.maxTotalSize = 52;
+    EXPECT_EQ(shown(read("main.mof", options)), "");
+    options.maxTotalSize = 51;
+    EXPECT_EQ(shown(read("main.mof", options)),
+              "b.mof: error: is not read: with it the model would be larger than "
+              "repository.max_model_size\n");
 }
 
 TEST_F(IncludeReaderTest, AnIncludedDirectoryIsAnError) {
@@ -163,7 +230,7 @@ TEST_F(IncludeReaderTest, AnIncludedDirectoryIsAnError) {
     write("main.mof", "#pragma include (\"directory\")");
     EXPECT_EQ(
         shown(read("main.mof")),
-        "main.mof:1:1: error: the included file \"directory\" cannot be read: Is a directory\n"
+        "main.mof:1:1: error: the included file \"directory\" cannot be read: it is a directory\n"
         "#pragma include (\"directory\")\n"
         "^\n");
 }

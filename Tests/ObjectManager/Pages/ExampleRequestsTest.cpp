@@ -29,8 +29,7 @@ class ExampleRequestsTest : public testing::Test {
         const std::size_t from = envelope.find(begin);
         if (from == std::string::npos)
             return "no " + begin;
-        return envelope.substr(from + begin.size(),
-                               envelope.find(end, from) - from - begin.size());
+        return envelope.substr(from + begin.size(), envelope.find(end, from) - from - begin.size());
     }
     [[nodiscard]] static std::string selectorsOf(const std::string& envelope) {
         return inside(envelope, "    <wsman:SelectorSet>\n", "    </wsman:SelectorSet>\n  </s:H");
@@ -181,8 +180,8 @@ TEST_F(ExampleRequestsTest, EnvelopesOfHostileNamesAreNoOtherEnvelopes) {
     declarations[0].properties[0].name.text = "P";
     const Repository::CimNamespace nameSpace(evil, std::move(declarations), {});
     const Pages::ClassRelations relations(nameSpace);
-    for (const Pages::ExampleRequest& each : Pages::exampleRequests(
-             *nameSpace.classes().front(), relations, std::string_view(evil))) {
+    for (const Pages::ExampleRequest& each :
+         Pages::exampleRequests(*nameSpace.classes().front(), relations, std::string_view(evil))) {
         const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
             xmlReadMemory(each.envelope.data(), static_cast<int>(each.envelope.size()), nullptr,
                           nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR),

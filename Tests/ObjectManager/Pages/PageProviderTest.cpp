@@ -97,15 +97,6 @@ TEST_F(PageProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
     EXPECT_THROW((void)response(provider_, "GET"), TSKHTTPException);
 }
 
-TEST_F(PageProviderTest, OtherMethodsAreNotAllowed) {
-    for (const char* const method : {"POST", "PUT", "DELETE", "OPTIONS", "get", "GETS", ""}) {
-        EXPECT_EQ(response(provider_, method),
-                  "HTTP/1.1 405 Method Not Allowed\r\nConnection: close\r\nAllow: GET, HEAD\r\n"
-                  "Content-Length: 0\r\n\r\n")
-            << method;
-    }
-}
-
 TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
     provider_.setRepository(other_);
@@ -125,7 +116,6 @@ TEST_F(PageProviderTest, ServesThePageOfAClassInAnyCase) {
         "\r\nX-Content-Type-Options: nosniff\r\n\r\n" + page;
     EXPECT_EQ(response(provider_, "GET", "/-/root/test/TST_One"), expected);
     EXPECT_EQ(response(provider_, "HEAD", "/-/ROOT/test/tst_one"), expected);
-    EXPECT_EQ(response(provider_, "POST", "/-/root/test/TST_One").substr(0, 12), "HTTP/1.1 405");
 }
 
 // For pages of this service alone.

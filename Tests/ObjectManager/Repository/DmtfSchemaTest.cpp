@@ -280,7 +280,7 @@ TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
     const Repository::LoadedRepository loaded =
         Repository::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
                                     {"interop", {MODELS_DIRECTORY "/interop/interop.mof"}}},
-                                   {}, {});
+                                   {MODELS_DIRECTORY}, {});
     EXPECT_TRUE(loaded.diagnostics.empty()) << loaded.diagnostics.front().toString();
     ASSERT_TRUE(loaded.repository);
     EXPECT_EQ(loaded.repository->findNamespace("root/cimv2")->classes().size(), 38U);
@@ -292,8 +292,8 @@ TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
 
 // What the model's comment says: the values stay those of the superclass.
 TEST(SampleModel, AnOverrideRestatesOnlyWhatItChanges) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}}}, {}, {});
+    const Repository::LoadedRepository loaded = Repository::loadRepository(
+        {{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}}}, {MODELS_DIRECTORY}, {});
     const TSKSmrPtr<ITeskClass> volume =
         loaded.repository->getClass("root/cimv2", "CIM_StorageVolume");
     const TSKSmrPtr<ITeskClass> extent =

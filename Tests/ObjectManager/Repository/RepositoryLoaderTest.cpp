@@ -124,6 +124,23 @@ TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     }
 }
 
+TEST_F(RepositoryLoaderTest, TheModelHasALargestSizeForAllNamespacesTogether) {
+    const std::string first = directory_.write("a.mof", "class A_B {};");
+    const std::string second = directory_.write("b.mof", "class A_C {};");
+    Repository::Options options;
+    options.maxModelSize = 26;
+    EXPECT_TRUE(
+        Repository::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options)
+            .repository);
+    options.maxModelSize = 25;
+    const Repository::LoadedRepository loaded =
+        Repository::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options);
+    EXPECT_TRUE(loaded.repository.isNull());
+    EXPECT_EQ(directory_.shown(loaded.diagnostics),
+              "b.mof: error: is not read: with it the model would be larger than "
+              "repository.max_model_size\n");
+}
+
 // Each had a list of its own, which was sorted anew: 5,000 classes took seven seconds.
 TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreLoadedInAMoment) {
     constexpr int kMany = 3000;

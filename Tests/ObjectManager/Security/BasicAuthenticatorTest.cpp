@@ -74,7 +74,10 @@ class BasicAuthenticatorTest : public testing::Test {
     }
 
     [[nodiscard]] bool needsPasswordHash(const Fields& fields) const {
-        return authenticator_.needsPasswordHash(makeRequest(fields));
+        return needsPasswordHash(makeRequest(fields));
+    }
+    [[nodiscard]] bool needsPasswordHash(const TSKHTTPRequest& request) const {
+        return authenticator_.unverifiedLogin(request).has_value();
     }
 
     std::atomic<int> hashes_ = 0;
@@ -181,26 +184,64 @@ TEST_F(BasicAuthenticatorTest, APreparedRequestIsACopy) {
 
 TEST_F(BasicAuthenticatorTest, APreparedRequestIsAuthenticatedLikeAnyOther) {
     const auto right = authenticator_.prepare(makeRequest("alice", "secret"));
-    EXPECT_TRUE(authenticator_.needsPasswordHash(*right));
+    EXPECT_TRUE(needsPasswordHash(*right));
     EXPECT_EQ(authenticate(authenticator_, *right), "alice");
-    EXPECT_FALSE(authenticator_.needsPasswordHash(*right));
+    EXPECT_FALSE(needsPasswordHash(*right));
     EXPECT_EQ(authenticate(authenticator_, *right), "alice");
     EXPECT_EQ(hashes_, 1);
 
     const auto wrong = authenticator_.prepare(makeRequest("alice", "wrong"));
     EXPECT_EQ(authenticate(authenticator_, *wrong), "refused");
     const auto without = authenticator_.prepare(makeRequest({}));
-    EXPECT_FALSE(authenticator_.needsPasswordHash(*without));
+    EXPECT_FALSE(needsPasswordHash(*without));
     EXPECT_EQ(authenticate(authenticator_, *without), "refused");
     EXPECT_EQ(hashes_, 2);
+}
+
+TEST_F(BasicAuthenticatorTest, EqualCredentialsAreToldByEqualTexts) {
+    const auto first = authenticator_.unverifiedLogin(makeRequest("alice", "secret"));
+    const auto second = authenticator_.unverifiedLogin(makeRequest("alice", "secret"));
+    const auto wrong = authenticator_.unverifiedLogin(makeRequest("alice", "Secret"));
+    ASSERT_TRUE(first && second && wrong);
+    EXPECT_EQ(first->user, "alice");
+    EXPECT_EQ(first->credentials, second->credentials);
+    EXPECT_NE(first->credentials, wrong->credentials);
+}
+
+TEST_F(BasicAuthenticatorTest, PreparedRequestsWithEqualCredentialsShareOneHash) {
+    for (const char* const password : {"secret", "wrong"}) {
+        hashes_ = 0;
+        const bool isRight = password == std::string("secret");
+        std::vector<std::unique_ptr<TSKHTTPRequest>> requests;
+        for (int count = 0; count < 5; ++count) {
+            requests.push_back(authenticator_.prepare(makeRequest("alice", password)));
+            EXPECT_TRUE(needsPasswordHash(*requests.back()));
+        }
+        EXPECT_EQ(authenticator_.verify(*requests.front()), isRight);
+        for (const auto& request : requests) {
+            EXPECT_FALSE(needsPasswordHash(*request));
+            EXPECT_EQ(authenticate(authenticator_, *request), isRight ? "alice" : "refused");
+        }
+        EXPECT_EQ(hashes_, 1) << password;
+    }
+    EXPECT_TRUE(needsPasswordHash(*authenticator_.prepare(makeRequest("alice", "wrong"))));
+}
+
+TEST_F(BasicAuthenticatorTest, WhatIsVerifiedAfterTheUsersHaveChangedIsVerifiedForTheNewOnes) {
+    const auto prepared = authenticator_.prepare(makeRequest("alice", "secret"));
+    authenticator_.setUsers(UserTable({User{"alice", cheapHash("new")}}));
+    EXPECT_FALSE(authenticator_.verify(*prepared));
+    EXPECT_FALSE(needsPasswordHash(*prepared));
+    EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
+    EXPECT_EQ(hashes_, 1);
 }
 
 TEST_F(BasicAuthenticatorTest, APasswordThatWasRevokedAfterARequestWasPreparedIsRefused) {
     EXPECT_EQ(authenticate(authenticator_, "alice", "secret"), "alice");
     const auto prepared = authenticator_.prepare(makeRequest("alice", "secret"));
-    EXPECT_FALSE(authenticator_.needsPasswordHash(*prepared));
+    EXPECT_FALSE(needsPasswordHash(*prepared));
     authenticator_.setUsers(UserTable({User{"alice", cheapHash("new")}}));
-    EXPECT_TRUE(authenticator_.needsPasswordHash(*prepared));
+    EXPECT_TRUE(needsPasswordHash(*prepared));
     EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");
     authenticator_.setUsers(UserTable());
     EXPECT_EQ(authenticate(authenticator_, *prepared), "refused");

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <future>
 #include <gtest/gtest.h>
 #include <latch>
 #include <mutex>
@@ -205,34 +206,45 @@ TEST_F(CredentialCheckerTest, ManyThreadsWithOneNewCredentialPayForOneHash) {
     EXPECT_EQ(takeVerified(), Texts{"a against hash of a"});
 }
 
-TEST_F(CredentialCheckerTest, NoMoreHashesAreComputedAtOnceThanMayBe) {
-    constexpr int kThreads = 8;
-    std::atomic<int> running = 0;
-    std::atomic<int> maxRunning = 0;
-    CheckerHooks counting = hooks();
-    std::latch twoRun(2);
-    std::atomic<int> started = 0;
-    counting.verify = [&](const SecretText&, const std::string&) {
-        const int now = ++running;
-        int most = maxRunning;
-        while (most < now && !maxRunning.compare_exchange_weak(most, now)) {
-        }
-        // The first two meet, so that two do run at once.
-        if (++started <= 2)
-            twoRun.arrive_and_wait();
-        std::this_thread::yield();
-        --running;
-        return false;
-    };
-    CredentialChecker checker(users(), {.maxConcurrentHashes = 2}, counting);
-    runOnThreads(kThreads, [&](int index) {
-        EXPECT_FALSE(check(checker, "alice", "x" + std::to_string(index)));
-    });
-    EXPECT_EQ(started, kThreads);
-    EXPECT_EQ(maxRunning, 2);
+TEST_F(CredentialCheckerTest, EqualClaimsThatLiveAtTheSameTimeShareOneHash) {
+    CredentialChecker checker(users(), {}, hooks());
+    for (const char* const password : {"a", "wrong"}) {
+        const Credentials alice = credentials("alice", password);
+        const CredentialChecker::Claim first = checker.claim(alice);
+        const CredentialChecker::Claim second = checker.claim(alice);
+        EXPECT_TRUE(checker.needsPasswordHash(second));
+        EXPECT_EQ(checker.check(alice, first), checker.check(alice, second));
+        EXPECT_FALSE(checker.needsPasswordHash(second));
+        EXPECT_EQ(takeVerified(), Texts{std::string(password) + " against hash of a"});
+    }
 }
 
-TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndGivesItsPlaceBack) {
+TEST_F(CredentialCheckerTest, WhoeverWasVerifiedBeforeDoesNotWaitForTheHashesOfOthers) {
+    CheckerHooks waiting = hooks();
+    std::promise<void> goOn;
+    const std::shared_future<void> goesOn = goOn.get_future().share();
+    std::latch begun(8);
+    waiting.verify = [&](const SecretText& password, const std::string&) {
+        if (password.view() == "a")
+            return true;
+        begun.count_down();
+        goesOn.wait();
+        return false;
+    };
+    CredentialChecker checker(users(), {}, waiting);
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    now_ += 1h;
+    std::vector<std::jthread> strangers;
+    for (int index = 0; index < 8; ++index)
+        strangers.emplace_back([&checker, index] {
+            EXPECT_FALSE(check(checker, "mallory", "x" + std::to_string(index)));
+        });
+    begun.wait();
+    EXPECT_TRUE(check(checker, "alice", "a"));
+    goOn.set_value();
+}
+
+TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndTriedAgain) {
     CheckerHooks failing = hooks();
     int calls = 0;
     failing.verify = [&](const SecretText&, const std::string&) -> bool {
@@ -240,9 +252,12 @@ TEST_F(CredentialCheckerTest, AFailedHashIsReportedAndGivesItsPlaceBack) {
             throw std::bad_alloc();
         return true;
     };
-    CredentialChecker checker(users(), {.maxConcurrentHashes = 1}, failing);
-    EXPECT_THROW(static_cast<void>(check(checker, "alice", "a")), std::bad_alloc);
-    EXPECT_TRUE(check(checker, "alice", "a"));
+    CredentialChecker checker(users(), {}, failing);
+    const Credentials alice = credentials("alice", "a");
+    const CredentialChecker::Claim claim = checker.claim(alice);
+    EXPECT_THROW(static_cast<void>(checker.check(alice, claim)), std::bad_alloc);
+    EXPECT_TRUE(checker.needsPasswordHash(claim));
+    EXPECT_TRUE(checker.check(alice, claim));
 }
 
 TEST_F(CredentialCheckerTest, EveryFailedAllocationIsReportedAndForgotten) {

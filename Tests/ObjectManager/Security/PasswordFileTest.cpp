@@ -1,7 +1,9 @@
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +16,7 @@
 #include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -138,7 +141,7 @@ TEST_F(PasswordFileOnDiskTest, AMissingOneIsReported) {
 
 TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandThatMendsIt) {
     writePrivate(directory_, "users", "bob:" + kHash + "\n");
-    for (const mode_t mode : {0604U, 0602U, 0640U, 0620U, 0666U, 0644U, 0777U}) {
+    for (const mode_t mode : {0604U, 0602U, 0660U, 0620U, 0666U, 0644U, 0777U}) {
         ASSERT_EQ(chmod(path_.c_str(), mode), 0);
         EXPECT_EQ(failureToRead(),
                   path_ +
@@ -151,6 +154,80 @@ TEST_F(PasswordFileOnDiskTest, WhatOthersCanReadOrWriteIsRefusedWithTheCommandTh
         ASSERT_EQ(chmod(path_.c_str(), mode), 0);
         EXPECT_EQ(failureToRead(), "no failure") << mode;
     }
+}
+
+TEST_F(PasswordFileOnDiskTest, TheGroupOfTheProcessMayReadItAndNoOther) {
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
+    ASSERT_EQ(chown(path_.c_str(), geteuid(), getegid()), 0);
+    ASSERT_EQ(chmod(path_.c_str(), 0640), 0);
+    EXPECT_EQ(failureToRead(), "no failure");
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can give a file to any group";
+    ASSERT_EQ(chown(path_.c_str(), 0, 12346), 0);
+    EXPECT_EQ(failureToRead(),
+              path_ +
+                  ": others than its owner can read or write it; correct that with: chmod 600 " +
+                  path_);
+}
+
+TEST_F(PasswordFileOnDiskTest, OfAnotherUserIsReadByNobodyButRootForAChange) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can change the owner of a file";
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
+    ASSERT_EQ(chown(path_.c_str(), 12345, 0), 0);
+    EXPECT_EQ(failureToRead(), path_ + ": must belong to root or to the user of this process");
+    EXPECT_EQ(PasswordFile::readForChange(path_).users().users().size(), 1U);
+}
+
+TEST_F(PasswordFileOnDiskTest, InADirectoryThatOthersWriteToIsRefusedUnlessThatIsSticky) {
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
+    const std::string directory = directory_.path();
+    for (const mode_t mode : {0770U, 0702U, 0777U}) {
+        ASSERT_EQ(chmod(directory.c_str(), mode), 0);
+        const std::string expected =
+            directory +
+            ": others than its owner can replace the password file in it; correct that with: "
+            "chmod go-w " +
+            directory;
+        EXPECT_EQ(failureToRead(), expected) << mode;
+        EXPECT_EQ(failureOf([&] { PasswordFile::change(directory_ / "new", addBob); }), expected);
+    }
+    for (const mode_t mode : {0755U, 01777U, 0711U}) {
+        ASSERT_EQ(chmod(directory.c_str(), mode), 0);
+        EXPECT_EQ(failureToRead(), "no failure") << mode;
+    }
+}
+
+TEST_F(PasswordFileOnDiskTest, InADirectoryOfAnotherUserIsRefused) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can change the owner of a directory";
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
+    ASSERT_EQ(chown(directory_.path().c_str(), 12345, 0), 0);
+    EXPECT_EQ(failureToRead(), directory_.path().string() +
+                                   ": the directory of a password file must belong to root "
+                                   "or to the user of this process");
+}
+
+TEST_F(PasswordFileOnDiskTest, BehindALinkTheDirectoryOfTheLinkMustBeSafeToo) {
+    writePrivate(directory_, "users", "bob:" + kHash + "\n");
+    const std::string open = directory_ / "open";
+    std::filesystem::create_directory(open);
+    std::filesystem::create_symlink(path_, open + "/link");
+    EXPECT_EQ(failureOf([&] { static_cast<void>(PasswordFile::read(open + "/link")); }),
+              "no failure");
+    ASSERT_EQ(chmod(open.c_str(), 0777), 0);
+    EXPECT_NE(failureOf([&] { static_cast<void>(PasswordFile::read(open + "/link")); }),
+              "no failure");
+    std::filesystem::rename(path_, open + "/users");
+    std::filesystem::create_symlink("open/users", path_);
+    EXPECT_NE(failureToRead(), "no failure");
+}
+
+TEST_F(PasswordFileOnDiskTest, HasUpTo16Megabytes) {
+    writePrivate(directory_, "users", "#" + std::string(15'999'999, 'x'));
+    EXPECT_EQ(failureToRead(), "no failure");
+    writePrivate(directory_, "users", "#" + std::string(16'000'000, 'x'));
+    EXPECT_EQ(failureToRead(), path_ + ": is larger than 16.0 MB");
 }
 
 TEST_F(PasswordFileOnDiskTest, TheCommandThatMendsItCanBePasted) {
@@ -245,6 +322,45 @@ TEST_F(PasswordFileOnDiskTest, AChangeByRootKeepsTheOwner) {
     EXPECT_EQ(status.st_uid, 12345U);
     EXPECT_EQ(status.st_gid, 12346U);
     EXPECT_EQ(modeOf(path_), 0600U);
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeByRootKeepsWhatTheGroupOfAServiceMayRead) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can give a file to any group";
+    writePrivate(directory_, "users", "");
+    ASSERT_EQ(chown(path_.c_str(), 0, 12346), 0);
+    ASSERT_EQ(chmod(path_.c_str(), 0640), 0);
+    PasswordFile::change(path_, addBob);
+    struct stat status = {};
+    ASSERT_EQ(stat(path_.c_str(), &status), 0);
+    EXPECT_EQ(status.st_gid, 12346U);
+    EXPECT_EQ(modeOf(path_), 0640U);
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeWaitsForTheLockAndSaysSo) {
+    const int other = open(directory_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    std::vector<std::string> told;
+    PasswordFile::change(path_, addBob,
+                         {.timeout = kPatience, .tell = [&](const std::string& path) {
+                              told.push_back(path);
+                              close(other);
+                          }});
+    EXPECT_EQ(told, std::vector<std::string>{directory_.path()});
+    EXPECT_EQ(contentOfFile(path_), "bob:" + kHash + "\n");
+}
+
+TEST_F(PasswordFileOnDiskTest, AChangeDoesNotWaitForTheLockForEver) {
+    const int other = open(directory_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    EXPECT_EQ(failureOf([&] {
+                  PasswordFile::change(path_, addBob, {.timeout = std::chrono::milliseconds(1)});
+              }),
+              directory_.path().string() +
+                  ": another process, perhaps another \"tesk passwd\", has locked this directory "
+                  "and does not release it");
+    EXPECT_FALSE(std::filesystem::exists(path_));
+    close(other);
 }
 
 TEST_F(PasswordFileOnDiskTest, AFileInTheCurrentDirectoryIsChanged) {

@@ -261,6 +261,22 @@ TEST_F(TeskProviderPluginManagerTest, RefusedRegistrationsAreLogged) {
                      "nobody: there is no such provider"}));
 }
 
+TEST_F(TeskProviderPluginManagerTest, AProviderServesGetAndHeadUnlessItTellsOtherMethods) {
+    using Methods = std::vector<TSKString>;
+    const Methods documents = {"GET", "HEAD"};
+    addAll();
+    EXPECT_TRUE(manager_.registerURI("first", "/a"));
+    EXPECT_EQ(manager_.getMethods("/a/b"), documents);
+    EXPECT_TRUE(manager_.registerMethods("first", {"POST", "GET"}));
+    EXPECT_EQ(manager_.getMethods("/a/b"), Methods({"POST", "GET"}));
+    EXPECT_EQ(manager_.getMethods("/other/path"), documents);
+    EXPECT_EQ(log_.lines(), Lines());
+    EXPECT_FALSE(manager_.registerMethods("nobody", {"POST"}));
+    EXPECT_EQ(log_.lines(),
+              Lines({"TeskProviderPluginManager|2|2|The methods of the provider nobody are "
+                     "refused: there is no such provider"}));
+}
+
 // Asks the manager while it is told of a refusal.
 class AskingSink : public TSKLogSink {
   public:

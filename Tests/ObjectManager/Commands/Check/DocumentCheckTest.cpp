@@ -70,9 +70,8 @@ TEST(DocumentCheck, SortsWhatItFindsBySeverityAndPlace) {
             "uint32 Code); };\n"
             "class TST_A\xC3\x97 { uint32 Go([In, MaxLen(1), ValueMap{\"a\"}] string P); };\n"
             "class TST_N { [ValueMap{\"4294967295\", \"..\"}] uint32 Code; };\n")),
-        "error: root/test:TST_N.Code: the \"..\" of its ValueMap stands for 4294967295 values; "
-        "with "
-        "more than 1000000 the documents of a class are not made\n"
+        "error: root/test:TST_N.Code: its documents would have up to 253.4 GB, the property "
+        "\"Code\" alone 253.4 GB; at most 67.1 MB are allowed (repository.max_document_size)\n"
         "error: root/test:TST_Y: TST_Y.wsdl is not well-formed: line 26, column 35: invalid "
         "character in attribute value\n"
         "error: root/test:TST_Y: TST_Y.xsd is not well-formed: line 8, column 35: invalid "
@@ -103,17 +102,28 @@ TEST(DocumentCheck, ANullIsAsNoQualifierAtAll) {
 }
 
 // The documents of the class would take all memory.
-TEST(DocumentCheck, DoesNotAskForDocumentsOfTooManyGaps) {
+TEST(DocumentCheck, ReportsAClassThatIsLeftOut) {
     const CheckResult result =
-        check(MofModel("class TST_A { [ValueMap{\"0xFFFFFFFFFFFF\", \"..\"}] uint64 Code; };\n"
+        check(MofModel("class TST_A { [ValueMap{\"0xFFFFFFFFFF\", \"..\"}] uint64 Code; };\n"
                        "class TST_B {};\n"));
+    EXPECT_EQ(result.classes, 2U);
     EXPECT_EQ(result.documents, 2U);
     EXPECT_EQ(result.countErrors(), 1U);
     ASSERT_EQ(result.findings.size(), 1U);
     EXPECT_EQ(toText(result.findings.front()),
-              "error: root/test:TST_A.Code: the \"..\" of its ValueMap stands for "
-              "281474976710655 values; with more than 1000000 the documents of a class are not "
-              "made");
+              "error: root/test:TST_A.Code: its documents would have up to 68.2 TB, the property "
+              "\"Code\" alone 68.2 TB; at most 67.1 MB are allowed (repository.max_document_size)");
+}
+
+TEST(DocumentCheck, ShortensTheNameOfAClassThatIsLeftOutForIt) {
+    const CheckResult result = check(
+        MofModel("class TST_" + std::string(1'000, 'a') + " {};", {.maxDocumentSize = 20'000}));
+    ASSERT_EQ(result.findings.size(), 1U);
+    EXPECT_EQ(result.findings.front().className, "TST_" + std::string(196, 'a') + "...");
+    EXPECT_EQ(result.findings.front().member, "");
+    EXPECT_EQ(result.findings.front().message,
+              "its documents would have up to 28.1 KB, the name of the class alone 16.1 KB; at "
+              "most 20.0 KB are allowed (repository.max_document_size)");
 }
 
 // Raw descriptions are markup, for better or worse.

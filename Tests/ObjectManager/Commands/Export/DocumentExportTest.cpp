@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "ObjectManager/Commands/Export/DocumentExport.h"
+#include "ObjectManager/Commands/Export/DocumentList.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
-#include "Tests/ObjectManager/Commands/Export/EndedProcess.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/Support/DirectoryContent.h"
@@ -25,6 +25,15 @@ namespace fs = std::filesystem;
 using Commands::DocumentExportOptions;
 using Commands::DocumentExportResult;
 using Commands::OutputDirectory;
+
+// What is below a directory, apart from the lists of documents.
+DirectoryContent withoutLists(const fs::path& directory) {
+    DirectoryContent content = contentOf(directory);
+    std::erase_if(content, [](const auto& file) {
+        return fs::path(file.first).filename() == Commands::DocumentList::kFile;
+    });
+    return content;
+}
 
 std::string response(const std::string& status, const std::string& body) {
     return "HTTP/1.1 " + status + "\r\nContent-Type: text/xml\r\n\r\n" + body;
@@ -45,11 +54,12 @@ class DocumentExportTest : public testing::Test {
     [[nodiscard]] DocumentExportResult run(const TSKSmrPtr<Repository::ClassRepository>& repository,
                                            const DocumentExportOptions& options = {}) const {
         const Host::MemoryClient client(manager_, "host:1");
-        return exportDocuments(Commands::selectAllClasses(*repository), client,
-                               OutputDirectory::create(directory_.path()), options);
+        OutputDirectory output = OutputDirectory::create(directory_.path());
+        output.lock();
+        return exportDocuments(Commands::selectAllClasses(*repository), client, output, options);
     }
 
-    [[nodiscard]] DirectoryContent content() const { return contentOf(directory_.path()); }
+    [[nodiscard]] DirectoryContent content() const { return withoutLists(directory_.path()); }
 
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
@@ -247,7 +257,7 @@ TEST_F(DocumentExportTest, PrunesTheDirectoriesOfTheNamespacesAndNoOther) {
 }
 
 TEST_F(DocumentExportTest, PrunesTemporaryFilesOfKilledProcessesBesideTheNamespacesToo) {
-    const std::string unfinished = ".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1";
+    const std::string unfinished = ".tesk-export-4711-1";
     for (const std::string directory : {"", "test/", "test/b/", "test/c/"}) {
         fs::create_directories(directory_ / directory);
         directory_.write(directory + unfinished, "part");
@@ -262,12 +272,66 @@ TEST_F(DocumentExportTest, PrunesTemporaryFilesOfKilledProcessesBesideTheNamespa
                                            {"test/c/" + unfinished, "part"}}));
 }
 
+// Written by hand, with all that a document of the class would have.
+TEST_F(DocumentExportTest, PrunesNoFileThatNoExportHasWritten) {
+    (void)run(makeNamedClasses({{"test", {"Here"}}}));
+    directory_.write("test/Gone.xsd", "\"/wbem/wscim/1/cim-schema/2/Gone\"");
+    const DirectoryContent before = content();
+    EXPECT_EQ(run(makeNamedClasses({{"test", {"Here"}}}), {.prune = true}).removed, 0U);
+    EXPECT_EQ(content(), before);
+}
+
+TEST_F(DocumentExportTest, PrunesNothingWhenTheListCannotBeRead) {
+    (void)run(makeNamedClasses({{"test", {"Gone"}}}));
+    directory_.write("test/.tesk-export", "../elsewhere.xsd\n");
+    const DocumentExportResult result =
+        run(makeNamedClasses({{"test", {"Here"}}}), {.prune = true});
+    EXPECT_EQ(result.removed, 0U);
+    EXPECT_EQ(failuresText(result),
+              (directory_ / "test/.tesk-export").string() +
+                  " cannot be read, so no document is listed or removed there: it has a line that "
+                  "is no name of a document\n");
+    EXPECT_TRUE(content().contains("test/Gone.xsd"));
+    EXPECT_TRUE(content().contains("test/Here.xsd"));
+    EXPECT_EQ(contentOf(directory_.path())["test/.tesk-export"], "../elsewhere.xsd\n");
+}
+
+TEST_F(DocumentExportTest, ANamespaceWithTheNameOfAFileOfTheExportIsRefusedBeforeAllElse) {
+    const auto reasonFor = [&](const std::string& nameSpace) {
+        try {
+            (void)run(makeNamedClasses({{"test", {"A"}}, {nameSpace.c_str(), {"B"}}}));
+        } catch (const TeskBaseException& error) {
+            return std::string(error.getMessage());
+        }
+        return std::string();
+    };
+    const auto expected = [](const std::string& nameSpace, const std::string& reason) {
+        return "the namespace \"" + nameSpace + "\" cannot be the path of a directory: " + reason;
+    };
+    for (const std::string name : {"index.html", "Index.HTML", ".tesk-export", ".tesk-export-1-1"})
+        EXPECT_EQ(reasonFor(name), expected(name, "the export has a file \"" + name + "\""));
+    EXPECT_EQ(reasonFor("test/.tesk-export/b"),
+              expected("test/.tesk-export/b", "the export has a file \".tesk-export\""));
+    EXPECT_EQ(reasonFor("Test/a.XSD"),
+              expected("Test/a.XSD", "\"a.XSD\" is a document of the namespace \"Test\""));
+    EXPECT_EQ(content(), DirectoryContent());
+    EXPECT_EQ(reasonFor("test/index.html"), "");
+    EXPECT_EQ(reasonFor("test/C.xsd"), "");
+}
+
+TEST_F(DocumentExportTest, AnExportThatIsAtWorkInTheDirectoryIsNotDisturbed) {
+    OutputDirectory other = OutputDirectory::create(directory_ / "test");
+    other.lock();
+    EXPECT_THROW((void)run(makeNamedClasses({{"test", {"A"}}})), std::system_error);
+    EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"}}));
+}
+
 TEST_F(DocumentExportTest, PrunesNothingWhenItIsStopped) {
     provider_.respond = [](const TSKHTTPRequest&, TSKGenericHTTPOStream& ostr) {
         writeTo(ostr, response("200 OK", "\"/wbem/wscim/1/cim-schema/2/Gone\""));
     };
     (void)run(makeNamedClasses({{"test", {"Gone"}}}));
-    directory_.write(".tesk-export-" + std::to_string(idOfEndedProcess()) + "-1", "part");
+    directory_.write(".tesk-export-4711-1", "part");
     const DirectoryContent before = content();
     int asked = 0;
     DocumentExportOptions options{.prune = true, .isStopped = [&] { return ++asked > 1; }};
@@ -314,7 +378,7 @@ TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
     const Repository::LoadedRepository loaded = Repository::loadRepository(
         {{.name = "root/cimv2", .paths = {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
          {.name = "interop", .paths = {MODELS_DIRECTORY "/interop/interop.mof"}}},
-        {}, {});
+        {MODELS_DIRECTORY}, {});
     ASSERT_TRUE(loaded.repository);
     const Host::ProviderHost host(loaded.repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   INSTALLATION_DIRECTORY);
@@ -335,7 +399,7 @@ TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
         }
     }
     EXPECT_EQ(expected.size(), 2U * (38 + 21) + 3);
-    EXPECT_EQ(contentOf(directory.path()), expected);
+    EXPECT_EQ(withoutLists(directory.path()), expected);
     EXPECT_NE(expected["root/cimv2/CIM_ComputerSystem.wsdl"].find("http://[2001:db8::1]:8080/"),
               std::string::npos);
 }

@@ -131,7 +131,7 @@ TEST_F(PasswdTest, AMissingDirectoryIsReported) {
     PasswdRequest there = request("alice");
     there.file = directory_ / "missing/users";
     EXPECT_EQ(run(there, "secret"),
-              "1: tesk passwd: DIRECTORY/missing: cannot be locked: "
+              "1: tesk passwd: DIRECTORY/missing: cannot be examined: "
               "No such file or directory\n");
 }
 
@@ -242,9 +242,9 @@ Options:
   -h,--help                   Print this help message and exit
   --delete                    Remove the user
 
-The file has a line for each user, with a hash of the password. Only its owner may read it.
-On a terminal, the command asks for the password twice; otherwise the password is the first
-line of standard input.
+The file has a line for each user, with a hash of the password. Only its owner may read
+it, and the group of the service. On a terminal, the command asks for the password twice;
+otherwise the password is the first line of standard input.
 
 Examples:
   tesk passwd /etc/tesk/users alice            add alice, or change her password
