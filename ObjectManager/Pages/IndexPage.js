@@ -33,7 +33,7 @@
     name: section.querySelector('h2').firstChild.data.trim(),
     classes: Array.from(section.querySelectorAll('li > a'), (link) => ({
       name: link.textContent, lower: link.textContent.toLowerCase(),
-      page: link.getAttribute('href'), superclass: '', description: '', members: [],
+      page: link.getAttribute('href'), superclass: '', description: '', about: '', members: [],
       text: link.textContent.toLowerCase(),
     })),
   }));
@@ -73,65 +73,76 @@
     document.head.append(script);
   };
 
+  // Whether a code unit is a lower-case letter of ASCII, a digit or an underscore.
+  const isInWord = (code) => (code >= 97 && code <= 122) || (code >= 48 && code <= 57) || code === 95;
+
   // How good a match is, the best first: the whole name, its start, the start of a word, anywhere.
   // CIM names put a schema before the name proper, and words together with capitals.
+  const kWhole = 0;
+  const kStart = 1;
+  const kWord = 2;
+  const kInside = 3;
   const rankInName = (name, lower, word) => {
-    const first = lower.indexOf(word);
-    if (first < 0) return -1;
+    let at = lower.indexOf(word);
+    if (at < 0) return -1;
     const proper = lower.indexOf('_') + 1;
-    let rank = 3;
-    for (let at = first; at >= 0; at = lower.indexOf(word, at + 1)) {
-      const isStart = at === 0 || at === proper;
-      if (isStart && at + word.length === lower.length) return 0;
-      if (isStart) rank = Math.min(rank, 1);
-      else if (name[at] !== lower[at] || !/[a-z0-9]/.test(lower[at - 1])) rank = Math.min(rank, 2);
+    let rank = kInside;
+    for (; at >= 0 && rank > kStart; at = lower.indexOf(word, at + 1)) {
+      if (at === 0 || at === proper) rank = at + word.length === lower.length ? kWhole : kStart;
+      else if (name[at] !== lower[at] || !isInWord(lower.charCodeAt(at - 1))) rank = kWord;
     }
     return rank;
   };
+  // A text is long, so that a few places must do.
   const rankInText = (text, word) => {
-    const first = text.indexOf(word);
-    if (first < 0) return -1;
-    for (let at = first; at >= 0; at = text.indexOf(word, at + 1)) {
-      if (at === 0 || !/[a-z0-9_]/.test(text[at - 1])) return 2;
+    let at = text.indexOf(word);
+    if (at < 0) return -1;
+    for (let tries = 8; at >= 0 && tries > 0; tries -= 1, at = text.indexOf(word, at + 1)) {
+      if (at === 0 || !isInWord(text.charCodeAt(at - 1))) return kWord;
     }
-    return 3;
+    return kInside;
   };
 
   // Of equal ranks, classes come before members, and names before descriptions.
   const score = (rank, place) => (rank < 0 ? Infinity : 4 * rank + place);
-
-  // The score of a class for all words, with its members that match; nothing when a word is missing.
-  const match = (entry, words) => {
-    if (!words.every((word) => entry.text.includes(word))) return null;
-    const best = words.map((word) => score(rankInName(entry.name, entry.lower, word), 0));
-    const inDescription = words.map((word) => score(rankInText(entry.about || '', word), 2));
-    inDescription.forEach((value, index) => { best[index] = Math.min(best[index], value); });
-    const members = [];
-    for (const member of entry.members) {
-      let bestOfMember = Infinity;
-      words.forEach((word, index) => {
-        const value = Math.min(score(rankInName(member.name, member.lower, word), 1),
-          score(rankInText(member.text, word), 3));
-        best[index] = Math.min(best[index], value);
-        bestOfMember = Math.min(bestOfMember, value);
-      });
-      if (bestOfMember < Infinity) members.push({ member, value: bestOfMember });
-    }
-    return { entry, members, value: best.reduce((sum, value) => sum + value, 0) };
+  const scoreOfMember = (member, word) => {
+    const inName = rankInName(member.name, member.lower, word);
+    return inName >= 0 ? score(inName, 1) : score(rankInText(member.text, word), 3);
   };
 
+  // Of a class for one word, which its text includes.
+  const scoreOfClass = (entry, word) => {
+    let best = score(rankInName(entry.name, entry.lower, word), 0);
+    if (best === score(kWhole, 0)) return best;
+    best = Math.min(best, score(rankInText(entry.about, word), 2));
+    for (const member of entry.members) {
+      const value = scoreOfMember(member, word);
+      if (value < best) best = value;
+    }
+    return best;
+  };
+
+  // The classes that have all words, the best first.
   const find = (words) => {
     const found = [];
     for (const { name, classes } of namespaces) {
       for (const entry of classes) {
-        const result = match(entry, words);
-        if (result) found.push({ ...result, namespace: name });
+        if (!words.every((word) => entry.text.includes(word))) continue;
+        let value = 0;
+        for (const word of words) value += scoreOfClass(entry, word);
+        found.push({ entry, value, namespace: name });
       }
     }
     const order = (one, other) => one.value - other.value ||
       one.entry.name.length - other.entry.name.length || (one.entry.lower < other.entry.lower ? -1 : 1);
     return found.sort(order);
   };
+
+  // The members with one of the words, the best first.
+  const matchingMembers = (entry, words) => entry.members
+    .map((member) => ({ member, value: Math.min(...words.map((word) => scoreOfMember(member, word))) }))
+    .filter(({ value }) => value < Infinity)
+    .sort((one, other) => one.value - other.value);
 
   // A text with the words marked in it.
   const marked = (text, words) => {
@@ -169,14 +180,15 @@
     make('a', { href: `${page}#${kind}-${encodeURIComponent(name)}` }, ...marked(name, words)),
     make('small', {}, ` ${kind} `), ...marked(around(description, words), words));
 
-  const resultItem = ({ entry, members, namespace }, words) => {
+  const resultItem = ({ entry, namespace }, words) => {
     const item = make('li', {}, make('a', { href: entry.page }, ...marked(entry.name, words)),
       documentLinks(entry.page, entry.name));
     const about = [entry.superclass && `extends ${entry.superclass}`,
       namespaces.length > 1 && `in ${namespace}`].filter(Boolean).join(', ');
     if (about) item.append(make('small', {}, about));
     if (entry.description) item.append(make('p', {}, ...marked(around(entry.description, words), words)));
-    const shown = members.sort((one, other) => one.value - other.value).slice(0, kMatches);
+    const members = matchingMembers(entry, words);
+    const shown = members.slice(0, kMatches);
     if (shown.length > 0) {
       const inside = make('ul', {}, ...shown.map(({ member }) => memberItem(entry.page, member, words)));
       const left = members.length - shown.length;
