@@ -41,7 +41,6 @@ struct DocumentExportOptions {
     /// it. Called when the documents are there, before stale files are removed; not after a stop.
     std::function<void(const ClassSelection&, const OutputDirectory&)> exportPages;
 };
-};
 
 /// What was exported.
 struct DocumentExportResult {
