@@ -150,10 +150,6 @@ bool FileVersion::isDirectory() const noexcept {
     return S_ISDIR(mode);
 }
 
-bool FileVersion::isAccessibleToOthers() const noexcept {
-    return (mode & (S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH)) != 0;
-}
-
 std::optional<FileDescriptor> openIfThere(const std::string& path) {
     // Without O_NONBLOCK the call waits until another process writes to a pipe.
     FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));

@@ -78,8 +78,6 @@ struct FileVersion {
 
     [[nodiscard]] bool isRegular() const noexcept;
     [[nodiscard]] bool isDirectory() const noexcept;
-    /// Whether others than the owner may read or write the file, its group included.
-    [[nodiscard]] bool isAccessibleToOthers() const noexcept;
 
     friend bool operator==(const FileVersion&, const FileVersion&) = default;
 };

@@ -163,7 +163,7 @@ Network Network::parse(std::string_view text) {
                                              : parseNumber(text.substr(slash + 1));
     if (!first || !bits || *bits > kAllBits - missingBits) {
         fail(Base::quoted(text) +
-             " is not a network or an address, such as \"10.0.0.0/8\", \"fd00::/8\" or \"::1\"");
+             R"( is not a network or an address, such as "10.0.0.0/8", "fd00::/8" or "::1")");
     }
     const Network network = {.first = ClientAddress(prefixOf(*first, *bits + missingBits)),
                              .prefixLength = *bits + missingBits};
@@ -194,11 +194,10 @@ ClientAddress clientOf(const TSKHTTPRequest& request, const ClientAddress& peer,
     if (!isIn(trustedProxies, peer))
         return client;
     const auto& fields = request.getHeaderFields();
-    for (auto field = fields.rbegin(); field != fields.rend(); ++field) {
-        if (field->name.equalsIgnoreCase("X-Forwarded-For") &&
-            !searchField(field->value, trustedProxies, client))
-            break;
-    }
+    (void)std::any_of(fields.rbegin(), fields.rend(), [&](const auto& field) {
+        return field.name.equalsIgnoreCase("X-Forwarded-For") &&
+               !searchField(field.value, trustedProxies, client);
+    });
     return client;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
-#include <compare>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,7 +40,7 @@ class ClientAddress {
     /// "192.0.2.1" or "2001:db8::1".
     [[nodiscard]] std::string toString() const;
 
-    friend auto operator<=>(const ClientAddress&, const ClientAddress&) = default;
+    friend bool operator==(const ClientAddress&, const ClientAddress&) = default;
 
   private:
     Bytes bytes_ = {};
@@ -56,7 +56,10 @@ struct ClientKey {
 
     [[nodiscard]] static ClientKey of(const ClientAddress& address) noexcept;
 
-    friend auto operator<=>(const ClientKey&, const ClientKey&) = default;
+    friend bool operator==(const ClientKey&, const ClientKey&) = default;
+    friend bool operator<(const ClientKey& left, const ClientKey& right) noexcept {
+        return std::ranges::lexicographical_compare(left.bytes, right.bytes);
+    }
 };
 
 /// A network of IP addresses.

@@ -1,6 +1,7 @@
 #include "ObjectManager/Mof/DeclarationChecker.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -37,6 +38,11 @@ void removeRepeated(std::vector<Declaration>& declarations, const char* kind, Re
     declarations.erase(std::remove_if(declarations.begin(), declarations.end(),
                                       [&](const Declaration&) { return repeated[index++]; }),
                        declarations.end());
+}
+
+void removeRepeated(Compilation& compilation, Reporter& reporter) {
+    removeRepeated(compilation.qualifiers, "qualifier", reporter);
+    removeRepeated(compilation.classes, "class", reporter);
 }
 
 // Whether a qualifier of that type is true when it is written without a value.
@@ -88,28 +94,63 @@ void findRepeated(const std::vector<Element>& elements, const OnRepeated& onRepe
 // Checks a compilation in which nothing is declared twice.
 class DeclarationChecker {
   public:
-    DeclarationChecker(Compilation& compilation, Reporter& reporter)
-        : compilation_(compilation), reporter_(reporter) {
+    // What happens to a class with an error.
+    enum class Faulty { kIsAnError, kIsLeftOut };
+
+    DeclarationChecker(Compilation& compilation, Reporter& reporter, Faulty faulty)
+        : compilation_(compilation), reporter_(reporter), faulty_(faulty) {
         qualifiers_.reserve(compilation.qualifiers.size());
         for (const QualifierDeclaration& declaration : compilation.qualifiers)
             qualifiers_.emplace(declaration.name.text, &declaration);
-        classes_.reserve(compilation.classes.size());
-        for (const ClassDeclaration& declaration : compilation.classes)
-            classes_.emplace(declaration.name.text, &declaration);
+        listClasses();
     }
 
-    void check() {
-        for (const QualifierDeclaration& declaration : compilation_.qualifiers)
-            checkDefault(declaration.defaultValue, declaration.type, declaration.name);
-        for (ClassDeclaration& declaration : compilation_.classes)
-            checkClass(declaration);
+    void check(const std::vector<ClassFault>& known) {
+        for (QualifierDeclaration& declaration : compilation_.qualifiers)
+            checkDefaultOf(declaration);
+        for (const ClassFault& fault : known)
+            faults_.emplace(classes_.at(fault.className), fault);
+        for (ClassDeclaration& declaration : compilation_.classes) {
+            if (!faults_.contains(&declaration))
+                checkClass(declaration);
+        }
         checkInheritance();
     }
 
   private:
     using Sizes = std::unordered_map<const ClassDeclaration*, std::size_t>;
+    using Nearest = std::unordered_map<const ClassDeclaration*, const ClassDeclaration*>;
+
+    void listClasses() {
+        classes_.clear();
+        classes_.reserve(compilation_.classes.size());
+        for (const ClassDeclaration& declaration : compilation_.classes)
+            classes_.emplace(declaration.name.text, &declaration);
+    }
+
+    // An error of the class that is checked.
+    void error(const Position& position, const std::string& message) {
+        if (faulty_ == Faulty::kIsAnError)
+            reporter_.error(position, message);
+        else
+            faults_.try_emplace(checked_, ClassFault{checked_->name.text, position, message});
+    }
+
+    void checkDefaultOf(QualifierDeclaration& declaration) {
+        const std::optional<Mismatch> mismatch =
+            mismatchOf(declaration.defaultValue, declaration.type, declaration.name);
+        if (!mismatch)
+            return;
+        if (faulty_ == Faulty::kIsAnError) {
+            reporter_.error(mismatch->position, mismatch->reason);
+            return;
+        }
+        reporter_.warning(mismatch->position, mismatch->reason + "; it is left out");
+        declaration.defaultValue.reset();
+    }
 
     void checkClass(ClassDeclaration& declaration) {
+        checked_ = &declaration;
         checkQualifiers(declaration.qualifiers);
         findRepeated(declaration.properties, [&](const Property& property) {
             reportRepeated("property", property.name, "class", declaration.name);
@@ -127,11 +168,12 @@ class DeclarationChecker {
         checkQualifiers(property.qualifiers);
         checkType(property.type);
         if (property.type.dataType == DataType::kReference && property.type.isArray) {
-            reporter_.error(
-                property.name.position,
-                "the reference " + Base::quoted(property.name.text) + " must not be an array");
+            error(property.name.position,
+                  "the reference " + Base::quoted(property.name.text) + " must not be an array");
         }
-        checkDefault(property.defaultValue, property.type, property.name);
+        if (const std::optional<Mismatch> mismatch =
+                mismatchOf(property.defaultValue, property.type, property.name))
+            error(mismatch->position, mismatch->reason);
     }
 
     void checkMethod(Method& method) {
@@ -148,9 +190,8 @@ class DeclarationChecker {
 
     void reportRepeated(const char* kind, const Name& name, const char* ownerKind,
                         const Name& owner) {
-        reporter_.error(name.position, std::string("the ") + ownerKind + " " +
-                                           Base::quoted(owner.text) + " has a " + kind + " " +
-                                           Base::quoted(name.text) + " already");
+        error(name.position, std::string("the ") + ownerKind + " " + Base::quoted(owner.text) +
+                                 " has a " + kind + " " + Base::quoted(name.text) + " already");
     }
 
     void checkType(const Type& type) {
@@ -163,20 +204,22 @@ class DeclarationChecker {
         }
     }
 
-    void checkDefault(const std::optional<Value>& value, const Type& type, const Name& name) {
-        if (!value)
-            return;
-        if (const std::optional<Mismatch> mismatch = findMismatch(*value, type)) {
-            reporter_.error(mismatch->position, "the default value of " + Base::quoted(name.text) +
-                                                    " " + mismatch->reason);
+    // With the whole sentence as its reason.
+    static std::optional<Mismatch> mismatchOf(const std::optional<Value>& value, const Type& type,
+                                              const Name& name) {
+        std::optional<Mismatch> mismatch;
+        if (value)
+            mismatch = findMismatch(*value, type);
+        if (mismatch) {
+            mismatch->reason.insert(0, "the default value of " + Base::quoted(name.text) + " ");
         }
+        return mismatch;
     }
 
     void checkQualifiers(Qualifiers& qualifiers) {
         findRepeated(qualifiers, [&](const Qualifier& qualifier) {
-            reporter_.error(
-                qualifier.name.position,
-                "the qualifier " + Base::quoted(qualifier.name.text) + " is written twice");
+            error(qualifier.name.position,
+                  "the qualifier " + Base::quoted(qualifier.name.text) + " is written twice");
         });
         for (Qualifier& qualifier : qualifiers)
             checkQualifier(qualifier);
@@ -207,9 +250,8 @@ class DeclarationChecker {
             return;
         if (const std::optional<Mismatch> mismatch =
                 findMismatch(*qualifier.value, declaration.type)) {
-            reporter_.error(
-                mismatch->position,
-                "the qualifier " + Base::quoted(qualifier.name.text) + " " + mismatch->reason);
+            error(mismatch->position,
+                  "the qualifier " + Base::quoted(qualifier.name.text) + " " + mismatch->reason);
         }
     }
 
@@ -221,14 +263,63 @@ class DeclarationChecker {
             if (name.text.isEmpty() || classes_.contains(name.text))
                 continue;
             ++missing;
-            reporter_.error(name.position, "the superclass " + Base::quoted(name.text) + " of " +
-                                               Base::quoted(declaration.name.text) +
-                                               " is not declared");
+            checked_ = &declaration;
+            error(name.position, "the superclass " + Base::quoted(name.text) + " of " +
+                                     Base::quoted(declaration.name.text) + " is not declared");
         }
-        if (missing == 0)
+        if (missing == 0 || faulty_ == Faulty::kIsLeftOut)
             checkDepths();
+        if (!faults_.empty())
+            leaveOut();
         if (!compilation_.hasErrors())
             checkSizes();
+    }
+
+    // Every class with a fault, and all below it.
+    void leaveOut() {
+        std::unordered_map<const ClassDeclaration*, std::size_t> subclasses;
+        std::vector<bool> isLeftOut;
+        isLeftOut.reserve(compilation_.classes.size());
+        Nearest nearest;
+        for (const ClassDeclaration& declaration : compilation_.classes) {
+            const ClassDeclaration* const faulty = nearestFaulty(declaration, nearest);
+            isLeftOut.push_back(faulty != nullptr);
+            if (faulty != nullptr && faulty != &declaration)
+                ++subclasses[faulty];
+        }
+        for (const ClassDeclaration& declaration : compilation_.classes) {
+            const auto fault = faults_.find(&declaration);
+            if (fault != faults_.end())
+                reportLeftOut(fault->second, subclasses[&declaration]);
+        }
+        std::size_t index = 0;
+        std::erase_if(compilation_.classes,
+                      [&](const ClassDeclaration&) { return isLeftOut[index++]; });
+        faults_.clear();
+        listClasses();
+    }
+
+    // The class itself, or the first one above it, that has a fault; null for none. In a cycle of
+    // superclasses one has.
+    const ClassDeclaration* nearestFaulty(const ClassDeclaration& declaration, Nearest& nearest) {
+        std::vector<const ClassDeclaration*> line;
+        const ClassDeclaration* current = &declaration;
+        while (current != nullptr && !faults_.contains(current) && !nearest.contains(current)) {
+            line.push_back(current);
+            current = superclassOf(*current);
+        }
+        const auto known = nearest.find(current);
+        const ClassDeclaration* const faulty = known == nearest.end() ? current : known->second;
+        for (const ClassDeclaration* const below : line)
+            nearest.emplace(below, faulty);
+        return faulty;
+    }
+
+    void reportLeftOut(const ClassFault& fault, std::size_t subclasses) {
+        const std::string those =
+            subclasses == 0 ? ""
+                            : " with its " + Base::counted(subclasses, "subclass", "subclasses");
+        reporter_.warning(fault.position, fault.message + "; the class is left out" + those);
     }
 
     // The depth of a class is the number of superclasses above it, and found once for each class. A
@@ -258,14 +349,16 @@ class DeclarationChecker {
     void setDepth(std::size_t& place, std::size_t depth, const ClassDeclaration& declaration) {
         place = depth;
         if (depth == kMaxSuperclasses + 1) {
-            reporter_.error(declaration.superclass.position,
-                            "the class " + Base::quoted(declaration.name.text) + " has more than " +
-                                std::to_string(kMaxSuperclasses) + " superclasses above it");
+            checked_ = &declaration;
+            error(declaration.superclass.position,
+                  "the class " + Base::quoted(declaration.name.text) + " has more than " +
+                      std::to_string(kMaxSuperclasses) + " superclasses above it");
         }
     }
 
     void reportCycle(const ClassDeclaration& declaration) {
         constexpr std::size_t kMaxNamed = 10;
+        checked_ = &declaration;
         std::string message =
             "the class " + Base::quoted(declaration.name.text) + " is its own superclass";
         std::size_t others = 0;
@@ -276,7 +369,7 @@ class DeclarationChecker {
         }
         if (others > kMaxNamed)
             message += " and " + std::to_string(others - kMaxNamed) + " more";
-        reporter_.error(declaration.superclass.position, message);
+        error(declaration.superclass.position, message);
     }
 
     void checkSizes() {
@@ -308,12 +401,15 @@ class DeclarationChecker {
     }
 
     [[nodiscard]] const ClassDeclaration* superclassOf(const ClassDeclaration& declaration) const {
-        const TSKString& name = declaration.superclass.text;
-        return name.isEmpty() ? nullptr : classes_.at(name);
+        const auto superclass = classes_.find(declaration.superclass.text);
+        return superclass == classes_.end() ? nullptr : superclass->second;
     }
 
     Compilation& compilation_;
     Reporter& reporter_;
+    Faulty faulty_;
+    const ClassDeclaration* checked_ = nullptr;
+    std::unordered_map<const ClassDeclaration*, ClassFault> faults_;  // of classes to leave out
     Base::NameMap<const QualifierDeclaration*> qualifiers_;
     Base::NameMap<const ClassDeclaration*> classes_;
     Base::NameSet unknownQualifiers_;
@@ -323,9 +419,14 @@ class DeclarationChecker {
 }  // namespace
 
 void checkDeclarations(Compilation& compilation, Reporter& reporter) {
-    removeRepeated(compilation.qualifiers, "qualifier", reporter);
-    removeRepeated(compilation.classes, "class", reporter);
-    DeclarationChecker(compilation, reporter).check();
+    removeRepeated(compilation, reporter);
+    DeclarationChecker(compilation, reporter, DeclarationChecker::Faulty::kIsAnError).check({});
+}
+
+void leaveOutFaulty(Compilation& compilation, Reporter& reporter,
+                    const std::vector<ClassFault>& known) {
+    removeRepeated(compilation, reporter);
+    DeclarationChecker(compilation, reporter, DeclarationChecker::Faulty::kIsLeftOut).check(known);
 }
 
 }  // namespace Mof

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/Diagnostics.h"
@@ -21,5 +23,22 @@ constexpr std::size_t kMaxInherited = 20'000'000;
 /// qualifiers by their type and whether they propagate.
 /// Errors: TooManyErrors of `reporter`.
 void checkDeclarations(Compilation& compilation, Reporter& reporter);
+
+/// Why a class cannot be used.
+struct ClassFault {
+    TSKString className;
+    Position position;
+    std::string message;
+};
+
+/// The same for declarations that their reader cannot have corrected. A class with an error, or
+/// with one of `known`, is removed with its subclasses, and the first such error becomes a warning;
+/// a default value that does not fit its qualifier is removed likewise. `known` names classes of
+/// the compilation, of which nothing but name and superclass needs to be there. Only what is wrong
+/// with the whole is an error: more than kMaxInherited, and qualifiers or classes that are declared
+/// twice in different ways.
+/// Errors: TooManyErrors of `reporter`.
+void leaveOutFaulty(Compilation& compilation, Reporter& reporter,
+                    const std::vector<ClassFault>& known);
 
 }  // namespace Mof

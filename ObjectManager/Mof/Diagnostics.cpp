@@ -42,6 +42,34 @@ std::string indentBelow(std::string_view line, std::size_t count) {
     return indent;
 }
 
+// Thread safety: belongs to one thread.
+class FilePlaces : public Places {
+  public:
+    explicit FilePlaces(const std::vector<SourceText>& files) : files_(files) {}
+
+    [[nodiscard]] Diagnostic diagnosticAt(const Position& position) const override {
+        const SourceText& file = files_.at(position.file);
+        const LineExcerpt excerpt = file.excerptAt(position.offset);
+        return {
+            .file = file.name(),
+            .place = file.locate(position.offset),
+            .message = "",
+            .sourceLine = std::string(excerpt.text),
+            .skipped = excerpt.skipped,
+            .continues = excerpt.continues,
+        };
+    }
+
+    [[nodiscard]] std::string nameOf(const Position& position) const override {
+        const SourceText& file = files_.at(position.file);
+        const LineAndColumn place = file.locate(position.offset);
+        return file.name() + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+    }
+
+  private:
+    const std::vector<SourceText>& files_;
+};
+
 }  // namespace
 
 std::string Diagnostic::toString() const {
@@ -63,6 +91,10 @@ std::string Diagnostic::toString() const {
         line += kLeftOut;
     return text + line + "\n" + indent + "^\n";
 }
+
+Reporter::Reporter(const std::vector<SourceText>& files, std::vector<Diagnostic>& diagnostics,
+                   const DiagnosticLimits& limits)
+    : Reporter(std::make_unique<FilePlaces>(files), diagnostics, limits) {}
 
 void Reporter::error(const Position& position, const std::string& message) {
     add(Severity::kError, position, message);
@@ -88,24 +120,11 @@ void Reporter::warning(const Position& position, std::string message) {
     add(Severity::kWarning, position, message);
 }
 
-std::string Reporter::nameOf(const Position& position) const {
-    const SourceText& file = files_.at(position.file);
-    const LineAndColumn place = file.locate(position.offset);
-    return file.name() + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
-}
-
 void Reporter::add(Severity severity, const Position& position, const std::string& message) {
-    const SourceText& file = files_.at(position.file);
-    const LineExcerpt excerpt = file.excerptAt(position.offset);
-    diagnostics_.push_back({
-        .severity = severity,
-        .file = file.name(),
-        .place = file.locate(position.offset),
-        .message = shortened(message),
-        .sourceLine = std::string(excerpt.text),
-        .skipped = excerpt.skipped,
-        .continues = excerpt.continues,
-    });
+    Diagnostic diagnostic = places_->diagnosticAt(position);
+    diagnostic.severity = severity;
+    diagnostic.message = shortened(message);
+    diagnostics_.push_back(std::move(diagnostic));
 }
 
 void Reporter::countError() {

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ObjectManager/Mof/Declarations.h"
@@ -52,16 +54,37 @@ using ReportFault = std::function<void(std::size_t offset, const std::string& me
 /// Thrown when the last error that the limits allow is reported. Never leaves the compiler.
 struct TooManyErrors {};
 
+/// Names the places of declarations in messages.
+///
+/// Thread safety: as the derived class says.
+class Places {
+  public:
+    Places() = default;
+    Places(const Places&) = delete;
+    Places& operator=(const Places&) = delete;
+    virtual ~Places() = default;
+
+    /// A diagnostic about a place, without severity and message.
+    [[nodiscard]] virtual Diagnostic diagnosticAt(const Position& position) const = 0;
+
+    /// To name a place in a message about another one.
+    [[nodiscard]] virtual std::string nameOf(const Position& position) const = 0;
+};
+
 /// Turns faults into diagnostics, up to the limits.
 ///
 /// Thread safety: belongs to one thread.
 class Reporter {
   public:
-    /// Appends to `diagnostics`. `files` are those that positions refer to. Both must outlive the
-    /// reporter, and files may be added to `files` in the meantime.
-    Reporter(const std::vector<SourceText>& files, std::vector<Diagnostic>& diagnostics,
+    /// Appends to `diagnostics`, which must outlive the reporter.
+    Reporter(std::unique_ptr<const Places> places, std::vector<Diagnostic>& diagnostics,
              const DiagnosticLimits& limits = {})
-        : files_(files), diagnostics_(diagnostics), limits_(limits) {}
+        : places_(std::move(places)), diagnostics_(diagnostics), limits_(limits) {}
+
+    /// `files` are those that positions refer to; places are "file:line:column". Both must outlive
+    /// the reporter, and files may be added to `files` in the meantime.
+    Reporter(const std::vector<SourceText>& files, std::vector<Diagnostic>& diagnostics,
+             const DiagnosticLimits& limits = {});
 
     /// Errors: TooManyErrors with the last error that is reported.
     void error(const Position& position, const std::string& message);
@@ -70,15 +93,17 @@ class Reporter {
     void errorOfFile(const std::string& file, const std::string& message);
     void warning(const Position& position, std::string message);
 
-    /// "file:line:column", to name a place in a message about another one.
-    [[nodiscard]] std::string nameOf(const Position& position) const;
+    /// To name a place in a message about another one.
+    [[nodiscard]] std::string nameOf(const Position& position) const {
+        return places_->nameOf(position);
+    }
 
   private:
     void add(Severity severity, const Position& position, const std::string& message);
     void countError();
     [[nodiscard]] std::string shortened(const std::string& message) const;
 
-    const std::vector<SourceText>& files_;
+    std::unique_ptr<const Places> places_;
     std::vector<Diagnostic>& diagnostics_;
     DiagnosticLimits limits_;
     std::size_t errors_ = 0;

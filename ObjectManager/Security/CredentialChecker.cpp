@@ -107,7 +107,7 @@ const User& CredentialChecker::standInFor(std::string_view name) const {
 
 std::shared_ptr<CredentialChecker::Check> CredentialChecker::checkOf(
     const KeyedDigest& digest) const {
-    const auto made = std::make_shared<Check>(*this, digest);  // destroyed without the lock
+    auto made = std::make_shared<Check>(*this, digest);  // destroyed without the lock
     const std::lock_guard lock(checksMutex_);
     std::weak_ptr<Check>& entry = checks_[digest];
     if (std::shared_ptr<Check> running = entry.lock())

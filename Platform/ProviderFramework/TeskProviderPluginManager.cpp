@@ -189,8 +189,7 @@ Failures TeskProviderPluginManager::postStartup() {
 Failures TeskProviderPluginManager::shutdown() {
     Failures failures;
     while (!entries_.empty()) {
-        const Entry entry = entries_.back();
-        removeEntry(entry);
+        const Entry entry = takeLastEntry();
         if (const auto failure = failureOf("Shut-down", [&] { entry.provider->shutdown(); }))
             report(failures, entry.file, *failure);
     }
@@ -267,6 +266,15 @@ void TeskProviderPluginManager::addEntry(urma::pf::Provider& provider, const TSK
     const std::lock_guard lock(mutex_);
     entries_.push_back(
         {.provider = &provider, .name = name, .file = file, .methods = documentMethods()});
+}
+
+// Needs no memory, so that a process can end without any.
+TeskProviderPluginManager::Entry TeskProviderPluginManager::takeLastEntry() noexcept {
+    const std::lock_guard lock(mutex_);
+    Entry entry = std::move(entries_.back());
+    entries_.pop_back();
+    routes_.removeProvider(entry.name);
+    return entry;
 }
 
 void TeskProviderPluginManager::removeEntry(const Entry& entry) {

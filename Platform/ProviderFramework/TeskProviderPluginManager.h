@@ -110,6 +110,7 @@ class TESK_PLATFORM_EXPORT TeskProviderPluginManager {
     void routeNamespaces(const std::vector<TSKString>& before, const std::vector<TSKString>& now);
     void addEntry(urma::pf::Provider& provider, const TSKString& file);
     void removeEntry(const Entry& entry);
+    [[nodiscard]] Entry takeLastEntry() noexcept;
 
     mutable std::shared_mutex mutex_;
     TSKSmrPtr<ITeskNamespaceList> namespaces_;  // guarded by mutex_

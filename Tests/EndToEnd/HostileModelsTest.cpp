@@ -6,6 +6,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <ostream>
 #include <string>
 #include <sys/resource.h>
 #include <vector>
@@ -25,6 +26,10 @@ struct HostileModel {
     const char* checkEnd;      // 1 for errors in the MOF, and where classes are left out
     const char* documentsEnd;  // 1 for errors in the MOF
 };
+
+std::ostream& operator<<(std::ostream& stream, const HostileModel& model) {
+    return stream << model.name;
+}
 
 constexpr const char* kQualifiers =
     "Qualifier Description : string, Scope(any);\n"

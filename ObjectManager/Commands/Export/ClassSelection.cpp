@@ -1,9 +1,9 @@
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 
 #include <algorithm>
-#include <fnmatch.h>
 #include <utility>
 
+#include "ObjectManager/Base/NamePattern.h"
 #include "ObjectManager/Base/Text.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -12,29 +12,16 @@ namespace Commands {
 
 namespace {
 
-// A name as fnmatch(3) takes it. Brackets and backslashes stand for themselves.
-std::string patternOf(const std::string& name) {
-    std::string pattern;
-    for (const char byte : name) {
-        if (byte == '[' || byte == '\\')
-            pattern += '\\';
-        pattern += byte;
-    }
-    return pattern;
-}
-
 // Tells which of several names fit a class, and which have fitted none so far.
 class NameFilter {
   public:
     explicit NameFilter(const std::vector<std::string>& names)
-        : names_(names), isUsed_(names.size(), false) {
-        std::ranges::transform(names, std::back_inserter(patterns_), patternOf);
-    }
+        : names_(names), patterns_(names.begin(), names.end()), isUsed_(names.size(), false) {}
 
     [[nodiscard]] bool fits(const Repository::CimClass& cimClass) {
         bool isFound = false;
         for (std::size_t index = 0; index < patterns_.size(); ++index) {
-            if (fnmatch(patterns_[index].c_str(), cimClass.name().data(), FNM_CASEFOLD) == 0)
+            if (patterns_[index].fits(cimClass.name().data()))
                 isUsed_[index] = isFound = true;
         }
         return isFound;
@@ -55,7 +42,7 @@ class NameFilter {
 
   private:
     const std::vector<std::string>& names_;
-    std::vector<std::string> patterns_;
+    std::vector<Base::NamePattern> patterns_;
     std::vector<bool> isUsed_;
 };
 

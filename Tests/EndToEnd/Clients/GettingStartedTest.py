@@ -3,6 +3,7 @@
 import os
 import re
 import shlex
+import shutil
 import subprocess
 import tempfile
 import unittest
@@ -30,7 +31,7 @@ class GettingStartedTest(unittest.TestCase):
         temporary = tempfile.TemporaryDirectory()
         self.addCleanup(temporary.cleanup)
         self.directory = temporary.name
-        os.symlink(os.path.join(Environment.REPOSITORY, "Models"), os.path.join(self.directory, "Models"))
+        shutil.copytree(os.path.join(Environment.REPOSITORY, "Models"), os.path.join(self.directory, "Models"))
         for name, language, block in (("acme.mof", "mof", "acme"), ("tesk.toml", "toml", "settings")):
             with open(os.path.join(self.directory, name), "w", encoding="utf-8") as file:
                 file.write(self.guide.text(language, block))

@@ -171,7 +171,7 @@ TEST_F(ServiceLimits, FourHundredFirstRequestsWithTheRightPasswordAreAllServed) 
 
 TEST_F(ServiceLimits, FourHundredWrongPasswordsDoNotKeepAUserOutWhoHasNotLoggedInYet) {
     serverKeys_["workers"] = "2";
-    serverKeys_["shutdown_timeout"] = "0.1";  // nobody waits for the strangers
+    serverKeys_["shutdown_timeout"] = "0.1";  // the requests of the strangers are not waited for
     start();
     std::vector<Client> strangers;
     for (int count = 0; count < 400; ++count) {

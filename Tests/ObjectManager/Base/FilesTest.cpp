@@ -282,19 +282,11 @@ TEST_F(FileVersionTest, TheIdentityIsTheSameByEveryPath) {
     EXPECT_NE(FileVersion::of(directory_.write("other", "")).identity, before_.identity);
 }
 
-TEST_F(FileVersionTest, TellsTheTypeAndWhoHasAccess) {
+TEST_F(FileVersionTest, TellsTheType) {
     EXPECT_TRUE(before_.isRegular());
     EXPECT_FALSE(before_.isDirectory());
     EXPECT_TRUE(FileVersion::of(directory_.path()).isDirectory());
     EXPECT_FALSE(FileVersion::of("/dev/null").isRegular());
-    for (const unsigned mode : {0600U, 0700U, 0611U}) {
-        fs::permissions(file_, fs::perms(mode));
-        EXPECT_FALSE(FileVersion::of(file_).isAccessibleToOthers()) << mode;
-    }
-    for (const unsigned mode : {0640U, 0620U, 0604U, 0602U}) {
-        fs::permissions(file_, fs::perms(mode));
-        EXPECT_TRUE(FileVersion::of(file_).isAccessibleToOthers()) << mode;
-    }
 }
 
 // Sets the umask of the process while this lives.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "ObjectManager/Mof/Compiler.h"
 #include "ObjectManager/Mof/DeclarationChecker.h"
@@ -520,6 +522,120 @@ TEST_F(MofDeclarationCheckerTest, ThereMayBeVeryManyClassesBelowOne) {
     for (int number = 0; number < kVeryMany; ++number)
         mof += numbered("class A_", number) + " : A_B {};\n";
     EXPECT_EQ(faults(mof), "");
+}
+
+// Classes that are left out.
+
+// Places by the numbers of their declarations.
+class NumberedPlaces : public Mof::Places {
+  public:
+    [[nodiscard]] Mof::Diagnostic diagnosticAt(const Mof::Position& position) const override {
+        return {.file = nameOf(position),
+                .place = {.line = 0, .column = 0},
+                .message = "",
+                .sourceLine = ""};
+    }
+    [[nodiscard]] std::string nameOf(const Mof::Position& position) const override {
+        return numbered("place ", static_cast<int>(position.offset));
+    }
+};
+
+Mof::ClassDeclaration classBelow(const char* name, const char* superclass, std::size_t place) {
+    Mof::ClassDeclaration declaration;
+    declaration.name = {.text = name, .position = {.file = 0, .offset = place}};
+    declaration.superclass = {.text = superclass, .position = {.file = 0, .offset = place}};
+    return declaration;
+}
+
+Mof::Property propertyOfType(const char* type, std::size_t place) {
+    Mof::Property property;
+    property.name = {.text = "P", .position = {.file = 0, .offset = place}};
+    Mof::Literal literal;
+    literal.kind = Mof::Literal::Kind::kString;
+    literal.position = property.name.position;
+    literal.text = type;
+    property.type.dataType = Mof::DataType::kUint8;
+    property.defaultValue = Mof::Value{.position = literal.position, .literals = {literal}};
+    return property;
+}
+
+class MofLeaveOutFaulty : public testing::Test {
+  protected:
+    // The diagnostics, and the names of the classes that are left.
+    std::string leaveOut(const std::vector<Mof::ClassFault>& known = {}) {
+        Mof::Reporter reporter(std::make_unique<NumberedPlaces>(), compilation_.diagnostics);
+        Mof::leaveOutFaulty(compilation_, reporter, known);
+        std::string text;
+        for (const Mof::Diagnostic& diagnostic : compilation_.diagnostics)
+            text += diagnostic.toString();
+        for (const Mof::ClassDeclaration& declaration : compilation_.classes)
+            text += std::string(declaration.name.text) + " ";
+        return text;
+    }
+
+    Compilation compilation_;
+};
+
+TEST_F(MofLeaveOutFaulty, AClassWithoutItsSuperclassGoesWithItsSubclasses) {
+    compilation_.classes = {classBelow("A_Below", "A_Child", 1), classBelow("A_Top", "", 2),
+                            classBelow("A_Child", "A_Gone", 3), classBelow("A_Left", "A_Top", 4),
+                            classBelow("A_Other", "A_Child", 5)};
+    EXPECT_EQ(leaveOut(),
+              "place 3: warning: the superclass \"A_Gone\" of \"A_Child\" is not declared; the "
+              "class is left out with its 2 subclasses\n"
+              "A_Top A_Left ");
+    EXPECT_FALSE(compilation_.hasErrors());
+}
+
+TEST_F(MofLeaveOutFaulty, AValueThatDoesNotFitIsAFaultOfItsClass) {
+    compilation_.classes = {classBelow("A_Top", "", 1), classBelow("A_Child", "A_Top", 2),
+                            classBelow("A_Other", "", 3)};
+    compilation_.classes.front().properties.push_back(propertyOfType("x", 4));
+    EXPECT_EQ(leaveOut(),
+              "place 4: warning: the default value of \"P\" must be a uint8, not a string; the "
+              "class is left out with its 1 subclass\n"
+              "A_Other ");
+}
+
+TEST_F(MofLeaveOutFaulty, ACycleGoesWithAllBelowIt) {
+    compilation_.classes = {classBelow("A_Below", "A_One", 1), classBelow("A_One", "A_Two", 2),
+                            classBelow("A_Two", "A_One", 3), classBelow("A_Other", "", 4)};
+    EXPECT_EQ(leaveOut(),
+              "place 2: warning: the class \"A_One\" is its own superclass, by way of \"A_Two\"; "
+              "the class is left out with its 2 subclasses\n"
+              "A_Other ");
+}
+
+TEST_F(MofLeaveOutFaulty, ALineThatIsTooLongIsCut) {
+    compilation_.classes.push_back(classBelow("A_0", "", 0));
+    for (int number = 1; number <= 20'000; ++number)
+        compilation_.classes.push_back(classBelow(numbered("A_", number).c_str(),
+                                                  numbered("A_", number - 1).c_str(),
+                                                  static_cast<std::size_t>(number)));
+    EXPECT_TRUE(leaveOut().starts_with(
+        "place 201: warning: the class \"A_201\" has more than 200 superclasses above it; the "
+        "class is left out with its 19,799 subclasses\n"));
+    EXPECT_EQ(compilation_.classes.size(), 201U);
+}
+
+TEST_F(MofLeaveOutFaulty, FaultsThatAreKnownCountToo) {
+    compilation_.classes = {classBelow("A_Top", "", 1), classBelow("A_Child", "A_Top", 2),
+                            classBelow("A_Other", "", 3)};
+    EXPECT_EQ(leaveOut({{.className = "a_top", .position = {0, 7}, .message = "it is odd"}}),
+              "place 7: warning: it is odd; the class is left out with its 1 subclass\nA_Other ");
+}
+
+TEST_F(MofLeaveOutFaulty, AQualifierKeepsNoDefaultThatDoesNotFit) {
+    Mof::QualifierDeclaration qualifier;
+    const Mof::Property property = propertyOfType("x", 4);
+    qualifier.name = {.text = "Q", .position = {.file = 0, .offset = 4}};
+    qualifier.type = property.type;
+    qualifier.defaultValue = property.defaultValue;
+    compilation_.qualifiers = {qualifier};
+    EXPECT_EQ(leaveOut(),
+              "place 4: warning: the default value of \"Q\" must be a uint8, not a string; it is "
+              "left out\n");
+    EXPECT_FALSE(compilation_.qualifiers.front().defaultValue);
 }
 
 }  // namespace

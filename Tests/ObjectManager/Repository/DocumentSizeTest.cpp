@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <ostream>
 #include <sstream>
 #include <string>
 
@@ -65,6 +66,10 @@ struct NamedModel {
     const char* name;
     std::string mof;
 };
+
+std::ostream& operator<<(std::ostream& stream, const NamedModel& model) {
+    return stream << model.name;
+}
 
 class DocumentSize : public testing::TestWithParam<NamedModel> {};
 

@@ -217,7 +217,7 @@ TEST_F(ReloaderTest, WarningsAboutAModelThatIsUsedAreLogged) {
     reloader_->reload();
     gate_->waitForWakes(1);
     reloader_->goOn();
-    EXPECT_EQ(logged(), (Lines{"tesk|2|2|tesk: warning: the namespace root/test has no class",
+    EXPECT_EQ(logged(), (Lines{"tesk|2|2|the namespace root/test has no class",
                                "tesk|3|2|Reloaded: 0 classes in 1 namespace"}));
 }
 
@@ -235,6 +235,9 @@ TEST_F(ReloaderTest, APasswordFileThatWasMendedByItsPermissionsAloneIsRead) {
 }
 
 TEST_F(ReloaderTest, APasswordFileIsTriedAgainWhenThereWereNoDescriptors) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
     writeUsers({"bob"});
     {
         const ResourceLimit limit(RLIMIT_NOFILE, 0);
