@@ -39,7 +39,7 @@ struct DocumentExportOptions {
 
     /// Puts the pages of classes into the directory of their namespace; none are written without
     /// it. Called when the documents are there, before stale files are removed; not after a stop.
-    std::function<void(const ClassSelection&, const OutputDirectory&)> exportPages;
+    std::function<void(const ClassSelection&, const OutputDirectory&)> exportPages = {};
 };
 
 /// What was exported.
