@@ -51,6 +51,12 @@ class Drawing {
         return rows_++;
     }
 
+    // For a class that the namespace does not have.
+    int addMissing(int indent, std::string_view className) {
+        addMissingFrame(leftOf(indent), className);
+        return rows_++;
+    }
+
     int addNote(int indent, std::string_view text) {
         addNoteAt(leftOf(indent), text);
         content_ += "\n";
@@ -68,12 +74,10 @@ class Drawing {
             ++rows_;
             left = leftOf(indent + 1);
         }
-        if (cimClass != nullptr) {
+        if (cimClass != nullptr)
             addLinkedFrame(left, *cimClass, "class");
-        } else {
-            addFrame(left, className, "missing");
-            content_ += "\n";
-        }
+        else
+            addMissingFrame(left, className);
         ++rows_;
         return row;
     }
@@ -109,6 +113,11 @@ class Drawing {
         content_ += "<a href=" + siblingPage(layout_, cimClass.name()) + ">";
         addFrame(left, cimClass.name(), kind);
         content_ += "</a>\n";
+    }
+
+    void addMissingFrame(int left, std::string_view className) {
+        addFrame(left, className, "missing");
+        content_ += "\n";
     }
 
     void addFrame(int left, std::string_view className, const char* kind) {
@@ -161,7 +170,10 @@ std::string inheritancePicture(const CimClass& cimClass, const ClassRelations& r
     int indent = 0;
     int row = left == 0 ? -1 : drawing.addNote(indent++, andMore(left) + " above");
     const auto addNext = [&](const CimClass& each, const char* kind) {
-        const int added = drawing.addBox(indent, each, kind);
+        // A superclass may be left out of the namespace, since its documents are too large.
+        const bool isThere = !relations.nameSpace().findClass(each.name()).isNull();
+        const int added =
+            isThere ? drawing.addBox(indent, each, kind) : drawing.addMissing(indent, each.name());
         if (row >= 0)
             drawing.connect(row, added, indent);
         row = added;

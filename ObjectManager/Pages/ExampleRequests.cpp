@@ -89,7 +89,7 @@ class Requests {
 
     // In the order of the properties, which is that of the document.
     [[nodiscard]] std::string instance() const {
-        std::string xml = "    <p:Put_INPUT>\n";
+        std::string properties;
         std::size_t optional = 0;
         for (const CimProperty* const property : class_.properties()) {
             const bool isNeeded = isTrue(*property, "Key") || isTrue(*property, "Required");
@@ -98,10 +98,10 @@ class Requests {
             if (!isShown)
                 continue;
             const std::string name = exampleText(property->name());
-            xml += "      <p:" + name + ">" + values_.valueOf(class_, *property, 8) +
-                   "</p:" + name + ">\n";
+            properties += "      <p:" + name + ">" + values_.valueOf(class_, *property, 8) +
+                          "</p:" + name + ">\n";
         }
-        return xml + "    </p:Put_INPUT>\n";
+        return message("p:Put_INPUT", properties);
     }
 
     // Parameters are in no namespace, and the inputs are those that say so, as in the document.
@@ -117,10 +117,13 @@ class Requests {
         const std::string name = "p:" + exampleText(method.name()) + "_INPUT";
         const std::string action = "http://schemas.dmtf.org/wbem/ws-cim/1/cim-schema/2/" +
                                    std::string(class_.name()) + "/" + std::string(method.name());
-        return envelope(action, true,
-                        parameters.empty()
-                            ? "    <" + name + "/>\n"
-                            : "    <" + name + ">\n" + parameters + "    </" + name + ">\n");
+        return envelope(action, true, message(name, parameters));
+    }
+
+    // What is empty has no line end in it either, as the schemas want it.
+    static std::string message(const std::string& name, const std::string& content) {
+        return content.empty() ? "    <" + name + "/>\n"
+                               : "    <" + name + ">\n" + content + "    </" + name + ">\n";
     }
 
     const CimClass& class_;

@@ -33,8 +33,8 @@
     name: section.querySelector('h2').firstChild.data.trim(),
     classes: Array.from(section.querySelectorAll('li > a'), (link) => ({
       name: link.textContent, lower: link.textContent.toLowerCase(),
-      page: link.getAttribute('href'), superclass: '', description: '', about: '', members: [],
-      text: link.textContent.toLowerCase(),
+      page: link.getAttribute('href'), superclass: '', above: undefined, description: '', about: '',
+      members: [], text: link.textContent.toLowerCase(),
     })),
   }));
   let state = 'names';  // then 'loading', and 'all' or 'failed'
@@ -53,9 +53,16 @@
     return entry;
   };
 
+  // A superclass may be missing: the namespace leaves out classes with too large documents.
+  const related = (classes) => {
+    const byName = new Map(classes.map((each) => [each.lower, each]));
+    for (const each of classes) each.above = byName.get(each.superclass.toLowerCase());
+    return classes;
+  };
+
   window.teskClasses = (data) => {
     namespaces = data.namespaces.map(({ name, pages, classes }) => ({
-      name, classes: classes.map(classFrom(pages, data.suffix)),
+      name, classes: related(classes.map(classFrom(pages, data.suffix))),
     }));
     state = 'all';
   };
@@ -110,14 +117,19 @@
     return inName >= 0 ? score(inName, 1) : score(rankInText(member.text, word), 3);
   };
 
-  // Of a class for one word, which its text includes.
+  // Of a class for one word, which its text includes. Descriptions, which take most of the time,
+  // are read only where they could be better than the names.
   const scoreOfClass = (entry, word) => {
     let best = score(rankInName(entry.name, entry.lower, word), 0);
-    if (best === score(kWhole, 0)) return best;
+    for (const member of entry.members) {
+      if (best <= score(kWhole, 1)) return best;
+      best = Math.min(best, score(rankInName(member.name, member.lower, word), 1));
+    }
+    if (best <= score(kWord, 2)) return best;
     best = Math.min(best, score(rankInText(entry.about, word), 2));
     for (const member of entry.members) {
-      const value = scoreOfMember(member, word);
-      if (value < best) best = value;
+      if (best <= score(kWord, 3)) return best;
+      best = Math.min(best, score(rankInText(member.text, word), 3));
     }
     return best;
   };
@@ -133,7 +145,14 @@
         found.push({ entry, value, namespace: name });
       }
     }
-    const order = (one, other) => one.value - other.value ||
+    // What a class overrides is looked for at the class that has it first.
+    const values = new Map(found.map(({ entry, value }) => [entry, value]));
+    for (const each of found) {
+      let above = each.entry.above;
+      while (above && values.get(above) !== each.value) above = above.above;
+      each.isBelow = above ? 1 : 0;
+    }
+    const order = (one, other) => one.value - other.value || one.isBelow - other.isBelow ||
       one.entry.name.length - other.entry.name.length || (one.entry.lower < other.entry.lower ? -1 : 1);
     return found.sort(order);
   };
@@ -225,7 +244,7 @@
 
   // A class in the tree; what extends it is made when somebody looks.
   const treeItem = (entry, subclasses) => {
-    const below = subclasses.get(entry.lower);
+    const below = subclasses.get(entry);
     const link = make('a', { href: entry.page }, entry.name);
     if (!below) return make('li', {}, link);
     const inside = make('ul', {});
@@ -242,11 +261,10 @@
       const subclasses = new Map();
       const sorted = [...classes].sort((one, other) => (one.lower < other.lower ? -1 : 1));
       for (const entry of sorted) {
-        const above = entry.superclass.toLowerCase();
-        if (!subclasses.has(above)) subclasses.set(above, []);
-        subclasses.get(above).push(entry);
+        if (!subclasses.has(entry.above)) subclasses.set(entry.above, []);
+        subclasses.get(entry.above).push(entry);
       }
-      const roots = subclasses.get('') || [];
+      const roots = subclasses.get(undefined) || [];
       return make('section', {}, make('h2', {}, name),
         make('ul', {}, ...roots.map((each) => treeItem(each, subclasses))));
     }));

@@ -206,7 +206,7 @@ class IndexAccessTest(IndexCase):
     def testTextsStandOutInLightAndDark(self):
         for dark in (False, True):
             self.browser.be(dark=dark)
-            for fragment in ("", "#filter=disk", "#filter=nothing"):
+            for fragment in ("", "#filter=nothing", "#filter=disk"):
                 with self.subTest(f"{dark} {fragment}"):
                     self.open(fragment)
                     self.waitFor(False, lambda: "loading" in self.count())

@@ -26,7 +26,7 @@ class Export:
             model = os.path.join(self.directory, "model.mof")
             with open(model, "w", encoding="utf-8") as file:
                 file.write(f'#pragma include ("{_QUALIFIERS}")\n{mof}')
-            arguments = [f"--namespace={nameSpace}={model}", *arguments]
+            arguments = [f"--namespace={nameSpace}={model}", f"--include-path={_MODELS}", *arguments]
         _run([TESK_PROGRAM, "export", "--output", self.path("site"), *arguments])
 
     def close(self):
@@ -55,14 +55,17 @@ class Service:
         self._process = subprocess.Popen([TESK_PROGRAM, "serve", "--listen", "127.0.0.1:0"],
                                          stdout=subprocess.PIPE, text=True)
         text = ""
-        pattern = re.compile(r"--user (\S+) http://([^/]+)/")
+        # The temporary password is in a file, since nobody looks at this standard output.
+        pattern = re.compile(r'--user "\$\(cat (.+)\)" http://([^/]+)/')
         while (match := pattern.search(text)) is None:
             line = self._process.stdout.readline()
             if line == "":
                 raise AssertionError("the service did not start: " + text)
             text += line
-        credentials, self.host = match.groups()
-        self._top = f"http://{credentials}@{self.host}"
+        passwordFile, self.host = match.groups()
+        with open(passwordFile, encoding="utf-8") as file:
+            self.credentials = file.read().strip()
+        self._top = f"http://{self.credentials}@{self.host}"
 
     def close(self):
         self._process.terminate()

@@ -52,6 +52,21 @@ TEST(ClassPage, TellsNameNamespaceBadgesAndDocuments) {
               "<a href=TST_New>TST_New</a>.A, x.</p>\n");
 }
 
+TEST(ClassPage, DoesNotLeadToASuperclassThatIsLeftOut) {
+    const std::string large = "TST_" + std::string(1'000, 'a');
+    const MofModel model("class " + large + " { [Key] string K; }; class TST_B : " + large +
+                             " {};\n[Association] class TST_C { [Key] " + large +
+                             " REF A; [Key] TST_B REF B; };",
+                         {.maxDocumentSize = 20'000});
+    EXPECT_EQ(model.nameSpace().classes().size(), 2U);
+    for (const char* const name : {"TST_B", "TST_C"}) {
+        const std::string page = pageOf(model, name);
+        EXPECT_NE(page.find(large.substr(0, 60)), std::string::npos) << name;
+        EXPECT_EQ(page.find("<a href=" + large), std::string::npos) << name;
+    }
+    EXPECT_NE(pageOf(model, "TST_B").find("<p>Extends " + large + "</p>"), std::string::npos);
+}
+
 TEST(ClassPage, AnExportedOneLeadsToFiles) {
     const std::string page = pageOf("class A {}; class B : A {};", "B", Pages::Layout::kExported);
     EXPECT_NE(page.find("<a href=\"../../index.html\">All classes</a>"), std::string::npos);

@@ -97,9 +97,13 @@ TEST_F(ExampleRequestsTest, PutHasKeysWhatIsRequiredAndSomeOfWhatMayBeWritten) {
               "    </p:Put_INPUT>\n");
 }
 
+TEST_F(ExampleRequestsTest, PutOfAClassWithoutPropertiesIsEmpty) {
+    EXPECT_EQ(bodyOf(envelope("class A {};", "A", "Put")), "    <p:Put_INPUT/>\n");
+}
+
 TEST_F(ExampleRequestsTest, AMethodGetsItsInputs) {
     const std::string mof = R"(class A {
-        uint32 M ([In] datetime When, [In (false), Out] string No, string NotWritten, [In] A REF Ref);
+        uint32 M ([In] datetime When, [In (false), Out] string No, string NotWritten, [In] A REF Where);
         uint32 Plain (); };)";
     const std::string call = envelope(mof, "A", "M");
     EXPECT_NE(call.find("<wsa:Action>http://schemas.dmtf.org/wbem/ws-cim/1/cim-schema/2/A/M<"),
@@ -108,7 +112,7 @@ TEST_F(ExampleRequestsTest, AMethodGetsItsInputs) {
       <When>
         <cim:Datetime>2026-01-31T12:00:00Z</cim:Datetime>
       </When>
-      <Ref>
+      <Where>
         <wsa:EndpointReference>
           <wsa:Address>http://host:1/wsman</wsa:Address>
           <wsa:ReferenceParameters>
@@ -118,7 +122,7 @@ TEST_F(ExampleRequestsTest, AMethodGetsItsInputs) {
             </wsman:SelectorSet>
           </wsa:ReferenceParameters>
         </wsa:EndpointReference>
-      </Ref>
+      </Where>
     </p:M_INPUT>
 )");
     EXPECT_EQ(bodyOf(envelope(mof, "A", "Plain")), "    <p:Plain_INPUT/>\n");
