@@ -43,7 +43,8 @@ std::vector<std::string> directoriesOf(std::string_view nameSpace) {
 
 // Names are compared without regard to case, as some file systems do.
 bool isFileOfExport(const std::string& directory, bool isAtTheTop) {
-    return (isAtTheTop && Base::equalsIgnoringCase(directory, kIndexFile)) ||
+    return (isAtTheTop && (Base::equalsIgnoringCase(directory, kIndexFile) ||
+                           Base::equalsIgnoringCase(directory, kSearchFile))) ||
            Base::equalsIgnoringCase(directory, DocumentList::kFile) ||
            OutputDirectory::isTemporaryName(Base::lowerCase(directory));
 }
@@ -112,7 +113,9 @@ class Exporter {
                                           kExtensions[number % kDocumentsOfAClass], directory);
                            options_.onDocumentDone();
                        });
-        if (options_.prune && !isStopped()) {
+        if (options_.exportPages && !isStopped())
+            options_.exportPages(selection, directory);
+        if (!isStopped() && options_.prune) {
             removed_ += directory.removeUnfinishedFiles();
             if (isListed) {
                 removed_ += list.removeStale(directory, *selection.nameSpace);
@@ -145,10 +148,12 @@ class Exporter {
     }
 
   private:
-    static void addDocuments(const ClassSelection& selection, DocumentList& list) {
+    void addDocuments(const ClassSelection& selection, DocumentList& list) const {
         for (const Repository::CimClass* cimClass : selection.classes) {
             for (const char* const extension : kExtensions)
                 list.add(std::string(cimClass->name() + extension));
+            if (options_.exportPages)
+                list.add(std::string(cimClass->name() + kPageExtension));
         }
     }
 

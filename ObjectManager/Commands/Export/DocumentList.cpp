@@ -40,7 +40,7 @@ bool isStale(const std::vector<std::string>& files, const std::string& document,
 }  // namespace
 
 std::string_view classNameOf(std::string_view document) noexcept {
-    for (const std::string_view extension : {".wsdl", ".xsd"}) {
+    for (const std::string_view extension : {".wsdl", ".xsd", ".html"}) {
         if (document.ends_with(extension))
             return document.substr(0, document.size() - extension.size());
     }

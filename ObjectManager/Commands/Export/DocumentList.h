@@ -10,9 +10,9 @@
 
 namespace Commands {
 
-/// The documents that exports have put into a directory, kept in a file of that directory: these,
-/// and no other files, may be removed when their classes are gone. A document that was changed by
-/// hand is one of them, since the next export would replace it as well.
+/// The documents and pages that exports have put into a directory, kept in a file of that
+/// directory: these, and no other files, may be removed when their classes are gone. A document
+/// that was changed by hand is one of them, since the next export would replace it as well.
 ///
 /// Errors: std::system_error that names the file or the directory.
 ///
@@ -46,8 +46,8 @@ class DocumentList {
     std::string fault_;
 };
 
-/// The name of the class that a document of this name describes; empty if it is not one of a
-/// document.
+/// The name of the class that a document or page of this name describes; empty if it is not one of
+/// these.
 [[nodiscard]] std::string_view classNameOf(std::string_view document) noexcept;
 
 }  // namespace Commands

@@ -62,7 +62,7 @@ TEST_F(DocumentListTest, IsEmptyWhereNoneIsKept) {
 TEST_F(DocumentListTest, WithAnotherLineThanADocumentIsNotUsed) {
     for (const std::string line :
          {"../CIM_A.xsd\n", "/CIM_A.xsd\n", "below/CIM_A.xsd\n", "..\n", "\n", ".xsd\n",
-          "index.html\n", ".tesk-export\n", "CIM_A.xsd\r\n", "CIM_B.xsd"}) {
+          "index.txt\n", ".tesk-export\n", "CIM_A.xsd\r\n", "CIM_B.xsd"}) {
         directory_.write(".tesk-export", "CIM_Gone.xsd\n" + line);
         directory_.write("CIM_Gone.xsd", "");
         DocumentList list = DocumentList::read(output_);
@@ -73,7 +73,7 @@ TEST_F(DocumentListTest, WithAnotherLineThanADocumentIsNotUsed) {
 
 TEST_F(DocumentListTest, HoldsNoNameThatItCouldNotRead) {
     DocumentList list;
-    for (const char* const name : {"../CIM_A.xsd", "CIM_A\n.xsd", "index.html", ".xsd", ""})
+    for (const char* const name : {"../CIM_A.xsd", "CIM_A\n.xsd", "index.txt", ".xsd", ""})
         list.add(name);
     list.write(output_);
     EXPECT_EQ(contentOf(directory_.path())[".tesk-export"], kHeading);
