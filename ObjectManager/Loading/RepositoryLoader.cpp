@@ -61,7 +61,7 @@ class Loader {
                 failTwice(source.name);
         }
         // Of classes that were made with other options nothing can be used.
-        if (how_.before != nullptr && how_.before->options != options)
+        if (how_.before != nullptr && (!how_.before->repository || how_.before->options != options))
             how_.before = nullptr;
     }
 
@@ -126,7 +126,8 @@ class Loader {
             isChanged_ = wasChanged;
             if (!keepAll(server))
                 throw;
-            loaded_.failures.emplace_back(error.getMessage().data());
+            loaded_.failures.push_back({.error = error.getMessage().data(),
+                                        .consequence = "its classes stay as they were"});
         }
     }
 
@@ -230,7 +231,7 @@ class Loader {
     }
 
     [[nodiscard]] bool isAsBefore(const std::vector<CimNamespace>& all) const {
-        return how_.before != nullptr && how_.before->repository &&
+        return how_.before != nullptr &&
                std::ranges::equal(all, how_.before->repository->namespaces(), {},
                                   &CimNamespace::name, &CimNamespace::name);
     }

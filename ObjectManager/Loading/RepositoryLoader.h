@@ -28,14 +28,24 @@ struct Sources {
     friend bool operator==(const Sources&, const Sources&) = default;
 };
 
+/// A server that could not be read, but whose classes are known.
+struct ServerFailure {
+    std::string error;        ///< what is wrong
+    std::string consequence;  ///< which classes take the place of the server's
+
+    /// "ERROR; CONSEQUENCE".
+    [[nodiscard]] std::string toString() const { return error + "; " + consequence; }
+
+    friend bool operator==(const ServerFailure&, const ServerFailure&) = default;
+};
+
 /// Classes, and what is needed to load them again.
 struct LoadedRepository {
     TSKSmrPtr<Repository::ClassRepository> repository;  ///< null when there are errors
     std::vector<Mof::Diagnostic> diagnostics;
 
-    /// What is wrong with servers whose classes are those of an earlier reading, a sentence without
-    /// a full stop each.
-    std::vector<std::string> failures = {};
+    /// Of servers whose classes are those of an earlier reading.
+    std::vector<ServerFailure> failures = {};
 
     /// A namespace of a server as it was read.
     struct ServerState {

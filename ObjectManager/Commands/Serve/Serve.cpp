@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -9,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -216,11 +218,37 @@ struct ServiceEnd {
     bool isReading = false;  // a thread still compiles classes
 };
 
+bool endsService(int signal) noexcept {
+    return signal == SIGTERM || signal == SIGINT;
+}
+
+// Loads the classes. A signal that ends the service does not wait for servers: it ends the process.
+Loading::LoadedRepository loadAtStart(const Configuration::Settings& settings,
+                                      const Base::SignalQueue& signals) {
+    if (settings.servers.empty())
+        return loadModel(settings, std::cerr);
+    std::packaged_task<Loading::LoadedRepository()> load(
+        [&] { return loadModel(settings, std::cerr); });
+    std::future<Loading::LoadedRepository> loaded = load.get_future();
+    std::thread thread([&] {
+        load();
+        Base::SignalQueue::wake();
+    });
+    while (loaded.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+        if (endsService(signals.waitFor(std::chrono::seconds(1))))
+            endWithoutHandlers(0);
+    }
+    thread.join();
+    return loaded.get();
+}
+
 // Serves until a signal ends that.
 ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
                  const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
-    const TSKSmrPtr<Repository::ClassRepository> repository =
-        loadModel(settings, std::cerr).repository;
+    Loading::LoadedRepository loaded = loadAtStart(settings, signals);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loaded.repository;
+    for (const Loading::ServerFailure& failure : loaded.failures)
+        Base::log("tesk", TeskTraceLog::SeverityWarning, failure.toString());
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users = loadUsers(settings.security);
     Service service(settings, repository, users.users);
@@ -232,7 +260,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
                                auto newUsers) { service.replace(classes, std::move(newUsers)); },
          .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
          .wake = &Base::SignalQueue::wake},
-        settings, passwordFile);
+        settings, std::move(loaded), passwordFile);
     std::unique_ptr<const PasswordNote> note;
     if (!users.generatedPassword.isEmpty() && isatty(STDOUT_FILENO) == 0)
         note = std::make_unique<PasswordNote>(users.generatedPassword);
@@ -243,8 +271,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
         (void)stop(service);
         return {.status = 1};  // the program says that its output cannot be written
     }
-    for (int signal = 0; signal != SIGTERM && signal != SIGINT;
-         signal = signals.waitFor(kPasswordFileInterval)) {
+    for (int signal = 0; !endsService(signal); signal = signals.waitFor(kPasswordFileInterval)) {
         if (signal == SIGHUP || signal == SIGUSR1) {
             reopenLog("The log", [&] { logOutput.reopen(); });
             reopenLog("The access log", [&] { service.reopenAccessLog(); });
@@ -262,7 +289,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     return {.status = stop(service), .isReading = reloader.isReading()};
 }
 
-int runServe(const ServeOptions& options) {
+int runServe(ServeOptions options) {
+    askForPassword(options.model.server);
     const Configuration::Settings settings = readSettings(options, std::cerr);
     raiseLimitOfOpenFiles();
     (void)std::signal(SIGPIPE,
