@@ -1,6 +1,5 @@
 #include "ObjectManager/Comparison/Change.h"
 
-#include <string_view>
 #include <tuple>
 
 namespace Comparison {
@@ -55,6 +54,15 @@ const char* nameOf(Rule rule) noexcept {
             return "length-raised";
     }
     return "unknown";
+}
+
+std::optional<Rule> ruleOf(std::string_view name) noexcept {
+    for (int number = 0; number <= static_cast<int>(Rule::kLengthRaised); ++number) {
+        const auto rule = static_cast<Rule>(number);
+        if (name == nameOf(rule))
+            return rule;
+    }
+    return std::nullopt;
 }
 
 std::string placeOf(const Change& change) {

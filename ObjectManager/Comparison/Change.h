@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Comparison {
 
@@ -47,6 +49,9 @@ struct Change {
 
 /// A word for programs: "property-removed".
 [[nodiscard]] const char* nameOf(Rule rule) noexcept;
+
+/// The rule of that name, if there is one.
+[[nodiscard]] std::optional<Rule> ruleOf(std::string_view name) noexcept;
 
 /// "root/cimv2:CIM_Foo.Bar".
 [[nodiscard]] std::string placeOf(const Change& change);

@@ -27,8 +27,12 @@ TEST(Change, TextNamesSeverityPlaceMessageAndRule) {
 TEST(Change, EachRuleHasANameOfItsOwn) {
     std::set<std::string> names;
     int rules = 0;
-    for (int number = 0; number <= static_cast<int>(Rule::kLengthRaised); ++number, ++rules)
-        names.insert(nameOf(static_cast<Rule>(number)));
+    for (int number = 0; number <= static_cast<int>(Rule::kLengthRaised); ++number, ++rules) {
+        const auto rule = static_cast<Rule>(number);
+        names.insert(nameOf(rule));
+        EXPECT_EQ(Comparison::ruleOf(nameOf(rule)), rule);
+    }
+    EXPECT_EQ(Comparison::ruleOf("unknown"), std::nullopt);
     EXPECT_EQ(names.size(), static_cast<std::size_t>(rules));
     EXPECT_FALSE(names.contains("unknown"));
 }
