@@ -11,16 +11,15 @@
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
+#include "ObjectManager/Commands/Export/PageExport.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/RequestTarget.h"
-#include "ObjectManager/Index/IndexPage.h"
-#include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/SearchData.h"
 
 namespace Commands {
 
@@ -29,27 +28,16 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host = "localhost:5985";  // the port that WS-Management has over HTTP
+    std::string host = kDefaultHost;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
 };
 
-// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
-// a host, would break them.
-void requireHost(const std::string& host) {
-    if (!Http::isHostWithPort(host)) {
-        throw TeskBaseException(
-            "tesk export",
-            TSKString(Base::quoted(host) +
-                      " is not a host with an optional port, such as localhost:5985"),
-            CIM_ERR_INVALID_PARAMETER);
-    }
-}
-
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
-and DIR/index.html, a page that lists them; when a CLASS is given, the page is left as it is.
+and for people DIR/index.html, a page that lists and searches them, with DIR/search.js, and a page
+NAMESPACE/CLASS.html for each class; when a CLASS is given, the pages are left as they are.
 A file that would not change is left alone.
 
 Exit status: 0 when everything is written, 1 when something is not, 130 after Ctrl-C.
@@ -67,11 +55,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .target = &options.output,
                                .isRequired = true});
     command.options.push_back(
-        {.name = "--host",
-         .value = "HOST[:PORT]",
-         .help = "Where the documents say that the service is (default: localhost:5985)",
-         .target = &options.host,
-         .check = requireHost});
+        hostOption(options.host, "Where the documents say that the service is"));
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
@@ -102,6 +86,13 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     exportOptions.prune = options.prune;
     exportOptions.isStopped = [&stopSignals] { return stopSignals.received() != 0; };
     exportOptions.onDocumentDone = [&progress] { progress.step(); };
+    // Pages lead to each other, so there are all or none.
+    if (options.classes.empty()) {
+        exportOptions.exportPages = [&](const ClassSelection& selection,
+                                        const Base::OutputDirectory& directory) {
+            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+        };
+    }
     return exportDocuments(selections, client, output, exportOptions);
 }
 
@@ -130,8 +121,10 @@ int runExport(const ExportOptions& options) {
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
-    if (all)
-        output.put(kIndexFile, Index::makeIndexPage(*repository));
+    if (all) {
+        output.put(kSearchFile, Pages::makeSearchData(*repository, Pages::Layout::kExported));
+        output.put(kIndexFile, Pages::makeIndexPage(*repository, Pages::Layout::kExported));
+    }
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;
 }
