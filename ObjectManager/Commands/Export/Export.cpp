@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Base/Signals.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
@@ -57,6 +57,7 @@ Exit status: 0 when everything is written, 1 when something is not, 130 after Ct
 Examples:
   tesk export --output documents
   tesk export --output documents --host wsman.example.com:5985 --prune
+  tesk export --output documents --server https://cim.example.com --namespace root/cimv2
   tesk export --output documents --namespace root/cimv2=schema/cim.mof 'CIM_Storage*')";
 
 void addExportOptions(Command& command, ExportOptions& options) {
@@ -90,7 +91,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
 DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
-                                    const OutputDirectory& output,
+                                    const Base::OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
@@ -104,7 +105,8 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     return exportDocuments(selections, client, output, exportOptions);
 }
 
-int reportStop(int signal, const DocumentExportResult& result, const OutputDirectory& output) {
+int reportStop(int signal, const DocumentExportResult& result,
+               const Base::OutputDirectory& output) {
     std::cerr << "tesk: stopped by " << Base::StopSignals::nameOf(signal) << " after "
               << Base::withSeparators(result.written + result.unchanged) << " of "
               << Base::counted(result.documents, "document", "documents") << "; those in "
@@ -121,7 +123,7 @@ int runExport(const ExportOptions& options) {
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
     // Before this, a signal may end the program at once: nothing is written yet.
     const Base::StopSignals stopSignals;
-    OutputDirectory output = OutputDirectory::create(options.output);
+    Base::OutputDirectory output = Base::OutputDirectory::create(options.output, "export");
     output.lock();
     const DocumentExportResult result =
         writeDocuments(options, repository, selections, output, stopSignals);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/EndToEnd/Index/BrowserTest.h"
 #include "Tests/Support/WaitUntil.h"
 
@@ -102,10 +102,10 @@ class IndexPageAccessTest : public BrowserTest {
     // All with the same classes.
     [[nodiscard]] std::string pageOfNamespaces(const Names& names, const std::string& mof) const {
         const std::string file = directory_.write("classes.mof", mof);
-        std::vector<Repository::NamespaceSource> sources;
+        std::vector<Loading::NamespaceSource> sources;
         for (const std::string& name : names)
             sources.push_back({.name = name, .paths = {file}});
-        const Repository::LoadedRepository loaded = Repository::loadRepository(sources, {}, {});
+        const Loading::LoadedRepository loaded = Loading::loadRepository(sources, {}, {});
         return Index::makeIndexPage(*loaded.repository);
     }
 

@@ -4,7 +4,7 @@
 
 #include "ObjectManager/Http/EntityTag.h"
 #include "ObjectManager/Index/IndexPage.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 
 namespace {
@@ -13,7 +13,7 @@ class ServiceIndexPage : public RunningService {
   protected:
     // Of the classes that the model has now.
     [[nodiscard]] std::string page() const {
-        const Repository::LoadedRepository loaded = Repository::loadRepository(
+        const Loading::LoadedRepository loaded = Loading::loadRepository(
             {{.name = "root/test", .paths = {directory_ / "test.mof"}}}, {}, {});
         return Index::makeIndexPage(*loaded.repository);
     }

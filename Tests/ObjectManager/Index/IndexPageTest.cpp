@@ -4,7 +4,7 @@
 #include <string>
 
 #include "ObjectManager/Index/IndexPage.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RepositoryTest.h"
 
@@ -50,10 +50,10 @@ TEST_F(IndexPageTest, ListsClassesWithSuperclassDescriptionAndLinks) {
 TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
     const std::string file = directory_.write("a.mof", "class A {};");
     const TSKSmrPtr<Repository::ClassRepository> repository =
-        Repository::loadRepository({{.name = "root/b", .paths = {file}},
-                                    {.name = "a", .paths = {file}},
-                                    {.name = "c", .paths = {directory_.write("c.mof", "")}}},
-                                   {}, {})
+        Loading::loadRepository({{.name = "root/b", .paths = {file}},
+                                 {.name = "a", .paths = {file}},
+                                 {.name = "c", .paths = {directory_.write("c.mof", "")}}},
+                                {}, {})
             .repository;
     ASSERT_TRUE(repository);
     const std::string page = Index::makeIndexPage(*repository);
@@ -178,7 +178,7 @@ TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
     if (schema.empty())
         GTEST_SKIP() << kNoCimSchema;
     const TSKSmrPtr<Repository::ClassRepository> repository =
-        Repository::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
+        Loading::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
     const std::string page = Index::makeIndexPage(*repository);
     std::size_t classes = 0;

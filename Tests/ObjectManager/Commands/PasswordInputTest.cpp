@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "ObjectManager/Commands/Passwd/PasswordInput.h"
+#include "ObjectManager/Commands/PasswordInput.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/Support/PseudoTerminal.h"
 

@@ -1,10 +1,11 @@
-#include "ObjectManager/Commands/Passwd/PasswordInput.h"
+#include "ObjectManager/Commands/PasswordInput.h"
 
 #include <array>
 #include <bsd/readpassphrase.h>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 
@@ -22,7 +23,7 @@ using Security::SecretText;
 constexpr std::size_t kMaxLineLength = 2 * Security::kMaxPasswordLength;
 
 [[noreturn]] void fail(const TSKString& message) {
-    throw TeskBaseException("Commands::readNewPassword", message, CIM_ERR_FAILED);
+    throw TeskBaseException("Commands::readPassword", message, CIM_ERR_FAILED);
 }
 
 [[noreturn]] void failToRead() {
@@ -82,6 +83,13 @@ SecretText readNewPassword(int input) {
     requireValid(password);
     if (isTerminal && readHidden("Again: ").view() != password.view())
         fail("The two passwords differ");
+    return password;
+}
+
+Security::SecretText readPassword(const std::string& prompt) {
+    SecretText password = readHidden(prompt.c_str());
+    if (password.isEmpty())
+        fail("No password is typed");
     return password;
 }
 

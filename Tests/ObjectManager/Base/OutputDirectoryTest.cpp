@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <system_error>
 
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
@@ -18,7 +18,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Commands::OutputDirectory;
+using Base::OutputDirectory;
 using Outcome = OutputDirectory::Outcome;
 
 // A limit of the process, for the time that this lives.
@@ -58,11 +58,11 @@ class OutputDirectoryTest : public testing::Test {
     [[nodiscard]] DirectoryContent content() const { return contentOf(directory_.path()); }
 
     TemporaryDirectory directory_;
-    OutputDirectory output_ = OutputDirectory::create(directory_.path());
+    OutputDirectory output_ = OutputDirectory::create(directory_.path(), "export");
 };
 
 TEST_F(OutputDirectoryTest, MakesTheDirectoriesThatAreMissing) {
-    const OutputDirectory made = OutputDirectory::create(directory_ / "a/b");
+    const OutputDirectory made = OutputDirectory::create(directory_ / "a/b", "export");
     made.createBelow("c").put("d", "text");
     made.createBelow("c").put("e", "");
     EXPECT_EQ(content(), (DirectoryContent{{"a", "(directory)"},
@@ -75,9 +75,9 @@ TEST_F(OutputDirectoryTest, MakesTheDirectoriesThatAreMissing) {
 
 TEST_F(OutputDirectoryTest, AFileInPlaceOfADirectoryIsAnError) {
     directory_.write("file", "");
-    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file"); }),
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file", "export"); }),
               "cannot make the directory OUT/file: Not a directory");
-    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file/below"); }),
+    EXPECT_EQ(errorOf([&] { (void)OutputDirectory::create(directory_ / "file/below", "export"); }),
               "cannot make the directory OUT/file/below: Not a directory");
     EXPECT_EQ(errorOf([&] { (void)output_.createBelow("file"); }),
               "cannot make the directory OUT/file: Not a directory");
@@ -97,10 +97,10 @@ TEST_F(OutputDirectoryTest, ADirectoryThatIsGoneIsAnError) {
 TEST_F(OutputDirectoryTest, TheDirectoryItselfMayBeALinkButNoneBelow) {
     const TemporaryDirectory elsewhere;
     fs::create_directory_symlink(elsewhere.path(), directory_ / "link");
-    OutputDirectory::create(directory_ / "link").put("a", "text");
+    OutputDirectory::create(directory_ / "link", "export").put("a", "text");
     EXPECT_EQ(contentOf(elsewhere.path()), (DirectoryContent{{"a", "text"}}));
     EXPECT_EQ(errorOf([&] { (void)output_.createBelow("link"); }),
-              "documents are not written through a symbolic link: OUT/link: Not a directory");
+              "files are not written through a symbolic link: OUT/link: Not a directory");
 }
 
 TEST_F(OutputDirectoryTest, AFileIsReplacedWhenItWouldChange) {
@@ -128,6 +128,32 @@ TEST_F(OutputDirectoryTest, AnUnchangedFileKeepsItsTimeStamp) {
         EXPECT_EQ(output_.put("a", other), Outcome::kWritten) << length;
         EXPECT_GT(fs::last_write_time(directory_ / "a"), before) << length;
     }
+}
+
+TEST_F(OutputDirectoryTest, AStagedFileIsThereOnceItIsPublished) {
+    output_.put("a", "first");
+    EXPECT_EQ(output_.stage("a", "first"), nullptr);
+    {
+        const auto dropped = output_.stage("a", "dropped");
+        const auto staged = output_.stage("a", "second");
+        EXPECT_EQ(content().size(), 3U);
+        EXPECT_EQ(content()["a"], "first");
+        staged->publish();
+        EXPECT_EQ(content()["a"], "second");
+    }
+    EXPECT_EQ(content(), (DirectoryContent{{"a", "second"}}));
+    (void)output_.createBelow("below");
+    const auto staged = output_.stage("below", "text");
+    EXPECT_EQ(errorOf([&] { staged->publish(); }), "cannot write OUT/below: Is a directory");
+}
+
+TEST_F(OutputDirectoryTest, MakesTheDirectoriesOfAPath) {
+    output_.createPath("a/b").put("c", "text");
+    output_.createPath("a").put("d", "text");
+    EXPECT_EQ(
+        content(),
+        (DirectoryContent{
+            {"a", "(directory)"}, {"a/b", "(directory)"}, {"a/b/c", "text"}, {"a/d", "text"}}));
 }
 
 TEST_F(OutputDirectoryTest, AFileHasThePermissionsThatTheUmaskLeaves) {
@@ -251,7 +277,7 @@ TEST_F(OutputDirectoryTest, SeveralThreadsWriteAtOnce) {
 }
 
 TEST_F(OutputDirectoryTest, CanBeMoved) {
-    OutputDirectory other = OutputDirectory::create(directory_ / "other");
+    OutputDirectory other = OutputDirectory::create(directory_ / "other", "export");
     other = std::move(output_);
     other.put("a", "text");
     const OutputDirectory last = std::move(other);
@@ -275,16 +301,17 @@ TEST_F(OutputDirectoryTest, RemovesTemporaryFilesOnceItIsLocked) {
 }
 
 TEST_F(OutputDirectoryTest, IsLockedByOneExportAtATime) {
-    OutputDirectory other = OutputDirectory::create(directory_.path());
+    OutputDirectory other = OutputDirectory::create(directory_.path(), "export");
     directory_.write(".tesk-export-1-1", "part");
     {
-        OutputDirectory first = OutputDirectory::create(directory_.path());
+        OutputDirectory first = OutputDirectory::create(directory_.path(), "export");
         first.lock();
         try {
             other.lock();
             FAIL();
         } catch (const std::system_error& error) {
-            EXPECT_EQ(error.what(), "another export is at work in " + directory_.path().string() +
+            EXPECT_EQ(error.what(), "another export or import is at work in " +
+                                        directory_.path().string() +
                                         ": Resource temporarily unavailable");
         }
         EXPECT_EQ(other.removeUnfinishedFiles(), 0U);

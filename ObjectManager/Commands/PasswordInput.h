@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "ObjectManager/Security/SecretText.h"
 
 namespace Commands {
@@ -14,5 +16,10 @@ namespace Commands {
 ///
 /// Errors: TeskBaseException when the password is not valid, the two differ, or reading fails.
 [[nodiscard]] Security::SecretText readNewPassword(int input);
+
+/// Reads a password that another program has set, at the terminal of the process, and does not show
+/// what is typed; signals as above.
+/// Errors: TeskBaseException when there is no terminal, or nothing is typed.
+[[nodiscard]] Security::SecretText readPassword(const std::string& prompt);
 
 }  // namespace Commands

@@ -1,4 +1,4 @@
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/Support/RepositoryTest.h"
 
 namespace {
@@ -6,8 +6,7 @@ namespace {
 class RepositoryLoaderTest : public RepositoryTest {
   protected:
     // The classes of a namespace.
-    static std::string classesOf(const Repository::LoadedRepository& loaded,
-                                 const char* nameSpace) {
+    static std::string classesOf(const Loading::LoadedRepository& loaded, const char* nameSpace) {
         std::string names;
         for (const auto& cimClass : loaded.repository->findNamespace(nameSpace)->classes())
             names += (names.empty() ? "" : " ") + std::string(cimClass->name().data());
@@ -16,7 +15,7 @@ class RepositoryLoaderTest : public RepositoryTest {
 };
 
 TEST_F(RepositoryLoaderTest, NoSourcesGiveAnEmptyRepository) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository({}, {}, {});
+    const Loading::LoadedRepository loaded = Loading::loadRepository({}, {}, {});
     EXPECT_TRUE(loaded.repository->namespaces().empty());
     EXPECT_TRUE(loaded.diagnostics.empty());
 }
@@ -25,19 +24,19 @@ TEST_F(RepositoryLoaderTest, ASourceMayHaveFilesAndDirectories) {
     const std::string file = directory_.write("a.mof", "class A_B : A_C {};");
     directory_.write("directory/c.mof", "class A_C : A_D {};");
     directory_.write("directory/below/d.mof", "class A_D {};");
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {file, directory_.path("directory")}}}, {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {file, directory_.path("directory")}}}, {}, {});
     EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B A_C A_D");
 }
 
 TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{"root/One", {directory_.write("a.mof", "class A_B : A_C {};")}},
-         {"root/two", {directory_.write("b.mof", "class A_X {};")}},
-         {"ROOT/ONE", {directory_.write("c.mof", "class A_C : A_D {};")}},
-         {"root/one", {directory_.write("d.mof", "class A_D {};")}}},
-        {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/One", {directory_.write("a.mof", "class A_B : A_C {};")}},
+                                 {"root/two", {directory_.write("b.mof", "class A_X {};")}},
+                                 {"ROOT/ONE", {directory_.write("c.mof", "class A_C : A_D {};")}},
+                                 {"root/one", {directory_.write("d.mof", "class A_D {};")}}},
+                                {}, {});
     EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     ASSERT_EQ(loaded.repository->namespaces().size(), 2U);
     EXPECT_EQ(loaded.repository->namespaces()[0].name(), "root/One");
@@ -46,10 +45,10 @@ TEST_F(RepositoryLoaderTest, SourcesOfOneNamespaceInAnyCaseAddUp) {
 }
 
 TEST_F(RepositoryLoaderTest, NamespacesDoNotKnowEachOthersClasses) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{"root/one", {directory_.write("a.mof", "class A_B {};")}},
-         {"root/two", {directory_.write("b.mof", "class A_C : A_B {};")}}},
-        {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {directory_.write("a.mof", "class A_B {};")}},
+                                 {"root/two", {directory_.write("b.mof", "class A_C : A_B {};")}}},
+                                {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
     EXPECT_EQ(directory_.shown(loaded.diagnostics),
               "b.mof:1:13: error: the superclass \"A_B\" of \"A_C\" is not declared\n"
@@ -59,8 +58,8 @@ TEST_F(RepositoryLoaderTest, NamespacesDoNotKnowEachOthersClasses) {
 
 TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
     const std::string file = directory_.write("a.mof", "class A_B {};");
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {file}}, {"root/two", {file}}}, {}, {});
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
     EXPECT_EQ(classesOf(loaded, "root/two"), "A_B");
     EXPECT_FALSE(loaded.repository->getClass("root/one", "A_B") ==
@@ -68,12 +67,12 @@ TEST_F(RepositoryLoaderTest, TheSameFilesMayBeInSeveralNamespaces) {
 }
 
 TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespaces) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{"root/one", {directory_.write("a.mof", "[Odd] class A_B {};")}},
-         {"root/two", {directory_.write("b.mof", "class {};")}},
-         {"root/three", {directory_.write("c.mof", "class A_B {};")}},
-         {"root/four", {directory_.path("none.mof")}}},
-        {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {directory_.write("a.mof", "[Odd] class A_B {};")}},
+                                 {"root/two", {directory_.write("b.mof", "class {};")}},
+                                 {"root/three", {directory_.write("c.mof", "class A_B {};")}},
+                                 {"root/four", {directory_.path("none.mof")}}},
+                                {}, {});
     EXPECT_TRUE(loaded.repository.isNull());
     EXPECT_EQ(directory_.shown(loaded.diagnostics),
               "a.mof:1:2: warning: the qualifier \"Odd\" is not declared\n"
@@ -86,14 +85,14 @@ TEST_F(RepositoryLoaderTest, ErrorsGiveNoRepositoryButTheDiagnosticsOfAllNamespa
 }
 
 TEST_F(RepositoryLoaderTest, WarningsComeWithTheRepository) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{"root/one", {directory_.write("a.mof", "[Odd] class A_B {};")}}}, {}, {});
     EXPECT_EQ(loaded.diagnostics.size(), 1U);
     EXPECT_EQ(classesOf(loaded, "root/one"), "A_B");
 }
 
 TEST_F(RepositoryLoaderTest, UndeclaredQualifiersAreKeptAndPropagate) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{"root/one",
           {directory_.write("a.mof", "[Odd, Odder (5)] class A_B {}; class A_C : A_B {};")}}},
         {}, {});
@@ -103,7 +102,7 @@ TEST_F(RepositoryLoaderTest, UndeclaredQualifiersAreKeptAndPropagate) {
 
 TEST_F(RepositoryLoaderTest, IncludedFilesAreFoundOnTheIncludePath) {
     directory_.write("shared/b.mof", "class A_C {};");
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{"root/one",
           {directory_.write("a.mof", "#pragma include (\"b.mof\")\nclass A_B : A_C {};")}}},
         {directory_.path("shared")}, {});
@@ -114,7 +113,7 @@ TEST_F(RepositoryLoaderTest, IncludedFilesAreFoundOnTheIncludePath) {
 TEST_F(RepositoryLoaderTest, OptionsHoldForEveryNamespace) {
     const std::string file =
         directory_.write("a.mof", "[Description (\"<b>\")] class A_B { uint8 q; uint8 p; };");
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{"root/one", {file}}, {"root/two", {file}}}, {},
         {.propertyOrder = Repository::PropertyOrder::kDeclaration, .escapeDescriptions = false});
     for (const char* const nameSpace : {"root/one", "root/two"}) {
@@ -130,11 +129,11 @@ TEST_F(RepositoryLoaderTest, TheModelHasALargestSizeForAllNamespacesTogether) {
     Repository::Options options;
     options.maxModelSize = 26;
     EXPECT_TRUE(
-        Repository::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options)
+        Loading::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options)
             .repository);
     options.maxModelSize = 25;
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options);
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {first}}, {"root/two", {second}}}, {}, options);
     EXPECT_TRUE(loaded.repository.isNull());
     EXPECT_EQ(directory_.shown(loaded.diagnostics),
               "b.mof: error: is not read: with it the model would be larger than "
@@ -150,8 +149,8 @@ TEST_F(RepositoryLoaderTest, ManyClassesThatAddNothingToAWideOneAreLoadedInAMome
     mof += "};\n";
     for (int number = 0; number < kMany; ++number)
         mof += "class A_" + std::to_string(number) + " : A_B {};\n";
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {directory_.write("a.mof", mof)}}}, {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {directory_.write("a.mof", mof)}}}, {}, {});
     const Repository::CimNamespace& nameSpace = *loaded.repository->findNamespace("root/one");
     EXPECT_EQ(nameSpace.findClass("A_2999")->properties(),
               nameSpace.findClass("A_B")->properties());
@@ -171,8 +170,8 @@ TEST_F(RepositoryLoaderTest, VeryManyQualifiersOnEveryLevelAreLoadedInAMoment) {
         "a.mof", qualifiers('A') + "class A_B {" + qualifiers('D') + "uint8 p; };" +
                      qualifiers('B') + "class A_C : A_B {" + qualifiers('E') + "uint8 p; };" +
                      qualifiers('C') + "class A_D : A_C {" + qualifiers('d') + "uint8 p; };");
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/one", {file}}}, {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/one", {file}}}, {}, {});
     const TSKSmrPtr<ITeskClass> found = loaded.repository->getClass("root/one", "A_D");
     EXPECT_NE(found->getQualifier("A19999", true), nullptr);
     EXPECT_EQ(found->getQualifier("A19999", false), nullptr);

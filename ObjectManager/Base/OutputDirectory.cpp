@@ -1,4 +1,4 @@
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "ObjectManager/Base/OutputDirectory.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,14 +11,9 @@
 
 #include "ObjectManager/Base/Ascii.h"
 
-namespace Commands {
+namespace Base {
 
 namespace {
-
-using Base::FileDescriptor;
-
-// Temporary files are named ".tesk-export-PROCESS-NUMBER".
-constexpr std::string_view kTemporaryPrefix = ".tesk-export-";
 
 constexpr int kOpenDirectory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
@@ -26,15 +21,20 @@ constexpr int kOpenDirectory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     throw std::system_error(errno, std::generic_category(), what + " " + path.string());
 }
 
-// As a positive number is written: not "0" and not "07".
-bool isNumber(std::string_view text) noexcept {
-    return !text.empty() && text.front() != '0' && std::ranges::all_of(text, Base::isDigit);
+[[noreturn]] void failToWrite(const std::filesystem::path& path, const std::system_error& error) {
+    throw std::system_error(error.code(), "cannot write " + path.string());
 }
 
-bool isUnfinished(std::string_view file) noexcept {
-    if (!file.starts_with(kTemporaryPrefix))
+// As a positive number is written: not "0" and not "07".
+bool isNumber(std::string_view text) noexcept {
+    return !text.empty() && text.front() != '0' && std::ranges::all_of(text, isDigit);
+}
+
+// Whether a name is that of a temporary file: ".tesk-export-PROCESS-NUMBER".
+bool isTemporary(std::string_view file, std::string_view prefix) noexcept {
+    if (!file.starts_with(prefix))
         return false;
-    const std::string_view numbers = file.substr(kTemporaryPrefix.size());
+    const std::string_view numbers = file.substr(prefix.size());
     const std::size_t hyphen = numbers.find('-');
     if (hyphen == std::string_view::npos)
         return false;
@@ -46,7 +46,7 @@ bool isUnfinished(std::string_view file) noexcept {
 FileDescriptor openRegularFile(const FileDescriptor& directory, const std::string& name) {
     FileDescriptor file(
         openat(directory.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file.isOpen() || !Base::FileVersion::of(file).isRegular())
+    if (!file.isOpen() || !FileVersion::of(file).isRegular())
         return {};
     return file;
 }
@@ -70,16 +70,20 @@ std::string_view OutputDirectory::validateName(std::string_view name) noexcept {
     return {};
 }
 
-OutputDirectory::OutputDirectory(FileDescriptor descriptor, std::filesystem::path path)
-    : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+OutputDirectory::OutputDirectory(FileDescriptor descriptor, std::filesystem::path path,
+                                 std::string temporaryPrefix)
+    : descriptor_(std::move(descriptor)),
+      path_(std::move(path)),
+      temporaryPrefix_(std::move(temporaryPrefix)) {}
 
-OutputDirectory OutputDirectory::create(const std::filesystem::path& path) {
+OutputDirectory OutputDirectory::create(const std::filesystem::path& path,
+                                        std::string_view command) {
     std::error_code failure;
     std::filesystem::create_directories(path, failure);
     // If it was there before, opening it tells whether it is a directory.
     FileDescriptor descriptor(open(path.c_str(), kOpenDirectory));
     if (descriptor.isOpen())
-        return {std::move(descriptor), path};
+        return {std::move(descriptor), path, ".tesk-" + std::string(command) + "-"};
     if (failure)
         errno = failure.value();
     fail("cannot make the directory", path);
@@ -93,33 +97,72 @@ OutputDirectory OutputDirectory::createBelow(std::string_view name) const {
     FileDescriptor descriptor(
         openat(descriptor_.get(), directory.c_str(), kOpenDirectory | O_NOFOLLOW));
     if (descriptor.isOpen())
-        return {std::move(descriptor), path};
+        return {std::move(descriptor), path, temporaryPrefix_};
     if (std::filesystem::is_symlink(path))
-        fail("documents are not written through a symbolic link:", path);
+        fail("files are not written through a symbolic link:", path);
     fail("cannot make the directory", path);
+}
+
+OutputDirectory OutputDirectory::createPath(std::string_view path) const {
+    const std::vector<std::string> names = namesIn(path);
+    OutputDirectory directory = createBelow(names.front());
+    for (auto below = names.begin() + 1; below != names.end(); ++below)
+        directory = directory.createBelow(*below);
+    return directory;
+}
+
+std::vector<std::string> OutputDirectory::namesIn(std::string_view path) {
+    std::vector<std::string> names;
+    while (true) {
+        const std::size_t end = path.find('/');
+        names.emplace_back(path.substr(0, end));
+        if (end == std::string_view::npos)
+            return names;
+        path.remove_prefix(end + 1);
+    }
 }
 
 OutputDirectory::Outcome OutputDirectory::put(std::string_view name,
                                               std::string_view content) const {
-    if (contains(name, content))
+    const std::unique_ptr<StagedFile> file = stage(name, content);
+    if (file == nullptr)
         return Outcome::kUnchanged;
-    try {
-        Base::replaceFile(descriptor_, std::string(name), content,
-                          {.temporaryPrefix = kTemporaryPrefix});
-    } catch (const std::system_error& error) {
-        throw std::system_error(error.code(), "cannot write " + (path_ / name).string());
-    }
+    file->publish();
     return Outcome::kWritten;
+}
+
+std::unique_ptr<OutputDirectory::StagedFile> OutputDirectory::stage(
+    std::string_view name, std::string_view content) const {
+    if (contains(name, content))
+        return nullptr;
+    return std::make_unique<StagedFile>(*this, name, content);
+}
+
+OutputDirectory::StagedFile::StagedFile(const OutputDirectory& directory, std::string_view name,
+                                        std::string_view content) try
+    : path_(directory.path_ / name),
+      file_(directory.descriptor_, std::string(name), content,
+            {.temporaryPrefix = directory.temporaryPrefix_}) {
+} catch (const std::system_error& error) {
+    failToWrite(directory.path_ / name, error);
+}
+
+void OutputDirectory::StagedFile::publish() {
+    try {
+        file_.moveIntoPlace();
+    } catch (const std::system_error& error) {
+        failToWrite(path_, error);
+    }
 }
 
 bool OutputDirectory::contains(std::string_view name, std::string_view content) const {
     const FileDescriptor file = openRegularFile(descriptor_, std::string(name));
-    if (!file.isOpen() || Base::FileVersion::of(file).size != static_cast<off_t>(content.size()))
+    if (!file.isOpen() || FileVersion::of(file).size != static_cast<off_t>(content.size()))
         return false;
     char buffer[32 * 1024];
     while (!content.empty()) {
         const std::size_t length = std::min(content.size(), sizeof buffer);
-        if (Base::readUpTo(file, {buffer, length}) != length ||
+        if (readUpTo(file, {buffer, length}) != length ||
             std::string_view(buffer, length) != content.substr(0, length))
             return false;
         content.remove_prefix(length);
@@ -139,7 +182,7 @@ void OutputDirectory::lock() {
     if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
         lock_ = std::move(lock);
     else if (errno == EWOULDBLOCK)
-        fail("another export is at work in", path_);
+        fail("another export or import is at work in", path_);
 }
 
 std::size_t OutputDirectory::removeUnfinishedFiles() const {
@@ -147,7 +190,7 @@ std::size_t OutputDirectory::removeUnfinishedFiles() const {
     if (!lock_.isOpen())
         return removed;
     for (const std::string& file : files()) {
-        if (!isUnfinished(file))
+        if (!isTemporary(file, temporaryPrefix_))
             continue;
         remove(file);
         ++removed;
@@ -158,8 +201,8 @@ std::size_t OutputDirectory::removeUnfinishedFiles() const {
 std::vector<std::string> OutputDirectory::files() const {
     std::vector<std::string> names;
     try {
-        for (Base::DirectoryEntry& entry : Base::entriesOf(descriptor_)) {
-            if (entry.kind == Base::DirectoryEntry::Kind::kRegular)
+        for (DirectoryEntry& entry : entriesOf(descriptor_)) {
+            if (entry.kind == DirectoryEntry::Kind::kRegular)
                 names.push_back(std::move(entry.name));
         }
     } catch (const std::system_error& error) {
@@ -176,13 +219,13 @@ std::string OutputDirectory::contentOf(std::string_view name, std::size_t maxByt
         return {};
     if (!file.isOpen())
         throw std::system_error(errno, std::generic_category());
-    if (!Base::FileVersion::of(file).isRegular())
+    if (!FileVersion::of(file).isRegular())
         throw std::system_error(std::make_error_code(std::errc::not_supported));
-    return Base::readAll(file, maxBytes);
+    return readAll(file, maxBytes);
 }
 
-bool OutputDirectory::isTemporaryName(std::string_view name) noexcept {
-    return name.starts_with(kTemporaryPrefix);
+bool OutputDirectory::isTemporaryName(std::string_view name) const noexcept {
+    return name.starts_with(temporaryPrefix_);
 }
 
-}  // namespace Commands
+}  // namespace Base
