@@ -42,6 +42,7 @@ _tesk_options() {
   case $1 in
     serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --password-file --log-level --access-log ;;
     export) echo --help --output --host --namespace --include-path --config $server --jobs --prune ;;
+    import) echo --help --output ${server% *} --namespace --prune ;;
     check) echo --help --namespace --include-path --config $server --format --jobs ;;
     classes) echo --help --namespace --include-path --config $server --format ;;
     passwd) echo --help --delete ;;
@@ -142,7 +143,7 @@ _tesk() {
   if ((${#words[@]} <= 2)); then
     case $word in
       -*) _tesk_offer_words "--help --version" ;;
-      *) _tesk_offer_words "serve export check classes passwd" ;;
+      *) _tesk_offer_words "serve export import check classes passwd" ;;
     esac
     return
   fi
