@@ -42,6 +42,16 @@ void addModelOptions(Command& command, ModelOptions& options) {
                                .target = &options.configuration});
 }
 
+Option publishedAddressOption(std::optional<std::string>& address) {
+    return {.name = "--published-address",
+            .value = "URL",
+            .help =
+                "Where documents say that the service is, such as "
+                "https://cim.example.org:5986",
+            .target = &address,
+            .check = Configuration::parsePublishedAddress};
+}
+
 Option formatOption(OutputFormat& format) {
     return {.name = "--format",
             .value = "FORMAT",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct ModelOptions {
 
 /// Adds `--namespace`, `--include-path` and `--config` to a command.
 void addModelOptions(Command& command, ModelOptions& options);
+
+/// `--published-address URL`.
+[[nodiscard]] Option publishedAddressOption(std::optional<std::string>& address);
 
 enum class OutputFormat : std::uint8_t { kText, kJson };
 

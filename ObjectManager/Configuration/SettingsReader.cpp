@@ -93,13 +93,20 @@ void readRepository(Table table, Repository::Options& settings) {
     table.reportUnknownKeys();
 }
 
-void readServer(Table table, Http::Options& settings) {
+void readServer(Table table, Http::Options& settings, Security::Options& security) {
     std::vector<Http::ListenAddress> addresses;
     table.readTexts("listen", "an address with a port", 1, [&](const std::string& text) {
         addresses.push_back(parseListenAddress(text));
     });
     if (!addresses.empty())
         settings.listen = std::move(addresses);
+    table.readText("published_address", "an address", [&](const std::string& text) {
+        if (!text.empty())
+            settings.publishedAddress = parsePublishedAddress(text);
+    });
+    table.readChoice<Security::Scheme>(
+        "authentication", {{"basic", Security::Scheme::kBasic}, {"none", Security::Scheme::kNone}},
+        security.scheme);
     table.readTexts("trusted_proxies", "a network", 0, [&](const std::string& text) {
         settings.trustedProxies.push_back(Http::Network::parse(text));
     });
@@ -143,7 +150,7 @@ void readFile(Table table, const Directory& directory, Settings& settings) {
     });
     readNamespaces(table.readTable("namespaces"), directory, settings.namespaces);
     readRepository(table.readTable("repository"), settings.repository);
-    readServer(table.readTable("server"), settings.server);
+    readServer(table.readTable("server"), settings.server, settings.security);
     readSecurity(table.readTable("security"), directory, settings.security);
     readLog(table.readTable("log"), directory, settings.log);
     table.reportUnknownKeys();

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Host/PublishedAddress.h"
 #include "ObjectManager/Http/ClientAddress.h"
 
 namespace Http {
@@ -36,6 +37,11 @@ struct ListenAddress {
 /// Thread safety: belongs to one thread while it is changed; may be read by several at once.
 struct Options {
     std::vector<ListenAddress> listen = {{}};
+
+    /// Where documents say that the service is, for clients that reach it by another address than
+    /// its own: through a proxy with TLS, or beside a CIM server. Without it, documents name the
+    /// address by which the client has reached the server.
+    std::optional<Host::PublishedAddress> publishedAddress = std::nullopt;
 
     /// The proxies whose header field "X-Forwarded-For" tells which client a request comes from.
     /// Any client can send that field, so without a proxy it tells nothing.

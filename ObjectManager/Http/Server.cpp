@@ -89,7 +89,7 @@ class Server::Implementation {
           maxConnectionsPerClient_(clientLimit(options_)),
           authentication_(std::move(authentication)),
           report_(std::move(report)),
-          dispatcher_(manager),
+          dispatcher_(manager, options.publishedAddress),
           memory_(options.maxResponseMemory) {
         for (const ListenAddress& address : options.listen) {
             const auto& listener =

@@ -38,8 +38,8 @@ _tesk_unquoted() {
 # The options of a command.
 _tesk_options() {
   case $1 in
-    serve) echo --help --namespace --include-path --config --listen --password-file --log-level --access-log ;;
-    export) echo --help --output --host --namespace --include-path --config --jobs --prune ;;
+    serve) echo --help --namespace --include-path --config --listen --published-address --password-file --log-level --access-log ;;
+    export) echo --help --output --host --published-address --namespace --include-path --config --jobs --prune ;;
     check) echo --help --namespace --include-path --config --format --jobs ;;
     classes) echo --help --namespace --include-path --config --format ;;
     passwd) echo --help --delete ;;

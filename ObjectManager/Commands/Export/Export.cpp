@@ -2,7 +2,9 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ObjectManager/Base/Signals.h"
@@ -14,6 +16,7 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
+#include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
@@ -29,7 +32,8 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host = "localhost:5985";  // the port that WS-Management has over HTTP
+    std::optional<std::string> host;
+    std::optional<std::string> publishedAddress;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
@@ -45,6 +49,17 @@ void requireHost(const std::string& host) {
                       " is not a host with an optional port, such as localhost:5985"),
             CIM_ERR_INVALID_PARAMETER);
     }
+}
+
+// The host has the port that is registered for WS-Management over HTTP.
+Host::PublishedAddress addressOf(const ExportOptions& options,
+                                 const Configuration::Settings& settings) {
+    if (options.publishedAddress)
+        return Configuration::parsePublishedAddress(*options.publishedAddress);
+    if (options.host)
+        return {.host = *options.host};
+    return settings.server.publishedAddress.value_or(
+        Host::PublishedAddress{.host = "localhost:5985"});
 }
 
 constexpr const char* kDetails =
@@ -68,9 +83,12 @@ void addExportOptions(Command& command, ExportOptions& options) {
     command.options.push_back(
         {.name = "--host",
          .value = "HOST[:PORT]",
-         .help = "Where the documents say that the service is (default: localhost:5985)",
+         .help = "Where the documents say that the service is, over HTTP (default: localhost:5985)",
          .target = &options.host,
          .check = requireHost});
+    Option publishedAddress = publishedAddressOption(options.publishedAddress);
+    publishedAddress.excludes = "--host";
+    command.options.push_back(std::move(publishedAddress));
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
@@ -88,13 +106,14 @@ void addExportOptions(Command& command, ExportOptions& options) {
 }
 
 DocumentExportResult writeDocuments(const ExportOptions& options,
+                                    const Host::PublishedAddress& address,
                                     const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
                                     const OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(host.manager(), TSKString(options.host));
+    const Host::MemoryClient client(host.manager(), address);
     ProgressLine progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;
     exportOptions.jobs = options.jobs;
@@ -115,7 +134,8 @@ int reportStop(int signal, const DocumentExportResult& result, const OutputDirec
 int runExport(const ExportOptions& options) {
     // A file that is larger than the process may write is an error like a full disk.
     (void)std::signal(SIGXFSZ, SIG_IGN);
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
+    const Configuration::Settings settings = readSettings(options.model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
     const bool all = options.classes.empty();
     const std::vector<ClassSelection> selections =
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
@@ -123,8 +143,8 @@ int runExport(const ExportOptions& options) {
     const Base::StopSignals stopSignals;
     OutputDirectory output = OutputDirectory::create(options.output);
     output.lock();
-    const DocumentExportResult result =
-        writeDocuments(options, repository, selections, output, stopSignals);
+    const DocumentExportResult result = writeDocuments(options, addressOf(options, settings),
+                                                       repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);

@@ -172,6 +172,7 @@ void Reloader::keepPasswordFile(Configuration::Settings& settings) const {
 
 void Reloader::warnOfSettingsThatNeedARestart(const Configuration::Settings& settings) const {
     if (settings.server != settings_.server || settings.log != settings_.log ||
+        settings.security.scheme != settings_.security.scheme ||
         settings.security.credentialLifetime != settings_.security.credentialLifetime)
         Base::log("tesk", TeskTraceLog::SeverityWarning,
                   "Changes of [server], [log] and credential_lifetime take effect at the next "

@@ -32,6 +32,7 @@ namespace {
 struct ServeOptions {
     ModelOptions model;
     std::vector<std::string> listen;
+    std::optional<std::string> publishedAddress;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
     std::optional<std::string> accessLog;
@@ -56,6 +57,7 @@ void addServeOptions(Command& command, ServeOptions& options) {
                                        "times",
                                .target = &options.listen,
                                .check = Configuration::parseListenAddress});
+    command.options.push_back(publishedAddressOption(options.publishedAddress));
     command.options.push_back(
         {.name = "--password-file",
          .value = "FILE",
@@ -76,6 +78,10 @@ void addServeOptions(Command& command, ServeOptions& options) {
                                .target = &options.accessLog});
 }
 
+bool asksForPasswords(const Configuration::Settings& settings) {
+    return settings.security.scheme == Security::Scheme::kBasic;
+}
+
 // What the configuration file says, where the command line does not say otherwise.
 Configuration::Settings readSettings(const ServeOptions& options, std::ostream& messages) {
     Configuration::Settings settings = readSettings(options.model, messages);
@@ -83,7 +89,13 @@ Configuration::Settings readSettings(const ServeOptions& options, std::ostream& 
         settings.server.listen.clear();
     for (const std::string& address : options.listen)
         settings.server.listen.push_back(Configuration::parseListenAddress(address));
+    if (options.publishedAddress)
+        settings.server.publishedAddress =
+            Configuration::parsePublishedAddress(*options.publishedAddress);
     settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
+    // Nobody is asked for a password, so the file need not be there.
+    if (!asksForPasswords(settings))
+        settings.security.passwordFile.clear();
     if (options.logLevel)
         settings.log.level = static_cast<int>(*options.logLevel);
     settings.log.access = options.accessLog.value_or(settings.log.access);
@@ -133,13 +145,18 @@ bool isLoopback(const Http::ListenAddress& listen) {
 }
 
 // Warns of what is allowed but seldom meant.
-void warnOfRisks(const Http::Options& options, const std::vector<std::string>& addresses) {
-    for (std::size_t index = 0; index < options.listen.size(); ++index) {
-        if (!isLoopback(options.listen[index])) {
+void warnOfRisks(const Configuration::Settings& settings,
+                 const std::vector<std::string>& addresses) {
+    const std::string risk =
+        asksForPasswords(settings)
+            ? "passwords travel there in clear text: put a TLS proxy in front of it, or listen on "
+              "127.0.0.1 only"
+            : "everybody can read the documents there: set authentication in [server] to "
+              "\"basic\", or listen on 127.0.0.1 only";
+    for (std::size_t index = 0; index < settings.server.listen.size(); ++index) {
+        if (!isLoopback(settings.server.listen[index])) {
             Base::log("tesk", TeskTraceLog::SeverityWarning,
-                      "Other machines reach " + addresses.at(index) +
-                          ", and passwords travel there in clear text: put a TLS proxy in front of "
-                          "it, or listen on 127.0.0.1 only");
+                      "Other machines reach " + addresses.at(index) + ", and " + risk);
         }
     }
     if (geteuid() == 0) {
@@ -203,7 +220,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
                  const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
     const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
-    const ServiceUsers users = loadUsers(settings.security);
+    const ServiceUsers users =
+        asksForPasswords(settings) ? loadUsers(settings.security) : ServiceUsers();
     Service service(settings, repository, users.users);
     // Before the service is announced: from then on it ends by signals alone.
     Reloader reloader(
@@ -217,7 +235,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     std::unique_ptr<const PasswordNote> note;
     if (!users.generatedPassword.isEmpty() && isatty(STDOUT_FILENO) == 0)
         note = std::make_unique<PasswordNote>(users.generatedPassword);
-    warnOfRisks(settings.server, service.addresses());
+    warnOfRisks(settings, service.addresses());
     service.start();
     if (!announce(service, *repository, users, note.get())) {
         note.reset();

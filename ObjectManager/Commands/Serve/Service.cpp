@@ -4,13 +4,16 @@
 #include <utility>
 
 #include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Security/AnonymousAuthenticator.h"
 
 namespace Commands {
 
 namespace {
 
-Http::Authentication authenticationBy(
-    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
+Http::Authentication authenticationBy(const TSKSmrPtr<Security::BasicAuthenticator>& authenticator,
+                                      Security::Scheme scheme) {
+    if (scheme == Security::Scheme::kNone)
+        return {};
     return {
         .prepare = [authenticator](
                        const TSKHTTPRequest& request) { return authenticator->prepare(request); },
@@ -25,6 +28,13 @@ Http::Authentication authenticationBy(
             [authenticator](TSKHTTPRequest& request) { return authenticator->verify(request); }};
 }
 
+TSKSmrPtr<ITeskAuthenticator> authenticatorFor(
+    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator, Security::Scheme scheme) {
+    if (scheme == Security::Scheme::kNone)
+        return TSKSmrPtr<Security::AnonymousAuthenticator>::make();
+    return authenticator;
+}
+
 }  // namespace
 
 Service::Service(const Configuration::Settings& settings,
@@ -36,9 +46,10 @@ Service::Service(const Configuration::Settings& settings,
       authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
-      host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
-            {&index_}),
-      server_(settings.server, host_.manager(), authenticationBy(authenticator_),
+      host_(repository, authenticatorFor(authenticator_, settings.security.scheme),
+            Host::InstallationPaths::ofThisProgram().installation, {&index_}),
+      server_(settings.server, host_.manager(),
+              authenticationBy(authenticator_, settings.security.scheme),
               [this](const Http::Exchange& exchange) { report(exchange); }) {}
 
 Service::~Service() = default;

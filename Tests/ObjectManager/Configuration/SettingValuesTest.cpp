@@ -10,6 +10,7 @@ namespace {
 using Configuration::parseListenAddress;
 using Configuration::parseNamespaceName;
 using Configuration::parseNamespaceOption;
+using Configuration::parsePublishedAddress;
 using Http::ListenAddress;
 
 // What `parse` says against a text.
@@ -105,6 +106,27 @@ TEST(NamespaceOption, EverythingElseIsRefused) {
     EXPECT_EQ(failureOf(&parseNamespaceOption, "=cim.mof"), failureOf(&parseNamespaceName, ""));
     EXPECT_EQ(failureOf(&parseNamespaceOption, "a b=cim.mof"),
               failureOf(&parseNamespaceName, "a b"));
+}
+
+TEST(PublishedAddress, HasASchemeAHostAndAnOptionalPort) {
+    EXPECT_EQ(parsePublishedAddress("https://cim.example.org:5986"),
+              (Host::PublishedAddress{.host = "cim.example.org:5986", .isHttps = true}));
+    EXPECT_EQ(parsePublishedAddress("http://cim.example.org/"),
+              (Host::PublishedAddress{.host = "cim.example.org"}));
+    EXPECT_EQ(parsePublishedAddress("HTTPS://[2001:db8::1]:1"),
+              (Host::PublishedAddress{.host = "[2001:db8::1]:1", .isHttps = true}));
+}
+
+TEST(PublishedAddress, EverythingElseIsRefused) {
+    for (const char* const text :
+         {"", "cim.example.org", "cim.example.org:5986", "ftp://a", "http://", "https:///",
+          "https://a/b", "https://a//", "https://a:65536", "https://a b", "https://u@a",
+          "https://a?b", " https://a"}) {
+        EXPECT_EQ(failureOf(&parsePublishedAddress, text),
+                  "\"" + std::string(text) +
+                      "\" is not the address of a service, such as "
+                      "\"https://cim.example.org:5986\"");
+    }
 }
 
 }  // namespace

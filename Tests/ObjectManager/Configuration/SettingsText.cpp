@@ -42,6 +42,11 @@ std::string textOf(const Settings& settings) {
     for (const Http::ListenAddress& listen : server.listen)
         addresses.push_back(listen.address + ":" + std::to_string(listen.port));
     text += line("listen", joined(addresses));
+    const auto& published = server.publishedAddress;
+    text += line("published_address",
+                 published ? (published->isHttps ? "https://" : "http://") + published->host : "");
+    text += line("authentication",
+                 settings.security.scheme == Security::Scheme::kBasic ? "basic" : "none");
     std::vector<std::string> proxies;
     for (const Http::Network& network : server.trustedProxies)
         proxies.push_back(network.toString());
