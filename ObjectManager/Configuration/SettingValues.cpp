@@ -76,6 +76,12 @@ Http::ListenAddress parseListenAddress(std::string_view text) {
          "\"[::1]:5985\"");
 }
 
+Http::ListenAddress parseAdminAddress(std::string_view text) {
+    if (const auto port = parsePort(text))
+        return {.address = "127.0.0.1", .port = *port};
+    return parseListenAddress(text);
+}
+
 Host::PublishedAddress parsePublishedAddress(std::string_view text) {
     constexpr std::string_view kHttp = "http://";
     constexpr std::string_view kHttps = "https://";

@@ -16,6 +16,9 @@ namespace Configuration {
 /// stand for several.
 [[nodiscard]] Http::ListenAddress parseListenAddress(std::string_view text);
 
+/// The same, or a port alone, which stands for that of 127.0.0.1.
+[[nodiscard]] Http::ListenAddress parseAdminAddress(std::string_view text);
+
 /// Reads "https://cim.example.org:5986": a scheme, a host and an optional port.
 [[nodiscard]] Host::PublishedAddress parsePublishedAddress(std::string_view text);
 

@@ -38,7 +38,7 @@ _tesk_unquoted() {
 # The options of a command.
 _tesk_options() {
   case $1 in
-    serve) echo --help --namespace --include-path --config --listen --published-address --password-file --log-level --access-log ;;
+    serve) echo --help --namespace --include-path --config --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
     export) echo --help --output --host --published-address --namespace --include-path --config --jobs --prune ;;
     check) echo --help --namespace --include-path --config --format --jobs ;;
     classes) echo --help --namespace --include-path --config --format ;;
@@ -70,7 +70,7 @@ _tesk_offer_files() {
 # Offers values of the option $1; they follow the prefix $2 of the word.
 _tesk_offer_values() {
   case $1 in
-    --config | --password-file | --access-log) _tesk_offer_files -f "$2" ;;
+    --config | --password-file | --access-log | --tls-certificate | --tls-key | --tls-client-ca) _tesk_offer_files -f "$2" ;;
     --output) _tesk_offer_files -d "$2" ;;
     --namespace)
       local value=${word#"$2"}

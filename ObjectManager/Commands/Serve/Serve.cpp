@@ -24,6 +24,7 @@
 #include "ObjectManager/Commands/Serve/ServiceUsers.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
 
 namespace Commands {
 
@@ -32,6 +33,10 @@ namespace {
 struct ServeOptions {
     ModelOptions model;
     std::vector<std::string> listen;
+    std::vector<std::string> tlsListen;
+    std::optional<std::string> tlsCertificate;
+    std::optional<std::string> tlsKey;
+    std::optional<std::string> tlsClientAuthorities;
     std::optional<std::string> publishedAddress;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
@@ -57,6 +62,29 @@ void addServeOptions(Command& command, ServeOptions& options) {
                                        "times",
                                .target = &options.listen,
                                .check = Configuration::parseListenAddress});
+    command.options.push_back(
+        {.name = "--tls-listen",
+         .value = "ADDRESS:PORT",
+         .help =
+             "Where to listen for TLS; then the default of --listen does not hold. May be given "
+             "several times",
+         .target = &options.tlsListen,
+         .check = Configuration::parseListenAddress});
+    command.options.push_back(
+        {.name = "--tls-certificate",
+         .value = "FILE",
+         .help = "The certificate in PEM, followed by those that lead to its authority",
+         .target = &options.tlsCertificate});
+    command.options.push_back({.name = "--tls-key",
+                               .value = "FILE",
+                               .help = "The key of the certificate in PEM, not encrypted",
+                               .target = &options.tlsKey});
+    command.options.push_back(
+        {.name = "--tls-client-ca",
+         .value = "FILE",
+         .help = "The authorities of client certificates in PEM; who has one is a user without a "
+                 "password",
+         .target = &options.tlsClientAuthorities});
     command.options.push_back(publishedAddressOption(options.publishedAddress));
     command.options.push_back(
         {.name = "--password-file",
@@ -82,13 +110,47 @@ bool asksForPasswords(const Configuration::Settings& settings) {
     return settings.security.scheme == Security::Scheme::kBasic;
 }
 
+// Where the service listens without TLS by default is not where somebody wants it who names an
+// address with TLS alone.
+void setAddresses(const ServeOptions& options, Configuration::Settings& settings) {
+    const auto set = [](const std::vector<std::string>& texts,
+                        std::vector<Http::ListenAddress>& addresses) {
+        if (texts.empty())
+            return;
+        addresses.clear();
+        for (const std::string& text : texts)
+            addresses.push_back(Configuration::parseListenAddress(text));
+    };
+    set(options.listen, settings.server.listen);
+    set(options.tlsListen, settings.server.tlsListen);
+    if (!settings.server.tlsListen.empty() && options.listen.empty() && !settings.isListenSet)
+        settings.server.listen.clear();
+}
+
+void requireCertificate(const Http::Options& options) {
+    const auto require = [](const std::string& file, const char* key, const char* option) {
+        if (!file.empty())
+            return;
+        throw TeskBaseException("tesk serve",
+                                TSKString(std::string("an address with TLS needs ") + key +
+                                          " in [server], or " + option),
+                                CIM_ERR_INVALID_PARAMETER);
+    };
+    if (options.tlsListen.empty())
+        return;
+    require(options.tls.certificateFile, "tls_certificate", "--tls-certificate");
+    require(options.tls.keyFile, "tls_key", "--tls-key");
+}
+
 // What the configuration file says, where the command line does not say otherwise.
 Configuration::Settings readSettings(const ServeOptions& options, std::ostream& messages) {
     Configuration::Settings settings = readSettings(options.model, messages);
-    if (!options.listen.empty())
-        settings.server.listen.clear();
-    for (const std::string& address : options.listen)
-        settings.server.listen.push_back(Configuration::parseListenAddress(address));
+    setAddresses(options, settings);
+    Http::TlsOptions& tls = settings.server.tls;
+    tls.certificateFile = options.tlsCertificate.value_or(tls.certificateFile);
+    tls.keyFile = options.tlsKey.value_or(tls.keyFile);
+    tls.clientAuthorityFile = options.tlsClientAuthorities.value_or(tls.clientAuthorityFile);
+    requireCertificate(settings.server);
     if (options.publishedAddress)
         settings.server.publishedAddress =
             Configuration::parsePublishedAddress(*options.publishedAddress);
@@ -147,14 +209,19 @@ bool isLoopback(const Http::ListenAddress& listen) {
 // Warns of what is allowed but seldom meant.
 void warnOfRisks(const Configuration::Settings& settings,
                  const std::vector<std::string>& addresses) {
+    const bool isOpenToAll = !asksForPasswords(settings);
     const std::string risk =
-        asksForPasswords(settings)
-            ? "passwords travel there in clear text: put a TLS proxy in front of it, or listen on "
-              "127.0.0.1 only"
+        !isOpenToAll
+            ? "passwords travel there in clear text: use tls_listen in [server] instead, put a TLS "
+              "proxy in front of it, or listen on 127.0.0.1 only"
             : "everybody can read the documents there: set authentication in [server] to "
               "\"basic\", or listen on 127.0.0.1 only";
-    for (std::size_t index = 0; index < settings.server.listen.size(); ++index) {
-        if (!isLoopback(settings.server.listen[index])) {
+    std::vector<Http::ListenAddress> atRisk = settings.server.listen;
+    if (isOpenToAll)
+        atRisk.insert(atRisk.end(), settings.server.tlsListen.begin(),
+                      settings.server.tlsListen.end());
+    for (std::size_t index = 0; index < atRisk.size(); ++index) {
+        if (!isLoopback(atRisk[index])) {
             Base::log("tesk", TeskTraceLog::SeverityWarning,
                       "Other machines reach " + addresses.at(index) + ", and " + risk);
         }
@@ -248,8 +315,11 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
             reopenLog("The log", [&] { logOutput.reopen(); });
             reopenLog("The access log", [&] { service.reopenAccessLog(); });
         }
-        if (signal == SIGHUP)
+        if (signal == SIGHUP) {
+            service.reloadCertificate();
             reloader.reload();
+        }
+        service.reloadCertificateIfChanged();
         reloader.goOn();
         service.tellFailedLogins();
     }

@@ -12,11 +12,11 @@ namespace {
 
 Http::Authentication authenticationBy(const TSKSmrPtr<Security::BasicAuthenticator>& authenticator,
                                       Security::Scheme scheme) {
-    if (scheme == Security::Scheme::kNone)
-        return {};
-    return {
-        .prepare = [authenticator](
-                       const TSKHTTPRequest& request) { return authenticator->prepare(request); },
+    Http::Authentication authentication = {
+        .prepare =
+            [authenticator](const TSKHTTPRequest& request, const std::string& certificateUser) {
+                return authenticator->prepare(request, certificateUser);
+            },
         .unverifiedLogin = [authenticator](const TSKHTTPRequest& request)
             -> std::optional<Http::Authentication::Login> {
             auto login = authenticator->unverifiedLogin(request);
@@ -26,6 +26,10 @@ Http::Authentication authenticationBy(const TSKSmrPtr<Security::BasicAuthenticat
         },
         .verify =
             [authenticator](TSKHTTPRequest& request) { return authenticator->verify(request); }};
+    // Nobody is asked for a password, so none is hashed.
+    if (scheme == Security::Scheme::kNone)
+        authentication.unverifiedLogin = nullptr;
+    return authentication;
 }
 
 TSKSmrPtr<ITeskAuthenticator> authenticatorFor(
@@ -74,6 +78,16 @@ void Service::setUsers(Security::UserTable users) {
     authenticator_->setUsers(std::move(users));
 }
 
+void Service::reloadCertificate() noexcept {
+    if (Http::TlsContext* const tls = server_.tls())
+        tls->reload();
+}
+
+void Service::reloadCertificateIfChanged() noexcept {
+    if (Http::TlsContext* const tls = server_.tls())
+        tls->goOn();
+}
+
 void Service::reopenAccessLog() {
     if (accessLog_)
         accessLog_->reopen();
@@ -106,6 +120,8 @@ std::vector<std::string> Service::addresses() const {
     std::vector<std::string> addresses;
     for (const auto& [address, port] : server_.addresses())
         addresses.push_back("http://" + address + ":" + std::to_string(port));
+    for (const auto& [address, port] : server_.tlsAddresses())
+        addresses.push_back("https://" + address + ":" + std::to_string(port));
     return addresses;
 }
 

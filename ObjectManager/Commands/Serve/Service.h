@@ -24,7 +24,8 @@ namespace Commands {
 class Service {
   public:
     /// Starts the providers and listens. Requests wait until start() is called.
-    /// Errors: TeskBaseException when a provider fails or the access log cannot be written,
+    /// Errors: TeskBaseException when a provider fails, the access log cannot be written or the
+    /// certificate cannot be used,
     /// std::system_error when an address cannot be listened on.
     Service(const Configuration::Settings& settings,
             const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
@@ -42,6 +43,11 @@ class Service {
                  std::optional<Security::UserTable> users);
     void setUsers(Security::UserTable users);
 
+    /// Reads the certificate for TLS again, if there is one; reloadCertificateIfChanged() is to be
+    /// called about once a second. See Http::TlsContext.
+    void reloadCertificate() noexcept;
+    void reloadCertificateIfChanged() noexcept;
+
     /// Opens the access log by its name again, if there is one.
     /// Errors: TeskBaseException when it cannot be written; it goes on as before then.
     void reopenAccessLog();
@@ -53,7 +59,7 @@ class Service {
     /// whether no provider runs any more; if one does, this must not be destroyed.
     [[nodiscard]] bool stop();
 
-    /// "http://127.0.0.1:5985" for each address that is listened on.
+    /// "http://127.0.0.1:5985" for each address that is listened on, those for TLS last.
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:

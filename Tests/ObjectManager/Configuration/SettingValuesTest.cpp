@@ -7,6 +7,7 @@
 
 namespace {
 
+using Configuration::parseAdminAddress;
 using Configuration::parseListenAddress;
 using Configuration::parseNamespaceName;
 using Configuration::parseNamespaceOption;
@@ -68,6 +69,13 @@ TEST(ListenAddress, EverythingElseIsRefused) {
     }
     EXPECT_EQ(failureOf(&parseListenAddress, std::string_view("127.0.0.1\0:1", 12)).substr(0, 11),
               "\"127.0.0.1");
+}
+
+TEST(AdminAddress, MayBeAPortAlone) {
+    EXPECT_EQ(parseAdminAddress("9187"), (ListenAddress{.address = "127.0.0.1", .port = 9187}));
+    EXPECT_EQ(parseAdminAddress("[::]:1"), (ListenAddress{.address = "::", .port = 1}));
+    for (const char* const text : {"", ":9187", "65536", "9187x", "localhost:1"})
+        EXPECT_EQ(failureOf(&parseAdminAddress, text), failureOf(&parseListenAddress, text));
 }
 
 TEST(NamespaceName, LosesTheSlashesAtItsEnds) {

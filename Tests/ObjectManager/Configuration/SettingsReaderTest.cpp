@@ -17,7 +17,9 @@ using Configuration::Settings;
 using Configuration::SettingsReading;
 
 const std::string kServerKeys =
-    "\"listen\", \"published_address\", \"authentication\", \"trusted_proxies\", \"workers\", "
+    "\"listen\", \"tls_listen\", \"tls_certificate\", \"tls_key\", \"tls_client_ca\", "
+    "\"admin_listen\", \"published_address\", \"authentication\", \"trusted_proxies\", "
+    "\"workers\", "
     "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
     "\"response_timeout\", \"shutdown_timeout\", \"max_connections\", "
     "\"max_connections_per_client\" and \"max_response_memory\"";
@@ -48,6 +50,11 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "max_document_size: 67108864\n"
               "max_model_size: 268435456\n"
               "listen: 127.0.0.1:5985\n"
+              "tls_listen:\n"
+              "tls_certificate:\n"
+              "tls_key:\n"
+              "tls_client_ca:\n"
+              "admin_listen:\n"
               "published_address:\n"
               "authentication: basic\n"
               "trusted_proxies:\n"
@@ -83,6 +90,11 @@ max_document_size = 16384
 max_model_size = 1099511627776
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
+tls_listen = ["0.0.0.0:5986", "[::]:5986"]
+tls_certificate = "tls/certificate.pem"
+tls_key = "/etc/key.pem"
+tls_client_ca = "authorities.pem"
+admin_listen = "[::1]:9187"
 published_address = "https://cim.example.org:5986"
 authentication = "none"
 trusted_proxies = ["10.0.0.0/8", "::1"]
@@ -112,6 +124,11 @@ access = "access.log"
               "max_document_size: 16384\n"
               "max_model_size: 1099511627776\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
+              "tls_listen: 0.0.0.0:5986 :::5986\n"
+              "tls_certificate: tls/certificate.pem\n"
+              "tls_key: /etc/key.pem\n"
+              "tls_client_ca: authorities.pem\n"
+              "admin_listen: ::1:9187\n"
               "published_address: https://cim.example.org:5986\n"
               "authentication: none\n"
               "trusted_proxies: 10.0.0.0/8 ::1/128\n"
@@ -500,7 +517,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 24);
+    EXPECT_EQ(count, 29);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {
