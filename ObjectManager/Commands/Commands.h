@@ -13,6 +13,9 @@ namespace Commands {
 /// `tesk export` writes the documents into a directory.
 [[nodiscard]] Command exportCommand();
 
+/// `tesk import` writes the classes of a CIM server as MOF files.
+[[nodiscard]] Command importCommand();
+
 /// `tesk check` looks for what is wrong with the documents.
 [[nodiscard]] Command checkCommand();
 

@@ -1,5 +1,6 @@
 #include "ObjectManager/Commands/SharedOptions.h"
 
+#include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -9,14 +10,36 @@ namespace Commands {
 
 namespace {
 
+[[noreturn]] void fail(const std::string& message) {
+    throw TeskBaseException("Commands::SharedOptions", TSKString(message),
+                            CIM_ERR_INVALID_PARAMETER);
+}
+
 OutputFormat parseFormat(const std::string& text) {
     if (text == "text")
         return OutputFormat::kText;
     if (text == "json")
         return OutputFormat::kJson;
-    throw TeskBaseException("Commands::formatOption",
-                            TSKString(Base::quoted(text) + " is neither text nor json"),
-                            CIM_ERR_INVALID_PARAMETER);
+    fail(Base::quoted(text) + " is neither text nor json");
+}
+
+void checkNamespaces(const ModelOptions& options) {
+    try {
+        Base::NameSet names;
+        std::vector<Loading::NamespaceSource> sources;
+        sources.reserve(options.namespaces.size());  // whose names the set refers to
+        for (const std::string& text : options.namespaces) {
+            if (options.server.url.empty()) {
+                (void)Configuration::parseNamespaceOption(text);
+                continue;
+            }
+            sources.push_back(Configuration::parseServerNamespaceOption(text));
+            if (!names.insert(sources.back().name).second)
+                fail("the namespace " + Base::quoted(sources.back().name) + " is given twice");
+        }
+    } catch (const TeskBaseException& error) {
+        fail(std::string("--namespace: ") + error.getMessage().data());
+    }
 }
 
 }  // namespace
@@ -26,9 +49,10 @@ void addModelOptions(Command& command, ModelOptions& options) {
         {.name = "--namespace",
          .value = "NAME=PATH",
          .help = "A namespace and its classes: a MOF file with what it includes, or a directory. "
-                 "May be given several times; without it the sample model is used",
-         .target = &options.namespaces,
-         .check = Configuration::parseNamespaceOption});
+                 "May be given several times; without it the sample model is used. With --server: "
+                 "NAME, or NAME=REMOTE where the server calls it REMOTE; without it all "
+                 "namespaces that the server names",
+         .target = &options.namespaces});
     command.options.push_back(
         {.name = "--include-path",
          .value = "DIR",
@@ -40,6 +64,15 @@ void addModelOptions(Command& command, ModelOptions& options) {
                                .value = "FILE",
                                .help = "The configuration file",
                                .target = &options.configuration});
+    addServerOptions(command, options.server);
+    command.options.push_back(
+        {.name = "--server-class",
+         .value = "CLASS",
+         .help = "Only the server's classes of this name, in any case, and their superclasses; * "
+                 "and ? stand for any characters. May be given several times",
+         .target = &options.serverClasses,
+         .needs = kServerOption});
+    command.check = [&options] { checkNamespaces(options); };
 }
 
 Option publishedAddressOption(std::optional<std::string>& address) {

@@ -6,19 +6,25 @@
 #include <vector>
 
 #include "ObjectManager/Commands/CommandLine.h"
+#include "ObjectManager/Commands/ServerOptions.h"
 
 // Options that several commands have.
 
 namespace Commands {
 
-/// Which classes a command works on: `--namespace`, `--include-path` and `--config`.
+/// Which classes a command works on.
 struct ModelOptions {
-    std::vector<std::string> namespaces;  ///< "NAME=PATH" each; the command line has checked them
-    std::string configuration;            ///< the file; empty for none
+    /// "NAME=PATH" each, or with a server "NAME[=REMOTE]"; the command line has checked them.
+    std::vector<std::string> namespaces;
+
+    std::string configuration;                  ///< the file; empty for none
     std::vector<std::string> includePath = {};  ///< besides that of the configuration
+    ServerArguments server = {};
+    std::vector<std::string> serverClasses = {};  ///< names and patterns; empty for all
 };
 
-/// Adds `--namespace`, `--include-path` and `--config` to a command.
+/// Adds `--namespace`, `--include-path`, `--config`, `--server` with what belongs to it, and
+/// `--server-class` to a command.
 void addModelOptions(Command& command, ModelOptions& options);
 
 /// `--published-address URL`.

@@ -9,6 +9,7 @@
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/CimXml/Requests.h"
 #include "ObjectManager/Http/RequestTarget.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -111,7 +112,7 @@ std::string parseNamespaceName(std::string_view text) {
     return std::string(name);
 }
 
-Repository::NamespaceSource parseNamespaceOption(std::string_view text) {
+Loading::NamespaceSource parseNamespaceOption(std::string_view text) {
     const std::size_t sign = text.find('=');
     if (sign == std::string_view::npos || sign + 1 == text.size()) {
         fail(Base::quoted(text) +
@@ -120,6 +121,26 @@ Repository::NamespaceSource parseNamespaceOption(std::string_view text) {
     }
     return {.name = parseNamespaceName(text.substr(0, sign)),
             .paths = {std::string(text.substr(sign + 1))}};
+}
+
+Loading::NamespaceSource parseServerNamespaceOption(std::string_view text) {
+    const std::string_view name = text.substr(0, text.find('='));
+    const bool isNamedOtherwise = name.size() < text.size();
+    return {.name = parseNamespaceName(name),
+            .remoteName = parseRemoteName(isNamedOtherwise ? text.substr(name.size() + 1) : name)};
+}
+
+std::string parseRemoteName(std::string_view text) {
+    const std::string_view name = withoutSlashesAround(text);
+    if (!CimXml::isNamespaceName(name))
+        fail(Base::quoted(text) + " is not the name of a namespace of a CIM server");
+    return std::string(name);
+}
+
+std::string parseServerUser(std::string_view text) {
+    if (text.empty() || text.find(':') != std::string_view::npos)
+        fail("a user has at least one character, and no colon");
+    return std::string(text);
 }
 
 }  // namespace Configuration

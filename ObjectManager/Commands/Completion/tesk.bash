@@ -37,11 +37,13 @@ _tesk_unquoted() {
 
 # The options of a command.
 _tesk_options() {
+  local server="--server --server-user --server-password-file --server-cacert --server-certificate"
+  server+=" --server-key --server-insecure --server-timeout --server-class"
   case $1 in
-    serve) echo --help --namespace --include-path --config --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
-    export) echo --help --output --host --published-address --namespace --include-path --config --jobs --prune ;;
-    check) echo --help --namespace --include-path --config --format --jobs ;;
-    classes) echo --help --namespace --include-path --config --format ;;
+    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
+    export) echo --help --output --host --published-address --namespace --include-path --config $server --jobs --prune ;;
+    check) echo --help --namespace --include-path --config $server --format --jobs ;;
+    classes) echo --help --namespace --include-path --config $server --format ;;
     passwd) echo --help --delete ;;
   esac
 }
@@ -70,8 +72,11 @@ _tesk_offer_files() {
 # Offers values of the option $1; they follow the prefix $2 of the word.
 _tesk_offer_values() {
   case $1 in
-    --config | --password-file | --access-log | --tls-certificate | --tls-key | --tls-client-ca) _tesk_offer_files -f "$2" ;;
-    --output) _tesk_offer_files -d "$2" ;;
+    --config | --password-file | --access-log | --server-password-file | --server-cacert | \
+      --server-certificate | --server-key | --tls-certificate | --tls-key | --tls-client-ca)
+      _tesk_offer_files -f "$2"
+      ;;
+    --output | --cache) _tesk_offer_files -d "$2" ;;
     --namespace)
       local value=${word#"$2"}
       [[ $value != *=* ]] || _tesk_offer_files -f "$2${value%%=*}="
@@ -82,9 +87,13 @@ _tesk_offer_values() {
 }
 
 # Lists with `tesk classes` the classes that the options of the command line name. It does not run the
-# program if the line has substitutions, which the shell would have to run first.
+# program if the line has substitutions, which the shell would have to run first, or if it names a
+# server, which takes seconds to tell its classes.
 _tesk_listing() {
   local text
+  for text in "${words[@]}"; do
+    [[ $text != --server && $text != --server=* ]] || return
+  done
   for text in "${words[0]}" "${model[@]}"; do
     [[ $text != *[\`\$]* ]] || return
   done
@@ -118,7 +127,7 @@ _tesk_sort_words() {
     fi
     case $text in
       --namespace=* | --config=*) model+=("$text") ;;
-      --help | --delete | --prune | -h | --*=*) ;;
+      --help | --delete | --prune | --server-insecure | -h | --*=*) ;;
       --*) option=$text ;;
       *) arguments+=("$text") ;;
     esac

@@ -7,12 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Base/Signals.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
+#include "ObjectManager/Commands/Export/PageExport.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
@@ -21,7 +22,8 @@
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/RequestTarget.h"
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/SearchData.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -64,7 +66,8 @@ Host::PublishedAddress addressOf(const ExportOptions& options,
 
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
-and DIR/index.html, a page that lists them; when a CLASS is given, the page is left as it is.
+and for people DIR/index.html, a page that lists and searches them, with DIR/search.js, and a page
+NAMESPACE/CLASS.html for each class; when a CLASS is given, the pages are left as they are.
 A file that would not change is left alone.
 
 Exit status: 0 when everything is written, 1 when something is not, 130 after Ctrl-C.
@@ -72,6 +75,7 @@ Exit status: 0 when everything is written, 1 when something is not, 130 after Ct
 Examples:
   tesk export --output documents
   tesk export --output documents --host wsman.example.com:5985 --prune
+  tesk export --output documents --server https://cim.example.com --namespace root/cimv2
   tesk export --output documents --namespace root/cimv2=schema/cim.mof 'CIM_Storage*')";
 
 void addExportOptions(Command& command, ExportOptions& options) {
@@ -109,7 +113,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
                                     const Host::PublishedAddress& address,
                                     const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
-                                    const OutputDirectory& output,
+                                    const Base::OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
@@ -120,10 +124,18 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     exportOptions.prune = options.prune;
     exportOptions.isStopped = [&stopSignals] { return stopSignals.received() != 0; };
     exportOptions.onDocumentDone = [&progress] { progress.step(); };
+    // Pages lead to each other, so there are all or none.
+    if (options.classes.empty()) {
+        exportOptions.exportPages = [&](const ClassSelection& selection,
+                                        const Base::OutputDirectory& directory) {
+            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+        };
+    }
     return exportDocuments(selections, client, output, exportOptions);
 }
 
-int reportStop(int signal, const DocumentExportResult& result, const OutputDirectory& output) {
+int reportStop(int signal, const DocumentExportResult& result,
+               const Base::OutputDirectory& output) {
     std::cerr << "tesk: stopped by " << Base::StopSignals::nameOf(signal) << " after "
               << Base::withSeparators(result.written + result.unchanged) << " of "
               << Base::counted(result.documents, "document", "documents") << "; those in "
@@ -141,15 +153,17 @@ int runExport(const ExportOptions& options) {
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
     // Before this, a signal may end the program at once: nothing is written yet.
     const Base::StopSignals stopSignals;
-    OutputDirectory output = OutputDirectory::create(options.output);
+    Base::OutputDirectory output = Base::OutputDirectory::create(options.output, "export");
     output.lock();
     const DocumentExportResult result = writeDocuments(options, addressOf(options, settings),
                                                        repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
-    if (all)
-        output.put(kIndexFile, Index::makeIndexPage(*repository));
+    if (all) {
+        output.put(kSearchFile, Pages::makeSearchData(*repository, Pages::Layout::kExported));
+        output.put(kIndexFile, Pages::makeIndexPage(*repository, Pages::Layout::kExported));
+    }
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;
 }

@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -9,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -32,6 +34,8 @@ namespace {
 
 struct ServeOptions {
     ModelOptions model;
+    std::optional<unsigned> refresh;  // in seconds
+    std::optional<std::string> cache;
     std::vector<std::string> listen;
     std::vector<std::string> tlsListen;
     std::optional<std::string> tlsCertificate;
@@ -51,10 +55,23 @@ the service. A change of the password file takes effect within about a second.
 Examples:
   tesk serve
   tesk serve --namespace root/cimv2=schema/cim.mof --password-file users
+  tesk serve --server https://cim.example.com --server-user alice --namespace root/cimv2
   tesk serve --config tesk.toml --listen 0.0.0.0:5985 --listen [::]:5985)";
 
 void addServeOptions(Command& command, ServeOptions& options) {
     addModelOptions(command, options.model);
+    command.options.push_back(
+        {.name = "--refresh",
+         .value = "SECONDS",
+         .help = "Ask the CIM servers again after this time; by default only at the start and at "
+                 "a reload",
+         .target = &options.refresh,
+         .range = {{.least = 0, .most = 86'400}}});
+    command.options.push_back(
+        {.name = "--cache",
+         .value = "DIR",
+         .help = "Keep there, as MOF, what servers gave last, and start with that when they fail",
+         .target = &options.cache});
     command.options.push_back({.name = "--listen",
                                .value = "ADDRESS:PORT",
                                .help = "Where to listen for connections, 127.0.0.1:5985 by "
@@ -154,6 +171,9 @@ Configuration::Settings readSettings(const ServeOptions& options, std::ostream& 
     if (options.publishedAddress)
         settings.server.publishedAddress =
             Configuration::parsePublishedAddress(*options.publishedAddress);
+    if (options.refresh)
+        settings.refresh.interval = std::chrono::seconds(*options.refresh);
+    settings.refresh.cacheDirectory = options.cache.value_or(settings.refresh.cacheDirectory);
     settings.security.passwordFile = options.passwordFile.value_or(settings.security.passwordFile);
     // Nobody is asked for a password, so the file need not be there.
     if (!asksForPasswords(settings))
@@ -282,10 +302,37 @@ struct ServiceEnd {
     bool isReading = false;  // a thread still compiles classes
 };
 
+bool endsService(int signal) noexcept {
+    return signal == SIGTERM || signal == SIGINT;
+}
+
+// Loads the classes. A signal that ends the service does not wait for servers: it ends the process.
+Loading::LoadedRepository loadAtStart(const Configuration::Settings& settings,
+                                      const Base::SignalQueue& signals) {
+    if (settings.servers.empty())
+        return loadModel(settings, std::cerr);
+    std::packaged_task<Loading::LoadedRepository()> load(
+        [&] { return loadModel(settings, std::cerr); });
+    std::future<Loading::LoadedRepository> loaded = load.get_future();
+    std::thread thread([&] {
+        load();
+        Base::SignalQueue::wake();
+    });
+    while (loaded.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+        if (endsService(signals.waitFor(std::chrono::seconds(1))))
+            endWithoutHandlers(0);
+    }
+    thread.join();
+    return loaded.get();
+}
+
 // Serves until a signal ends that.
 ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
                  const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
+    Loading::LoadedRepository loaded = loadAtStart(settings, signals);
+    const TSKSmrPtr<Repository::ClassRepository> repository = loaded.repository;
+    for (const Loading::ServerFailure& failure : loaded.failures)
+        Base::log("tesk", TeskTraceLog::SeverityWarning, failure.toString());
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users =
         asksForPasswords(settings) ? loadUsers(settings.security) : ServiceUsers();
@@ -298,7 +345,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
                                auto newUsers) { service.replace(classes, std::move(newUsers)); },
          .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
          .wake = &Base::SignalQueue::wake},
-        settings, passwordFile);
+        settings, std::move(loaded), passwordFile);
     std::unique_ptr<const PasswordNote> note;
     if (!users.generatedPassword.isEmpty() && isatty(STDOUT_FILENO) == 0)
         note = std::make_unique<PasswordNote>(users.generatedPassword);
@@ -309,8 +356,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
         (void)stop(service);
         return {.status = 1};  // the program says that its output cannot be written
     }
-    for (int signal = 0; signal != SIGTERM && signal != SIGINT;
-         signal = signals.waitFor(kPasswordFileInterval)) {
+    for (int signal = 0; !endsService(signal); signal = signals.waitFor(kPasswordFileInterval)) {
         if (signal == SIGHUP || signal == SIGUSR1) {
             reopenLog("The log", [&] { logOutput.reopen(); });
             reopenLog("The access log", [&] { service.reopenAccessLog(); });
@@ -331,7 +377,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     return {.status = stop(service), .isReading = reloader.isReading()};
 }
 
-int runServe(const ServeOptions& options) {
+int runServe(ServeOptions options) {
+    askForPassword(options.model.server);
     const Configuration::Settings settings = readSettings(options, std::cerr);
     raiseLimitOfOpenFiles();
     (void)std::signal(SIGPIPE,

@@ -8,7 +8,7 @@
 
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/Support/CimSchema.h"
@@ -59,8 +59,8 @@ class ServiceLoad : public RunningService {
 // Makes the documents in this process, by the same plug-in.
 class DirectDocuments {
   public:
-    explicit DirectDocuments(const Repository::NamespaceSource& source)
-        : repository_(Repository::loadRepository({source}, {}, {}).repository),
+    explicit DirectDocuments(const Loading::NamespaceSource& source)
+        : repository_(Loading::loadRepository({source}, {}, {}).repository),
           host_(repository_, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                 std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() /
                     TESK_INSTALLATION_DIR),

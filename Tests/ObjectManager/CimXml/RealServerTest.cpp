@@ -8,7 +8,7 @@
 #include "ObjectManager/CimXml/CimServer.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RealCimServer.h"
@@ -48,7 +48,7 @@ TEST(CimXmlRealServer, ClassesOfTheDmtfGiveTheDocumentsThatTheirMofGives) {
     const RepositoryPointer local = readFrom(server.url(), true);
     const RepositoryPointer whole = readFrom(server.url(), false);
     const RepositoryPointer mof =
-        Repository::loadRepository({{.name = "root/cimv2", .paths = {cimSchemaFile()}}}, {}, {})
+        Loading::loadRepository({{.name = "root/cimv2", .paths = {cimSchemaFile()}}}, {}, {})
             .repository;
     ASSERT_TRUE(mof);
     Host::ProviderHost host(mof, TSKSmrPtr<Host::LocalAuthenticator>::make(),

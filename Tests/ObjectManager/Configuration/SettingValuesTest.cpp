@@ -99,9 +99,9 @@ TEST(NamespaceName, EverythingElseIsRefused) {
 
 TEST(NamespaceOption, HasANameAndAPath) {
     EXPECT_EQ(parseNamespaceOption("root/cimv2=schema/cim.mof"),
-              (Repository::NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
+              (Loading::NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
     EXPECT_EQ(parseNamespaceOption("/a/=/b/c=d "),
-              (Repository::NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
+              (Loading::NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
 }
 
 TEST(NamespaceOption, EverythingElseIsRefused) {

@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -101,7 +101,7 @@ TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     const TemporaryDirectory directory;
     const std::string mof = directory.write("b.mof", "class TST_B { string Name; };");
-    const Repository::LoadedRepository other = Repository::loadRepository(
+    const Loading::LoadedRepository other = Loading::loadRepository(
         {{.name = "root/test", .paths = {mof}}, {.name = "root/new", .paths = {mof}}}, {}, {});
     host.setRepository(other.repository);
     EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "404");

@@ -90,7 +90,8 @@ class ReloaderTest : public testing::Test {
                                         },
                                     .wake = [gate = gate_] { gate->wake(); },
                                     .clock = [this] { return now_; }},
-            settings_, Base::FileVersion::of(settings_.security.passwordFile));
+            settings_, Loading::LoadedRepository(),
+            Base::FileVersion::of(settings_.security.passwordFile));
     }
 
     void writeUsers(const Lines& names) const {

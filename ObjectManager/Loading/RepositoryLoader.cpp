@@ -1,0 +1,266 @@
+#include "ObjectManager/Loading/RepositoryLoader.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/Text.h"
+#include "ObjectManager/CimXml/ServerError.h"
+#include "ObjectManager/Loading/ServerReader.h"
+#include "ObjectManager/Mof/Compiler.h"
+#include "Platform/Util/TeskBaseException.h"
+#include "Platform/Util/TeskStatusCode.h"
+
+namespace Loading {
+
+namespace {
+
+using Repository::CimNamespace;
+using Repository::ClassRepository;
+using ServerState = LoadedRepository::ServerState;
+
+[[noreturn]] void fail(const std::string& message) {
+    throw TeskBaseException("Loading::loadSources", TSKString(message), CIM_ERR_FAILED);
+}
+
+// One source a namespace, named as it is first.
+std::vector<NamespaceSource> addUp(const std::vector<NamespaceSource>& sources) {
+    std::vector<NamespaceSource> sums;
+    for (const NamespaceSource& source : sources) {
+        const auto known = std::ranges::find_if(sums, [&](const NamespaceSource& sum) {
+            return sum.server.empty() && source.server.empty() &&
+                   Base::equalsIgnoringCase(sum.name, source.name);
+        });
+        if (known == sums.end())
+            sums.push_back(source);
+        else
+            known->paths.insert(known->paths.end(), source.paths.begin(), source.paths.end());
+    }
+    return sums;
+}
+
+void append(std::vector<Mof::Diagnostic>& all, std::vector<Mof::Diagnostic>&& more) {
+    std::move(more.begin(), more.end(), std::back_inserter(all));
+}
+
+// Loads everything once.
+class Loader {
+  public:
+    Loader(const Sources& sources, const Repository::Options& options, const LoadOptions& how)
+        : sources_(addUp(sources.namespaces)),
+          servers_(sources.servers),
+          includePath_(sources.includePath),
+          options_(options),
+          how_(how),
+          namespaces_(sources_.size()) {
+        for (const NamespaceSource& source : sources_) {
+            if (!source.name.empty() && !names_.insert(source.name).second)
+                failTwice(source.name);
+        }
+        // Of classes that were made with other options nothing can be used.
+        if (how_.before != nullptr && (!how_.before->repository || how_.before->options != options))
+            how_.before = nullptr;
+    }
+
+    LoadedRepository load() {
+        loaded_.options = options_;
+        for (const ServerSource& server : servers_)
+            loadServer(server);
+        for (std::size_t index = 0; index < sources_.size(); ++index) {
+            if (sources_[index].server.empty())
+                loadFiles(index);
+        }
+        if (!failed_)
+            loaded_.repository = makeRepository();
+        return std::move(loaded_);
+    }
+
+  private:
+    [[noreturn]] static void failTwice(const std::string& name) {
+        fail("the namespace " + Base::quoted(name) + " comes from two places; choose one of them");
+    }
+
+    void loadFiles(std::size_t index) {
+        const NamespaceSource& source = sources_[index];
+        if (how_.keepsFiles && how_.before != nullptr && keep(index, source.name))
+            return;
+        Mof::CompilerOptions compilerOptions;
+        compilerOptions.includePath = includePath_;
+        compilerOptions.maxTotalSize =
+            options_.maxModelSize - std::min(options_.maxModelSize, bytesRead_);
+        Mof::Compilation compilation = Mof::compile(source.paths, compilerOptions);
+        bytesRead_ += compilation.bytesRead;
+        failed_ = failed_ || compilation.hasErrors();
+        append(loaded_.diagnostics, std::move(compilation.diagnostics));
+        if (!failed_)
+            build(index, source.name, std::move(compilation.classes));
+    }
+
+    void loadServer(const ServerSource& server) {
+        ServerRequest request = {
+            .sources = {},
+            .knownDigest = [&](const NamespaceSource& source) { return digestOf(server, source); },
+            .onNamespace = [&](ServerNamespace&& read) { take(server, std::move(read)); },
+            .onWarning =
+                [&](Mof::Diagnostic&& warning) {
+                    loaded_.diagnostics.push_back(std::move(warning));
+                }};
+        for (const NamespaceSource& source : sources_) {
+            if (source.server == server.name)
+                request.sources.push_back(source);
+            else
+                request.namedElsewhere.insert(source.name);
+        }
+        if (request.sources.empty())
+            return;
+        const bool wasChanged = isChanged_;
+        try {
+            readServer(server, request, how_.stop);
+        } catch (const CimXml::ServerError& error) {
+            if (error.kind() == CimXml::ServerError::Kind::kStopped)
+                throw;
+            forget(server);
+            isChanged_ = wasChanged;
+            if (!keepAll(server))
+                throw;
+            loaded_.failures.push_back({.error = error.getMessage().data(),
+                                        .consequence = "its classes stay as they were"});
+        }
+    }
+
+    // What was read of a server until it failed: namespaces of different times may not fit.
+    void forget(const ServerSource& server) {
+        for (std::size_t index = 0; index < sources_.size(); ++index) {
+            if (sources_[index].server == server.name)
+                namespaces_[index].clear();
+        }
+        std::erase_if(loaded_.serverStates,
+                      [&](const ServerState& state) { return state.server.name == server.name; });
+    }
+
+    void take(const ServerSource& server, ServerNamespace&& read) {
+        const std::size_t index = askedBy(read.source);
+        const bool isKnown = digestOf(server, read.source) == read.content.digest;
+        loaded_.serverStates.push_back({.asked = sources_[index],
+                                        .source = read.source,
+                                        .server = server,
+                                        .digest = read.content.digest});
+        if (isKnown && keep(index, read.source.name))
+            return;
+        append(loaded_.diagnostics, std::move(read.content.compilation.diagnostics));
+        build(index, read.source.name, std::move(read.content.compilation.classes));
+    }
+
+    // The source that led to a namespace: that of its name, or that of all of its server.
+    [[nodiscard]] std::size_t askedBy(const NamespaceSource& read) const {
+        const auto found = std::ranges::find_if(sources_, [&](const NamespaceSource& source) {
+            return source == read || (source.name.empty() && source.server == read.server);
+        });
+        return static_cast<std::size_t>(found - sources_.begin());
+    }
+
+    // How that namespace was read before; null if it was not, or otherwise.
+    [[nodiscard]] const ServerState* stateOf(const ServerSource& server,
+                                             const NamespaceSource& source) const {
+        if (how_.before == nullptr)
+            return nullptr;
+        const auto& states = how_.before->serverStates;
+        const auto found = std::ranges::find_if(states, [&](const ServerState& state) {
+            return state.source == source && state.server.options.url == server.options.url;
+        });
+        return found == states.end() ? nullptr : &*found;
+    }
+
+    [[nodiscard]] std::optional<std::uint64_t> digestOf(const ServerSource& server,
+                                                        const NamespaceSource& source) const {
+        const ServerState* const state = stateOf(server, source);
+        return state == nullptr ? std::nullopt : std::optional(state->digest);
+    }
+
+    // Takes all namespaces of a server as they were before. Returns false when one is missing.
+    bool keepAll(const ServerSource& server) {
+        if (how_.before == nullptr)
+            return false;
+        std::vector<bool> isThere(sources_.size());
+        for (const ServerState& state : how_.before->serverStates) {
+            const auto found = std::ranges::find(sources_, state.asked);
+            if (state.server.options.url != server.options.url || found == sources_.end() ||
+                found->server != server.name)
+                continue;
+            const auto index = static_cast<std::size_t>(found - sources_.begin());
+            isThere[index] = keep(index, state.source.name);
+            loaded_.serverStates.push_back(state);
+        }
+        for (std::size_t index = 0; index < sources_.size(); ++index) {
+            if (sources_[index].server == server.name && !isThere[index])
+                return false;
+        }
+        return true;
+    }
+
+    // Takes a namespace as it was before. Returns false when it was not there.
+    bool keep(std::size_t index, const std::string& name) {
+        const CimNamespace* const old = how_.before->repository->findNamespace(TSKString(name));
+        if (old == nullptr)
+            return false;
+        namespaces_[index].push_back(*old);
+        return true;
+    }
+
+    void build(std::size_t index, const std::string& name,
+               std::vector<Mof::ClassDeclaration>&& classes) {
+        namespaces_[index].emplace_back(TSKString(name), std::move(classes), options_);
+        isChanged_ = true;
+    }
+
+    TSKSmrPtr<ClassRepository> makeRepository() {
+        std::vector<CimNamespace> all;
+        for (std::vector<CimNamespace>& some : namespaces_)
+            std::move(some.begin(), some.end(), std::back_inserter(all));
+        if (!isChanged_ && isAsBefore(all))
+            return how_.before->repository;
+        Base::NameSet names;
+        for (const CimNamespace& nameSpace : all) {
+            if (!names.insert(nameSpace.name()).second)
+                failTwice(nameSpace.name().data());
+        }
+        return TSKSmrPtr<ClassRepository>::make(std::move(all));
+    }
+
+    [[nodiscard]] bool isAsBefore(const std::vector<CimNamespace>& all) const {
+        return how_.before != nullptr &&
+               std::ranges::equal(all, how_.before->repository->namespaces(), {},
+                                  &CimNamespace::name, &CimNamespace::name);
+    }
+
+    const std::vector<NamespaceSource> sources_;
+    const std::vector<ServerSource>& servers_;
+    const std::vector<std::string>& includePath_;
+    const Repository::Options& options_;
+    LoadOptions how_;
+    Base::NameSet names_;  // of sources_
+
+    std::vector<std::vector<CimNamespace>> namespaces_;  // of each source
+    LoadedRepository loaded_;
+    std::size_t bytesRead_ = 0;
+    bool failed_ = false;
+    bool isChanged_ = false;  // whether a namespace is not as it was before
+};
+
+}  // namespace
+
+LoadedRepository loadSources(const Sources& sources, const Repository::Options& options,
+                             const LoadOptions& how) {
+    return Loader(sources, options, how).load();
+}
+
+LoadedRepository loadRepository(const std::vector<NamespaceSource>& sources,
+                                const std::vector<std::string>& includePath,
+                                const Repository::Options& options) {
+    return loadSources({.namespaces = sources, .includePath = includePath}, options);
+}
+
+}  // namespace Loading
