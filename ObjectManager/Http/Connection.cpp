@@ -124,9 +124,16 @@ void Connection::waitForHeader(Stream::Status status) {
             refusePlainText();
             break;
         default:
-            close();
+            endUnread();
             break;
     }
+}
+
+// The client has gone, or there is no way to respond to it.
+void Connection::endUnread() noexcept {
+    if (!stream_.isEstablished() && context_.onFailedHandshake)
+        context_.onFailedHandshake();
+    close();
 }
 
 void Connection::refusePlainText() {
@@ -140,7 +147,8 @@ void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
     context_.connections.endReading(*this);
-    hasRequest_ = true;
+    if (!std::exchange(hasRequest_, true))
+        requestTime_ = steady_clock::now();
     if (context_.authentication.prepare)
         prepared_ = context_.authentication.prepare(parser_.request(), stream_.clientSubject());
     postToWorkers();
@@ -329,7 +337,9 @@ void Connection::report() noexcept {
                          .requestLine = requestLine(),
                          .request = message,
                          .status = response_->status(),
-                         .bodyBytes = response_->sentBodyBytes()});
+                         .bodyBytes = response_->sentBodyBytes(),
+                         .duration = hasRequest_ ? steady_clock::now() - requestTime_
+                                                 : steady_clock::duration::zero()});
     } catch (const std::exception&) {
         // The response is as it would have been.
     }
@@ -417,7 +427,7 @@ void Connection::onTimeout() {
     switch (phase_) {
         case Phase::kReading:
             if (!stream_.isEstablished()) {
-                close();
+                endUnread();
                 break;
             }
             lingers_ = !received_.empty();

@@ -50,6 +50,10 @@ struct ConnectionContext {
     /// thread; may be empty.
     std::function<bool()> lacksDescriptors = nullptr;
 
+    /// Called when a handshake of TLS has failed or has not ended in time. Called by the I/O
+    /// thread; may be empty.
+    std::function<void()> onFailedHandshake = nullptr;
+
     /// Called with each response that has been sent, or that could not be sent to its end, by the
     /// thread that has sent it, before the client sees the end of the connection. May be empty.
     std::function<void(const Exchange&)> report = nullptr;
@@ -136,6 +140,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void waitForRoom();
     void repeatRequest();
     void endOverdue();
+    void endUnread() noexcept;
     void beginWriting();
     void write();
     [[nodiscard]] Stream::Status send();
@@ -162,6 +167,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     bool hasQueuedAgain_ = false;  // for another hash
     bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
+    std::chrono::steady_clock::time_point requestTime_;  // the whole header section
     std::string received_;
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare

@@ -113,6 +113,13 @@ class Server::Implementation {
     [[nodiscard]] const std::vector<ListenAddress>& tlsAddresses() const noexcept {
         return tlsAddresses_;
     }
+    [[nodiscard]] State state() const {
+        return {.connections = connections_.size(),
+                .acceptedConnections = accepted_,
+                .refusedConnections = refusals_,
+                .failedHandshakes = failedHandshakes_,
+                .responseMemory = memory_.used()};
+    }
     [[nodiscard]] TlsContext* tls() noexcept { return tls_ ? &*tls_ : nullptr; }
 
     void start() {
@@ -170,6 +177,7 @@ class Server::Implementation {
                 .authentication = authentication_,
                 .onClosed = [this] { onClosed(); },
                 .lacksDescriptors = [this] { return lacksDescriptors(); },
+                .onFailedHandshake = [this] { ++failedHandshakes_; },
                 .report = report_};
     }
 
@@ -205,6 +213,7 @@ class Server::Implementation {
     // what it asks for.
     void accept(tcp::socket socket, const tcp::endpoint& client, bool usesTls) {
         const char* const refusal = refusalOf(client);
+        ++(refusal == nullptr ? accepted_ : refusals_);
         if (refusal == nullptr) {
             Stream stream = usesTls ? Stream(std::move(socket), tls_->makeSession())
                                     : Stream(std::move(socket));
@@ -312,6 +321,9 @@ class Server::Implementation {
     std::vector<ListenAddress> tlsAddresses_;  // of the others
     std::optional<TlsContext> tls_;            // if there are any
     boost::asio::steady_timer overdueTimer_{ioThread_.context()};
+    std::atomic<std::uint64_t> accepted_ = 0;
+    std::atomic<std::uint64_t> refusals_ = 0;
+    std::atomic<std::uint64_t> failedHandshakes_ = 0;
     bool isStopping_ = false;
     std::atomic<bool> hasEnded_ = false;  // the listeners may be gone
     std::optional<WorkerPool> workers_;
@@ -330,6 +342,10 @@ const std::vector<ListenAddress>& Server::addresses() const noexcept {
 
 const std::vector<ListenAddress>& Server::tlsAddresses() const noexcept {
     return implementation_->tlsAddresses();
+}
+
+Server::State Server::state() const {
+    return implementation_->state();
 }
 
 TlsContext* Server::tls() noexcept {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -46,6 +48,18 @@ class Server {
 
     /// The certificate that connections for TLS begin with; null if there are none.
     [[nodiscard]] TlsContext* tls() noexcept;
+
+    /// How much the server has to do, and has had to since its start.
+    struct State {
+        std::size_t connections = 0;  ///< that are open
+        std::uint64_t acceptedConnections = 0;
+        std::uint64_t refusedConnections = 0;
+        std::uint64_t failedHandshakes = 0;
+        std::size_t responseMemory = 0;  ///< bytes of all responses that are not sent yet
+    };
+
+    /// May be called by several threads at once.
+    [[nodiscard]] State state() const;
 
     /// Serves requests from now on, on threads of its own. To be called once.
     /// Errors: std::system_error when a thread cannot be started.

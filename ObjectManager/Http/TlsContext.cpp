@@ -226,6 +226,13 @@ SslPtr TlsContext::makeSession() const {
     return session;
 }
 
+std::time_t TlsContext::expiry() const noexcept {
+    const std::lock_guard lock(mutex_);
+    std::tm time{};
+    ASN1_TIME_to_tm(X509_get0_notAfter(SSL_CTX_get0_certificate(context_.get())), &time);
+    return timegm(&time);
+}
+
 void TlsContext::reload() noexcept {
     try {
         load();

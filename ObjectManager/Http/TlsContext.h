@@ -2,6 +2,7 @@
 
 #include <array>
 #include <chrono>
+#include <ctime>
 #include <memory>
 #include <mutex>
 #include <openssl/ssl.h>
@@ -42,6 +43,9 @@ class TlsContext {
     /// A new session on the side of the server, without a socket.
     /// Errors: std::bad_alloc.
     [[nodiscard]] SslPtr makeSession() const;
+
+    /// When the certificate expires.
+    [[nodiscard]] std::time_t expiry() const noexcept;
 
     /// Reads the files again. Sessions that have begun keep what they have. When the files are
     /// wrong, for instance because the key is not that of the certificate, the log has an error and

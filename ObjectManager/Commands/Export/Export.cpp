@@ -17,6 +17,7 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
+#include "ObjectManager/Commands/ServerOptions.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
@@ -128,7 +129,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     if (options.classes.empty()) {
         exportOptions.exportPages = [&](const ClassSelection& selection,
                                         const Base::OutputDirectory& directory) {
-            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+            exportPages(selection, directory, address.host, options.jobs, exportOptions.isStopped);
         };
     }
     return exportDocuments(selections, client, output, exportOptions);
@@ -146,8 +147,11 @@ int reportStop(int signal, const DocumentExportResult& result,
 int runExport(const ExportOptions& options) {
     // A file that is larger than the process may write is an error like a full disk.
     (void)std::signal(SIGXFSZ, SIG_IGN);
-    const Configuration::Settings settings = readSettings(options.model, std::cerr);
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(settings, std::cerr);
+    ModelOptions model = options.model;
+    askForPassword(model.server);
+    const Configuration::Settings settings = readSettings(model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
     const bool all = options.classes.empty();
     const std::vector<ClassSelection> selections =
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);

@@ -136,7 +136,9 @@ void Reloader::beginReading(What what) noexcept {
 void Reloader::finishReading() noexcept {
     thread_.join();
     const std::shared_ptr<Reading> reading = std::exchange(reading_, nullptr);
+    bool hasFailed = false;
     const auto fail = [&](const std::exception& error) {
+        hasFailed = true;
         if (reading->stop.stop_requested())
             return;
         attempt([&] { logLines(TeskTraceLog::SeverityError, reading->messages.str()); },
@@ -144,13 +146,23 @@ void Reloader::finishReading() noexcept {
         logFailure("Not reloaded, the service goes on as before", error);
         if (reading->what == What::kServers)
             schedule_.fail(hooks_.clock());
+        tellEnd(reading->what, false);
     };
     if (reading->what == What::kServers)
         attempt([&] { refresh(*reading); }, fail);
     else
         attempt([&] { use(*reading); }, fail);
+    if (!hasFailed)
+        tellEnd(reading->what, true);
     if (std::exchange(isAskedAgain_, false))
         beginReading(What::kEverything);
+}
+
+void Reloader::tellEnd(What what, bool isDone) const {
+    if (what == What::kEverything && hooks_.onReload)
+        hooks_.onReload(isDone);
+    if (what == What::kServers && hooks_.onRefresh)
+        hooks_.onRefresh(isDone ? loaded_->failures.size() : 1);
 }
 
 void Reloader::use(Reading& reading) {

@@ -21,6 +21,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Model.h"
+#include "ObjectManager/Commands/Serve/AdminService.h"
 #include "ObjectManager/Commands/Serve/Reloader.h"
 #include "ObjectManager/Commands/Serve/Service.h"
 #include "ObjectManager/Commands/Serve/ServiceUsers.h"
@@ -41,6 +42,7 @@ struct ServeOptions {
     std::optional<std::string> tlsCertificate;
     std::optional<std::string> tlsKey;
     std::optional<std::string> tlsClientAuthorities;
+    std::optional<std::string> adminListen;
     std::optional<std::string> publishedAddress;
     std::optional<std::string> passwordFile;
     std::optional<unsigned> logLevel;
@@ -102,6 +104,14 @@ void addServeOptions(Command& command, ServeOptions& options) {
          .help = "The authorities of client certificates in PEM; who has one is a user without a "
                  "password",
          .target = &options.tlsClientAuthorities});
+    command.options.push_back(
+        {.name = "--admin-listen",
+         .value = "[ADDRESS:]PORT",
+         .help =
+             "Where to serve /healthy, /ready and /metrics, to everybody; on 127.0.0.1 if there "
+             "is no address",
+         .target = &options.adminListen,
+         .check = Configuration::parseAdminAddress});
     command.options.push_back(publishedAddressOption(options.publishedAddress));
     command.options.push_back(
         {.name = "--password-file",
@@ -168,6 +178,8 @@ Configuration::Settings readSettings(const ServeOptions& options, std::ostream& 
     tls.keyFile = options.tlsKey.value_or(tls.keyFile);
     tls.clientAuthorityFile = options.tlsClientAuthorities.value_or(tls.clientAuthorityFile);
     requireCertificate(settings.server);
+    if (options.adminListen)
+        settings.adminListen = Configuration::parseAdminAddress(*options.adminListen);
     if (options.publishedAddress)
         settings.server.publishedAddress =
             Configuration::parsePublishedAddress(*options.publishedAddress);
@@ -326,9 +338,43 @@ Loading::LoadedRepository loadAtStart(const Configuration::Settings& settings,
     return loaded.get();
 }
 
+// Null if nobody asks for it. Told in the log, since the classes are not loaded yet.
+std::unique_ptr<AdminService> startAdminService(const Configuration::Settings& settings) {
+    if (!settings.adminListen)
+        return nullptr;
+    auto admin = std::make_unique<AdminService>(*settings.adminListen, TESK_VERSION);
+    Base::log("tesk", TeskTraceLog::SeverityInformation,
+              "Health and metrics are at " + admin->address());
+    if (!isLoopback(*settings.adminListen)) {
+        Base::log("tesk", TeskTraceLog::SeverityWarning,
+                  "Other machines reach " + admin->address() +
+                      ", and everybody can read health and metrics there");
+    }
+    return admin;
+}
+
+// Counts if there are metrics; a number that is missing is no reason to end the service.
+void countReload(Metrics::ServiceMetrics* metrics, bool isDone) noexcept {
+    try {
+        if (metrics != nullptr)
+            metrics->countReload(isDone);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void countRefresh(Metrics::ServiceMetrics* metrics, std::size_t failures) noexcept {
+    try {
+        if (metrics != nullptr)
+            metrics->countServerRefresh(failures);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 // Serves until a signal ends that.
 ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& settings,
                  const Base::SignalQueue& signals, const Base::LogOutput& logOutput) {
+    const std::unique_ptr<AdminService> admin = startAdminService(settings);
+    Metrics::ServiceMetrics* const metrics = admin == nullptr ? nullptr : &admin->metrics();
     Loading::LoadedRepository loaded = loadAtStart(settings, signals);
     const TSKSmrPtr<Repository::ClassRepository> repository = loaded.repository;
     for (const Loading::ServerFailure& failure : loaded.failures)
@@ -336,7 +382,7 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     const Base::FileVersion passwordFile = Base::FileVersion::of(settings.security.passwordFile);
     const ServiceUsers users =
         asksForPasswords(settings) ? loadUsers(settings.security) : ServiceUsers();
-    Service service(settings, repository, users.users);
+    Service service(settings, repository, users.users, metrics);
     // Before the service is announced: from then on it ends by signals alone.
     Reloader reloader(
         {.readSettings =
@@ -344,6 +390,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
          .replace = [&service](const auto& classes,
                                auto newUsers) { service.replace(classes, std::move(newUsers)); },
          .setUsers = [&service](auto newUsers) { service.setUsers(std::move(newUsers)); },
+         .onReload = [metrics](bool isDone) { countReload(metrics, isDone); },
+         .onRefresh = [metrics](std::size_t failures) { countRefresh(metrics, failures); },
          .wake = &Base::SignalQueue::wake},
         settings, std::move(loaded), passwordFile);
     std::unique_ptr<const PasswordNote> note;
@@ -356,6 +404,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
         (void)stop(service);
         return {.status = 1};  // the program says that its output cannot be written
     }
+    if (admin != nullptr)
+        admin->setState(AdminService::State::kReady);
     for (int signal = 0; !endsService(signal); signal = signals.waitFor(kPasswordFileInterval)) {
         if (signal == SIGHUP || signal == SIGUSR1) {
             reopenLog("The log", [&] { logOutput.reopen(); });
@@ -373,6 +423,8 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGUSR1, SIG_IGN);
     note.reset();  // before a signal can end the process
+    if (admin != nullptr)
+        admin->setState(AdminService::State::kStopping);
     signals.letThrough();
     return {.status = stop(service), .isReading = reloader.isReading()};
 }

@@ -43,7 +43,7 @@ TSKSmrPtr<ITeskAuthenticator> authenticatorFor(
 
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
-                 Security::UserTable users)
+                 Security::UserTable users, Metrics::ServiceMetrics* metrics)
     : accessLog_(settings.log.access.empty()
                      ? nullptr
                      : std::make_unique<Http::AccessLog>(settings.log.access)),
@@ -52,11 +52,20 @@ Service::Service(const Configuration::Settings& settings,
       index_(repository),
       host_(repository, authenticatorFor(authenticator_, settings.security.scheme),
             Host::InstallationPaths::ofThisProgram().installation, {&index_}),
+      metrics_(metrics),
       server_(settings.server, host_.manager(),
               authenticationBy(authenticator_, settings.security.scheme),
-              [this](const Http::Exchange& exchange) { report(exchange); }) {}
+              [this](const Http::Exchange& exchange) { report(exchange); }) {
+    if (metrics_ == nullptr)
+        return;
+    countContent(*repository);
+    metrics_->setSource([this] { return serverState(); });
+}
 
-Service::~Service() = default;
+Service::~Service() {
+    if (metrics_ != nullptr)
+        metrics_->setSource(nullptr);
+}
 
 void Service::start() {
     server_.start();
@@ -72,6 +81,34 @@ void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
     index_.setRepository(repository);
     if (checker)
         authenticator_->setChecker(std::move(checker));
+    countContent(*repository);
+}
+
+void Service::countContent(const Repository::ClassRepository& repository) noexcept {
+    if (metrics_ == nullptr)
+        return;
+    try {
+        std::vector<Metrics::ServiceMetrics::NamespaceSize> sizes;
+        for (const Repository::CimNamespace& nameSpace : repository.namespaces())
+            sizes.push_back(
+                {.name = std::string(nameSpace.name()), .classes = nameSpace.classes().size()});
+        metrics_->setContent(sizes);
+    } catch (const std::bad_alloc&) {
+        // The metrics are those of the classes before.
+    }
+}
+
+Metrics::ServiceMetrics::ServerState Service::serverState() noexcept {
+    const Http::Server::State state = server_.state();
+    Metrics::ServiceMetrics::ServerState result = {.connections = state.connections,
+                                                   .acceptedConnections = state.acceptedConnections,
+                                                   .refusedConnections = state.refusedConnections,
+                                                   .failedHandshakes = state.failedHandshakes,
+                                                   .responseMemory = state.responseMemory,
+                                                   .certificateExpiry = std::nullopt};
+    if (const Http::TlsContext* const tls = server_.tls())
+        result.certificateExpiry = tls->expiry();
+    return result;
 }
 
 void Service::setUsers(Security::UserTable users) {
@@ -106,7 +143,15 @@ void Service::report(const Http::Exchange& exchange) {
     constexpr unsigned kUnauthorized = 401;
     const std::string user =
         exchange.request == nullptr ? "" : authenticator_->userOf(*exchange.request);
-    if (exchange.status == kUnauthorized && !user.empty())
+    const bool isFailedLogin = exchange.status == kUnauthorized && !user.empty();
+    if (metrics_ != nullptr) {
+        const std::string_view path =
+            exchange.request == nullptr ? "" : std::string_view(exchange.request->getUri());
+        metrics_->countResponse(path, exchange.status, exchange.duration, exchange.bodyBytes);
+        if (isFailedLogin)
+            metrics_->countFailedLogin();
+    }
+    if (isFailedLogin)
         failedLogins_.add(exchange.client, user);
     if (accessLog_)
         accessLog_->write(exchange, user);

@@ -10,6 +10,7 @@
 #include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/FailedLogins.h"
 #include "ObjectManager/Http/Server.h"
+#include "ObjectManager/Metrics/ServiceMetrics.h"
 #include "ObjectManager/Pages/PageProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
@@ -23,12 +24,14 @@ namespace Commands {
 /// Thread safety: belongs to one thread.
 class Service {
   public:
-    /// Starts the providers and listens. Requests wait until start() is called.
+    /// Starts the providers and listens. Requests wait until start() is called. `metrics` counts
+    /// what happens, and must outlive this; null for nobody.
     /// Errors: TeskBaseException when a provider fails, the access log cannot be written or the
     /// certificate cannot be used,
     /// std::system_error when an address cannot be listened on.
     Service(const Configuration::Settings& settings,
-            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
+            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users,
+            Metrics::ServiceMetrics* metrics = nullptr);
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
     /// Shuts the providers down. Call stop() before.
@@ -64,12 +67,15 @@ class Service {
 
   private:
     void report(const Http::Exchange& exchange);
+    void countContent(const Repository::ClassRepository& repository) noexcept;
+    [[nodiscard]] Metrics::ServiceMetrics::ServerState serverState() noexcept;
 
     std::unique_ptr<Http::AccessLog> accessLog_;  // null for none
     Http::FailedLogins failedLogins_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Pages::PageProvider index_;
     Host::ProviderHost host_;
+    Metrics::ServiceMetrics* metrics_;  // null for none
     Http::Server server_;
 };
 
