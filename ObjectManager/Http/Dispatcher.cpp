@@ -12,6 +12,7 @@
 #include "ObjectManager/Base/Log.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Http/EntityTag.h"
+#include "ObjectManager/Http/ErrorPage.h"
 #include "ObjectManager/Http/ErrorResponses.h"
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Http/RequestTarget.h"
@@ -27,6 +28,8 @@ constexpr std::array kKnownMethods = {"CONNECT", "DELETE", "GET", "HEAD", "OPTIO
 // Bytes of a response. What a provider needed to make a larger one goes back to the system at once;
 // the C library would keep most of it.
 constexpr std::size_t kLarge = 8UL * 1024 * 1024;
+
+constexpr unsigned kFirstError = 400;
 
 bool isHead(const TSKHTTPRequest& request) {
     return request.getMethod() == "HEAD";
@@ -44,9 +47,24 @@ Response fail(const TSKHTTPRequest& request, std::string_view reason) {
                          isHead(request));
 }
 
+// Not that of a provider which leaves out the body itself when the method is HEAD.
+bool isErrorWithoutBody(const Response& response) {
+    return response.status() >= kFirstError && response.body().empty() &&
+           response.field("Content-Length").value_or("0") == "0";
+}
+
+// A response with the body that the request wants. `response` has the one that GET would get.
+Response finished(Response response, const TSKHTTPRequest& request) {
+    if (isErrorWithoutBody(response) && asksForPage(request))
+        addErrorPage(response, request.getUri());
+    if (isHead(request))
+        response.dropBody();
+    return response;
+}
+
 Response notFound(TSKHTTPRequest& request, const Host::Client& client) {
     if (!Host::isAuthenticated(request, client))
-        return authenticationChallenge();
+        return finished(authenticationChallenge(), request);
     return errorResponse({.status = 404, .text = "There is nothing at this path."},
                          isHead(request));
 }
@@ -66,8 +84,7 @@ Response conditional(Response response, const TSKHTTPRequest& request) {
             break;
         case Precondition::kFailed:
             response = errorResponse(
-                {.status = 412, .text = "The document is not the one that If-Match names."},
-                isHead(request));
+                {.status = 412, .text = "The document is not the one that If-Match names."}, false);
             break;
         case Precondition::kMet:
             break;
@@ -82,7 +99,7 @@ std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& requ
         case kNotFound:
             return notFound(request, client);
         case kNotAuthenticated:
-            return authenticationChallenge();
+            return finished(authenticationChallenge(), request);
         case kNoRoom:
             if (isSafe(request))
                 return std::nullopt;
@@ -93,10 +110,7 @@ std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& requ
     std::optional<Response> response = Response::make(std::move(call.response));
     if (!response)
         return fail(request, "no HTTP response was written");
-    response = conditional(std::move(*response), request);
-    if (isHead(request))
-        response->dropBody();
-    return response;
+    return finished(conditional(std::move(*response), request), request);
 }
 
 }  // namespace

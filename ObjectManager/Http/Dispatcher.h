@@ -44,6 +44,9 @@ class Dispatcher {
     ///
     /// What the provider has written is dropped then.
     ///
+    /// An error without a body, which a provider may write, gets a page for a browser (see
+    /// addErrorPage); other clients get it as it is.
+    ///
     /// If there is no room in `memory`, nothing is returned for GET and HEAD: the request can be
     /// repeated when `memory` has waited for room. Other methods may have changed something
     /// already, and get 503.

@@ -28,6 +28,12 @@ bool beginsWithVersion(std::string_view text) {
            Base::isDigit(text[kAnyVersion.size()]) && text[kVersion.size()] == ' ';
 }
 
+bool describesBody(std::string_view field) {
+    return Base::startsWithIgnoringCase(field, "Content-") ||
+           Base::equalsIgnoringCase(field, "Transfer-Encoding") ||
+           Base::equalsIgnoringCase(field, "ETag");
+}
+
 // Formats once per second and thread. Valid until the next call by the same thread.
 const std::string& currentDateField() {
     thread_local std::time_t formattedTime = -1;
@@ -87,6 +93,23 @@ void Response::addField(std::string_view name, std::string_view value) {
     addedFields_ += ": ";
     addedFields_ += value;
     addedFields_ += kLineEnd;
+}
+
+void Response::setBody(std::string_view contentType, std::string_view body) {
+    std::string text = text_.substr(0, statusLineLength_);
+    std::string_view lines = std::string_view(text_).substr(0, headerLength_ - kLineEnd.size());
+    for (lines.remove_prefix(statusLineLength_); !lines.empty();) {
+        const std::string_view line = lines.substr(0, lines.find(kLineEnd) + kLineEnd.size());
+        const std::string_view name = line.substr(0, line.find(':'));
+        if (!describesBody(name))
+            text += line;
+        lines.remove_prefix(line.size());
+    }
+    text += "Content-Type: " + std::string(contentType);
+    text += "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+    headerLength_ = text.size();
+    text += body;
+    text_ = std::move(text);
 }
 
 void Response::dropBody() {

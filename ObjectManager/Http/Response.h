@@ -43,6 +43,11 @@ class Response {
     /// Errors: std::bad_alloc.
     void addField(std::string_view name, std::string_view value);
 
+    /// Makes `body` the body, in place of the one that the provider wrote, with the fields that
+    /// describe it. Nothing may be sent yet.
+    /// Errors: std::bad_alloc.
+    void setBody(std::string_view contentType, std::string_view body);
+
     /// Leaves the body out, as the method HEAD requires, and frees its memory. Nothing may be sent
     /// yet.
     /// Errors: std::bad_alloc.

@@ -23,6 +23,8 @@ namespace fs = std::filesystem;
 
 // Of the sample model: 38 classes of root/cimv2 and 21 of interop.
 constexpr std::size_t kSampleDocuments = 118;
+// A page for each class, the index page, and what it searches.
+constexpr std::size_t kSamplePages = 61;
 
 class ExportTest : public testing::Test {
   protected:
@@ -59,10 +61,20 @@ class ExportTest : public testing::Test {
         return names;
     }
 
+    static void expectComplete(const DirectoryContent& all) {
+        for (const auto& [name, text] : all) {
+            const bool isWhole =
+                name.ends_with(".html")
+                    ? text.ends_with("</html>\n")
+                    : name == "search.js" || text == "(directory)" || isComplete(text);
+            EXPECT_TRUE(isWhole) << name;
+        }
+    }
+
     TemporaryDirectory directory_;
 };
 
-TEST_F(ExportTest, WritesTheSampleModelAndAnIndex) {
+TEST_F(ExportTest, WritesTheSampleModelAndItsPages) {
     const ProgramRun run = runExport({});
     EXPECT_EQ(run.end, "status 0");
     EXPECT_EQ(run.errors, "");
@@ -71,12 +83,13 @@ TEST_F(ExportTest, WritesTheSampleModelAndAnIndex) {
                                "[0-9.]+ s: 118 written, 0 unchanged, 0 removed\n")))
         << run.output;
     DirectoryContent all = content();
-    EXPECT_EQ(files().size(), kSampleDocuments + 1);
-    const std::string index = all["index.html"];
-    EXPECT_NE(index.find("href=root/cimv2/CIM_ComputerSystem.wsdl>"), std::string::npos);
-    all.erase("index.html");
-    for (const auto& [name, text] : all)
-        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
+    EXPECT_EQ(files().size(), kSampleDocuments + kSamplePages);
+    EXPECT_NE(all["index.html"].find("href=root/cimv2/CIM_ComputerSystem.html>"),
+              std::string::npos);
+    EXPECT_NE(all["search.js"].find("\"CIM_ComputerSystem\""), std::string::npos);
+    EXPECT_NE(all["root/cimv2/CIM_ComputerSystem.html"].find("http://localhost:5985/wsman"),
+              std::string::npos);
+    expectComplete(all);
     EXPECT_NE(all["root/cimv2/CIM_ComputerSystem.wsdl"].find("http://localhost:5985/"),
               std::string::npos);
 }
@@ -149,7 +162,7 @@ TEST_F(ExportTest, TheHelpHasExamples) {
     const ProgramRun run = RunningProgram(command({"--help"})).waitForEnd();
     EXPECT_EQ(run.end, "status 0");
     EXPECT_NE(run.output.find("tesk export --output documents"), std::string::npos);
-    EXPECT_NE(run.output.find("when a CLASS is given, the page is left as it is."),
+    EXPECT_NE(run.output.find("when a CLASS is given, the pages are left as they are."),
               std::string::npos)
         << run.output;
 }
@@ -162,8 +175,9 @@ TEST_F(ExportTest, AClassThatCannotBeAFileIsReportedAndTheOthersAreWritten) {
     const ProgramRun run = runExport({"--namespace", "a=" + mof});
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.errors, "a:" + isTooLong + ": " + isTooLong + ".wsdl is longer than 255 bytes\n");
-    EXPECT_EQ(files(), (std::vector<std::string>{"a/" + fits + ".wsdl", "a/" + fits + ".xsd",
-                                                 "a/" + isTooLong + ".xsd", "index.html"}));
+    EXPECT_EQ(files(), (std::vector<std::string>{"a/" + fits + ".html", "a/" + fits + ".wsdl",
+                                                 "a/" + fits + ".xsd", "a/" + isTooLong + ".xsd",
+                                                 "index.html", "search.js"}));
     EXPECT_NE(run.output.find("2 classes in 1 namespace, 3 documents, "), std::string::npos);
 }
 
@@ -177,11 +191,12 @@ TEST_F(ExportTest, PruneRemovesTheDocumentsOfClassesThatAreGone) {
     EXPECT_NE(runExport(namespaces).output.find(", 0 removed"), std::string::npos);
     const ProgramRun run = runExport({"--namespace", "n=" + one, "--prune"});
     EXPECT_EQ(run.end, "status 0");
-    EXPECT_NE(run.output.find(": 0 written, 2 unchanged, 2 removed\n"), std::string::npos)
+    EXPECT_NE(run.output.find(": 0 written, 2 unchanged, 3 removed\n"), std::string::npos)
         << run.output;
     EXPECT_EQ(files(), (std::vector<std::string>{
-                           "B.xsd", "index.html", "n/A.wsdl", "n/A.xsd", "n/below/A.wsdl",
-                           "n/below/A.xsd", "n/below/B.wsdl", "n/below/B.xsd", "n/foreign.xsd"}));
+                           "B.xsd", "index.html", "n/A.html", "n/A.wsdl", "n/A.xsd",
+                           "n/below/A.html", "n/below/A.wsdl", "n/below/A.xsd", "n/below/B.html",
+                           "n/below/B.wsdl", "n/below/B.xsd", "n/foreign.xsd", "search.js"}));
 }
 
 TEST_F(ExportTest, PruneRemovesTheDocumentsUnderTheFormerCaseOfAName) {
@@ -190,9 +205,10 @@ TEST_F(ExportTest, PruneRemovesTheDocumentsUnderTheFormerCaseOfAName) {
     const std::string after = directory_.write("after.mof", "class TST_a {};");
     const ProgramRun run = runExport({"--namespace", "n=" + after, "--prune"});
     EXPECT_EQ(run.end, "status 0");
-    EXPECT_NE(run.output.find(": 2 written, 0 unchanged, 2 removed\n"), std::string::npos)
+    EXPECT_NE(run.output.find(": 2 written, 0 unchanged, 3 removed\n"), std::string::npos)
         << run.output;
-    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/TST_a.wsdl", "n/TST_a.xsd"}));
+    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/TST_a.html", "n/TST_a.wsdl",
+                                                 "n/TST_a.xsd", "search.js"}));
 }
 
 // A shell stands for the export that was killed: its number is that of a process, and free again.
@@ -204,12 +220,13 @@ TEST_F(ExportTest, PruneRemovesWhatAKilledExportLeftHalfWritten) {
     EXPECT_EQ(RunningProgram({"sh", "-c", leave, out()}).waitForEnd().end, "status 0");
     EXPECT_EQ(files().size(), 2U);
     EXPECT_EQ(runExport({"--namespace", "n=" + mof}).end, "status 0");
-    EXPECT_EQ(files().size(), 5U);
+    EXPECT_EQ(files().size(), 7U);
     const ProgramRun run = runExport({"--namespace", "n=" + mof, "--prune"});
     EXPECT_EQ(run.end, "status 0");
     EXPECT_NE(run.output.find(": 0 written, 2 unchanged, 2 removed\n"), std::string::npos)
         << run.output;
-    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/A.wsdl", "n/A.xsd"}));
+    EXPECT_EQ(files(), (std::vector<std::string>{"index.html", "n/A.html", "n/A.wsdl", "n/A.xsd",
+                                                 "search.js"}));
 }
 
 TEST_F(ExportTest, ANamespaceWithTheNameOfTheIndexIsRefusedBeforeAnythingIsWritten) {
@@ -251,8 +268,7 @@ TEST_F(ExportTest, AFileOverTheLimitOfTheProcessIsAnErrorThatLeavesNoPart) {
                                                         "/root/cimv2/[A-Za-z_]+\\.[a-z]+"
                                                         ": File too large\n")))
         << run.errors;
-    for (const auto& [name, text] : content())
-        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
+    expectComplete(content());
 }
 
 // A file system of its own, which is gone with this process.
@@ -271,8 +287,7 @@ TEST_F(ExportTest, AFullDiskIsAnErrorThatLeavesNoPart) {
                                                         "device\n")))
         << run.errors;
     EXPECT_GT(written.size(), 2U);
-    for (const auto& [name, text] : written)
-        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
+    expectComplete(written);
 }
 
 TEST_F(ExportTest, OutputThatCannotBeWrittenIsAnError) {
@@ -291,11 +306,9 @@ TEST_F(ExportTest, TheDmtfSchemaIsWrittenWithoutAFailure) {
     EXPECT_EQ(run.errors, "");
     EXPECT_NE(run.output.find("1,438 classes in 1 namespace, 2,876 documents, "),
               std::string::npos);
-    DirectoryContent all = content();
-    EXPECT_EQ(all.size(), 2876U + 2 + 1);
-    all.erase("index.html");
-    for (const auto& [name, text] : all)
-        EXPECT_TRUE(text == "(directory)" || isComplete(text)) << name;
+    const DirectoryContent all = content();
+    EXPECT_EQ(all.size(), 2876U + 1438 + 2 + 2);
+    expectComplete(all);
 }
 
 }  // namespace

@@ -34,7 +34,8 @@ constexpr std::size_t kDocumentsOfAClass = std::size(kExtensions);
 
 // Names are compared without regard to case, as some file systems do.
 bool isFileOfExport(const OutputDirectory& output, const std::string& directory, bool isAtTheTop) {
-    return (isAtTheTop && Base::equalsIgnoringCase(directory, kIndexFile)) ||
+    return (isAtTheTop && (Base::equalsIgnoringCase(directory, kIndexFile) ||
+                           Base::equalsIgnoringCase(directory, kSearchFile))) ||
            Base::equalsIgnoringCase(directory, kDocumentListFile) ||
            output.isTemporaryName(Base::lowerCase(directory));
 }
@@ -95,7 +96,9 @@ class Exporter {
                                           kExtensions[number % kDocumentsOfAClass], directory);
                            options_.onDocumentDone();
                        });
-        if (options_.prune && !isStopped()) {
+        if (options_.exportPages && !isStopped())
+            options_.exportPages(selection, directory);
+        if (!isStopped() && options_.prune) {
             removed_ += directory.removeUnfinishedFiles();
             if (isListed) {
                 removed_ += removeStaleDocuments(list, directory, *selection.nameSpace);
@@ -128,10 +131,12 @@ class Exporter {
     }
 
   private:
-    static void addDocuments(const ClassSelection& selection, Base::FileList& list) {
+    void addDocuments(const ClassSelection& selection, Base::FileList& list) const {
         for (const Repository::CimClass* cimClass : selection.classes) {
             for (const char* const extension : kExtensions)
                 list.add(std::string(cimClass->name() + extension));
+            if (options_.exportPages)
+                list.add(std::string(cimClass->name() + kPageExtension));
         }
     }
 

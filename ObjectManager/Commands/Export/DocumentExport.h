@@ -13,8 +13,13 @@
 
 namespace Commands {
 
-/// The page that lists all classes, in the output directory. The caller writes it.
+/// The page that lists all classes, and what it searches, in the output directory. The caller
+/// writes them.
 constexpr std::string_view kIndexFile = "index.html";
+constexpr std::string_view kSearchFile = "search.js";
+
+/// The page of a class has the name of the class and this.
+constexpr const char* kPageExtension = ".html";
 
 struct DocumentExportOptions {
     /// How many documents are made at once.
@@ -31,6 +36,10 @@ struct DocumentExportOptions {
 
     /// Called after each document. In any thread.
     std::function<void()> onDocumentDone = [] {};
+
+    /// Puts the pages of classes into the directory of their namespace; none are written without
+    /// it. Called when the documents are there, before stale files are removed; not after a stop.
+    std::function<void(const ClassSelection&, const Base::OutputDirectory&)> exportPages = {};
 };
 
 /// What was exported.

@@ -18,7 +18,7 @@ const Base::FileList::Kind& kindOfDocuments() {
 }  // namespace
 
 std::string_view classNameOf(std::string_view document) noexcept {
-    for (const std::string_view extension : {".wsdl", ".xsd"}) {
+    for (const std::string_view extension : {".wsdl", ".xsd", ".html"}) {
         if (document.ends_with(extension))
             return document.substr(0, document.size() - extension.size());
     }

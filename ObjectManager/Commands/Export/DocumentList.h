@@ -28,8 +28,8 @@ inline constexpr std::string_view kDocumentListFile = ".tesk-export";
 std::size_t removeStaleDocuments(Base::FileList& list, const Base::OutputDirectory& directory,
                                  const Repository::CimNamespace& nameSpace);
 
-/// The name of the class that a document of this name describes; empty if it is not one of a
-/// document.
+/// The name of the class that a document or page of this name describes; empty if it is not one of
+/// these.
 [[nodiscard]] std::string_view classNameOf(std::string_view document) noexcept;
 
 }  // namespace Commands

@@ -11,6 +11,7 @@
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
+#include "ObjectManager/Commands/Export/PageExport.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
@@ -18,7 +19,8 @@
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Http/RequestTarget.h"
-#include "ObjectManager/Index/IndexPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/SearchData.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -49,7 +51,8 @@ void requireHost(const std::string& host) {
 
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
-and DIR/index.html, a page that lists them; when a CLASS is given, the page is left as it is.
+and for people DIR/index.html, a page that lists and searches them, with DIR/search.js, and a page
+NAMESPACE/CLASS.html for each class; when a CLASS is given, the pages are left as they are.
 A file that would not change is left alone.
 
 Exit status: 0 when everything is written, 1 when something is not, 130 after Ctrl-C.
@@ -102,6 +105,13 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     exportOptions.prune = options.prune;
     exportOptions.isStopped = [&stopSignals] { return stopSignals.received() != 0; };
     exportOptions.onDocumentDone = [&progress] { progress.step(); };
+    // Pages lead to each other, so there are all or none.
+    if (options.classes.empty()) {
+        exportOptions.exportPages = [&](const ClassSelection& selection,
+                                        const Base::OutputDirectory& directory) {
+            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+        };
+    }
     return exportDocuments(selections, client, output, exportOptions);
 }
 
@@ -130,8 +140,10 @@ int runExport(const ExportOptions& options) {
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);
-    if (all)
-        output.put(kIndexFile, Index::makeIndexPage(*repository));
+    if (all) {
+        output.put(kSearchFile, Pages::makeSearchData(*repository, Pages::Layout::kExported));
+        output.put(kIndexFile, Pages::makeIndexPage(*repository, Pages::Layout::kExported));
+    }
     std::cout << summaryText(result);
     return result.failures.empty() ? 0 : 1;
 }

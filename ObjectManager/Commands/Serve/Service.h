@@ -10,7 +10,7 @@
 #include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/FailedLogins.h"
 #include "ObjectManager/Http/Server.h"
-#include "ObjectManager/Index/IndexProvider.h"
+#include "ObjectManager/Pages/PageProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
 #include "Platform/Util/TSKSmrPtr.h"
@@ -62,7 +62,7 @@ class Service {
     std::unique_ptr<Http::AccessLog> accessLog_;  // null for none
     Http::FailedLogins failedLogins_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
-    Index::IndexProvider index_;
+    Pages::PageProvider index_;
     Host::ProviderHost host_;
     Http::Server server_;
 };

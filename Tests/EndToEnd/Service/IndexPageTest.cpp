@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "ObjectManager/Http/EntityTag.h"
-#include "ObjectManager/Index/IndexPage.h"
 #include "ObjectManager/Loading/RepositoryLoader.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 
 namespace {
@@ -15,14 +16,15 @@ class ServiceIndexPage : public RunningService {
     [[nodiscard]] std::string page() const {
         const Loading::LoadedRepository loaded = Loading::loadRepository(
             {{.name = "root/test", .paths = {directory_ / "test.mof"}}}, {}, {});
-        return Index::makeIndexPage(*loaded.repository);
+        return Pages::makeIndexPage(*loaded.repository, Pages::Layout::kServed);
     }
 
     [[nodiscard]] std::string head() const {
         return "HTTP/1.1 200 OK\r\nETag: " + Http::entityTag(page()) +
                "\r\nConnection: close\r\nContent-Length: " + std::to_string(page().size()) +
                "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
-               Index::contentSecurityPolicy() + "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
+               Pages::contentSecurityPolicy(Pages::PageKind::kIndex) +
+               "\r\nX-Content-Type-Options: nosniff\r\n\r\n";
     }
 };
 

@@ -205,6 +205,41 @@ TEST_F(DispatcherTest, ConditionsAreForDocuments) {
     EXPECT_EQ(responseTo("/test/a", "GET", other), "HTTP/1.1 404 No\r\nConnection: close\r\n\r\n");
 }
 
+TEST_F(DispatcherTest, AnErrorWithoutABodyIsAPageForABrowser) {
+    const Fields browser = {{"Accept", "text/html"}};
+    std::string written = "HTTP/1.1 404 No\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
+    provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, written);
+    };
+    EXPECT_EQ(responseTo("/test/a"), written);
+    EXPECT_EQ(responseTo("/test/a", "GET", {{"Accept", "*/*"}}), written);
+    const std::string page = responseTo("/test/a", "GET", browser);
+    EXPECT_NE(page.find("<h1>404 Not Found</h1>"), std::string::npos) << page;
+    EXPECT_NE(page.find("<a href=\"./../\">"), std::string::npos) << page;
+    EXPECT_EQ(responseTo("/test/a", "HEAD", browser), page.substr(0, page.find("<!DOCTYPE")));
+    for (const char* const other :
+         {"HTTP/1.1 404 No\r\nConnection: close\r\nContent-Length: 4\r\n\r\nbody",
+          "HTTP/1.1 200 OK\r\nETag: \"a\"\r\nConnection: close\r\nContent-Length: 0\r\n\r\n"}) {
+        written = other;
+        EXPECT_EQ(responseTo("/test/a", "GET", browser), written);
+    }
+    // A provider that leaves out the body itself.
+    written = "HTTP/1.1 404 No\r\nConnection: close\r\nContent-Length: 4\r\n\r\n";
+    EXPECT_EQ(responseTo("/test/a", "HEAD", browser), written);
+    EXPECT_EQ(responseTo("/other/path", "GET", browser), kNotFound);
+}
+
+TEST_F(DispatcherTest, ABrowserWithoutAPasswordGetsAPage) {
+    AuthenticationHelper::setAuthenticator(nullptr);
+    const std::string page = responseTo("/other/path", "GET", {{"Accept", "text/html"}});
+    EXPECT_TRUE(page.starts_with("HTTP/1.1 401 Unauthorized\r\n")) << page;
+    EXPECT_NE(page.find("\r\nWWW-Authenticate: Basic "), std::string::npos) << page;
+    EXPECT_NE(page.find("<h1>401 Unauthorized</h1>"), std::string::npos) << page;
+    makeProviderThrow(
+        TSKHTTPException("here", "Authentication failed", TSKHTTPException::kAuthenticationFailed));
+    EXPECT_EQ(responseTo("/test/path", "GET", {{"Accept", "text/html"}}), page);
+}
+
 TEST_F(DispatcherTest, AResponseTakesTheMemoryThatItHolds) {
     const std::string body(10'000, 'x');
     provider_.respond = [&](TSKHTTPRequest& /*request*/, TSKGenericHTTPOStream& ostr) {

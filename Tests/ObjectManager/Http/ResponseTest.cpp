@@ -47,6 +47,19 @@ TEST(Response, TheBodyIsLeftOutForHead) {
               "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 4\r\n\r\n");
 }
 
+TEST(Response, AnotherBodyBringsItsOwnFields) {
+    Response response =
+        Response::make(
+            "HTTP/1.0 404 No\r\nA: b\r\ncontent-type: c\r\nContent-Length: 4\r\nETag: \"a\"\r\n"
+            "Transfer-Encoding: d\r\nConnection: close\r\n\r\nbody")
+            .value();
+    response.setBody("text/plain", "other");
+    EXPECT_EQ(withoutDate(unsentOf(response)),
+              "HTTP/1.1 404 No\r\nA: b\r\nConnection: close\r\nContent-Type: text/plain\r\n"
+              "Content-Length: 5\r\n\r\nother");
+    EXPECT_EQ(response.body(), "other");
+}
+
 TEST(Response, OnlyAResponseIsSent) {
     for (const char* const response :
          {"", "body", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\n\n", "HTTP/2 200\r\n\r\n",

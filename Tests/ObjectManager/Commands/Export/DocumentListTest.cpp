@@ -41,14 +41,14 @@ class DocumentListTest : public testing::Test {
 TEST_F(DocumentListTest, IsKeptInAFile) {
     Base::FileList list = emptyDocumentList();
     for (const char* const name :
-         {"CIM_B.xsd", "CIM_A.wsdl", "../CIM_A.xsd", "index.html", ".xsd", "notes.txt"})
+         {"CIM_B.xsd", "CIM_A.wsdl", "../CIM_A.xsd", "index.txt", ".xsd", "notes.txt"})
         list.add(name);
     list.write(output_);
     EXPECT_EQ(
         contentOf(directory_.path()),
         (DirectoryContent{{".tesk-export", kHeading + std::string("CIM_A.wsdl\nCIM_B.xsd\n")}}));
     EXPECT_EQ(readDocumentList(output_).fault(), "");
-    directory_.write(".tesk-export", "index.html\n");
+    directory_.write(".tesk-export", "index.txt\n");
     EXPECT_EQ(readDocumentList(output_).fault(), "it has a line that is no name of a document");
 }
 

@@ -1,0 +1,177 @@
+#include "ObjectManager/Pages/PageProvider.h"
+
+#include <map>
+#include <optional>
+#include <string_view>
+
+#include "ObjectManager/Pages/ClassPage.h"
+#include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/PageFrame.h"
+#include "ObjectManager/Pages/SearchData.h"
+#include "Platform/Http/TSKHTTPException.h"
+#include "Platform/Http/TSKHTTPResponse.h"
+#include "Platform/ProviderFramework/AuthenticationHelper.h"
+#include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+
+namespace Pages {
+
+namespace {
+
+using Repository::CimNamespace;
+
+constexpr std::string_view kBelow = "/-/";
+constexpr std::string_view kSearchData = "search.js";
+
+void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
+                          TSKGenericHTTPOStream& ostr) {
+    TSKSmrPtr<urma::security::ISecurityToken> token;
+    if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
+        throw TSKHTTPException("PageProvider::processHTTPRequest", "Authentication failed",
+                               TSKHTTPException::kAuthenticationFailed);
+}
+
+// What there is at a path.
+struct Content {
+    std::shared_ptr<const std::string> body;
+    const char* type = "text/html; charset=utf-8";
+    // Of a page its policy; of the search data, which a page of another site could load as a script
+    // with the credentials of the reader, who may do so.
+    const char* guard = "Content-Security-Policy";
+    std::string guardValue;
+};
+
+Content pageContent(PageKind kind, std::shared_ptr<const std::string> page) {
+    return {.body = std::move(page), .guardValue = contentSecurityPolicy(kind)};
+}
+
+Content scriptContent(std::shared_ptr<const std::string> script) {
+    return {.body = std::move(script),
+            .type = "text/javascript; charset=utf-8",
+            .guard = "Cross-Origin-Resource-Policy",
+            .guardValue = "same-origin"};
+}
+
+void write(const TSKHTTPRequest& request, const Content& content, TSKGenericHTTPOStream& ostr) {
+    TSKHTTPResponse response(request.getProtocol(), "200", "OK");
+    response.setHeaderField("Connection", "close", false);
+    response.setContentLength(content.body->size());
+    response.setContentType(content.type);
+    response.setHeaderField(content.guard, TSKString(content.guardValue), false);
+    response.setHeaderField("X-Content-Type-Options", "nosniff", false);
+    response.writeResponseTo(ostr);
+    ostr.write(content.body->data(), content.body->size());
+}
+
+}  // namespace
+
+// What is made of one repository, when it is first asked for: so documents need not wait for it
+// when the service starts.
+//
+// Thread safety: may be used by several threads at once.
+class PageProvider::Site {
+  public:
+    explicit Site(TSKSmrPtr<Repository::ClassRepository> repository)
+        : repository_(std::move(repository)) {}
+
+    // Nothing where there is none.
+    [[nodiscard]] std::optional<Content> find(std::string_view path, std::string_view host) {
+        if (path == "/")
+            return pageContent(PageKind::kIndex, indexPage());
+        path.remove_prefix(kBelow.size());
+        if (path == kSearchData)
+            return scriptContent(searchData());
+        const std::size_t slash = path.rfind('/');
+        if (slash == std::string_view::npos)
+            return std::nullopt;
+        return findClassPage(path.substr(0, slash), path.substr(slash + 1), host);
+    }
+
+  private:
+    [[nodiscard]] std::shared_ptr<const std::string> indexPage() {
+        const std::lock_guard lock(mutex_);
+        if (!indexPage_)
+            indexPage_ =
+                std::make_shared<const std::string>(makeIndexPage(*repository_, Layout::kServed));
+        return indexPage_;
+    }
+
+    [[nodiscard]] std::shared_ptr<const std::string> searchData() {
+        const std::lock_guard lock(mutex_);
+        if (!searchData_)
+            searchData_ =
+                std::make_shared<const std::string>(makeSearchData(*repository_, Layout::kServed));
+        return searchData_;
+    }
+
+    [[nodiscard]] std::optional<Content> findClassPage(std::string_view nameSpace,
+                                                       std::string_view className,
+                                                       std::string_view host) {
+        const CimNamespace* const found = repository_->findNamespace(TSKString(nameSpace));
+        if (found == nullptr)
+            return std::nullopt;
+        const TSKSmrPtr<Repository::CimClass> cimClass = found->findClass(TSKString(className));
+        if (!cimClass)
+            return std::nullopt;
+        return pageContent(PageKind::kClass,
+                           std::make_shared<const std::string>(makeClassPage(
+                               *cimClass, relationsOf(*found), Layout::kServed, host)));
+    }
+
+    [[nodiscard]] const ClassRelations& relationsOf(const CimNamespace& nameSpace) {
+        const std::lock_guard lock(mutex_);
+        return relations_.try_emplace(&nameSpace, nameSpace).first->second;
+    }
+
+    TSKSmrPtr<Repository::ClassRepository> repository_;
+    std::mutex mutex_;
+    // All guarded by mutex_; null until they are asked for.
+    std::shared_ptr<const std::string> indexPage_;
+    std::shared_ptr<const std::string> searchData_;
+    std::map<const CimNamespace*, ClassRelations> relations_;
+};
+
+PageProvider::PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
+    : site_(std::make_shared<Site>(repository)) {}
+
+PageProvider::~PageProvider() = default;
+
+void PageProvider::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
+    auto site = std::make_shared<Site>(repository);
+    const std::lock_guard lock(mutex_);
+    site_.swap(site);
+}
+
+TSKString PageProvider::getProviderName() {
+    return "PageProvider";
+}
+
+void PageProvider::postStartup() {
+    TeskProviderPluginManager::getTeskProviderPluginManager()->registerURI(getProviderName(), "/");
+}
+
+void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
+                                      TSKHTTPRequest& request, bool& handled,
+                                      TSKSmrPtr<ITeskTransaction> /*transaction*/) {
+    // Requests that no other provider is there for come here, too.
+    const std::string_view path = request.getUri();
+    if (path != "/" && !path.starts_with(kBelow)) {
+        handled = false;
+        return;
+    }
+    requireAuthenticated(request, istr, ostr);
+    // HTTP/1.0 has requests without a host.
+    const TSKString* const host = request.getHost();
+    const std::optional<Content> content = site()->find(
+        path, host == nullptr ? std::string_view("localhost") : std::string_view(*host));
+    if (!content)
+        handled = false;
+    else
+        write(request, *content, ostr);
+}
+
+std::shared_ptr<PageProvider::Site> PageProvider::site() {
+    const std::lock_guard lock(mutex_);
+    return site_;
+}
+
+}  // namespace Pages
