@@ -18,11 +18,8 @@
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/SearchData.h"
-#include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
 
 namespace Commands {
 
@@ -31,23 +28,11 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host = "localhost:5985";  // the port that WS-Management has over HTTP
+    std::string host = kDefaultHost;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
 };
-
-// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
-// a host, would break them.
-void requireHost(const std::string& host) {
-    if (!Http::isHostWithPort(host)) {
-        throw TeskBaseException(
-            "tesk export",
-            TSKString(Base::quoted(host) +
-                      " is not a host with an optional port, such as localhost:5985"),
-            CIM_ERR_INVALID_PARAMETER);
-    }
-}
 
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
@@ -70,11 +55,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .target = &options.output,
                                .isRequired = true});
     command.options.push_back(
-        {.name = "--host",
-         .value = "HOST[:PORT]",
-         .help = "Where the documents say that the service is (default: localhost:5985)",
-         .target = &options.host,
-         .check = requireHost});
+        hostOption(options.host, "Where the documents say that the service is"));
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
