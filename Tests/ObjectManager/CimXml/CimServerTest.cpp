@@ -184,6 +184,33 @@ TEST_F(CimXmlCimServer, AnEndlessLineOfSuperclassesIsLimited) {
     EXPECT_EQ(kind_, Kind::kLimit);
 }
 
+TEST_F(CimXmlCimServer, AnEndlessResponseIsLimited) {
+    const std::string whole = responseTo("EnumerateQualifiers", "*");
+    StandInServer::Response response = StandInServer::ok("");
+    response.bytes =
+        "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\n\r\n" + whole.substr(0, whole.find('*'));
+    const auto messageWith = [&](const std::string& endless, const CimXml::Limits& limits) {
+        response.endless = endless;
+        const StandInServer server([&](const StandInServer::Request&) { return response; });
+        try {
+            CimXml::CimServer client({.url = server.url(), .limits = limits});
+            (void)client.read("root/test");
+            return std::string("none");
+        } catch (const ServerError& error) {
+            EXPECT_EQ(error.kind(), Kind::kLimit);
+            const std::string message = error.getMessage().data();
+            return message.substr(message.rfind(": ") + 2);
+        }
+    };
+    CimXml::Limits limits;
+    limits.maxResponseSize = 1'000'000;
+    EXPECT_EQ(messageWith("<!-- -->\n", limits), "the response has more than 1.0 MB");
+    limits.maxResults = 1000;
+    EXPECT_EQ(messageWith(kNoteAndMine, limits), "the response holds more than 1,000 results");
+    EXPECT_EQ(messageWith("<QUALIFIER.DECLARATION>", {}),
+              "elements are nested in more than 24 others");
+}
+
 TEST_F(CimXmlCimServer, QualifiersMayBeUndeclared) {
     respondWithError("EnumerateQualifiers", "7");
     respondWithResults("EnumerateClasses", kFoo);
