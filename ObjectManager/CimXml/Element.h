@@ -70,8 +70,8 @@ enum class Attribute : std::uint8_t {
     kType,
 };
 
-[[nodiscard]] Tag tagOf(std::string_view name) noexcept;
-[[nodiscard]] std::optional<Attribute> attributeOf(std::string_view name) noexcept;
+[[nodiscard]] Tag tagOf(std::string_view name);
+[[nodiscard]] std::optional<Attribute> attributeOf(std::string_view name);
 
 /// Whether the content of such elements is text; that of others is elements.
 [[nodiscard]] constexpr bool holdsText(Tag tag) noexcept {

@@ -4,6 +4,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <map>
 #include <ostream>
 #include <type_traits>
 #include <utility>
@@ -92,7 +93,11 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
         return command.add_option(name, *target, help);
 }
 
-void addOption(CLI::App& command, const Option& option) {
+// The options of a command by their names. The library's own search ends the process when memory
+// runs out.
+using AddedOptions = std::map<std::string, CLI::Option*>;
+
+void addOption(CLI::App& command, const Option& option, AddedOptions& options) {
     CLI::Option* const added = std::visit(
         [&](const auto& target) { return addOption(command, option.name, option.help, target); },
         option.target);
@@ -107,17 +112,19 @@ void addOption(CLI::App& command, const Option& option) {
     if (option.range)
         added->check(CLI::Range(option.range->least, option.range->most).description(""));
     if (!option.excludes.empty())
-        added->excludes(command.get_option(option.excludes));
+        added->excludes(options.at(option.excludes));
     if (!option.needs.empty())
-        added->needs(command.get_option(option.needs));
+        added->needs(options.at(option.needs));
+    options.emplace(option.name, added);
 }
 
 void addCommand(CLI::App& app, const Command& command) {
     CLI::App* const added = app.add_subcommand(command.name, command.summary);
     added->footer(command.details);
     added->group("Commands");
+    AddedOptions options;
     for (const Option& option : command.options)
-        addOption(*added, option);
+        addOption(*added, option, options);
     if (!command.check)
         return;
     added->final_callback([check = command.check] {

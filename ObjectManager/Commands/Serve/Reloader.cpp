@@ -60,6 +60,8 @@ double randomFraction() {
 
 // What a thread has read. Belongs to the thread until isDone.
 struct Reloader::Reading {
+    explicit Reading(What asked) : what(asked) {}
+
     const What what;
     std::ostringstream messages = {};
     Configuration::Settings settings = {};

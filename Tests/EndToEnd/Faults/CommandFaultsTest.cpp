@@ -14,6 +14,7 @@
 #include "Tests/EndToEnd/Faults/Faults.h"
 #include "Tests/Support/DirectoryContent.h"
 #include "Tests/Support/RunningProgram.h"
+#include "Tests/Support/StandInCimServer.h"
 
 namespace {
 
@@ -189,6 +190,36 @@ TEST_P(PasswdFaults, PasswdKeepsTheFileOrChangesItWhole) {
     });
 }
 
+class ServerFaults : public CommandFaults {};
+
+TEST_P(ServerFaults, ClassesOfAServerAreAllThereOrItIsSaidWhyNot) {
+    StandInCimServer server;
+    server.setClasses("root/test",
+                      "<CLASS NAME=\"TST_A\"><PROPERTY NAME=\"Id\" TYPE=\"string\">"
+                      "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\"><VALUE>true</VALUE></QUALIFIER>"
+                      "</PROPERTY></CLASS><CLASS NAME=\"TST_B\" SUPERCLASS=\"TST_A\"/>");
+    const std::vector<std::string> arguments = {"classes", "--server", server.url(), "--namespace",
+                                                "root/test"};
+    const ProgramRun right = run(arguments);
+    ASSERT_EQ(right.end, "status 0") << right.errors;
+    // Those before the command line is read are the same for all commands.
+    const std::size_t before =
+        countCalls(GetParam(), [&](const Fault& fault) { (void)run({"--version"}, fault); });
+    failEachCall(
+        GetParam(),
+        [&](const Fault& fault) {
+            const ProgramRun outcome = run(arguments, fault);
+            if (outcome.end == "status 0")
+                EXPECT_EQ(outcome.output, right.output);
+            // libcurl takes some allocations that fail for other failures.
+            else if (outcome.errors.find("tesk: " + server.url() + ": ") != std::string::npos)
+                EXPECT_EQ(outcome.end, "status 1");
+            else
+                expectToldFailure(outcome, fault);
+        },
+        before + 1);
+}
+
 std::string nameOf(const testing::TestParamInfo<std::string>& info) {
     return info.param;
 }
@@ -196,5 +227,6 @@ std::string nameOf(const testing::TestParamInfo<std::string>& info) {
 INSTANTIATE_TEST_SUITE_P(Each, CheckFaults, testing::ValuesIn(commandCalls()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Each, ExportFaults, testing::ValuesIn(commandCalls()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Each, PasswdFaults, testing::ValuesIn(commandCalls()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Each, ServerFaults, testing::Values("allocation", "recv", "send"), nameOf);
 
 }  // namespace

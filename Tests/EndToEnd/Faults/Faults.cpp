@@ -37,9 +37,9 @@ void FaultTest::SetUp() {
         GTEST_SKIP() << "a sanitizer takes the place of the same functions of the C library";
 }
 
-void FaultTest::failEachCall(const std::string& call,
-                             const std::function<void(const Fault&)>& run) {
-    Fault fault{.call = call, .number = 1};
+void FaultTest::failEachCall(const std::string& call, const std::function<void(const Fault&)>& run,
+                             std::size_t first) {
+    Fault fault{.call = call, .number = first};
     std::size_t failures = 0;
     for (bool goesOn = true; goesOn && failures < kMostFailures;) {
         const auto before = testing::UnitTest::GetInstance()->current_test_info()->result();
@@ -54,6 +54,23 @@ void FaultTest::failEachCall(const std::string& call,
         ++fault.number;
     }
     RecordProperty("calls", static_cast<int>(fault.number));
+}
+
+std::size_t FaultTest::countCalls(const std::string& call,
+                                  const std::function<void(const Fault&)>& run) const {
+    const auto isMade = [&](std::size_t number) {
+        run({.call = call, .number = number});
+        return std::filesystem::remove(reports_ / "report");
+    };
+    std::size_t tooMany = 1;
+    while (isMade(tooMany))
+        tooMany *= 2;
+    std::size_t made = tooMany / 2;
+    while (made + 1 < tooMany) {
+        const std::size_t middle = (made + tooMany) / 2;
+        (isMade(middle) ? made : tooMany) = middle;
+    }
+    return made;
 }
 
 void FaultTest::inject(const Fault& fault) const {

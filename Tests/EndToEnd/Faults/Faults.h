@@ -28,8 +28,13 @@ class FaultTest : public testing::Test {
     void SetUp() override;
 
     /// Has `run` run the program with the 1st, 2nd, 3rd … call of that kind failing until it makes
-    /// fewer calls.
-    void failEachCall(const std::string& call, const std::function<void(const Fault&)>& run);
+    /// fewer calls; from the call of the number `first` on.
+    void failEachCall(const std::string& call, const std::function<void(const Fault&)>& run,
+                      std::size_t first = 1);
+
+    /// How many calls of that kind the program makes when `run` runs it.
+    [[nodiscard]] std::size_t countCalls(const std::string& call,
+                                         const std::function<void(const Fault&)>& run) const;
 
     /// Called in a new process: what the program needs to have that fault, which is none for
     /// number 0.
