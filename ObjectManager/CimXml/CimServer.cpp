@@ -84,10 +84,11 @@ class CimServer::Implementation {
                                         std::optional<std::uint64_t> known) {
         requireNamespaceName(nameSpace);
         http_.restartTime();
-        ClassCollection classes(name() + ": " + nameSpace, options_.limits);
+        ClassCollection classes(name() + ": " + nameSpace, options_.limits, elements_);
         readQualifiers(classes, nameSpace, stop);
         if (!readAllClasses(classes, nameSpace, stop))
             readClassesByName(classes, nameSpace, patterns, stop);
+        elements_ = classes.countElements();
         const std::uint64_t digest = classes.digest();
         if (digest == known)
             return {.compilation = {}, .digest = digest};
@@ -139,6 +140,12 @@ class CimServer::Implementation {
             return Base::lowerCase(std::string_view(found));
         });
         names.erase(std::unique(names.begin(), names.end(), Base::equalsIgnoringCase), names.end());
+        if (names.size() > options_.limits.maxNamespaces) {
+            throw ServerError(Kind::kLimit,
+                              name() + ": the server names more than " +
+                                  Base::withSeparators(options_.limits.maxNamespaces) +
+                                  " namespaces");
+        }
         return names;
     }
 
@@ -249,6 +256,7 @@ class CimServer::Implementation {
 
     const ServerOptions options_;
     HttpClient http_;
+    std::size_t elements_ = 0;  // of all classes that were read
 };
 
 void requireServerUrl(const std::string& url) {

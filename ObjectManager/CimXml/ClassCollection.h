@@ -30,9 +30,9 @@ namespace CimXml {
 class ClassCollection {
   public:
     /// `place` is what diagnostics begin with, such as "https://cim.example.com:5989: root/cimv2".
-    /// `limits` must outlive this.
-    ClassCollection(std::string place, const Limits& limits)
-        : place_(std::move(place)), limits_(limits) {}
+    /// `limits` must outlive this. `elements` is how many of Limits::maxElements are taken already.
+    ClassCollection(std::string place, const Limits& limits, std::size_t elements = 0)
+        : place_(std::move(place)), limits_(limits), elements_(elements) {}
 
     /// Takes a QUALIFIER.DECLARATION. Errors: ServerError for any other element.
     void addQualifier(const Element& element);
@@ -47,6 +47,9 @@ class ClassCollection {
     /// superclasses; of all classes without a pattern (Base::NamePattern). What cannot be used is
     /// left out, with warnings. The result has an error when it is too large as a whole.
     [[nodiscard]] Mof::Compilation declarations(const std::vector<std::string>& patterns) const;
+
+    /// How many of Limits::maxElements are taken now.
+    [[nodiscard]] std::size_t countElements() const noexcept { return elements_; }
 
     /// A number that differs when what the server has sent differs, whatever its order. The same in
     /// one process only.
@@ -87,7 +90,7 @@ class ClassCollection {
     std::deque<Class> classes_;
     Base::NameMap<std::size_t> index_;  // the numbers of classes
     std::vector<std::string> unnamed_;  // why classes have no usable name
-    std::size_t elements_ = 0;
+    std::size_t elements_;
     std::uint64_t digest_ = 0;
 };
 

@@ -24,9 +24,13 @@ struct Limits {
     /// A class in bytes, with all that it inherits; the DMTF's largest have less than 100 KB.
     std::size_t maxClassSize = std::size_t{4} << 20U;
 
-    /// Properties, methods, parameters, qualifiers and values that all classes of a namespace have
-    /// together, each counted once. The DMTF's schema has 90,000. Each takes some 200 bytes.
-    std::size_t maxElements = 1'000'000;
+    /// Namespaces that a server may name; servers have ten.
+    std::size_t maxNamespaces = 500;
+
+    /// Properties, methods, parameters, qualifiers and values that all classes of the namespaces
+    /// that a CimServer reads have together, each counted once a namespace. The DMTF's schema has
+    /// 90,000. Each takes some 200 bytes.
+    std::size_t maxElements = 2'000'000;
 
     /// How deep elements may be nested; a value of a qualifier of a parameter is at level 11.
     std::size_t maxDepth = 24;

@@ -150,6 +150,30 @@ TEST_F(ServerLoading, ANamespaceThatAServerNamesAndRefusesIsLeftOutWithAWarning)
     EXPECT_EQ(failure(), "ONE: EnumerateQualifiers of root/secret: CIM_ERR_NOT_FOUND (6): none");
 }
 
+TEST_F(ServerLoading, AServerMayNameSoManyNamespacesAndNoMore) {
+    sources_.namespaces = {{.name = "", .server = "one"}};
+    sources_.servers.front().options.limits.maxNamespaces = 1;
+    one_.setNamespaces({"root/a"});
+    EXPECT_EQ(textOf(load()), "root/a: A_One A_Two");
+    one_.setNamespaces({"root/a", "root/b"});
+    EXPECT_EQ(failure(), "ONE: the server names more than 1 namespaces");
+}
+
+// Else a server could take all memory by many namespaces.
+TEST_F(ServerLoading, TheNamespacesOfAServerShareALimitOfWhatTheirClassesHave) {
+    const std::string classes =
+        "<CLASS NAME=\"A_One\"><PROPERTY NAME=\"P\" TYPE=\"string\"/></CLASS>";
+    one_.setClasses("root/a", classes);
+    one_.setClasses("root/c", classes);
+    sources_.namespaces = {source("root/a", "one", "root/a"), source("root/c", "one", "root/c")};
+    sources_.servers.front().options.limits.maxElements = 2;
+    EXPECT_EQ(textOf(load()), "root/a: A_One; root/c: A_One");
+    sources_.servers.front().options.limits.maxElements = 1;
+    EXPECT_EQ(failure(),
+              "ONE: EnumerateClasses of root/c: the classes have more than 1 properties, methods, "
+              "parameters, qualifiers and values");
+}
+
 TEST_F(ServerLoading, PatternsChooseClassesAndTheirSuperclasses) {
     one_.setClasses("root/a", cimClass("A_One") + cimClass("B_Two", "A_One") + cimClass("C_One"));
     sources_.namespaces = {
