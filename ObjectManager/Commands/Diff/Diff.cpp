@@ -26,7 +26,7 @@ struct DiffOptions {
     std::string after;  // empty: what `model` names
     ModelOptions model;
     std::string accepted;  // a file; none when empty
-    std::string host = kDefaultHost;
+    AddressArguments address;
     OutputFormat format = OutputFormat::kText;
     unsigned jobs = defaultJobs();
 };
@@ -75,7 +75,7 @@ VersionDocuments readVersion(const std::string& argument, const DiffOptions& opt
     ModelOptions mof;
     mof.namespaces = {isNamed ? argument : "root/cimv2=" + argument};
     mof.includePath = options.model.includePath;
-    return makeDocuments(mof, options.host, options.jobs);
+    return makeDocuments(mof, options.address, options.jobs);
 }
 
 AcceptedChanges readAccepted(const std::string& file) {
@@ -93,7 +93,7 @@ int runDiff(const DiffOptions& options) {
     AcceptedChanges accepted = readAccepted(options.accepted);
     const VersionDocuments before = readVersion(options.before, options);
     const VersionDocuments after = options.after.empty()
-                                       ? makeDocuments(options.model, options.host, options.jobs)
+                                       ? makeDocuments(options.model, options.address, options.jobs)
                                        : readVersion(options.after, options);
     const VersionDiff diff = compareVersions(before, after, accepted, options.jobs);
     std::cout << (options.format == OutputFormat::kJson ? toJson(diff) : toText(diff));
@@ -125,10 +125,7 @@ Command diffCommand() {
          .help = "Changes that do not count: a rule and a place a line, such as type-changed "
                  "root/cimv2:CIM_Foo.Bar",
          .target = &options->accepted});
-    command.options.push_back(
-        hostOption(options->host,
-                   "The service that documents of classes name, to compare them "
-                   "with those of an export"));
+    addAddressOptions(command, options->address);
     command.options.push_back(formatOption(options->format));
     command.options.push_back(jobsOption(options->jobs, "How many classes are compared at once"));
     command.check = [options, checkModel = command.check] {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 #include <vector>
 
@@ -40,16 +41,19 @@ std::string readDocument(const fs::path& file) {
 }  // namespace
 
 // All at once, since the providers know one repository at a time.
-VersionDocuments makeDocuments(const ModelOptions& model, const std::string& host, unsigned jobs) {
+VersionDocuments makeDocuments(ModelOptions model, const AddressArguments& address, unsigned jobs) {
     struct Making {
         const Repository::CimNamespace* nameSpace;
         TSKString document;
         std::string* target;
     };
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(model);
+    askForPassword(model.server);
+    const Configuration::Settings settings = readSettings(model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
     const Host::ProviderHost providers(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                        Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(providers.manager(), TSKString(host));
+    const Host::MemoryClient client(providers.manager(), addressOf(address, settings));
     VersionDocuments documents;
     std::vector<Making> makings;
     for (const Repository::CimNamespace& nameSpace : repository->namespaces()) {

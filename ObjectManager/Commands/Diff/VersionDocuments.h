@@ -18,10 +18,10 @@ struct VersionClass {
 /// The WSDL documents of all classes of a version of a model.
 using VersionDocuments = std::map<VersionClass, std::string>;
 
-/// Makes the documents of the classes that `model` names, for `host`, in `jobs` threads. Messages
-/// about the classes go to standard error.
+/// Makes the documents of the classes that `model` names, for the address that is given or
+/// configured, in `jobs` threads. Messages about the classes go to standard error.
 /// Errors: those of loadModel(); TeskBaseException where a document cannot be made.
-[[nodiscard]] VersionDocuments makeDocuments(const ModelOptions& model, const std::string& host,
+[[nodiscard]] VersionDocuments makeDocuments(ModelOptions model, const AddressArguments& address,
                                              unsigned jobs);
 
 /// Reads the documents that `tesk export` has written into a directory; none where it has written

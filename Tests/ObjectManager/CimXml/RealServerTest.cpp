@@ -36,7 +36,7 @@ RepositoryPointer readFrom(const std::string& url, bool localOnly) {
 std::string documentOf(Host::ProviderHost& host, const RepositoryPointer& repository,
                        const TSKString& path) {
     host.setRepository(repository);
-    const Host::MemoryClient client(host.manager(), "localhost");
+    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     const Host::MemoryClient::Response response = client.get(path);
     EXPECT_EQ(response.status(), "200") << path;
     return std::string(response.body());
