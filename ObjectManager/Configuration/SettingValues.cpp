@@ -10,6 +10,7 @@
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/CimXml/Requests.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -74,6 +75,27 @@ Http::ListenAddress parseListenAddress(std::string_view text) {
     fail(Base::quoted(text) +
          " is not an address with a port, such as \"127.0.0.1:5985\", \"0.0.0.0:5985\" or "
          "\"[::1]:5985\"");
+}
+
+Http::ListenAddress parseAdminAddress(std::string_view text) {
+    if (const auto port = parsePort(text))
+        return {.address = "127.0.0.1", .port = *port};
+    return parseListenAddress(text);
+}
+
+Host::PublishedAddress parsePublishedAddress(std::string_view text) {
+    constexpr std::string_view kHttp = "http://";
+    constexpr std::string_view kHttps = "https://";
+    const bool isHttps = Base::startsWithIgnoringCase(text, kHttps);
+    if (isHttps || Base::startsWithIgnoringCase(text, kHttp)) {
+        std::string_view host = text.substr((isHttps ? kHttps : kHttp).size());
+        if (host.ends_with('/'))
+            host.remove_suffix(1);
+        if (Http::isHostWithPort(host))
+            return {.host = std::string(host), .isHttps = isHttps};
+    }
+    fail(Base::quoted(text) +
+         " is not the address of a service, such as \"https://cim.example.org:5986\"");
 }
 
 std::string parseNamespaceName(std::string_view text) {

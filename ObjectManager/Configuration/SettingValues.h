@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Host/PublishedAddress.h"
 #include "ObjectManager/Http/Options.h"
 #include "ObjectManager/Loading/NamespaceSource.h"
 
@@ -14,6 +15,12 @@ namespace Configuration {
 /// Reads "ADDRESS:PORT", with an IPv6 address in brackets. The address is numeric: a host name may
 /// stand for several.
 [[nodiscard]] Http::ListenAddress parseListenAddress(std::string_view text);
+
+/// The same, or a port alone, which stands for that of 127.0.0.1.
+[[nodiscard]] Http::ListenAddress parseAdminAddress(std::string_view text);
+
+/// Reads "https://cim.example.org:5986": a scheme, a host and an optional port.
+[[nodiscard]] Host::PublishedAddress parsePublishedAddress(std::string_view text);
 
 /// The name of a namespace: `text` without the slashes at its ends.
 [[nodiscard]] std::string parseNamespaceName(std::string_view text);

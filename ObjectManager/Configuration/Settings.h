@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,13 @@ struct Settings {
     Repository::Options repository;
     RefreshSettings refresh;
     Http::Options server;
+
+    /// Whether the file says where to listen without TLS; else that is the default.
+    bool isListenSet = false;
+
+    /// Where health and metrics are served, to everybody who reaches it; nothing for nowhere.
+    std::optional<Http::ListenAddress> adminListen = std::nullopt;
+
     Security::Options security;
     LogSettings log;
 

@@ -194,13 +194,37 @@ void readRepository(Table table, const Directory& directory, Repository::Options
     table.reportUnknownKeys();
 }
 
-void readServer(Table table, Http::Options& settings) {
+void readServer(Table table, const Directory& directory, Settings& all) {
+    Http::Options& settings = all.server;
     std::vector<Http::ListenAddress> addresses;
     table.readTexts("listen", "an address with a port", 1, [&](const std::string& text) {
         addresses.push_back(parseListenAddress(text));
     });
-    if (!addresses.empty())
+    all.isListenSet = !addresses.empty();
+    if (all.isListenSet)
         settings.listen = std::move(addresses);
+    table.readTexts("tls_listen", "an address with a port", 0, [&](const std::string& text) {
+        settings.tlsListen.push_back(parseListenAddress(text));
+    });
+    const auto readPath = [&](std::string_view key, std::string& target) {
+        table.readText(key, "a path", [&](const std::string& path) {
+            target = directory.resolveUnlessEmpty(path);
+        });
+    };
+    readPath("tls_certificate", settings.tls.certificateFile);
+    readPath("tls_key", settings.tls.keyFile);
+    readPath("tls_client_ca", settings.tls.clientAuthorityFile);
+    table.readText("admin_listen", "an address with a port", [&](const std::string& text) {
+        if (!text.empty())
+            all.adminListen = parseAdminAddress(text);
+    });
+    table.readText("published_address", "an address", [&](const std::string& text) {
+        if (!text.empty())
+            settings.publishedAddress = parsePublishedAddress(text);
+    });
+    table.readChoice<Security::Scheme>(
+        "authentication", {{"basic", Security::Scheme::kBasic}, {"none", Security::Scheme::kNone}},
+        all.security.scheme);
     table.readTexts("trusted_proxies", "a network", 0, [&](const std::string& text) {
         settings.trustedProxies.push_back(Http::Network::parse(text));
     });
@@ -245,7 +269,7 @@ void readFile(Table table, const Directory& directory, Settings& settings) {
     readServers(table.readTable("servers"), directory, settings.servers);
     readNamespaces(table.readTable("namespaces"), directory, settings.servers, settings.namespaces);
     readRepository(table.readTable("repository"), directory, settings.repository, settings.refresh);
-    readServer(table.readTable("server"), settings.server);
+    readServer(table.readTable("server"), directory, settings);
     readSecurity(table.readTable("security"), directory, settings.security);
     readLog(table.readTable("log"), directory, settings.log);
     table.reportUnknownKeys();

@@ -37,7 +37,7 @@ class ClassPage {
         return header() + "<main>\n" + descriptionSection() + placeSection() + addressSection() +
                propertySection(class_, relations_, layout_) +
                methodSection(class_, relations_, layout_) + associationSection() +
-               exampleSection(class_, relations_, host_) + "</main>\n";
+               exampleSection(class_, relations_, layout_, host_) + "</main>\n";
     }
 
   private:

@@ -8,6 +8,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Base/Utf8.h"
 #include "ObjectManager/Pages/ClassPage.h"
+#include "ObjectManager/Pages/ExamplePrograms.h"
 #include "ObjectManager/Pages/Qualifiers.h"
 
 namespace Pages {
@@ -94,6 +95,14 @@ std::string numberValue(const urma::IQualified& definition) {
     return least.empty() ? "1" : decimal(least);
 }
 
+// What a model calls a number need not be one.
+std::string pythonNumber(const std::string& number) {
+    const std::string_view digits =
+        std::string_view(number).substr(number.starts_with('-') ? 1 : 0);
+    const bool isNumber = std::ranges::all_of(digits, Base::isDigit) && !digits.starts_with('0');
+    return isNumber && !digits.empty() ? number : pythonText(number);
+}
+
 }  // namespace
 
 ExampleValues::ExampleValues(const ClassRelations& relations, std::string service)
@@ -116,6 +125,39 @@ std::string ExampleValues::value(const CimClass& cimClass, const Definition& def
     if (name == "string")
         return exampleText(textValue(cimClass, definition, definition.name()));
     return exampleText(numberValue(definition));
+}
+
+template <typename Definition>
+std::string ExampleValues::pythonValue(const CimClass& cimClass,
+                                       const Definition& definition) const {
+    const ITeskType& type = definition.getType();
+    const std::string name(type.getTypeName());
+    std::string python;
+    if (type.isReference())
+        python = "{'_value_1': elements(\n" +
+                 pythonLines(reference(definition.referencedClass(), 0, 0), 8) + ")}";
+    else if (name == "datetime")
+        python = "{'Datetime': '2026-01-31T12:00:00Z'}";
+    else if (name == "boolean")
+        python = "True";
+    else if (name == "char16")
+        python = "'A'";
+    else if (name == "string")
+        python = pythonText(textValue(cimClass, definition, definition.name()));
+    else
+        python = pythonNumber(numberValue(definition));
+    return python;
+}
+
+std::string ExampleValues::pythonValueOf(const CimClass& cimClass,
+                                         const CimProperty& property) const {
+    const std::string value = pythonValue(cimClass, property);
+    return property.getType().isArray() ? "[" + value + "]" : value;
+}
+
+std::string ExampleValues::pythonValueOf(const CimClass& cimClass,
+                                         const Repository::CimParameter& parameter) const {
+    return pythonValue(cimClass, parameter);
 }
 
 std::string ExampleValues::valueOf(const CimClass& cimClass, const CimProperty& property,
@@ -163,16 +205,23 @@ std::string ExampleValues::reference(std::string_view className, int indent, int
     return xml + blanks(indent) + "</wsa:EndpointReference>\n";
 }
 
-std::string exampleText(std::string_view text) {
-    std::string xml;
+std::string plainText(std::string_view text) {
+    std::string plain;
     while (!text.empty()) {
         const auto [code, length] = Base::decodeCodePoint(text);
         if (length == 0 || Base::isControlCode(code) || code == 0xFFFE || code == 0xFFFF)
-            xml += Base::kReplacementCharacter;
+            plain += Base::kReplacementCharacter;
         else
-            xml += code == '"' ? "&quot;" : Base::xmlText(text.substr(0, length));
+            plain += text.substr(0, length);
         text.remove_prefix(length == 0 ? 1 : length);
     }
+    return plain;
+}
+
+std::string exampleText(std::string_view text) {
+    std::string xml = Base::xmlText(plainText(text));
+    for (std::size_t quote = xml.find('"'); quote != xml.npos; quote = xml.find('"', quote))
+        xml.replace(quote, 1, "&quot;");
     return xml;
 }
 

@@ -15,6 +15,7 @@
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
+#include "ObjectManager/Commands/ServerOptions.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
@@ -28,7 +29,7 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host = kDefaultHost;
+    AddressArguments address;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
@@ -54,8 +55,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .help = "The directory; made if it is missing",
                                .target = &options.output,
                                .isRequired = true});
-    command.options.push_back(
-        hostOption(options.host, "Where the documents say that the service is"));
+    addAddressOptions(command, options.address);
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
@@ -73,13 +73,14 @@ void addExportOptions(Command& command, ExportOptions& options) {
 }
 
 DocumentExportResult writeDocuments(const ExportOptions& options,
+                                    const Host::PublishedAddress& address,
                                     const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
                                     const Base::OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(host.manager(), TSKString(options.host));
+    const Host::MemoryClient client(host.manager(), address);
     ProgressLine progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;
     exportOptions.jobs = options.jobs;
@@ -90,7 +91,7 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     if (options.classes.empty()) {
         exportOptions.exportPages = [&](const ClassSelection& selection,
                                         const Base::OutputDirectory& directory) {
-            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+            exportPages(selection, directory, address.host, options.jobs, exportOptions.isStopped);
         };
     }
     return exportDocuments(selections, client, output, exportOptions);
@@ -108,7 +109,11 @@ int reportStop(int signal, const DocumentExportResult& result,
 int runExport(const ExportOptions& options) {
     // A file that is larger than the process may write is an error like a full disk.
     (void)std::signal(SIGXFSZ, SIG_IGN);
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
+    ModelOptions model = options.model;
+    askForPassword(model.server);
+    const Configuration::Settings settings = readSettings(model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
     const bool all = options.classes.empty();
     const std::vector<ClassSelection> selections =
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
@@ -116,8 +121,8 @@ int runExport(const ExportOptions& options) {
     const Base::StopSignals stopSignals;
     Base::OutputDirectory output = Base::OutputDirectory::create(options.output, "export");
     output.lock();
-    const DocumentExportResult result =
-        writeDocuments(options, repository, selections, output, stopSignals);
+    const DocumentExportResult result = writeDocuments(
+        options, addressOf(options.address, settings), repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);

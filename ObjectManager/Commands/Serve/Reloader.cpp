@@ -138,7 +138,9 @@ void Reloader::beginReading(What what) noexcept {
 void Reloader::finishReading() noexcept {
     thread_.join();
     const std::shared_ptr<Reading> reading = std::exchange(reading_, nullptr);
+    bool hasFailed = false;
     const auto fail = [&](const std::exception& error) {
+        hasFailed = true;
         if (reading->stop.stop_requested())
             return;
         attempt([&] { logLines(TeskTraceLog::SeverityError, reading->messages.str()); },
@@ -146,13 +148,23 @@ void Reloader::finishReading() noexcept {
         logFailure("Not reloaded, the service goes on as before", error);
         if (reading->what == What::kServers)
             schedule_.fail(hooks_.clock());
+        tellEnd(reading->what, false);
     };
     if (reading->what == What::kServers)
         attempt([&] { refresh(*reading); }, fail);
     else
         attempt([&] { use(*reading); }, fail);
+    if (!hasFailed)
+        tellEnd(reading->what, true);
     if (std::exchange(isAskedAgain_, false))
         beginReading(What::kEverything);
+}
+
+void Reloader::tellEnd(What what, bool isDone) const {
+    if (what == What::kEverything && hooks_.onReload)
+        hooks_.onReload(isDone);
+    if (what == What::kServers && hooks_.onRefresh)
+        hooks_.onRefresh(isDone ? loaded_->failures.size() : 1);
 }
 
 void Reloader::use(Reading& reading) {
@@ -272,6 +284,7 @@ void Reloader::keepPasswordFile(Configuration::Settings& settings) const {
 
 void Reloader::warnOfSettingsThatNeedARestart(const Configuration::Settings& settings) const {
     if (settings.server != settings_.server || settings.log != settings_.log ||
+        settings.security.scheme != settings_.security.scheme ||
         settings.security.credentialLifetime != settings_.security.credentialLifetime)
         Base::log("tesk", TeskTraceLog::SeverityWarning,
                   "Changes of [server], [log] and credential_lifetime take effect at the next "

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
@@ -36,6 +37,14 @@ struct ReloaderHooks {
 
     /// Gives the service new users. Errors: as replace.
     std::function<void(Security::UserTable users)> setUsers;
+
+    /// Called after each reading of everything with whether it is used. May be empty; must not
+    /// throw.
+    std::function<void(bool isDone)> onReload = nullptr;
+
+    /// Called when servers have been asked again, with the number of failures; for a reading that
+    /// is not used that is 1. As onReload.
+    std::function<void(std::size_t failures)> onRefresh = nullptr;
 
     /// Has goOn() called soon. Called by the thread that reads the classes.
     std::function<void()> wake;
@@ -88,6 +97,7 @@ class Reloader {
     void beginReading(What what) noexcept;
     void finishReading() noexcept;
     void use(Reading& reading);
+    void tellEnd(What what, bool isDone) const;
     void useSettings(Configuration::Settings& settings) noexcept;
     void refresh(Reading& reading);
     void tellFailures(const Loading::LoadedRepository& before) const;

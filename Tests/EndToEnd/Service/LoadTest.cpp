@@ -64,7 +64,7 @@ class DirectDocuments {
           host_(repository_, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                 std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() /
                     TESK_INSTALLATION_DIR),
-          client_(host_.manager(), "192.0.2.1:5985") {}
+          client_(host_.manager(), {.host = "192.0.2.1:5985"}) {}
 
     [[nodiscard]] std::vector<std::string> paths() const {
         std::vector<std::string> paths;

@@ -43,8 +43,8 @@ TEST_F(ServiceStart, WarnsOfPasswordsInClearTextWhereOtherMachinesListen) {
     start();
     expectedLog_ = {
         "warning tesk: Other machines reach http://0.0.0.0:" + std::to_string(port(1)) +
-        ", and passwords travel there in clear text: put a TLS proxy in front of it, or "
-        "listen on 127.0.0.1 only"};
+        ", and passwords travel there in clear text: use tls_listen in [server] instead, put a "
+        "TLS proxy in front of it, or listen on 127.0.0.1 only"};
 }
 
 TEST_F(ServiceStart, WarnsOfRoot) {

@@ -65,6 +65,21 @@ std::string textOf(const Settings& settings) {
     for (const Http::ListenAddress& listen : server.listen)
         addresses.push_back(listen.address + ":" + std::to_string(listen.port));
     text += line("listen", joined(addresses));
+    addresses.clear();
+    for (const Http::ListenAddress& listen : server.tlsListen)
+        addresses.push_back(listen.address + ":" + std::to_string(listen.port));
+    text += line("tls_listen", joined(addresses));
+    text += line("tls_certificate", server.tls.certificateFile);
+    text += line("tls_key", server.tls.keyFile);
+    text += line("tls_client_ca", server.tls.clientAuthorityFile);
+    const auto& admin = settings.adminListen;
+    text += line("admin_listen",
+                 admin ? admin->address + ":" + std::to_string(admin->port) : std::string());
+    const auto& published = server.publishedAddress;
+    text += line("published_address",
+                 published ? (published->isHttps ? "https://" : "http://") + published->host : "");
+    text += line("authentication",
+                 settings.security.scheme == Security::Scheme::kBasic ? "basic" : "none");
     std::vector<std::string> proxies;
     for (const Http::Network& network : server.trustedProxies)
         proxies.push_back(network.toString());

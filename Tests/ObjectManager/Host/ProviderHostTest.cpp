@@ -75,7 +75,7 @@ TEST_F(ProviderHostTest, ServesTheClassesWhileItLives) {
         TSKString path = "providers";
         URMAConfigManager::cvtToAbsolutePath(path);
         EXPECT_EQ(path, TSKString((installation_ / "providers").c_str()));
-        const Host::MemoryClient client(host.manager(), "localhost");
+        const Host::MemoryClient client(host.manager(), {.host = "localhost"});
         EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "200");
         EXPECT_EQ(client.get("/root/test/TST_B.xsd").status(), "404");
         EXPECT_EQ(calls("Shutdown called"), 0);
@@ -98,7 +98,7 @@ TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     install(PLUGIN_FILE, kPlugin);
     Host::ProviderHost host(model_.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
                             installation_.path());
-    const Host::MemoryClient client(host.manager(), "localhost");
+    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     const TemporaryDirectory directory;
     const std::string mof = directory.write("b.mof", "class TST_B { string Name; };");
     const Loading::LoadedRepository other = Loading::loadRepository(

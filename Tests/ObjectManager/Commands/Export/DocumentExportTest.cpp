@@ -53,7 +53,7 @@ class DocumentExportTest : public testing::Test {
 
     [[nodiscard]] DocumentExportResult run(const TSKSmrPtr<Repository::ClassRepository>& repository,
                                            const DocumentExportOptions& options = {}) const {
-        const Host::MemoryClient client(manager_, "host:1");
+        const Host::MemoryClient client(manager_, {.host = "host:1"});
         OutputDirectory output = OutputDirectory::create(directory_.path(), "export");
         output.lock();
         return exportDocuments(Commands::selectAllClasses(*repository), client, output, options);
@@ -94,7 +94,7 @@ TEST_F(DocumentExportTest, WritesBothDocumentsOfEachClassIntoTheDirectoryOfTheNa
 TEST_F(DocumentExportTest, WritesOnlyWhatIsSelected) {
     const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B"}}, {"test/b", {"C"}}});
-    const Host::MemoryClient client(manager_, "host");
+    const Host::MemoryClient client(manager_, {.host = "host"});
     const DocumentExportResult result =
         exportDocuments(Commands::selectClasses(*repository, {"b"}), client,
                         OutputDirectory::create(directory_.path(), "export"), {});
@@ -220,7 +220,7 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
         DocumentExportOptions options;
         options.isStopped = [&] { return done >= documents; };
         options.onDocumentDone = [&] { ++done; };
-        const Host::MemoryClient client(manager_, "host");
+        const Host::MemoryClient client(manager_, {.host = "host"});
         const DocumentExportResult result =
             exportDocuments(Commands::selectAllClasses(*repository), client,
                             OutputDirectory::create(directory.path(), "export"), options);
@@ -382,7 +382,7 @@ TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
     ASSERT_TRUE(loaded.repository);
     const Host::ProviderHost host(loaded.repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   INSTALLATION_DIRECTORY);
-    const Host::MemoryClient client(host.manager(), "[2001:db8::1]:8080");
+    const Host::MemoryClient client(host.manager(), {.host = "[2001:db8::1]:8080"});
     const TemporaryDirectory directory;
     const DocumentExportResult result =
         exportDocuments(Commands::selectAllClasses(*loaded.repository), client,
