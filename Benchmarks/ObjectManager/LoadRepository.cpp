@@ -5,11 +5,11 @@
 #include <cstdio>
 
 #include "Benchmarks/Support/ProcessUsage.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 
 int main(int argc, char** argv) {
-    Repository::NamespaceSource source = {.name = "root/cimv2", .paths = {argv + 1, argv + argc}};
-    const Repository::LoadedRepository loaded = Repository::loadRepository({source}, {}, {});
+    Loading::NamespaceSource source = {.name = "root/cimv2", .paths = {argv + 1, argv + argc}};
+    const Loading::LoadedRepository loaded = Loading::loadRepository({source}, {}, {});
     if (!loaded.repository) {
         for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
             std::fputs(diagnostic.toString().c_str(), stderr);

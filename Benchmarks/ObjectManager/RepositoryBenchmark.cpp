@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Benchmarks/Support/GeneratedModel.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -76,7 +76,7 @@ BENCHMARK(loadGeneratedModel)
 void findClass(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const TemporaryDirectory directory;
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{.name = "root/cimv2", .paths = {writeGeneratedModel(directory.path(), count)}}}, {}, {});
     // In lower case, as paths of requests are asked for.
     std::vector<TSKString> names;

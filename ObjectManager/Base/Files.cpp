@@ -49,40 +49,20 @@ std::string temporaryName(std::string_view prefix) {
     return std::string(prefix) + std::to_string(getpid()) + "-" + std::to_string(++lastNumber);
 }
 
-// A new file in a directory, which is removed again unless it gets its final name.
-class TemporaryFile {
-  public:
-    TemporaryFile(const FileDescriptor& directory, std::string_view prefix, mode_t mode)
-        : directory_(directory.get()) {
-        constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-        // A name that is taken was left behind by a process that was killed, or is in use on
-        // another machine.
-        do {
-            name_ = temporaryName(prefix);
-            file_ = FileDescriptor(openat(directory_, name_.c_str(), kFlags, mode));
-        } while (!file_.isOpen() && errno == EEXIST);
-        require(file_.isOpen());
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (!isInPlace_)
-            unlinkat(directory_, name_.c_str(), 0);
-    }
-
-    [[nodiscard]] FileDescriptor& file() noexcept { return file_; }
-
-    void moveIntoPlace(const std::string& name) {
-        require(renameat(directory_, name_.c_str(), directory_, name.c_str()) == 0);
-        isInPlace_ = true;
-    }
-
-  private:
-    int directory_;
-    std::string name_;
-    FileDescriptor file_;
-    bool isInPlace_ = false;
-};
+// Makes a file and finds a name for it that is free in the directory.
+FileDescriptor createTemporary(const FileDescriptor& directory, std::string_view prefix,
+                               mode_t mode, std::string& name) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    FileDescriptor file;
+    // A name that is taken was left behind by a process that was killed, or is in use on another
+    // machine.
+    do {
+        name = temporaryName(prefix);
+        file = FileDescriptor(openat(directory.get(), name.c_str(), kFlags, mode));
+    } while (!file.isOpen() && errno == EEXIST);
+    require(file.isOpen());
+    return file;
+}
 
 // Not all file systems tell the type along with the name.
 DirectoryEntry::Kind kindOf(const FileDescriptor& directory, const dirent& entry) noexcept {
@@ -265,17 +245,39 @@ void writeAll(const FileDescriptor& file, std::string_view bytes) {
     }
 }
 
+PreparedFile::PreparedFile(const FileDescriptor& directory, std::string name,
+                           std::string_view content, const ReplaceOptions& options)
+    : directory_(directory.get()), name_(std::move(name)) {
+    const std::string prefix =
+        options.temporaryPrefix.empty() ? name_ + "." : std::string(options.temporaryPrefix);
+    std::string temporaryName;
+    FileDescriptor file = createTemporary(directory, prefix, options.mode, temporaryName);
+    try {
+        if (options.keepsOwner)
+            takeOwner(file, directory, name_);
+        writeAll(file, content);
+        require(!options.isDurable || fsync(file.get()) == 0);
+        file.close();
+    } catch (...) {
+        unlinkat(directory_, temporaryName.c_str(), 0);
+        throw;
+    }
+    temporaryName_ = std::move(temporaryName);
+}
+
+PreparedFile::~PreparedFile() {
+    if (!temporaryName_.empty())
+        unlinkat(directory_, temporaryName_.c_str(), 0);
+}
+
+void PreparedFile::moveIntoPlace() {
+    require(renameat(directory_, temporaryName_.c_str(), directory_, name_.c_str()) == 0);
+    temporaryName_.clear();
+}
+
 void replaceFile(const FileDescriptor& directory, const std::string& name, std::string_view content,
                  const ReplaceOptions& options) {
-    const std::string prefix =
-        options.temporaryPrefix.empty() ? name + "." : std::string(options.temporaryPrefix);
-    TemporaryFile temporary(directory, prefix, options.mode);
-    if (options.keepsOwner)
-        takeOwner(temporary.file(), directory, name);
-    writeAll(temporary.file(), content);
-    require(!options.isDurable || fsync(temporary.file().get()) == 0);
-    temporary.file().close();
-    temporary.moveIntoPlace(name);
+    PreparedFile(directory, name, content, options).moveIntoPlace();
     require(!options.isDurable || fsync(directory.get()) == 0);
 }
 

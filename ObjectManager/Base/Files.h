@@ -142,6 +142,28 @@ struct ReplaceOptions {
     std::string_view temporaryPrefix = {};
 };
 
+/// A file that has its content, but not its name yet: it is a temporary one until then.
+///
+/// Thread safety: belongs to one thread.
+class PreparedFile {
+  public:
+    /// For the file `name` of `directory`, which must stay open as long as this lives.
+    PreparedFile(const FileDescriptor& directory, std::string name, std::string_view content,
+                 const ReplaceOptions& options = {});
+    PreparedFile(const PreparedFile&) = delete;
+    PreparedFile& operator=(const PreparedFile&) = delete;
+    /// Removes the temporary file unless it was moved.
+    ~PreparedFile();
+
+    /// To be called once.
+    void moveIntoPlace();
+
+  private:
+    int directory_;
+    std::string name_;
+    std::string temporaryName_;  // empty once it is moved
+};
+
 /// Makes `content` the content of the file `name` in `directory`: it is written to a temporary
 /// file, which is then renamed. Others find the old file or the new one, never a part, and a reader
 /// that has the old one open goes on reading that. A symbolic link is replaced, not followed.

@@ -80,14 +80,18 @@ class CimServer::Implementation {
 
     [[nodiscard]] NamespaceContent read(const std::string& nameSpace,
                                         const std::vector<std::string>& patterns,
-                                        const std::stop_token& stop) {
+                                        const std::stop_token& stop,
+                                        std::optional<std::uint64_t> known) {
         requireNamespaceName(nameSpace);
         http_.restartTime();
         ClassCollection classes(name() + ": " + nameSpace, options_.limits);
         readQualifiers(classes, nameSpace, stop);
         if (!readAllClasses(classes, nameSpace, stop))
             readClassesByName(classes, nameSpace, patterns, stop);
-        return {.compilation = classes.declarations(patterns), .digest = classes.digest()};
+        const std::uint64_t digest = classes.digest();
+        if (digest == known)
+            return {.compilation = {}, .digest = digest};
+        return {.compilation = classes.declarations(patterns), .digest = digest};
     }
 
   private:
@@ -247,6 +251,11 @@ class CimServer::Implementation {
     HttpClient http_;
 };
 
+void requireServerUrl(const std::string& url) {
+    const ServerOptions options = {.url = url};
+    (void)HttpClient(options);
+}
+
 CimServer::CimServer(ServerOptions options)
     : implementation_(std::make_unique<Implementation>(std::move(options))) {}
 
@@ -262,8 +271,8 @@ std::vector<std::string> CimServer::namespaces(const std::stop_token& stop) {
 
 NamespaceContent CimServer::read(const std::string& nameSpace,
                                  const std::vector<std::string>& patterns,
-                                 const std::stop_token& stop) {
-    return implementation_->read(nameSpace, patterns, stop);
+                                 const std::stop_token& stop, std::optional<std::uint64_t> known) {
+    return implementation_->read(nameSpace, patterns, stop, known);
 }
 
 }  // namespace CimXml

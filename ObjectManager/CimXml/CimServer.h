@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -22,6 +23,9 @@ struct NamespaceContent {
     /// same process.
     std::uint64_t digest = 0;
 };
+
+/// Throws a ServerError of the kind kOptions unless `url` is like ServerOptions::url.
+void requireServerUrl(const std::string& url);
 
 /// A CIM server that runs, asked by CIM-XML (DMTF DSP0200 and DSP0201 over HTTP).
 ///
@@ -47,10 +51,12 @@ class CimServer {
     [[nodiscard]] std::vector<std::string> namespaces(const std::stop_token& stop = {});
 
     /// Reads qualifiers and classes of a namespace; of the classes, those whose names fit one of
-    /// `patterns` (Base::NamePattern), and their superclasses. All without a pattern.
+    /// `patterns` (Base::NamePattern), and their superclasses. All without a pattern. When the
+    /// digest is `known`, the compilation is empty: the caller has it from an earlier reading.
     [[nodiscard]] NamespaceContent read(const std::string& nameSpace,
                                         const std::vector<std::string>& patterns = {},
-                                        const std::stop_token& stop = {});
+                                        const std::stop_token& stop = {},
+                                        std::optional<std::uint64_t> known = {});
 
   private:
     class Implementation;

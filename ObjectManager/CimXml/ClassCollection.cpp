@@ -106,6 +106,7 @@ class ClassCollection::Making {
         declaration.name = {.text = from.name, .position = position};
         declaration.superclass = {.text = from.superclass, .position = position};
         try {
+            requireNoReservedWord(from.name, position);
             for (const Part& part : from.parts)
                 addPart(declaration, from, part.element());
         } catch (const ElementFault& fault) {

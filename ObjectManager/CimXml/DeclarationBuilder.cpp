@@ -246,6 +246,14 @@ bool isName(std::string_view text) noexcept {
            Base::isUtf8(text);
 }
 
+void requireNoReservedWord(std::string_view name, const Mof::Position& position) {
+    if (Mof::isReservedWord(name)) {
+        throw ElementFault{.position = position,
+                           .message = "the word " + Base::quoted(name) +
+                                      " is reserved in MOF, so it cannot be a name"};
+    }
+}
+
 void Overridden::add(const Element& element) {
     isEmpty_ = false;
     for (const Element child : element.children()) {
@@ -292,7 +300,6 @@ Mof::QualifierDeclaration DeclarationBuilder::qualifierDeclaration(const Element
     Mof::QualifierDeclaration declaration;
     declaration.name = nameOf(element);
     declaration.type = typeOf(element);
-    declaration.type.isArray = element.isTrue(Attribute::kIsArray);
     declaration.flavors = flavorsOf(element);
     bool hasScope = false;
     for (const Element child : element.children()) {
@@ -378,6 +385,7 @@ Mof::Name DeclarationBuilder::nameOf(const Element& element) const {
     const std::string_view name = nameIn(element);
     if (!isName(name))
         fail(shown(name) + " is not a name");
+    requireNoReservedWord(name, position_);
     return {.text = TSKString(name), .position = position_};
 }
 
@@ -385,14 +393,17 @@ Mof::Type DeclarationBuilder::typeOf(const Element& element) const {
     const Tag tag = element.tag();
     Mof::Type type;
     type.isArray = tag == Tag::kPropertyArray || tag == Tag::kParameterArray ||
-                   tag == Tag::kParameterReferenceArray;
+                   tag == Tag::kParameterReferenceArray ||
+                   (tag == Tag::kQualifierDeclaration && element.isTrue(Attribute::kIsArray));
     if (tag == Tag::kPropertyReference || tag == Tag::kParameterReference ||
         tag == Tag::kParameterReferenceArray) {
         const std::string_view name = element.attribute(Attribute::kReferenceClass).value_or("");
         if (!isName(name))
             fail("the name of the referenced class is " + shown(name));
+        requireNoReservedWord(name, position_);
         type.dataType = Mof::DataType::kReference;
-        type.referencedClass = {.text = TSKString(name), .position = position_};
+        type.referencedClass.text = TSKString(name);
+        type.referencedClass.position = position_;
     } else {
         const std::string_view name = element.attribute(Attribute::kType).value_or("");
         const std::optional<Mof::DataType> dataType = dataTypeOf(name);
@@ -400,7 +411,8 @@ Mof::Type DeclarationBuilder::typeOf(const Element& element) const {
             fail("the type " + shown(name) + " is unknown");
         type.dataType = *dataType;
     }
-    if (const std::optional<std::string_view> size = element.attribute(Attribute::kArraySize)) {
+    const std::optional<std::string_view> size = element.attribute(Attribute::kArraySize);
+    if (size && type.isArray) {
         const std::optional<Mof::Literal> number = integerOf(withoutSpaces(*size));
         if (!number || number->isNegative || number->magnitude == 0)
             fail("the size of an array is " + shown(*size));

@@ -107,6 +107,10 @@ class DeclarationBuilder {
 /// A); characters beyond ASCII count as letters.
 [[nodiscard]] bool isName(std::string_view text) noexcept;
 
+/// What comes from a server can be written as MOF, whatever it is used for.
+/// Errors: ElementFault where a name is a word that cannot be one in MOF.
+void requireNoReservedWord(std::string_view name, const Mof::Position& position);
+
 /// Whether a qualifier says what the same one of a superclass says and passes on.
 [[nodiscard]] bool isPassedOn(const Element& above, const Element& qualifier) noexcept;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <string>
@@ -41,6 +42,13 @@ struct Limits {
 
     /// All requests that reading a namespace takes.
     std::chrono::milliseconds totalTimeout = std::chrono::minutes(5);
+
+    /// Sets totalTimeout, and lowers the other times to it.
+    void setTotalTimeout(std::chrono::milliseconds time) noexcept {
+        totalTimeout = time;
+        connectTimeout = std::min(connectTimeout, time);
+        stallTimeout = std::min(stallTimeout, time);
+    }
 
     friend bool operator==(const Limits&, const Limits&) = default;
 };

@@ -60,10 +60,11 @@ std::string usageMessage(const CLI::App* program, const CLI::Error& error) {
     return command + ": " + reasonOf(*program, error) + whereToReadMore(command);
 }
 
-// Calls `take`; returns what is wrong with the value, nothing if it is right.
-std::string validate(const Option::TakeText& take, const std::string& value) {
+// Calls `check`; returns what is wrong, nothing if all is right.
+template <typename Check>
+std::string faultOf(const Check& check) {
     try {
-        take(value);
+        check();
         return {};
     } catch (const TeskBaseException& error) {
         return error.getMessage().data();
@@ -75,7 +76,7 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
     return command.add_option_function<std::string>(
         name,
         [name, take](const std::string& value) {
-            const std::string fault = validate(take, value);
+            const std::string fault = faultOf([&] { take(value); });
             if (!fault.empty())
                 throw CLI::ValidationError(name, fault);
         },
@@ -99,13 +100,16 @@ void addOption(CLI::App& command, const Option& option) {
     if (!option.value.empty())
         added->type_name(option.value)->allow_extra_args(false);
     if (option.check) {
-        added->check(
-            [check = option.check](const std::string& value) { return validate(check, value); });
+        added->check([check = option.check](const std::string& value) {
+            return faultOf([&] { (void)check(value); });
+        });
     }
     if (option.range)
         added->check(CLI::Range(option.range->least, option.range->most).description(""));
     if (!option.excludes.empty())
         added->excludes(command.get_option(option.excludes));
+    if (!option.needs.empty())
+        added->needs(command.get_option(option.needs));
 }
 
 void addCommand(CLI::App& app, const Command& command) {
@@ -114,6 +118,14 @@ void addCommand(CLI::App& app, const Command& command) {
     added->group("Commands");
     for (const Option& option : command.options)
         addOption(*added, option);
+    if (!command.check)
+        return;
+    added->final_callback([check = command.check] {
+        const std::string fault = faultOf(check);
+        // The message names the options itself.
+        if (!fault.empty())
+            throw CLI::ValidationError(fault);
+    });
 }
 
 }  // namespace

@@ -49,6 +49,9 @@ struct Option {
 
     /// The name of an option before this one that cannot be given together with it.
     std::string excludes = {};
+
+    /// The name of an option before this one without which this one makes no sense.
+    std::string needs = {};
 };
 
 /// A command, such as `tesk export`.
@@ -58,6 +61,9 @@ struct Command {
     std::string details;          ///< what the help shows below the options
     std::vector<Option> options;  ///< in the order of the help
     Action run;                   ///< called when all options have their values
+
+    /// Called before that; throws a TeskBaseException that says which options do not fit together.
+    std::function<void()> check = {};
 };
 
 /// A program that consists of commands.

@@ -13,8 +13,14 @@ namespace Commands {
 /// `tesk export` writes the documents into a directory.
 [[nodiscard]] Command exportCommand();
 
+/// `tesk import` writes the classes of a CIM server as MOF files.
+[[nodiscard]] Command importCommand();
+
 /// `tesk check` looks for what is wrong with the documents.
 [[nodiscard]] Command checkCommand();
+
+/// `tesk diff` says what changes between two versions of a model.
+[[nodiscard]] Command diffCommand();
 
 /// `tesk classes` lists classes or describes one.
 [[nodiscard]] Command classesCommand();

@@ -28,8 +28,9 @@ Commands::Program makeProgram() {
             "A small CIM object manager that publishes WSDL and XML Schema documents of "
             "its classes",
         .details = kExamples,
-        .commands = {Commands::serveCommand(), Commands::exportCommand(), Commands::checkCommand(),
-                     Commands::classesCommand(), Commands::passwdCommand()}};
+        .commands = {Commands::serveCommand(), Commands::exportCommand(), Commands::importCommand(),
+                     Commands::checkCommand(), Commands::diffCommand(), Commands::classesCommand(),
+                     Commands::passwdCommand()}};
 }
 
 // Does what the command line asks for. Returns the exit status.

@@ -9,7 +9,7 @@
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Configuration/SettingsReader.h"
 #include "ObjectManager/Host/InstallationPaths.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -17,7 +17,7 @@ namespace Commands {
 
 namespace {
 
-std::vector<Repository::NamespaceSource> sampleModel() {
+std::vector<Loading::NamespaceSource> sampleModel() {
     const std::filesystem::path models = Host::InstallationPaths::ofThisProgram().models;
     return {{.name = "root/cimv2", .paths = {models / "cimv2/cimv2.mof"}},
             {.name = "interop", .paths = {models / "interop/interop.mof"}}};
@@ -50,14 +50,35 @@ void warnOfOmittedClasses(const Repository::CimNamespace& nameSpace, std::ostrea
                  << " left out likewise\n";
 }
 
-}  // namespace
+// In place of the namespaces of the configuration.
+void useServer(const ModelOptions& options, Configuration::Settings& settings) {
+    settings.servers = {serverSource(options.server)};
+    settings.namespaces.clear();
+    for (const std::string& text : options.namespaces)
+        settings.namespaces.push_back(Configuration::parseServerNamespaceOption(text));
+    if (settings.namespaces.empty())
+        settings.namespaces.push_back({.name = ""});
+    for (Loading::NamespaceSource& source : settings.namespaces) {
+        source.server = kServerOption;
+        source.patterns = options.serverClasses;
+    }
+}
 
-Configuration::Settings readSettings(const ModelOptions& options, std::ostream& messages) {
-    Configuration::Settings settings = readConfiguration(options, messages);
+void useFiles(const ModelOptions& options, Configuration::Settings& settings) {
     if (!options.namespaces.empty())
         settings.namespaces.clear();
     for (const std::string& text : options.namespaces)
         settings.namespaces.push_back(Configuration::parseNamespaceOption(text));
+}
+
+}  // namespace
+
+Configuration::Settings readSettings(const ModelOptions& options, std::ostream& messages) {
+    Configuration::Settings settings = readConfiguration(options, messages);
+    if (options.server.url.empty())
+        useFiles(options, settings);
+    else
+        useServer(options, settings);
     settings.includePath.insert(settings.includePath.end(), options.includePath.begin(),
                                 options.includePath.end());
     if (settings.namespaces.empty()) {
@@ -65,13 +86,17 @@ Configuration::Settings readSettings(const ModelOptions& options, std::ostream& 
         // Its namespaces share files.
         settings.includePath.push_back(Host::InstallationPaths::ofThisProgram().models);
     }
+    for (Loading::ServerSource& server : settings.servers)
+        messages << complete(server.options);
     return settings;
 }
 
-TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& settings,
-                                                 std::ostream& messages) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository(settings.namespaces, settings.includePath, settings.repository);
+Loading::LoadedRepository loadModel(const Configuration::Settings& settings, std::ostream& messages,
+                                    const Loading::LoadOptions& how) {
+    Loading::LoadedRepository loaded = Loading::loadSources({.namespaces = settings.namespaces,
+                                                             .servers = settings.servers,
+                                                             .includePath = settings.includePath},
+                                                            settings.repository, how);
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)
         messages << diagnostic.toString();
     if (!loaded.repository) {
@@ -83,11 +108,13 @@ TSKSmrPtr<Repository::ClassRepository> loadModel(const Configuration::Settings& 
         if (nameSpace.classes().empty())
             messages << "tesk: warning: the namespace " << nameSpace.name() << " has no class\n";
     }
-    return loaded.repository;
+    return loaded;
 }
 
 TSKSmrPtr<Repository::ClassRepository> loadModel(const ModelOptions& options) {
-    return loadModel(readSettings(options, std::cerr), std::cerr);
+    ModelOptions complete = options;
+    askForPassword(complete.server);
+    return loadModel(readSettings(complete, std::cerr), std::cerr).repository;
 }
 
 std::string contentText(const Repository::ClassRepository& repository) {

@@ -5,6 +5,7 @@
 
 #include "ObjectManager/Commands/SharedOptions.h"
 #include "ObjectManager/Configuration/Settings.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "Platform/Util/TSKSmrPtr.h"
 
@@ -18,10 +19,11 @@ namespace Commands {
 [[nodiscard]] Configuration::Settings readSettings(const ModelOptions& options,
                                                    std::ostream& messages);
 
-/// Compiles the classes. Errors in them and warnings are written to `messages`.
-/// Errors: TeskBaseException when the classes have errors.
-[[nodiscard]] TSKSmrPtr<Repository::ClassRepository> loadModel(
-    const Configuration::Settings& settings, std::ostream& messages);
+/// Loads the classes. Errors in them and warnings are written to `messages`.
+/// Errors: those of Loading::loadSources(); TeskBaseException when the classes have errors.
+[[nodiscard]] Loading::LoadedRepository loadModel(const Configuration::Settings& settings,
+                                                  std::ostream& messages,
+                                                  const Loading::LoadOptions& how = {});
 
 /// The classes that the options of a command name; messages go to standard error.
 /// Errors: those of both.

@@ -9,6 +9,8 @@
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/CimXml/Requests.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -75,6 +77,27 @@ Http::ListenAddress parseListenAddress(std::string_view text) {
          "\"[::1]:5985\"");
 }
 
+Http::ListenAddress parseAdminAddress(std::string_view text) {
+    if (const auto port = parsePort(text))
+        return {.address = "127.0.0.1", .port = *port};
+    return parseListenAddress(text);
+}
+
+Host::PublishedAddress parsePublishedAddress(std::string_view text) {
+    constexpr std::string_view kHttp = "http://";
+    constexpr std::string_view kHttps = "https://";
+    const bool isHttps = Base::startsWithIgnoringCase(text, kHttps);
+    if (isHttps || Base::startsWithIgnoringCase(text, kHttp)) {
+        std::string_view host = text.substr((isHttps ? kHttps : kHttp).size());
+        if (host.ends_with('/'))
+            host.remove_suffix(1);
+        if (Http::isHostWithPort(host))
+            return {.host = std::string(host), .isHttps = isHttps};
+    }
+    fail(Base::quoted(text) +
+         " is not the address of a service, such as \"https://cim.example.org:5986\"");
+}
+
 std::string parseNamespaceName(std::string_view text) {
     const std::string_view name = withoutSlashesAround(text);
     for (std::size_t start = 0; start <= name.size();) {
@@ -89,7 +112,7 @@ std::string parseNamespaceName(std::string_view text) {
     return std::string(name);
 }
 
-Repository::NamespaceSource parseNamespaceOption(std::string_view text) {
+Loading::NamespaceSource parseNamespaceOption(std::string_view text) {
     const std::size_t sign = text.find('=');
     if (sign == std::string_view::npos || sign + 1 == text.size()) {
         fail(Base::quoted(text) +
@@ -98,6 +121,26 @@ Repository::NamespaceSource parseNamespaceOption(std::string_view text) {
     }
     return {.name = parseNamespaceName(text.substr(0, sign)),
             .paths = {std::string(text.substr(sign + 1))}};
+}
+
+Loading::NamespaceSource parseServerNamespaceOption(std::string_view text) {
+    const std::string_view name = text.substr(0, text.find('='));
+    const bool isNamedOtherwise = name.size() < text.size();
+    return {.name = parseNamespaceName(name),
+            .remoteName = parseRemoteName(isNamedOtherwise ? text.substr(name.size() + 1) : name)};
+}
+
+std::string parseRemoteName(std::string_view text) {
+    const std::string_view name = withoutSlashesAround(text);
+    if (!CimXml::isNamespaceName(name))
+        fail(Base::quoted(text) + " is not the name of a namespace of a CIM server");
+    return std::string(name);
+}
+
+std::string parseServerUser(std::string_view text) {
+    if (text.empty() || text.find(':') != std::string_view::npos)
+        fail("a user has at least one character, and no colon");
+    return std::string(text);
 }
 
 }  // namespace Configuration

@@ -9,6 +9,7 @@
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/Files.h"
 #include "ObjectManager/Base/Text.h"
+#include "ObjectManager/CimXml/CimServer.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Configuration/Table.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -23,6 +24,11 @@ constexpr std::size_t kMaxFileSize = 1'048'576;
 
 constexpr std::chrono::milliseconds kShortestTimeout(1);
 
+[[noreturn]] void fail(const std::string& message) {
+    throw TeskBaseException("Configuration::SettingsReader", TSKString(message),
+                            CIM_ERR_INVALID_PARAMETER);
+}
+
 // The directory of the configuration file, which paths in it are relative to.
 class Directory {
   public:
@@ -32,9 +38,7 @@ class Directory {
     // The path from the current directory.
     [[nodiscard]] std::string resolve(const std::string& path) const {
         if (path.empty() || path.find('\0') != std::string::npos) {
-            throw TeskBaseException("Configuration::Directory",
-                                    "a path must have at least one character, and no zero byte",
-                                    CIM_ERR_INVALID_PARAMETER);
+            fail("a path must have at least one character, and no zero byte");
         }
         return (path_ / path).string();
     }
@@ -48,8 +52,52 @@ class Directory {
     std::filesystem::path path_;
 };
 
+// A namespace of a server: { server = "NAME", namespace = "root/cimv2", classes = ["CIM_*"] }.
+void readServerNamespace(Table table, const std::vector<Loading::ServerSource>& servers,
+                         Loading::NamespaceSource& source) {
+    table.readText("server", "the name of a server", [&](const std::string& name) {
+        if (std::ranges::find(servers, name, &Loading::ServerSource::name) == servers.end()) {
+            fail("there is no table [servers." + name + "]");
+        }
+        source.server = name;
+    });
+    table.readText("namespace", "the name of a namespace",
+                   [&](const std::string& name) { source.remoteName = parseRemoteName(name); });
+    table.readTexts("classes", "a name of classes", 0,
+                    [&](const std::string& pattern) { source.patterns.push_back(pattern); });
+    table.reportUnknownKeys();
+}
+
+// Stands for all namespaces that a server names.
+constexpr std::string_view kAllNamespaces = "*";
+
+void readNamespace(Table& table, const std::string& key, const Directory& directory,
+                   const std::vector<Loading::ServerSource>& servers,
+                   Loading::NamespaceSource& source) {
+    if (!table.isTable(key)) {
+        table.readTexts(key, "a MOF file or a directory", 1, [&](const std::string& path) {
+            source.paths.push_back(directory.resolve(path));
+        });
+        source.name = parseNamespaceName(key);
+        return;
+    }
+    Table serverTable = table.readTable(key);
+    if (!serverTable.has("server")) {
+        fail(Base::quoted(key) +
+             " in [namespaces] must be a MOF file, a directory, a list of such, or a table with a "
+             "\"server\"");
+    }
+    readServerNamespace(std::move(serverTable), servers, source);
+    if (key == kAllNamespaces)
+        return;
+    source.name = parseNamespaceName(key);
+    if (source.remoteName.empty())
+        source.remoteName = source.name;
+}
+
 void readNamespaces(Table table, const Directory& directory,
-                    std::vector<Repository::NamespaceSource>& namespaces) {
+                    const std::vector<Loading::ServerSource>& servers,
+                    std::vector<Loading::NamespaceSource>& namespaces) {
     for (const std::string& key : table.keys()) {
         // A key below a table heading belongs to that table.
         if (key == "include_path") {
@@ -57,17 +105,14 @@ void readNamespaces(Table table, const Directory& directory,
                          "\"include_path\" must stand above [namespaces] and all other tables");
             continue;
         }
-        Repository::NamespaceSource source;
-        table.readTexts(key, "a MOF file or a directory", 1, [&](const std::string& path) {
-            source.paths.push_back(directory.resolve(path));
-        });
+        Loading::NamespaceSource source;
         try {
-            source.name = parseNamespaceName(key);
+            readNamespace(table, key, directory, servers, source);
         } catch (const TeskBaseException& exception) {
             table.reject(key, exception.getMessage().data());
             continue;
         }
-        const auto isSame = [&](const Repository::NamespaceSource& other) {
+        const auto isSame = [&](const Loading::NamespaceSource& other) {
             return Base::equalsIgnoringCase(other.name, source.name);
         };
         if (std::ranges::any_of(namespaces, isSame))
@@ -77,11 +122,63 @@ void readNamespaces(Table table, const Directory& directory,
     }
 }
 
+void readServerSource(Table table, const Directory& directory, Loading::ServerSource& source) {
+    CimXml::ServerOptions& options = source.options;
+    const auto readPath = [&](std::string_view key, std::string& target) {
+        table.readText(key, "a path", [&](const std::string& path) {
+            target = directory.resolveUnlessEmpty(path);
+        });
+    };
+    table.readText("url", "an address", [&](const std::string& url) {
+        CimXml::requireServerUrl(url);
+        options.url = url;
+    });
+    table.readText("user", "a user", [&](const std::string& user) {
+        options.user = user.empty() ? user : parseServerUser(user);
+    });
+    readPath("password_file", source.passwordFile);
+    readPath("cacert", options.authoritiesFile);
+    readPath("certificate", options.certificateFile);
+    readPath("key", options.keyFile);
+    table.readBoolean("verify", options.verifiesCertificate);
+    std::chrono::milliseconds timeout = options.limits.totalTimeout;
+    table.readSeconds("timeout", kShortestTimeout, timeout);
+    options.limits.setTotalTimeout(timeout);
+    table.readBoolean("local_only", options.localOnly);
+    std::vector<std::string> interop;
+    table.readTexts("interop_namespaces", "the name of a namespace", 1,
+                    [&](const std::string& name) { interop.push_back(parseRemoteName(name)); });
+    if (!interop.empty())
+        options.interopNamespaces = std::move(interop);
+    table.reportUnknownKeys();
+}
+
+void readServers(Table table, const Directory& directory,
+                 std::vector<Loading::ServerSource>& servers) {
+    for (const std::string& name : table.keys()) {
+        Table serverTable = table.readTable(name);
+        if (!table.isTable(name))
+            continue;
+        const bool hasUrl = serverTable.has("url");
+        Loading::ServerSource source = {.name = name};
+        readServerSource(std::move(serverTable), directory, source);
+        if (!hasUrl)
+            table.reject(name, "[servers." + name + "] must have a \"url\"");
+        if (source.options.user.empty() != source.passwordFile.empty()) {
+            table.reject(name, "[servers." + name +
+                                   "] must have both a \"user\" and a \"password_file\", or "
+                                   "neither");
+        }
+        servers.push_back(std::move(source));
+    }
+}
+
 // Of a document without any member, and a terabyte.
 constexpr std::int64_t kLeastSize = 16'384;
 constexpr std::int64_t kMostSize = 1'099'511'627'776;
 
-void readRepository(Table table, Repository::Options& settings) {
+void readRepository(Table table, const Directory& directory, Repository::Options& settings,
+                    RefreshSettings& refresh) {
     table.readChoice<Repository::PropertyOrder>(
         "property_order",
         {{"name", Repository::PropertyOrder::kName},
@@ -90,16 +187,44 @@ void readRepository(Table table, Repository::Options& settings) {
     table.readBoolean("escape_descriptions", settings.escapeDescriptions);
     table.readInteger("max_document_size", kLeastSize, kMostSize, settings.maxDocumentSize);
     table.readInteger("max_model_size", kLeastSize, kMostSize, settings.maxModelSize);
+    table.readSeconds("refresh", std::chrono::milliseconds(0), refresh.interval);
+    table.readText("cache", "a path", [&](const std::string& path) {
+        refresh.cacheDirectory = directory.resolveUnlessEmpty(path);
+    });
     table.reportUnknownKeys();
 }
 
-void readServer(Table table, Http::Options& settings) {
+void readServer(Table table, const Directory& directory, Settings& all) {
+    Http::Options& settings = all.server;
     std::vector<Http::ListenAddress> addresses;
     table.readTexts("listen", "an address with a port", 1, [&](const std::string& text) {
         addresses.push_back(parseListenAddress(text));
     });
-    if (!addresses.empty())
+    all.isListenSet = !addresses.empty();
+    if (all.isListenSet)
         settings.listen = std::move(addresses);
+    table.readTexts("tls_listen", "an address with a port", 0, [&](const std::string& text) {
+        settings.tlsListen.push_back(parseListenAddress(text));
+    });
+    const auto readPath = [&](std::string_view key, std::string& target) {
+        table.readText(key, "a path", [&](const std::string& path) {
+            target = directory.resolveUnlessEmpty(path);
+        });
+    };
+    readPath("tls_certificate", settings.tls.certificateFile);
+    readPath("tls_key", settings.tls.keyFile);
+    readPath("tls_client_ca", settings.tls.clientAuthorityFile);
+    table.readText("admin_listen", "an address with a port", [&](const std::string& text) {
+        if (!text.empty())
+            all.adminListen = parseAdminAddress(text);
+    });
+    table.readText("published_address", "an address", [&](const std::string& text) {
+        if (!text.empty())
+            settings.publishedAddress = parsePublishedAddress(text);
+    });
+    table.readChoice<Security::Scheme>(
+        "authentication", {{"basic", Security::Scheme::kBasic}, {"none", Security::Scheme::kNone}},
+        all.security.scheme);
     table.readTexts("trusted_proxies", "a network", 0, [&](const std::string& text) {
         settings.trustedProxies.push_back(Http::Network::parse(text));
     });
@@ -141,9 +266,10 @@ void readFile(Table table, const Directory& directory, Settings& settings) {
     table.readTexts("include_path", "a directory", 0, [&](const std::string& path) {
         settings.includePath.push_back(directory.resolve(path));
     });
-    readNamespaces(table.readTable("namespaces"), directory, settings.namespaces);
-    readRepository(table.readTable("repository"), settings.repository);
-    readServer(table.readTable("server"), settings.server);
+    readServers(table.readTable("servers"), directory, settings.servers);
+    readNamespaces(table.readTable("namespaces"), directory, settings.servers, settings.namespaces);
+    readRepository(table.readTable("repository"), directory, settings.repository, settings.refresh);
+    readServer(table.readTable("server"), directory, settings);
     readSecurity(table.readTable("security"), directory, settings.security);
     readLog(table.readTable("log"), directory, settings.log);
     table.reportUnknownKeys();

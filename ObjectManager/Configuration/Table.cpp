@@ -105,7 +105,13 @@ Table Table::readTable(std::string_view key) {
     if (node != nullptr && !node->is_table())
         reportWrong(key, *node, "a table");
     const bool isThere = node != nullptr && node->is_table();
-    return {isThere ? *node->as_table() : emptyTable(), std::string(key), *report_};
+    return {isThere ? *node->as_table() : emptyTable(),
+            name_.empty() ? std::string(key) : name_ + "." + std::string(key), *report_};
+}
+
+bool Table::isTable(std::string_view key) const {
+    const toml::node* const node = table_->get(key);
+    return node != nullptr && node->is_table();
 }
 
 void Table::readBoolean(std::string_view key, bool& target) {

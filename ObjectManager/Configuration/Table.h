@@ -43,6 +43,12 @@ class Table {
     /// A table in this one, an empty one if it is missing or wrong.
     [[nodiscard]] Table readTable(std::string_view key);
 
+    /// Whether the value of a key is a table; the key still counts as unknown.
+    [[nodiscard]] bool isTable(std::string_view key) const;
+
+    /// Whether there is such a key.
+    [[nodiscard]] bool has(std::string_view key) const { return table_->contains(key); }
+
     void readBoolean(std::string_view key, bool& target);
 
     /// A whole number from `least` to `most`.

@@ -20,8 +20,11 @@ class LocalToken : public urma::security::ISecurityToken {
 
 }  // namespace
 
-MemoryClient::Response::Response(std::string bytes)
-    : bytes_(std::move(bytes)), headerLength_(headerLength(bytes_)) {}
+MemoryClient::Response::Response(std::string bytes, bool isHttps)
+    : bytes_(std::move(bytes)), headerLength_(headerLength(bytes_)) {
+    if (const auto insertion = isHttps ? findHttpsInsertion(body()) : std::nullopt)
+        bytes_.insert(headerLength_ + *insertion, kHttpsInsertion);
+}
 
 std::string_view MemoryClient::Response::status() const noexcept {
     constexpr std::string_view kProtocol = "HTTP/1.1 ";  // or 1.0
@@ -39,12 +42,12 @@ std::string_view MemoryClient::Response::body() const noexcept {
     return headerLength_ == 0 ? std::string_view() : std::string_view(bytes_).substr(headerLength_);
 }
 
-MemoryClient::MemoryClient(const TeskProviderPluginManager& manager, TSKString host)
-    : manager_(manager), host_(std::move(host)) {}
+MemoryClient::MemoryClient(const TeskProviderPluginManager& manager, PublishedAddress address)
+    : manager_(manager), address_(std::move(address)) {}
 
 MemoryClient::Response MemoryClient::get(const TSKString& path) const {
     TSKHTTPRequest request("GET", path, "HTTP/1.1");
-    request.setHeaderField("Host", host_, false);
+    request.setHeaderField("Host", TSKString(std::string_view(address_.host)), false);
     ProviderCall call = callProvider(manager_, request, {.address = "localhost", .port = "0"});
     switch (call.outcome) {
         case ProviderCall::Outcome::kNotFound:
@@ -57,7 +60,7 @@ MemoryClient::Response MemoryClient::get(const TSKString& path) const {
         case ProviderCall::Outcome::kResponse:
             break;
     }
-    return Response(std::move(call.response));
+    return Response(std::move(call.response), address_.isHttps);
 }
 
 bool LocalAuthenticator::authenticateRequest(TSKHTTPRequest& /*request*/,

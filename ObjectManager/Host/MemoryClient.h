@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Host/PublishedAddress.h"
 #include "Platform/ProviderFramework/ITeskAuthenticator.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
@@ -17,8 +18,9 @@ class MemoryClient {
     /// The response of a provider.
     class Response {
       public:
-        /// `bytes` are the header section and the body as the provider wrote them.
-        explicit Response(std::string bytes);
+        /// `bytes` are the header section and the body as the provider wrote them. The address
+        /// in a WSDL document becomes one of https if `isHttps`.
+        explicit Response(std::string bytes, bool isHttps = false);
 
         /// The three digits, such as "200"; empty for what is no HTTP response.
         [[nodiscard]] std::string_view status() const noexcept;
@@ -29,8 +31,8 @@ class MemoryClient {
         std::size_t headerLength_;
     };
 
-    /// `manager` must outlive this. `host` is the header field Host, such as "localhost:5985".
-    MemoryClient(const TeskProviderPluginManager& manager, TSKString host);
+    /// `manager` must outlive this. `address` is where documents say that the service is.
+    MemoryClient(const TeskProviderPluginManager& manager, PublishedAddress address);
 
     /// Sends a GET request for a path.
     /// Errors: TeskBaseException when no provider serves the path; whatever the provider throws,
@@ -39,7 +41,7 @@ class MemoryClient {
 
   private:
     const TeskProviderPluginManager& manager_;
-    TSKString host_;
+    PublishedAddress address_;
 };
 
 /// Accepts every request, for the user "local": for requests that the program makes itself with a

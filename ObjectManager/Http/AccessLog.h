@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <ctime>
 #include <string>
@@ -20,6 +21,8 @@ struct Exchange {
     const TSKHTTPRequest* request = nullptr;  ///< null if the request was refused unread
     unsigned status = 0;
     std::size_t bodyBytes = 0;  ///< of the response's body, as far as they were sent
+    /// From the end of the header section until now; 0 for a request that was refused unread.
+    std::chrono::steady_clock::duration duration = {};
 };
 
 /// The line of an access log in the Combined Log Format, with its line end:

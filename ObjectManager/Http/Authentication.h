@@ -23,8 +23,12 @@ struct Authentication {
 
     /// Makes the request that the other functions and the provider get. It may be of a derived
     /// class, which carries what they would find out for themselves, such as parsed credentials.
-    /// Called by the I/O thread, so it must be fast. If it throws, the connection is closed.
-    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest& request)> prepare = nullptr;
+    /// `certificateUser` is the subject of the certificate by which the client has proved who it
+    /// is, see Stream::clientSubject(); empty if it has not. Called by the I/O thread, so it must
+    /// be fast. If it throws, the connection is closed.
+    std::function<std::unique_ptr<TSKHTTPRequest>(const TSKHTTPRequest& request,
+                                                  const std::string& certificateUser)>
+        prepare = nullptr;
 
     /// The credentials of a request that need a hash; nothing for all other requests. Called by the
     /// I/O thread and by workers, as prepare().

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <utility>
@@ -17,11 +16,11 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 using std::chrono::steady_clock;
 
-Connection::Connection(ConnectionContext& context, tcp::socket socket, const tcp::endpoint& client)
+Connection::Connection(ConnectionContext& context, Stream stream, const tcp::endpoint& client)
     : context_(context),
-      socket_(std::move(socket)),
+      stream_(std::move(stream)),
       client_(client),
-      timer_(socket_.get_executor()),
+      timer_(stream_.socket().get_executor()),
       parser_(context.options),
       memory_(context.memory) {}
 
@@ -31,21 +30,17 @@ Connection::~Connection() {
 
 void Connection::start() {
     context_.connections.add(*this, clientKey());
-    // TCP_NODELAY is not set: the sending side is closed after the response, which sends what is
-    // left.
-    socket_.non_blocking(true);
+    stream_.open();
     take(&Connection::readHeader);
 }
 
 void Connection::refuse(const Error& error) {
     context_.connections.add(*this, clientKey());
     attempt([&] {
-        error_code ignored;  // shows again when the response is sent
-        socket_.non_blocking(true, ignored);
+        stream_.open();
         // Most clients have sent their request already, which tells whether its method is HEAD.
-        const std::size_t length =
-            socket_.read_some(boost::asio::buffer(context_.readBuffer), ignored);
-        received_.assign(context_.readBuffer.data(), length);
+        received_.assign(context_.readBuffer.data(),
+                         stream_.read(boost::asio::buffer(context_.readBuffer)).bytes);
         sendError(error);
     });
 }
@@ -96,17 +91,10 @@ void Connection::readHeader() {
     // One byte more than the limit, so that the parser sees that it is exceeded.
     const std::size_t maxBytes = context_.options.maxHeaderSize + 1;
     for (;;) {
-        error_code error;
-        const std::size_t length = socket_.read_some(
-            boost::asio::buffer(context_.readBuffer, maxBytes - received_.size()), error);
-        if (error == boost::asio::error::would_block) {
-            if (!isLimited_)
-                limitPhase(context_.options.headerTimeout);
-            waitFor(tcp::socket::wait_read, &Connection::readHeader);
-            return;
-        }
-        if (error) {
-            close();
+        const auto [status, length] =
+            stream_.read(boost::asio::buffer(context_.readBuffer, maxBytes - received_.size()));
+        if (status != Stream::Status::kDone) {
+            waitForHeader(status);
             return;
         }
         received_.append(context_.readBuffer.data(), length);
@@ -123,13 +111,46 @@ void Connection::readHeader() {
     }
 }
 
+// Goes on from what the stream says when it has no bytes.
+void Connection::waitForHeader(Stream::Status status) {
+    switch (status) {
+        case Stream::Status::kWantsRead:
+        case Stream::Status::kWantsWrite:
+            if (!isLimited_)
+                limitPhase(context_.options.headerTimeout);
+            waitFor(status, &Connection::readHeader);
+            break;
+        case Stream::Status::kPlainText:
+            refusePlainText();
+            break;
+        default:
+            endUnread();
+            break;
+    }
+}
+
+// The client has gone, or there is no way to respond to it.
+void Connection::endUnread() noexcept {
+    if (!stream_.isEstablished() && context_.onFailedHandshake)
+        context_.onFailedHandshake();
+    close();
+}
+
+void Connection::refusePlainText() {
+    stream_.giveUpTls();
+    received_.assign(context_.readBuffer.data(),
+                     stream_.read(boost::asio::buffer(context_.readBuffer)).bytes);
+    sendError({.status = 400, .text = "This port is for HTTPS. Use an address with \"https://\"."});
+}
+
 void Connection::queueRequest() {
     timer_.cancel();
     phase_ = Phase::kProcessing;
     context_.connections.endReading(*this);
-    hasRequest_ = true;
+    if (!std::exchange(hasRequest_, true))
+        requestTime_ = steady_clock::now();
     if (context_.authentication.prepare)
-        prepared_ = context_.authentication.prepare(parser_.request());
+        prepared_ = context_.authentication.prepare(parser_.request(), stream_.clientSubject());
     postToWorkers();
 }
 
@@ -223,7 +244,8 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    std::optional<Response> response = context_.dispatcher.respond(request(), client_, memory_);
+    std::optional<Response> response = context_.dispatcher.respond(
+        request(), {.endpoint = client_, .usesTls = stream_.usesTls()}, memory_);
     if (!response) {
         continueOnIoThread(&Connection::waitForRoom);
         return;
@@ -231,14 +253,15 @@ void Connection::processRequest() {
     if (isAnswered_.exchange(true))
         return;
     response_ = std::move(response);
-    switch (isAbandoned_ ? Sending::kFailed : send()) {
-        case Sending::kBlocked:
+    switch (isAbandoned_ ? Stream::Status::kFailed : send()) {
+        case Stream::Status::kWantsRead:
+        case Stream::Status::kWantsWrite:
             continueOnIoThread(&Connection::beginWriting);
             break;
-        case Sending::kDone:
+        case Stream::Status::kDone:
             continueOnIoThread(&Connection::beginLingering);
             break;
-        case Sending::kFailed:
+        default:
             closeSocket();
             break;
     }
@@ -270,31 +293,31 @@ void Connection::beginWriting() {
 }
 
 void Connection::write() {
-    switch (isAbandoned_ ? Sending::kFailed : send()) {
-        case Sending::kBlocked:
-            waitFor(tcp::socket::wait_write, &Connection::write);
+    const Stream::Status status = isAbandoned_ ? Stream::Status::kFailed : send();
+    switch (status) {
+        case Stream::Status::kWantsRead:
+        case Stream::Status::kWantsWrite:
+            waitFor(status, &Connection::write);
             break;
-        case Sending::kDone:
+        case Stream::Status::kDone:
             beginLingering();
             break;
-        case Sending::kFailed:
+        default:
             close();
             break;
     }
 }
 
 // Sends what the socket takes now.
-Connection::Sending Connection::send() {
+Stream::Status Connection::send() {
     while (!response_->isSent()) {
-        error_code error;
-        response_->consume(socket_.write_some(response_->unsent(), error));
-        if (error == boost::asio::error::would_block)
-            return Sending::kBlocked;
-        if (error)
-            return Sending::kFailed;
+        const auto [status, length] = stream_.write(response_->unsent());
+        response_->consume(length);
+        if (status != Stream::Status::kDone)
+            return status;
     }
     report();
-    return Sending::kDone;
+    return stream_.endTls();
 }
 
 void Connection::report() noexcept {
@@ -314,7 +337,9 @@ void Connection::report() noexcept {
                          .requestLine = requestLine(),
                          .request = message,
                          .status = response_->status(),
-                         .bodyBytes = response_->sentBodyBytes()});
+                         .bodyBytes = response_->sentBodyBytes(),
+                         .duration = hasRequest_ ? steady_clock::now() - requestTime_
+                                                 : steady_clock::duration::zero()});
     } catch (const std::exception&) {
         // The response is as it would have been.
     }
@@ -332,19 +357,19 @@ void Connection::beginLingering() {
     response_.reset();
     memory_.release();
     context_.connections.beginLingering(*this);
-    error_code error;  // shows again when the client's bytes are read
-    socket_.shutdown(tcp::socket::shutdown_send, error);
+    stream_.giveUpTls();  // what still comes is dropped unread
+    error_code error;     // shows again when the client's bytes are read
+    stream_.socket().shutdown(tcp::socket::shutdown_send, error);
     linger();
     if (phase_ == Phase::kLingering)
         limitPhase(context_.options.lingerTimeout);
 }
 
 void Connection::linger() {
-    error_code error;
-    lingerBytes_ += socket_.read_some(boost::asio::buffer(context_.readBuffer), error);
-    const bool isOpen = !error || error == boost::asio::error::would_block;
-    if (isOpen && lingerBytes_ <= context_.options.maxLingerBytes)
-        waitFor(tcp::socket::wait_read, &Connection::linger);
+    const auto [status, length] = stream_.read(boost::asio::buffer(context_.readBuffer));
+    lingerBytes_ += length;
+    if (status != Stream::Status::kFailed && lingerBytes_ <= context_.options.maxLingerBytes)
+        waitFor(Stream::Status::kWantsRead, &Connection::linger);
     else
         close();
 }
@@ -363,26 +388,28 @@ void Connection::close() noexcept {
 void Connection::closeSocket() noexcept {
     report();
     context_.connections.remove(*this);
-    if (!socket_.is_open())
+    if (!stream_.socket().is_open())
         return;
     error_code error;  // the socket is closed in any case
-    socket_.close(error);
+    stream_.socket().close(error);
     if (context_.onClosed)
         context_.onClosed();
 }
 
-// The wait ends with the phase.
-void Connection::waitFor(tcp::socket::wait_type type, Step next) {
+// Waits until the stream can do what `status` says. The wait ends with the phase.
+void Connection::waitFor(Stream::Status status, Step next) {
     const auto onEvent = [self = shared_from_this(), next, phase = phase_](error_code /*error*/) {
         // A failure of the socket shows in the next step.
         if (self->phase_ == phase)
             self->take(next);
     };
-    socket_.async_wait(type, onEvent);
+    stream_.socket().async_wait(
+        status == Stream::Status::kWantsWrite ? tcp::socket::wait_write : tcp::socket::wait_read,
+        onEvent);
 }
 
 void Connection::continueOnIoThread(Step next) {
-    boost::asio::post(socket_.get_executor(),
+    boost::asio::post(stream_.socket().get_executor(),
                       [self = shared_from_this(), next] { self->take(next); });
 }
 
@@ -399,6 +426,10 @@ void Connection::limitPhase(std::chrono::milliseconds timeout) {
 void Connection::onTimeout() {
     switch (phase_) {
         case Phase::kReading:
+            if (!stream_.isEstablished()) {
+                endUnread();
+                break;
+            }
             lingers_ = !received_.empty();
             sendError({.status = 408, .text = "The header section was not received in time."});
             break;

@@ -21,6 +21,7 @@
 #include "ObjectManager/Http/RequestParser.h"
 #include "ObjectManager/Http/Response.h"
 #include "ObjectManager/Http/ResponseMemory.h"
+#include "ObjectManager/Http/Stream.h"
 #include "ObjectManager/Http/WorkerPool.h"
 
 namespace Http {
@@ -49,6 +50,10 @@ struct ConnectionContext {
     /// thread; may be empty.
     std::function<bool()> lacksDescriptors = nullptr;
 
+    /// Called when a handshake of TLS has failed or has not ended in time. Called by the I/O
+    /// thread; may be empty.
+    std::function<void()> onFailedHandshake = nullptr;
+
     /// Called with each response that has been sent, or that could not be sent to its end, by the
     /// thread that has sent it, before the client sees the end of the connection. May be empty.
     std::function<void(const Exchange&)> report = nullptr;
@@ -63,8 +68,9 @@ struct ConnectionContext {
 ///
 /// A connection goes through these phases, some of which it may skip:
 ///
-/// - reading: the I/O thread waits for the header section. A request that cannot be read, or for
-///   which there is no worker, gets an error; the next phase is writing.
+/// - reading: the I/O thread makes the handshake of TLS, if the connection uses that, and waits for
+///   the header section; both together have the time of a header section. A request that cannot be
+///   read, or for which there is no worker, gets an error; the next phase is writing.
 /// - processing: a worker hashes the password if that is needed. Then a worker runs the provider
 ///   and sends what the socket takes at once. If the provider takes too long, the I/O thread sends
 ///   an error, and what the provider writes later is dropped.
@@ -80,9 +86,9 @@ struct ConnectionContext {
 /// Thread safety: belongs to the I/O thread, except for what a worker does while processing.
 class Connection : public std::enable_shared_from_this<Connection> {
   public:
-    /// `socket` is open and belongs to the I/O thread's io_context; `context` must outlive the
-    /// connection.
-    Connection(ConnectionContext& context, boost::asio::ip::tcp::socket socket,
+    /// The socket of `stream` is open and belongs to the I/O thread's io_context; `context` must
+    /// outlive the connection.
+    Connection(ConnectionContext& context, Stream stream,
                const boost::asio::ip::tcp::endpoint& client);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -113,14 +119,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   private:
     enum class Phase { kReading, kProcessing, kWaiting, kWriting, kLingering, kClosed };
-    enum class Sending { kDone, kBlocked, kFailed };
-
     using Step = void (Connection::*)();
 
     void take(Step step);
     template <typename Work>
     void attempt(const Work& work);
     void readHeader();
+    void waitForHeader(Stream::Status status);
+    void refusePlainText();
     void queueRequest();
     void postToWorkers();
     void postProcessing();
@@ -134,22 +140,23 @@ class Connection : public std::enable_shared_from_this<Connection> {
     void waitForRoom();
     void repeatRequest();
     void endOverdue();
+    void endUnread() noexcept;
     void beginWriting();
     void write();
-    [[nodiscard]] Sending send();
+    [[nodiscard]] Stream::Status send();
     void report() noexcept;
     void beginLingering();
     void linger();
     void close() noexcept;
     void closeSocket() noexcept;
 
-    void waitFor(boost::asio::ip::tcp::socket::wait_type type, Step next);
+    void waitFor(Stream::Status status, Step next);
     void continueOnIoThread(Step next);
     void limitPhase(std::chrono::milliseconds timeout);
     void onTimeout();
 
     ConnectionContext& context_;
-    boost::asio::ip::tcp::socket socket_;
+    Stream stream_;
     boost::asio::ip::tcp::endpoint client_;
     boost::asio::steady_timer timer_;
     Phase phase_ = Phase::kReading;          // used by the I/O thread only
@@ -160,6 +167,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     bool hasQueuedAgain_ = false;  // for another hash
     bool isOverdue_ = false;       // the provider is late; used by the I/O thread only
 
+    std::chrono::steady_clock::time_point requestTime_;  // the whole header section
     std::string received_;
     RequestParser parser_;
     std::unique_ptr<TSKHTTPRequest> prepared_;  // null without Authentication::prepare

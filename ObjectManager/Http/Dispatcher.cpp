@@ -69,6 +69,13 @@ Response notFound(TSKHTTPRequest& request, const Host::Client& client) {
                          isHead(request));
 }
 
+void publishHttps(Response& response) {
+    if (response.status() != 200)
+        return;
+    if (const auto insertion = Host::findHttpsInsertion(response.body()))
+        response.insertIntoBody(*insertion, Host::kHttpsInsertion);
+}
+
 // What a provider wrote, as the request wants it.
 Response conditional(Response response, const TSKHTTPRequest& request) {
     if (!isSafe(request) || response.status() != 200)
@@ -93,7 +100,7 @@ Response conditional(Response response, const TSKHTTPRequest& request) {
 }
 
 std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& request,
-                                   const Host::Client& client) {
+                                   const Host::Client& client, bool isHttps) {
     using enum Host::ProviderCall::Outcome;
     switch (call.outcome) {
         case kNotFound:
@@ -110,20 +117,23 @@ std::optional<Response> toResponse(Host::ProviderCall call, TSKHTTPRequest& requ
     std::optional<Response> response = Response::make(std::move(call.response));
     if (!response)
         return fail(request, "no HTTP response was written");
+    if (isHttps)
+        publishHttps(*response);
     return finished(conditional(std::move(*response), request), request);
 }
 
 }  // namespace
 
-std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request,
-                                            const boost::asio::ip::tcp::endpoint& client,
+std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request, const Peer& peer,
                                             ResponseMemory::Share& memory) const {
+    if (published_)
+        request.setHeaderField("Host", TSKString(std::string_view(published_->host)), false);
     std::size_t written = 0;
     const auto mayTake = [&](std::size_t bytes) {
         written = bytes;
         return memory.growTo(bytes);
     };
-    std::optional<Response> response = makeResponse(request, client, mayTake);
+    std::optional<Response> response = makeResponse(request, peer, mayTake);
     // The provider may have written more.
     if (response)
         memory.shrinkTo(response->memorySize());
@@ -132,15 +142,15 @@ std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request,
     return response;
 }
 
-std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request,
-                                                 const boost::asio::ip::tcp::endpoint& client,
+std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request, const Peer& peer,
                                                  const Host::MayTake& mayTake) const {
     try {
         if (std::optional<Response> response = respondToMethod(request))
             return response;
-        const Host::Client peer = {.address = toUriHost(client.address()),
-                                   .port = std::to_string(client.port())};
-        return toResponse(Host::callProvider(manager_, request, peer, mayTake), request, peer);
+        const Host::Client client = {.address = toUriHost(peer.endpoint.address()),
+                                     .port = std::to_string(peer.endpoint.port())};
+        return toResponse(Host::callProvider(manager_, request, client, mayTake), request, client,
+                          published_ ? published_->isHttps : peer.usesTls);
     } catch (const TeskBaseException& exception) {
         return fail(request, exception.what());  // with the place in the provider
     } catch (const std::exception& exception) {

@@ -2,8 +2,10 @@
 
 #include <boost/asio/ip/tcp.hpp>
 #include <optional>
+#include <utility>
 
 #include "ObjectManager/Host/ProviderCall.h"
+#include "ObjectManager/Host/PublishedAddress.h"
 #include "ObjectManager/Http/Response.h"
 #include "ObjectManager/Http/ResponseMemory.h"
 #include "Platform/Http/TSKHTTPRequest.h"
@@ -11,17 +13,32 @@
 
 namespace Http {
 
+/// The other end of the connection that a request has come over.
+///
+/// Thread safety: belongs to one thread.
+struct Peer {
+    boost::asio::ip::tcp::endpoint endpoint;
+    bool usesTls = false;
+};
+
 /// Has the provider that serves the path of a request make the response, and adds what HTTP
 /// demands of all of them alike.
 ///
 /// Thread safety: may be used by several threads at once.
 class Dispatcher {
   public:
-    /// `manager` must outlive the dispatcher.
-    explicit Dispatcher(const TeskProviderPluginManager& manager) noexcept : manager_(manager) {}
+    /// `manager` must outlive the dispatcher. `published` is where documents say that the service
+    /// is, see Options::publishedAddress.
+    explicit Dispatcher(const TeskProviderPluginManager& manager,
+                        std::optional<Host::PublishedAddress> published = std::nullopt) noexcept
+        : manager_(manager), published_(std::move(published)) {}
 
-    /// The response to `request` from `client`, without its body if the method is HEAD. It takes
-    /// its memory from `memory`.
+    /// The response to `request` from `peer`, without its body if the method is HEAD. It takes its
+    /// memory from `memory`.
+    ///
+    /// Providers write the address of the service with the field Host, which is set to the
+    /// published host if there is one, and the scheme http. Where that is https, because it is
+    /// published or the client uses TLS, the address in a WSDL document becomes one of https.
     ///
     /// A provider is called for its methods only: those that it has registered with the plug-in
     /// manager, else GET and HEAD. To other methods the response is, for everybody and whether the
@@ -51,17 +68,16 @@ class Dispatcher {
     /// repeated when `memory` has waited for room. Other methods may have changed something
     /// already, and get 503.
     /// Errors: std::bad_alloc when there is no memory even for an error response.
-    [[nodiscard]] std::optional<Response> respond(TSKHTTPRequest& request,
-                                                  const boost::asio::ip::tcp::endpoint& client,
+    [[nodiscard]] std::optional<Response> respond(TSKHTTPRequest& request, const Peer& peer,
                                                   ResponseMemory::Share& memory) const;
 
   private:
-    [[nodiscard]] std::optional<Response> makeResponse(TSKHTTPRequest& request,
-                                                       const boost::asio::ip::tcp::endpoint& client,
+    [[nodiscard]] std::optional<Response> makeResponse(TSKHTTPRequest& request, const Peer& peer,
                                                        const Host::MayTake& mayTake) const;
     [[nodiscard]] std::optional<Response> respondToMethod(const TSKHTTPRequest& request) const;
 
     const TeskProviderPluginManager& manager_;
+    const std::optional<Host::PublishedAddress> published_;
 };
 
 }  // namespace Http

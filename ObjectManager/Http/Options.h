@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Host/PublishedAddress.h"
 #include "ObjectManager/Http/ClientAddress.h"
 
 namespace Http {
@@ -30,12 +31,41 @@ struct ListenAddress {
     friend bool operator==(const ListenAddress&, const ListenAddress&) = default;
 };
 
+/// The certificate by which a server proves who it is over TLS, and whose certificates it accepts.
+/// All files are in PEM.
+///
+/// Thread safety: belongs to one thread while it is changed; may be read by several at once.
+struct TlsOptions {
+    /// The certificate, followed by those that lead to an authority that clients know.
+    std::string certificateFile = {};
+
+    /// Its key, not encrypted.
+    std::string keyFile = {};
+
+    /// The authorities of client certificates. A client whose certificate one of them has issued is
+    /// the user that the certificate names, without a password; other certificates are refused.
+    /// Empty to ask for none.
+    std::string clientAuthorityFile = {};
+
+    friend bool operator==(const TlsOptions&, const TlsOptions&) = default;
+};
+
 /// What a Server listens on and what it allows its clients. The limits apply to all listen
 /// addresses together.
 ///
 /// Thread safety: belongs to one thread while it is changed; may be read by several at once.
 struct Options {
     std::vector<ListenAddress> listen = {{}};
+
+    /// Where it listens for TLS, with a certificate. 5986 is registered for WS-Management over
+    /// HTTPS.
+    std::vector<ListenAddress> tlsListen = {};
+    TlsOptions tls = {};
+
+    /// Where documents say that the service is, for clients that reach it by another address than
+    /// its own: through a proxy with TLS, or beside a CIM server. Without it, documents name the
+    /// address by which the client has reached the server.
+    std::optional<Host::PublishedAddress> publishedAddress = std::nullopt;
 
     /// The proxies whose header field "X-Forwarded-For" tells which client a request comes from.
     /// Any client can send that field, so without a proxy it tells nothing.

@@ -73,15 +73,24 @@ unsigned Response::status() const noexcept {
 }
 
 std::optional<std::string_view> Response::field(std::string_view name) const noexcept {
+    const std::string_view line = lineOf(name);
+    if (line.empty())
+        return std::nullopt;
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    return Base::trimmed(line.substr(std::min(colon + 1, line.size())));
+}
+
+// The first field of that name that the provider wrote, without its line end; empty if there is
+// none.
+std::string_view Response::lineOf(std::string_view name) const noexcept {
     std::string_view lines = std::string_view(text_).substr(0, headerLength_);
     for (lines.remove_prefix(statusLineLength_); !lines.empty();
          lines.remove_prefix(lines.find(kLineEnd) + kLineEnd.size())) {
         const std::string_view line = lines.substr(0, lines.find(kLineEnd));
-        const std::size_t colon = std::min(line.find(':'), line.size());
-        if (Base::equalsIgnoringCase(line.substr(0, colon), name))
-            return Base::trimmed(line.substr(std::min(colon + 1, line.size())));
+        if (Base::equalsIgnoringCase(line.substr(0, line.find(':')), name))
+            return line;
     }
-    return std::nullopt;
+    return {};
 }
 
 std::string_view Response::body() const noexcept {
@@ -93,6 +102,19 @@ void Response::addField(std::string_view name, std::string_view value) {
     addedFields_ += ": ";
     addedFields_ += value;
     addedFields_ += kLineEnd;
+}
+
+// The line of Content-Length moves to the added fields, which makes room for the text: no second
+// copy of a large body is made.
+void Response::insertIntoBody(std::size_t position, std::string_view text) {
+    constexpr std::string_view kName = "Content-Length";
+    if (const std::string_view line = lineOf(kName); !line.empty()) {
+        addField(kName, std::to_string(body().size() + text.size()));
+        const std::size_t length = line.size() + kLineEnd.size();
+        text_.erase(static_cast<std::size_t>(line.data() - text_.data()), length);
+        headerLength_ -= length;
+    }
+    text_.insert(headerLength_ + position, text);
 }
 
 void Response::setBody(std::string_view contentType, std::string_view body) {

@@ -43,6 +43,12 @@ class Response {
     /// Errors: std::bad_alloc.
     void addField(std::string_view name, std::string_view value);
 
+    /// Inserts `text` into the body, and the field Content-Length, if there is one, gets the new
+    /// length. The response takes no more memory then, unless the text is longer than that field.
+    /// Nothing may be sent yet.
+    /// Errors: std::bad_alloc.
+    void insertIntoBody(std::size_t position, std::string_view text);
+
     /// Makes `body` the body, in place of the one that the provider wrote, with the fields that
     /// describe it. Nothing may be sent yet.
     /// Errors: std::bad_alloc.
@@ -66,6 +72,8 @@ class Response {
 
   private:
     Response() = default;
+
+    [[nodiscard]] std::string_view lineOf(std::string_view name) const noexcept;
 
     [[nodiscard]] std::size_t size() const noexcept { return text_.size() + addedFields_.size(); }
 

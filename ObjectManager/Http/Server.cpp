@@ -89,14 +89,14 @@ class Server::Implementation {
           maxConnectionsPerClient_(clientLimit(options_)),
           authentication_(std::move(authentication)),
           report_(std::move(report)),
-          dispatcher_(manager),
+          dispatcher_(manager, options.publishedAddress),
           memory_(options.maxResponseMemory) {
-        for (const ListenAddress& address : options.listen) {
-            const auto& listener =
-                listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
-            addresses_.push_back({.address = toUriHost(listener->endpoint().address()),
-                                  .port = listener->endpoint().port()});
-        }
+        if (!options.tlsListen.empty())
+            tls_.emplace(options.tls);
+        for (const ListenAddress& address : options.listen)
+            addresses_.push_back(listen(address));
+        for (const ListenAddress& address : options.tlsListen)
+            tlsAddresses_.push_back(listen(address));
     }
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
@@ -110,6 +110,17 @@ class Server::Implementation {
     [[nodiscard]] const std::vector<ListenAddress>& addresses() const noexcept {
         return addresses_;
     }
+    [[nodiscard]] const std::vector<ListenAddress>& tlsAddresses() const noexcept {
+        return tlsAddresses_;
+    }
+    [[nodiscard]] State state() const {
+        return {.connections = connections_.size(),
+                .acceptedConnections = accepted_,
+                .refusedConnections = refusals_,
+                .failedHandshakes = failedHandshakes_,
+                .responseMemory = memory_.used()};
+    }
+    [[nodiscard]] TlsContext* tls() noexcept { return tls_ ? &*tls_ : nullptr; }
 
     void start() {
         workers_.emplace(
@@ -119,10 +130,11 @@ class Server::Implementation {
                                           .placesPerClient = options_.maxWaitingHashesPerClient}});
         context_.emplace(contextOf(connections_));
         refusedContext_.emplace(contextOf(refused_));
-        for (const std::unique_ptr<Listener>& listener : listeners_) {
-            listener->start(
-                [this](tcp::socket socket, const tcp::endpoint& client) {
-                    accept(std::move(socket), client);
+        for (std::size_t index = 0; index < listeners_.size(); ++index) {
+            const bool usesTls = index >= addresses_.size();
+            listeners_[index]->start(
+                [this, usesTls](tcp::socket socket, const tcp::endpoint& client) {
+                    accept(std::move(socket), client, usesTls);
                 },
                 options_.descriptorTimeout);
         }
@@ -149,6 +161,13 @@ class Server::Implementation {
     }
 
   private:
+    [[nodiscard]] ListenAddress listen(const ListenAddress& address) {
+        const auto& listener =
+            listeners_.emplace_back(std::make_unique<Listener>(ioThread_.context(), address));
+        return {.address = toUriHost(listener->endpoint().address()),
+                .port = listener->endpoint().port()};
+    }
+
     [[nodiscard]] ConnectionContext contextOf(ConnectionSet& connections) {
         return {.options = options_,
                 .dispatcher = dispatcher_,
@@ -158,6 +177,7 @@ class Server::Implementation {
                 .authentication = authentication_,
                 .onClosed = [this] { onClosed(); },
                 .lacksDescriptors = [this] { return lacksDescriptors(); },
+                .onFailedHandshake = [this] { ++failedHandshakes_; },
                 .report = report_};
     }
 
@@ -189,14 +209,25 @@ class Server::Implementation {
             listener->close();
     }
 
-    void accept(tcp::socket socket, const tcp::endpoint& client) {
+    // A client that uses TLS is refused by closing the connection: a handshake would cost more than
+    // what it asks for.
+    void accept(tcp::socket socket, const tcp::endpoint& client, bool usesTls) {
+        const char* const refusal = refusalOf(client);
+        ++(refusal == nullptr ? accepted_ : refusals_);
+        if (refusal == nullptr) {
+            Stream stream = usesTls ? Stream(std::move(socket), tls_->makeSession())
+                                    : Stream(std::move(socket));
+            std::make_shared<Connection>(*context_, std::move(stream), client)->start();
+        } else if (!usesTls) {
+            refuse(std::move(socket), client, refusal);
+        }
+    }
+
+    // Why there is no place for one more connection of a client; null if there is.
+    [[nodiscard]] const char* refusalOf(const tcp::endpoint& client) {
         if (hasTooMany(client))
-            refuse(std::move(socket), client,
-                   "Too many connections come from your address. Try again later.");
-        else if (!makeRoom())
-            refuse(std::move(socket), client, kTooManyConnections);
-        else
-            std::make_shared<Connection>(*context_, std::move(socket), client)->start();
+            return "Too many connections come from your address. Try again later.";
+        return makeRoom() ? nullptr : kTooManyConnections;
     }
 
     [[nodiscard]] bool hasTooMany(const tcp::endpoint& client) const {
@@ -286,8 +317,13 @@ class Server::Implementation {
     std::optional<ConnectionContext> refusedContext_;
     IoThread ioThread_;
     std::vector<std::unique_ptr<Listener>> listeners_;
-    std::vector<ListenAddress> addresses_;
+    std::vector<ListenAddress> addresses_;     // of the first listeners
+    std::vector<ListenAddress> tlsAddresses_;  // of the others
+    std::optional<TlsContext> tls_;            // if there are any
     boost::asio::steady_timer overdueTimer_{ioThread_.context()};
+    std::atomic<std::uint64_t> accepted_ = 0;
+    std::atomic<std::uint64_t> refusals_ = 0;
+    std::atomic<std::uint64_t> failedHandshakes_ = 0;
     bool isStopping_ = false;
     std::atomic<bool> hasEnded_ = false;  // the listeners may be gone
     std::optional<WorkerPool> workers_;
@@ -302,6 +338,18 @@ Server::~Server() = default;
 
 const std::vector<ListenAddress>& Server::addresses() const noexcept {
     return implementation_->addresses();
+}
+
+const std::vector<ListenAddress>& Server::tlsAddresses() const noexcept {
+    return implementation_->tlsAddresses();
+}
+
+Server::State Server::state() const {
+    return implementation_->state();
+}
+
+TlsContext* Server::tls() noexcept {
+    return implementation_->tls();
 }
 
 void Server::start() {

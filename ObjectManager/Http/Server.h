@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -7,6 +9,7 @@
 #include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/Authentication.h"
 #include "ObjectManager/Http/Options.h"
+#include "ObjectManager/Http/TlsContext.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
 
 namespace Http {
@@ -28,7 +31,8 @@ class Server {
 
     /// Listens from now on, on all addresses or on none; connections wait until start(). `manager`
     /// must outlive the server.
-    /// Errors: std::system_error that names address and port when it cannot listen on one of them.
+    /// Errors: std::system_error that names address and port when it cannot listen on one of them;
+    /// TeskBaseException when it is to listen for TLS and the certificate cannot be used.
     Server(const Options& options, const TeskProviderPluginManager& manager,
            Authentication authentication = {}, Report report = nullptr);
     Server(const Server&) = delete;
@@ -39,6 +43,23 @@ class Server {
     /// The addresses and ports that the server listens on, in the order of the options; addresses
     /// as in a URI, with IPv6 in brackets.
     [[nodiscard]] const std::vector<ListenAddress>& addresses() const noexcept;
+    /// The same of those for TLS.
+    [[nodiscard]] const std::vector<ListenAddress>& tlsAddresses() const noexcept;
+
+    /// The certificate that connections for TLS begin with; null if there are none.
+    [[nodiscard]] TlsContext* tls() noexcept;
+
+    /// How much the server has to do, and has had to since its start.
+    struct State {
+        std::size_t connections = 0;  ///< that are open
+        std::uint64_t acceptedConnections = 0;
+        std::uint64_t refusedConnections = 0;
+        std::uint64_t failedHandshakes = 0;
+        std::size_t responseMemory = 0;  ///< bytes of all responses that are not sent yet
+    };
+
+    /// May be called by several threads at once.
+    [[nodiscard]] State state() const;
 
     /// Serves requests from now on, on threads of its own. To be called once.
     /// Errors: std::system_error when a thread cannot be started.

@@ -2,9 +2,16 @@
 
 #include <algorithm>
 
+#include "ObjectManager/Base/Ascii.h"
+
 namespace Mof {
 
 namespace {
+
+constexpr const char* kKeywords[] = {
+    "uint8",  "sint8",  "uint16", "sint16", "uint32",  "sint32",   "uint64", "sint64",
+    "real32", "real64", "char16", "string", "boolean", "datetime", "ref",
+};
 
 template <typename Element>
 bool areSame(const std::vector<Element>& left, const std::vector<Element>& right);
@@ -89,11 +96,13 @@ bool areSame(const std::optional<Element>& left, const std::optional<Element>& r
 }  // namespace
 
 const char* keywordOf(DataType type) noexcept {
-    static constexpr const char* kKeywords[] = {
-        "uint8",  "sint8",  "uint16", "sint16", "uint32",  "sint32",   "uint64", "sint64",
-        "real32", "real64", "char16", "string", "boolean", "datetime", "ref",
-    };
     return kKeywords[static_cast<std::size_t>(type)];
+}
+
+bool isReservedWord(std::string_view text) noexcept {
+    static constexpr const char* kOthers[] = {"as", "false", "null", "of", "true"};
+    const auto isText = [&](const char* word) { return Base::equalsIgnoringCase(text, word); };
+    return std::ranges::any_of(kKeywords, isText) || std::ranges::any_of(kOthers, isText);
 }
 
 bool isSame(const ClassDeclaration& left, const ClassDeclaration& right) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Util/TSKString.h"
@@ -43,6 +44,10 @@ enum class DataType : std::uint8_t {
 
 /// The keyword of MOF for a type, in lower case: "uint8", "datetime", "ref".
 [[nodiscard]] const char* keywordOf(DataType type) noexcept;
+
+/// Whether a word of MOF can be no name, wherever it stands: "string", "ref", "null". Case does not
+/// matter. Other words, such as "class" and "property", are names where only a name fits.
+[[nodiscard]] bool isReservedWord(std::string_view text) noexcept;
 
 /// A name and its place.
 struct Name {

@@ -46,14 +46,19 @@ struct BasicAuthenticator::Login {
 // Providers hand this on as the TSKHTTPRequest that they got, without knowing more of it.
 class BasicAuthenticator::PreparedRequest final : public TSKHTTPRequest {
   public:
-    PreparedRequest(const TSKHTTPRequest& request, std::shared_ptr<const Login> login)
-        : TSKHTTPRequest(request), login_(std::move(login)) {}
+    PreparedRequest(const TSKHTTPRequest& request, std::shared_ptr<const Login> login,
+                    std::string certificateUser)
+        : TSKHTTPRequest(request),
+          login_(std::move(login)),
+          certificateUser_(std::move(certificateUser)) {}
 
     [[nodiscard]] const std::shared_ptr<const Login>& login() const noexcept { return login_; }
+    [[nodiscard]] const std::string& certificateUser() const noexcept { return certificateUser_; }
     void setLogin(std::shared_ptr<const Login> login) noexcept { login_ = std::move(login); }
 
   private:
     std::shared_ptr<const Login> login_;  // null without credentials
+    const std::string certificateUser_;   // empty without a certificate
 };
 
 BasicAuthenticator::BasicAuthenticator(UserTable users, const Options& options, CheckerHooks hooks)
@@ -72,12 +77,15 @@ void BasicAuthenticator::setUsers(UserTable users) {
     setChecker(makeChecker(std::move(users)));
 }
 
-std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(const TSKHTTPRequest& request) const {
-    return std::make_unique<PreparedRequest>(request, loginOf(request));
+std::unique_ptr<TSKHTTPRequest> BasicAuthenticator::prepare(
+    const TSKHTTPRequest& request, const std::string& certificateUser) const {
+    return std::make_unique<PreparedRequest>(request, loginOf(request), certificateUser);
 }
 
 std::optional<BasicAuthenticator::UnverifiedLogin> BasicAuthenticator::unverifiedLogin(
     const TSKHTTPRequest& request) const {
+    if (certificateUserOf(request) != nullptr)
+        return std::nullopt;
     const std::shared_ptr<const Login> login = loginOf(request);
     if (login == nullptr || !login->checker->needsPasswordHash(login->claim))
         return std::nullopt;
@@ -95,6 +103,8 @@ bool BasicAuthenticator::verify(TSKHTTPRequest& request) const {
 }
 
 std::string BasicAuthenticator::userOf(const TSKHTTPRequest& request) const {
+    if (const std::string* const user = certificateUserOf(request))
+        return *user;
     const std::shared_ptr<const Login> login = loginOf(request);
     return login == nullptr ? std::string() : login->credentials.user;
 }
@@ -103,11 +113,23 @@ bool BasicAuthenticator::authenticateRequest(TSKHTTPRequest& request,
                                              TSKGenericHTTPIStream& /*istr*/,
                                              TSKGenericHTTPOStream& /*ostr*/,
                                              TSKSmrPtr<urma::security::ISecurityToken>& token) {
+    if (const std::string* const user = certificateUserOf(request)) {
+        token = TSKSmrPtr<UserToken>::make(*user);
+        return true;
+    }
     const std::shared_ptr<const Login> login = loginOf(request);
     if (login == nullptr || !login->checker->check(login->credentials, login->claim))
         return false;
     token = TSKSmrPtr<UserToken>::make(login->credentials.user);
     return true;
+}
+
+// Null if the client has not proved by a certificate who it is.
+const std::string* BasicAuthenticator::certificateUserOf(const TSKHTTPRequest& request) noexcept {
+    const auto* const prepared = dynamic_cast<const PreparedRequest*>(&request);
+    return prepared == nullptr || prepared->certificateUser().empty()
+               ? nullptr
+               : &prepared->certificateUser();
 }
 
 // Null if the request has no credentials. What was prepared counts only for the header field that

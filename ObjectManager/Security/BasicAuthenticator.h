@@ -35,8 +35,12 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// A copy of `request` that carries its credentials, parsed and digested, so that the other
     /// functions do not parse them again. They do so if the header field or the users have changed
     /// since.
+    ///
+    /// If there is a `certificateUser`, who has proved by a certificate to be that user, the
+    /// request is authenticated as that user, whatever credentials it has.
     /// Errors: std::bad_alloc; TeskBaseException without memory.
-    [[nodiscard]] std::unique_ptr<TSKHTTPRequest> prepare(const TSKHTTPRequest& request) const;
+    [[nodiscard]] std::unique_ptr<TSKHTTPRequest> prepare(
+        const TSKHTTPRequest& request, const std::string& certificateUser = {}) const;
 
     /// Credentials that must be hashed before it is known whether they are right.
     struct UnverifiedLogin {
@@ -58,8 +62,8 @@ class BasicAuthenticator : public ITeskAuthenticator {
     /// Errors: TeskBaseException without memory.
     [[nodiscard]] bool verify(TSKHTTPRequest& request) const;
 
-    /// The name of the user in the credentials of `request`, whether they are right or not; empty
-    /// if it has none.
+    /// The name of the user in the credentials of `request`, whether they are right or not, or of
+    /// its certificate; empty if it has none.
     /// Errors: std::bad_alloc; TeskBaseException without memory.
     [[nodiscard]] std::string userOf(const TSKHTTPRequest& request) const;
 
@@ -74,6 +78,8 @@ class BasicAuthenticator : public ITeskAuthenticator {
     struct Login;
     class PreparedRequest;
 
+    [[nodiscard]] static const std::string* certificateUserOf(
+        const TSKHTTPRequest& request) noexcept;
     [[nodiscard]] std::shared_ptr<const Login> loginOf(const TSKHTTPRequest& request) const;
     [[nodiscard]] std::shared_ptr<CredentialChecker> checker() const;
 

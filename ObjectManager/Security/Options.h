@@ -6,11 +6,21 @@
 
 namespace Security {
 
+/// Whom the object manager lets in.
+enum class Scheme {
+    kBasic,  ///< who sends the name and the password of a user (RFC 7617)
+    kNone,   ///< everybody
+};
+
 /// How the object manager authenticates its users.
 ///
 /// Thread safety: belongs to one thread while it is changed; may be read by several threads at
 /// once.
 struct Options {
+    /// Passwords by default: what is published is nobody's business until somebody decides that it
+    /// is everybody's.
+    Scheme scheme = Scheme::kBasic;
+
     /// The path of the password file, see `tesk passwd`. Empty for none: then a temporary password
     /// is generated and printed at start.
     std::string passwordFile = {};

@@ -16,6 +16,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordHash.h"
+#include "ObjectManager/Security/PrivateFile.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -35,84 +36,11 @@ constexpr std::size_t kMaxFileSize = 16'000'000;
     fail(path + ": " + std::string(what) + ": " + reason.message());
 }
 
-// The file itself, so that a symbolic link to it stays one when the file is replaced.
-std::filesystem::path withoutLinks(const std::string& path) {
-    std::error_code error;
-    std::filesystem::path target = std::filesystem::canonical(path, error);
-    return error ? std::filesystem::path(path) : target;
-}
-
-// Who reads a file, and so whose file it may be.
-enum class Reader : std::uint8_t {
-    kService,        // for which the owner of the file decides who may log in
-    kAdministrator,  // who, being root, also changes the files of services that run as other users
-};
-
-bool isTrusted(uid_t owner) noexcept {
-    return owner == 0 || owner == geteuid();
-}
-
-// Who can replace the files of a directory decides what is in them.
-void requireSafeDirectory(const std::filesystem::path& file, Reader reader) {
-    const std::filesystem::path parent = file.parent_path();
-    const std::string path = parent.empty() ? "." : parent.string();
-    struct stat status = {};
-    if (stat(path.c_str(), &status) != 0)
-        fail(path, "cannot be examined", std::error_code(errno, std::generic_category()));
-    const bool isSticky = (status.st_mode & S_ISVTX) != 0;
-    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0 && !isSticky) {
-        fail(path +
-             ": others than its owner can replace the password file in it; correct that with: "
-             "chmod go-w " +
-             Base::shellQuoted(path));
-    }
-    const bool isRoot = reader == Reader::kAdministrator && geteuid() == 0;
-    if (!isRoot && !isTrusted(status.st_uid))
-        fail(path + ": the directory of a password file must belong to root or to the user of " +
-             "this process");
-}
-
-void requireSafe(const std::string& path, const struct stat& status, Reader reader) {
-    if (!S_ISREG(status.st_mode))
-        fail(path + ": is not a regular file");
-    const bool isRoot = reader == Reader::kAdministrator && geteuid() == 0;
-    // The group of the service may read a file that belongs to root. Which that is, root does not
-    // know.
-    const bool mayGroupRead = isRoot || status.st_gid == getegid();
-    const mode_t forbidden = S_IWGRP | S_IROTH | S_IWOTH | (mayGroupRead ? mode_t{0} : S_IRGRP);
-    if ((status.st_mode & forbidden) != 0) {
-        fail(path + ": others than its owner can read or write it; correct that with: " +
-             "chmod 600 " + Base::shellQuoted(path));
-    }
-    if (!isRoot && !isTrusted(status.st_uid))
-        fail(path + ": must belong to root or to the user of this process");
-}
-
 // The permissions of the file, as far as safe ones go; for a new file those of the owner alone.
 mode_t permissionsFor(const std::filesystem::path& path) noexcept {
     struct stat status = {};
     const mode_t group = stat(path.c_str(), &status) == 0 ? status.st_mode & S_IRGRP : 0;
     return S_IRUSR | S_IWUSR | group;
-}
-
-std::string readPrivateFile(const std::string& path, Reader reader) {
-    try {
-        const Base::FileDescriptor file = Base::openForReading(path);
-        struct stat status = {};
-        if (fstat(file.get(), &status) != 0)
-            throw std::system_error(errno, std::generic_category());
-        // The one to which links lead as well.
-        requireSafeDirectory(path, reader);
-        requireSafeDirectory(withoutLinks(path), reader);
-        requireSafe(path, status, reader);
-        return Base::readAll(file, kMaxFileSize);
-    } catch (const std::system_error& error) {
-        if (error.code() == std::errc::not_supported || error.code() == std::errc::is_a_directory)
-            fail(path + ": is not a regular file");
-        if (error.code() == std::errc::file_too_large)
-            fail(path + ": is larger than " + Base::bytesText(kMaxFileSize));
-        fail(path, "cannot be read", error.code());
-    }
 }
 
 // Waits until no other process or thread holds the lock of that directory. The lock is held as long
@@ -158,15 +86,15 @@ PasswordFile::PasswordFile(std::string name, std::string_view text) : name_(std:
 }
 
 PasswordFile PasswordFile::read(const std::string& path) {
-    return {path, readPrivateFile(path, Reader::kService)};
+    return {path, readPrivateFile(path, kMaxFileSize)};
 }
 
 PasswordFile PasswordFile::readForChange(const std::string& path) {
     std::error_code error;
     const auto type = std::filesystem::symlink_status(path, error).type();
     if (type != std::filesystem::file_type::not_found)
-        return {path, readPrivateFile(path, Reader::kAdministrator)};
-    requireSafeDirectory(path, Reader::kAdministrator);
+        return {path, readPrivateFile(path, kMaxFileSize, FileReader::kAdministrator)};
+    requireSafeDirectory(path, FileReader::kAdministrator);
     return {path, ""};
 }
 

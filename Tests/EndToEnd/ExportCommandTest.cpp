@@ -311,4 +311,25 @@ TEST_F(ExportTest, TheDmtfSchemaIsWrittenWithoutAFailure) {
     expectComplete(all);
 }
 
+TEST_F(ExportTest, TheDocumentsAreThoseOfThePublishedAddress) {
+    const std::string configured =
+        directory_.write("tesk.toml", "[server]\npublished_address = 'https://configured:1'\n");
+    const auto exported = [&](std::vector<std::string> options) {
+        options.emplace_back("TSK_Server");
+        EXPECT_EQ(runExport(options).end, "status 0");
+        const std::string document = content()["root/cimv2/TSK_Server.wsdl"];
+        const std::string mark = "<soap:address location=\"";
+        const std::size_t begin = document.find(mark) + mark.size();
+        return document.substr(begin, document.find('"', begin) - begin);
+    };
+    EXPECT_EQ(exported({"--published-address", "https://a:5986"}), "https://a:5986/wsman");
+    EXPECT_EQ(exported({"--published-address", "http://a"}), "http://a/wsman");
+    EXPECT_EQ(exported({"--config", configured}), "https://configured:1/wsman");
+    EXPECT_EQ(exported({"--config", configured, "--host", "b:2"}), "http://b:2/wsman");
+    EXPECT_EQ(exported({"--config", configured, "--published-address", "http://c"}),
+              "http://c/wsman");
+    EXPECT_EQ(runExport({"--host", "b", "--published-address", "http://c"}).end, "status 2");
+    EXPECT_EQ(runExport({"--published-address", "c"}).end, "status 2");
+}
+
 }  // namespace

@@ -3,13 +3,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 MofModel::MofModel(std::string_view mof, const Repository::Options& options) {
     const TemporaryDirectory directory;
     const std::string file = directory.write("test.mof", mof);
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{.name = "root/test", .paths = {MODELS_DIRECTORY "/qualifiers.mof", file}}}, {}, options);
     std::string faults;
     for (const Mof::Diagnostic& diagnostic : loaded.diagnostics)

@@ -19,8 +19,8 @@ TSKSmrPtr<Repository::ClassRepository> RepositoryTest::load(
     const std::string& mof, const Repository::Options& options) const {
     const std::vector<std::string> files = {directory_.write("q.mof", kQualifiers),
                                             directory_.write("a.mof", mof)};
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{.name = "root/test", .paths = files}}, {}, options);
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{.name = "root/test", .paths = files}}, {}, options);
     EXPECT_EQ(directory_.shown(loaded.diagnostics), "");
     if (!loaded.repository)
         throw std::invalid_argument("the text of the test has errors");

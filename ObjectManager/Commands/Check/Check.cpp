@@ -33,7 +33,7 @@ CheckResult checkAll(const CheckOptions& options) {
     const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(host.manager(), "localhost");
+    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     ProgressLine progress(stderr, repository->countClasses(), "classes");
     return checkDocuments(*repository, client, options.jobs, [&] { progress.step(); });
 }

@@ -37,11 +37,15 @@ _tesk_unquoted() {
 
 # The options of a command.
 _tesk_options() {
+  local server="--server --server-user --server-password-file --server-cacert --server-certificate"
+  server+=" --server-key --server-insecure --server-timeout --server-class"
   case $1 in
-    serve) echo --help --namespace --include-path --config --listen --password-file --log-level --access-log ;;
-    export) echo --help --output --host --namespace --include-path --config --jobs --prune ;;
-    check) echo --help --namespace --include-path --config --format --jobs ;;
-    classes) echo --help --namespace --include-path --config --format ;;
+    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
+    export) echo --help --output --host --published-address --namespace --include-path --config $server --jobs --prune ;;
+    import) echo --help --output ${server% *} --namespace --prune ;;
+    check) echo --help --namespace --include-path --config $server --format --jobs ;;
+    diff) echo --help --namespace --include-path --config $server --accepted --host --published-address --format --jobs ;;
+    classes) echo --help --namespace --include-path --config $server --format ;;
     passwd) echo --help --delete ;;
   esac
 }
@@ -70,8 +74,12 @@ _tesk_offer_files() {
 # Offers values of the option $1; they follow the prefix $2 of the word.
 _tesk_offer_values() {
   case $1 in
-    --config | --password-file | --access-log) _tesk_offer_files -f "$2" ;;
-    --output) _tesk_offer_files -d "$2" ;;
+    --config | --password-file | --access-log | --server-password-file | --server-cacert | \
+      --server-certificate | --server-key | --accepted | --tls-certificate | --tls-key | \
+      --tls-client-ca)
+      _tesk_offer_files -f "$2"
+      ;;
+    --output | --cache) _tesk_offer_files -d "$2" ;;
     --namespace)
       local value=${word#"$2"}
       [[ $value != *=* ]] || _tesk_offer_files -f "$2${value%%=*}="
@@ -82,9 +90,13 @@ _tesk_offer_values() {
 }
 
 # Lists with `tesk classes` the classes that the options of the command line name. It does not run the
-# program if the line has substitutions, which the shell would have to run first.
+# program if the line has substitutions, which the shell would have to run first, or if it names a
+# server, which takes seconds to tell its classes.
 _tesk_listing() {
   local text
+  for text in "${words[@]}"; do
+    [[ $text != --server && $text != --server=* ]] || return
+  done
   for text in "${words[0]}" "${model[@]}"; do
     [[ $text != *[\`\$]* ]] || return
   done
@@ -102,7 +114,7 @@ _tesk_offer_arguments() {
     export/*) _tesk_offer_words "$(_tesk_listing | sed -n "$classes")" ;;
     classes/0) _tesk_offer_words "$(_tesk_listing | sed -n "$namespaces")" ;;
     classes/1) _tesk_offer_words "$(_tesk_listing "${arguments[0]}" | sed -n "$classes")" ;;
-    passwd/0) _tesk_offer_files -f "" ;;
+    diff/[01] | passwd/0) _tesk_offer_files -f "" ;;
   esac
 }
 
@@ -118,7 +130,7 @@ _tesk_sort_words() {
     fi
     case $text in
       --namespace=* | --config=*) model+=("$text") ;;
-      --help | --delete | --prune | -h | --*=*) ;;
+      --help | --delete | --prune | --server-insecure | -h | --*=*) ;;
       --*) option=$text ;;
       *) arguments+=("$text") ;;
     esac
@@ -133,7 +145,7 @@ _tesk() {
   if ((${#words[@]} <= 2)); then
     case $word in
       -*) _tesk_offer_words "--help --version" ;;
-      *) _tesk_offer_words "serve export check classes passwd" ;;
+      *) _tesk_offer_words "serve export import check diff classes passwd" ;;
     esac
     return
   fi

@@ -20,19 +20,10 @@ namespace Commands {
 
 namespace {
 
+using Base::OutputDirectory;
+
 constexpr const char* kExtensions[] = {".wsdl", ".xsd"};
 constexpr std::size_t kDocumentsOfAClass = std::size(kExtensions);
-
-std::vector<std::string> directoriesOf(std::string_view nameSpace) {
-    std::vector<std::string> directories;
-    while (true) {
-        const std::size_t end = nameSpace.find('/');
-        directories.emplace_back(nameSpace.substr(0, end));
-        if (end == std::string_view::npos)
-            return directories;
-        nameSpace.remove_prefix(end + 1);
-    }
-}
 
 [[noreturn]] void refuse(const Repository::CimNamespace& nameSpace, const std::string& reason) {
     throw TeskBaseException("Commands::exportDocuments",
@@ -42,11 +33,11 @@ std::vector<std::string> directoriesOf(std::string_view nameSpace) {
 }
 
 // Names are compared without regard to case, as some file systems do.
-bool isFileOfExport(const std::string& directory, bool isAtTheTop) {
+bool isFileOfExport(const OutputDirectory& output, const std::string& directory, bool isAtTheTop) {
     return (isAtTheTop && (Base::equalsIgnoringCase(directory, kIndexFile) ||
                            Base::equalsIgnoringCase(directory, kSearchFile))) ||
-           Base::equalsIgnoringCase(directory, DocumentList::kFile) ||
-           OutputDirectory::isTemporaryName(Base::lowerCase(directory));
+           Base::equalsIgnoringCase(directory, kDocumentListFile) ||
+           output.isTemporaryName(Base::lowerCase(directory));
 }
 
 bool hasDocument(const std::vector<ClassSelection>& selections, std::string_view nameSpace,
@@ -61,28 +52,20 @@ bool hasDocument(const std::vector<ClassSelection>& selections, std::string_view
 }
 
 void requireDirectoryNames(const std::vector<ClassSelection>& selections,
-                           const Repository::CimNamespace& nameSpace) {
+                           const Repository::CimNamespace& nameSpace,
+                           const OutputDirectory& output) {
     std::string above;
-    for (const std::string& directory : directoriesOf(nameSpace.name())) {
+    for (const std::string& directory : OutputDirectory::namesIn(nameSpace.name())) {
         const std::string_view fault = OutputDirectory::validateName(directory);
         if (!fault.empty())
             refuse(nameSpace, "a name in it " + std::string(fault));
-        if (isFileOfExport(directory, above.empty()))
+        if (isFileOfExport(output, directory, above.empty()))
             refuse(nameSpace, "the export has a file " + Base::quoted(directory));
         if (hasDocument(selections, above, directory))
             refuse(nameSpace, Base::quoted(directory) + " is a document of the namespace " +
                                   Base::quoted(above));
         above += (above.empty() ? "" : "/") + directory;
     }
-}
-
-OutputDirectory createDirectory(const OutputDirectory& output,
-                                const Repository::CimNamespace& nameSpace) {
-    const std::vector<std::string> directories = directoriesOf(nameSpace.name());
-    OutputDirectory directory = output.createBelow(directories.front());
-    for (auto below = directories.begin() + 1; below != directories.end(); ++below)
-        directory = directory.createBelow(*below);
-    return directory;
 }
 
 // Exports in several threads, and counts what they have done.
@@ -94,14 +77,14 @@ class Exporter {
     void exportAll(const ClassSelection& selection, const OutputDirectory& directory) {
         // Listed before they are written, so that none is forgotten when the process is killed. A
         // list that cannot be read stays as it is, so that nothing in it is forgotten either.
-        DocumentList list = DocumentList::read(directory);
+        Base::FileList list = readDocumentList(directory);
         const bool isListed = list.fault().empty();
         if (isListed) {
             addDocuments(selection, list);
             list.write(directory);
         } else {
             failures_.push_back(
-                (directory.path() / DocumentList::kFile).string() +
+                (directory.path() / kDocumentListFile).string() +
                 " cannot be read, so no document is listed or removed there: " + list.fault());
         }
         workInParallel(selection.classes.size() * kDocumentsOfAClass, options_.jobs,
@@ -118,7 +101,7 @@ class Exporter {
         if (!isStopped() && options_.prune) {
             removed_ += directory.removeUnfinishedFiles();
             if (isListed) {
-                removed_ += list.removeStale(directory, *selection.nameSpace);
+                removed_ += removeStaleDocuments(list, directory, *selection.nameSpace);
                 list.write(directory);
             }
         }
@@ -148,7 +131,7 @@ class Exporter {
     }
 
   private:
-    void addDocuments(const ClassSelection& selection, DocumentList& list) const {
+    void addDocuments(const ClassSelection& selection, Base::FileList& list) const {
         for (const Repository::CimClass* cimClass : selection.classes) {
             for (const char* const extension : kExtensions)
                 list.add(std::string(cimClass->name() + extension));
@@ -199,11 +182,11 @@ class Exporter {
 
 DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
                                      const Host::MemoryClient& client,
-                                     const OutputDirectory& output,
+                                     const Base::OutputDirectory& output,
                                      const DocumentExportOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     for (const ClassSelection& selection : selections)
-        requireDirectoryNames(selections, *selection.nameSpace);
+        requireDirectoryNames(selections, *selection.nameSpace, output);
     DocumentExportResult result;
     result.namespaces = selections.size();
     result.documents = countDocuments(selections);
@@ -212,7 +195,7 @@ DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selectio
     for (const ClassSelection& selection : selections) {
         if (exporter.isStopped())
             break;
-        OutputDirectory directory = createDirectory(output, *selection.nameSpace);
+        OutputDirectory directory = output.createPath(selection.nameSpace->name());
         directory.lock();
         exporter.exportAll(selection, directory);
     }

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
 #include "ObjectManager/Host/MemoryClient.h"
 
 namespace Commands {
@@ -26,7 +26,7 @@ struct DocumentExportOptions {
     unsigned jobs = 1;
 
     /// Whether the documents of classes that are gone are removed from the directories of the
-    /// selected namespaces (see DocumentList), and the temporary files of killed processes from
+    /// selected namespaces (see DocumentList.h), and the temporary files of killed processes from
     /// these and, if it is locked, from the output directory. It looks at whole namespaces, also
     /// where only some classes of them are selected.
     bool prune = false;
@@ -39,7 +39,7 @@ struct DocumentExportOptions {
 
     /// Puts the pages of classes into the directory of their namespace; none are written without
     /// it. Called when the documents are there, before stale files are removed; not after a stop.
-    std::function<void(const ClassSelection&, const OutputDirectory&)> exportPages = {};
+    std::function<void(const ClassSelection&, const Base::OutputDirectory&)> exportPages = {};
 };
 
 /// What was exported.
@@ -63,10 +63,10 @@ struct DocumentExportResult {
 /// made is a failure in the result, and the others are written.
 /// Errors: TeskBaseException when a namespace's name cannot be a path, or is that of a file of the
 /// export, before anything is written; std::system_error when a directory or a file cannot be
-/// written, or another export is at work in it; the export ends then.
+/// written, or another export or import is at work in it; the export ends then.
 [[nodiscard]] DocumentExportResult exportDocuments(const std::vector<ClassSelection>& selections,
                                                    const Host::MemoryClient& client,
-                                                   const OutputDirectory& output,
+                                                   const Base::OutputDirectory& output,
                                                    const DocumentExportOptions& options);
 
 /// How many documents exportDocuments would write.

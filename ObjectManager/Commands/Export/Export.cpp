@@ -5,24 +5,22 @@
 #include <string>
 #include <vector>
 
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Base/Signals.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
 #include "ObjectManager/Commands/Export/PageExport.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
+#include "ObjectManager/Commands/ServerOptions.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/SearchData.h"
-#include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
 
 namespace Commands {
 
@@ -31,23 +29,11 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host = "localhost:5985";  // the port that WS-Management has over HTTP
+    AddressArguments address;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
 };
-
-// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
-// a host, would break them.
-void requireHost(const std::string& host) {
-    if (!Http::isHostWithPort(host)) {
-        throw TeskBaseException(
-            "tesk export",
-            TSKString(Base::quoted(host) +
-                      " is not a host with an optional port, such as localhost:5985"),
-            CIM_ERR_INVALID_PARAMETER);
-    }
-}
 
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
@@ -60,6 +46,7 @@ Exit status: 0 when everything is written, 1 when something is not, 130 after Ct
 Examples:
   tesk export --output documents
   tesk export --output documents --host wsman.example.com:5985 --prune
+  tesk export --output documents --server https://cim.example.com --namespace root/cimv2
   tesk export --output documents --namespace root/cimv2=schema/cim.mof 'CIM_Storage*')";
 
 void addExportOptions(Command& command, ExportOptions& options) {
@@ -68,12 +55,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .help = "The directory; made if it is missing",
                                .target = &options.output,
                                .isRequired = true});
-    command.options.push_back(
-        {.name = "--host",
-         .value = "HOST[:PORT]",
-         .help = "Where the documents say that the service is (default: localhost:5985)",
-         .target = &options.host,
-         .check = requireHost});
+    addAddressOptions(command, options.address);
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
@@ -91,13 +73,14 @@ void addExportOptions(Command& command, ExportOptions& options) {
 }
 
 DocumentExportResult writeDocuments(const ExportOptions& options,
+                                    const Host::PublishedAddress& address,
                                     const TSKSmrPtr<Repository::ClassRepository>& repository,
                                     const std::vector<ClassSelection>& selections,
-                                    const OutputDirectory& output,
+                                    const Base::OutputDirectory& output,
                                     const Base::StopSignals& stopSignals) {
     const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(host.manager(), TSKString(options.host));
+    const Host::MemoryClient client(host.manager(), address);
     ProgressLine progress(stderr, countDocuments(selections), "documents");
     DocumentExportOptions exportOptions;
     exportOptions.jobs = options.jobs;
@@ -107,14 +90,15 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     // Pages lead to each other, so there are all or none.
     if (options.classes.empty()) {
         exportOptions.exportPages = [&](const ClassSelection& selection,
-                                        const OutputDirectory& directory) {
-            exportPages(selection, directory, options.host, options.jobs, exportOptions.isStopped);
+                                        const Base::OutputDirectory& directory) {
+            exportPages(selection, directory, address.host, options.jobs, exportOptions.isStopped);
         };
     }
     return exportDocuments(selections, client, output, exportOptions);
 }
 
-int reportStop(int signal, const DocumentExportResult& result, const OutputDirectory& output) {
+int reportStop(int signal, const DocumentExportResult& result,
+               const Base::OutputDirectory& output) {
     std::cerr << "tesk: stopped by " << Base::StopSignals::nameOf(signal) << " after "
               << Base::withSeparators(result.written + result.unchanged) << " of "
               << Base::counted(result.documents, "document", "documents") << "; those in "
@@ -125,16 +109,20 @@ int reportStop(int signal, const DocumentExportResult& result, const OutputDirec
 int runExport(const ExportOptions& options) {
     // A file that is larger than the process may write is an error like a full disk.
     (void)std::signal(SIGXFSZ, SIG_IGN);
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(options.model);
+    ModelOptions model = options.model;
+    askForPassword(model.server);
+    const Configuration::Settings settings = readSettings(model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
     const bool all = options.classes.empty();
     const std::vector<ClassSelection> selections =
         all ? selectAllClasses(*repository) : selectClasses(*repository, options.classes);
     // Before this, a signal may end the program at once: nothing is written yet.
     const Base::StopSignals stopSignals;
-    OutputDirectory output = OutputDirectory::create(options.output);
+    Base::OutputDirectory output = Base::OutputDirectory::create(options.output, "export");
     output.lock();
-    const DocumentExportResult result =
-        writeDocuments(options, repository, selections, output, stopSignals);
+    const DocumentExportResult result = writeDocuments(
+        options, addressOf(options.address, settings), repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);

@@ -8,13 +8,13 @@
 
 namespace Commands {
 
-void exportPages(const ClassSelection& selection, const OutputDirectory& directory,
+void exportPages(const ClassSelection& selection, const Base::OutputDirectory& directory,
                  std::string_view host, unsigned jobs, const std::function<bool()>& isStopped) {
     const Pages::ClassRelations relations(*selection.nameSpace);
     workInParallel(selection.classes.size(), jobs, [&](std::size_t number) {
         const Repository::CimClass& cimClass = *selection.classes[number];
         const std::string file = std::string(cimClass.name()) + kPageExtension;
-        if (isStopped() || !OutputDirectory::validateName(file).empty())
+        if (isStopped() || !Base::OutputDirectory::validateName(file).empty())
             return;
         directory.put(file,
                       Pages::makeClassPage(cimClass, relations, Pages::Layout::kExported, host));

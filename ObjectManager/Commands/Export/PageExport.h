@@ -3,8 +3,8 @@
 #include <functional>
 #include <string_view>
 
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
-#include "ObjectManager/Commands/Export/OutputDirectory.h"
 
 namespace Commands {
 
@@ -13,7 +13,7 @@ namespace Commands {
 /// pages say that the service is. Ends early when `isStopped` returns true, which it is asked
 /// before each page, in any thread. Errors: std::system_error when a file cannot be written; the
 /// export ends then.
-void exportPages(const ClassSelection& selection, const OutputDirectory& directory,
+void exportPages(const ClassSelection& selection, const Base::OutputDirectory& directory,
                  std::string_view host, unsigned jobs, const std::function<bool()>& isStopped);
 
 }  // namespace Commands

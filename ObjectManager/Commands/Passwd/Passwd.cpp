@@ -8,7 +8,7 @@
 
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/Commands.h"
-#include "ObjectManager/Commands/Passwd/PasswordInput.h"
+#include "ObjectManager/Commands/PasswordInput.h"
 #include "ObjectManager/Security/Credentials.h"
 #include "ObjectManager/Security/PasswordFile.h"
 #include "ObjectManager/Security/PasswordHash.h"

@@ -4,16 +4,19 @@
 #include <utility>
 
 #include "ObjectManager/Host/InstallationPaths.h"
+#include "ObjectManager/Security/AnonymousAuthenticator.h"
 
 namespace Commands {
 
 namespace {
 
-Http::Authentication authenticationBy(
-    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator) {
-    return {
-        .prepare = [authenticator](
-                       const TSKHTTPRequest& request) { return authenticator->prepare(request); },
+Http::Authentication authenticationBy(const TSKSmrPtr<Security::BasicAuthenticator>& authenticator,
+                                      Security::Scheme scheme) {
+    Http::Authentication authentication = {
+        .prepare =
+            [authenticator](const TSKHTTPRequest& request, const std::string& certificateUser) {
+                return authenticator->prepare(request, certificateUser);
+            },
         .unverifiedLogin = [authenticator](const TSKHTTPRequest& request)
             -> std::optional<Http::Authentication::Login> {
             auto login = authenticator->unverifiedLogin(request);
@@ -23,25 +26,46 @@ Http::Authentication authenticationBy(
         },
         .verify =
             [authenticator](TSKHTTPRequest& request) { return authenticator->verify(request); }};
+    // Nobody is asked for a password, so none is hashed.
+    if (scheme == Security::Scheme::kNone)
+        authentication.unverifiedLogin = nullptr;
+    return authentication;
+}
+
+TSKSmrPtr<ITeskAuthenticator> authenticatorFor(
+    const TSKSmrPtr<Security::BasicAuthenticator>& authenticator, Security::Scheme scheme) {
+    if (scheme == Security::Scheme::kNone)
+        return TSKSmrPtr<Security::AnonymousAuthenticator>::make();
+    return authenticator;
 }
 
 }  // namespace
 
 Service::Service(const Configuration::Settings& settings,
                  const TSKSmrPtr<Repository::ClassRepository>& repository,
-                 Security::UserTable users)
+                 Security::UserTable users, Metrics::ServiceMetrics* metrics)
     : accessLog_(settings.log.access.empty()
                      ? nullptr
                      : std::make_unique<Http::AccessLog>(settings.log.access)),
       authenticator_(
           TSKSmrPtr<Security::BasicAuthenticator>::make(std::move(users), settings.security)),
       index_(repository),
-      host_(repository, authenticator_, Host::InstallationPaths::ofThisProgram().installation,
-            {&index_}),
-      server_(settings.server, host_.manager(), authenticationBy(authenticator_),
-              [this](const Http::Exchange& exchange) { report(exchange); }) {}
+      host_(repository, authenticatorFor(authenticator_, settings.security.scheme),
+            Host::InstallationPaths::ofThisProgram().installation, {&index_}),
+      metrics_(metrics),
+      server_(settings.server, host_.manager(),
+              authenticationBy(authenticator_, settings.security.scheme),
+              [this](const Http::Exchange& exchange) { report(exchange); }) {
+    if (metrics_ == nullptr)
+        return;
+    countContent(*repository);
+    metrics_->setSource([this] { return serverState(); });
+}
 
-Service::~Service() = default;
+Service::~Service() {
+    if (metrics_ != nullptr)
+        metrics_->setSource(nullptr);
+}
 
 void Service::start() {
     server_.start();
@@ -57,10 +81,48 @@ void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
     index_.setRepository(repository);
     if (checker)
         authenticator_->setChecker(std::move(checker));
+    countContent(*repository);
+}
+
+void Service::countContent(const Repository::ClassRepository& repository) noexcept {
+    if (metrics_ == nullptr)
+        return;
+    try {
+        std::vector<Metrics::ServiceMetrics::NamespaceSize> sizes;
+        for (const Repository::CimNamespace& nameSpace : repository.namespaces())
+            sizes.push_back(
+                {.name = std::string(nameSpace.name()), .classes = nameSpace.classes().size()});
+        metrics_->setContent(sizes);
+    } catch (const std::bad_alloc&) {
+        // The metrics are those of the classes before.
+    }
+}
+
+Metrics::ServiceMetrics::ServerState Service::serverState() noexcept {
+    const Http::Server::State state = server_.state();
+    Metrics::ServiceMetrics::ServerState result = {.connections = state.connections,
+                                                   .acceptedConnections = state.acceptedConnections,
+                                                   .refusedConnections = state.refusedConnections,
+                                                   .failedHandshakes = state.failedHandshakes,
+                                                   .responseMemory = state.responseMemory,
+                                                   .certificateExpiry = std::nullopt};
+    if (const Http::TlsContext* const tls = server_.tls())
+        result.certificateExpiry = tls->expiry();
+    return result;
 }
 
 void Service::setUsers(Security::UserTable users) {
     authenticator_->setUsers(std::move(users));
+}
+
+void Service::reloadCertificate() noexcept {
+    if (Http::TlsContext* const tls = server_.tls())
+        tls->reload();
+}
+
+void Service::reloadCertificateIfChanged() noexcept {
+    if (Http::TlsContext* const tls = server_.tls())
+        tls->goOn();
 }
 
 void Service::reopenAccessLog() {
@@ -81,7 +143,15 @@ void Service::report(const Http::Exchange& exchange) {
     constexpr unsigned kUnauthorized = 401;
     const std::string user =
         exchange.request == nullptr ? "" : authenticator_->userOf(*exchange.request);
-    if (exchange.status == kUnauthorized && !user.empty())
+    const bool isFailedLogin = exchange.status == kUnauthorized && !user.empty();
+    if (metrics_ != nullptr) {
+        const std::string_view path =
+            exchange.request == nullptr ? "" : std::string_view(exchange.request->getUri());
+        metrics_->countResponse(path, exchange.status, exchange.duration, exchange.bodyBytes);
+        if (isFailedLogin)
+            metrics_->countFailedLogin();
+    }
+    if (isFailedLogin)
         failedLogins_.add(exchange.client, user);
     if (accessLog_)
         accessLog_->write(exchange, user);
@@ -95,6 +165,8 @@ std::vector<std::string> Service::addresses() const {
     std::vector<std::string> addresses;
     for (const auto& [address, port] : server_.addresses())
         addresses.push_back("http://" + address + ":" + std::to_string(port));
+    for (const auto& [address, port] : server_.tlsAddresses())
+        addresses.push_back("https://" + address + ":" + std::to_string(port));
     return addresses;
 }
 

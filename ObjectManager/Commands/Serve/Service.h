@@ -10,6 +10,7 @@
 #include "ObjectManager/Http/AccessLog.h"
 #include "ObjectManager/Http/FailedLogins.h"
 #include "ObjectManager/Http/Server.h"
+#include "ObjectManager/Metrics/ServiceMetrics.h"
 #include "ObjectManager/Pages/PageProvider.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 #include "ObjectManager/Security/BasicAuthenticator.h"
@@ -23,11 +24,14 @@ namespace Commands {
 /// Thread safety: belongs to one thread.
 class Service {
   public:
-    /// Starts the providers and listens. Requests wait until start() is called.
-    /// Errors: TeskBaseException when a provider fails or the access log cannot be written,
+    /// Starts the providers and listens. Requests wait until start() is called. `metrics` counts
+    /// what happens, and must outlive this; null for nobody.
+    /// Errors: TeskBaseException when a provider fails, the access log cannot be written or the
+    /// certificate cannot be used,
     /// std::system_error when an address cannot be listened on.
     Service(const Configuration::Settings& settings,
-            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users);
+            const TSKSmrPtr<Repository::ClassRepository>& repository, Security::UserTable users,
+            Metrics::ServiceMetrics* metrics = nullptr);
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
     /// Shuts the providers down. Call stop() before.
@@ -42,6 +46,11 @@ class Service {
                  std::optional<Security::UserTable> users);
     void setUsers(Security::UserTable users);
 
+    /// Reads the certificate for TLS again, if there is one; reloadCertificateIfChanged() is to be
+    /// called about once a second. See Http::TlsContext.
+    void reloadCertificate() noexcept;
+    void reloadCertificateIfChanged() noexcept;
+
     /// Opens the access log by its name again, if there is one.
     /// Errors: TeskBaseException when it cannot be written; it goes on as before then.
     void reopenAccessLog();
@@ -53,17 +62,20 @@ class Service {
     /// whether no provider runs any more; if one does, this must not be destroyed.
     [[nodiscard]] bool stop();
 
-    /// "http://127.0.0.1:5985" for each address that is listened on.
+    /// "http://127.0.0.1:5985" for each address that is listened on, those for TLS last.
     [[nodiscard]] std::vector<std::string> addresses() const;
 
   private:
     void report(const Http::Exchange& exchange);
+    void countContent(const Repository::ClassRepository& repository) noexcept;
+    [[nodiscard]] Metrics::ServiceMetrics::ServerState serverState() noexcept;
 
     std::unique_ptr<Http::AccessLog> accessLog_;  // null for none
     Http::FailedLogins failedLogins_;
     TSKSmrPtr<Security::BasicAuthenticator> authenticator_;
     Pages::PageProvider index_;
     Host::ProviderHost host_;
+    Metrics::ServiceMetrics* metrics_;  // null for none
     Http::Server server_;
 };
 

@@ -249,4 +249,11 @@ TEST_F(ServiceDocuments, HostileRequestsAreRefusedAndOthersAreServed) {
     EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
 }
 
+TEST_F(ServiceDocuments, NameThePublishedAddressWhateverTheHost) {
+    serverKeys_["published_address"] = "\"http://cim.example.org:1\"";
+    start();
+    EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")),
+              found(expected("TST_Nothing.wsdl", "cim.example.org:1")));
+}
+
 }  // namespace

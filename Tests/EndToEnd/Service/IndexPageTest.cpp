@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "ObjectManager/Http/EntityTag.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/PageFrame.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 
 namespace {
@@ -14,7 +14,7 @@ class ServiceIndexPage : public RunningService {
   protected:
     // Of the classes that the model has now.
     [[nodiscard]] std::string page() const {
-        const Repository::LoadedRepository loaded = Repository::loadRepository(
+        const Loading::LoadedRepository loaded = Loading::loadRepository(
             {{.name = "root/test", .paths = {directory_ / "test.mof"}}}, {}, {});
         return Pages::makeIndexPage(*loaded.repository, Pages::Layout::kServed);
     }

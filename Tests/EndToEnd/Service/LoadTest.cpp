@@ -8,7 +8,7 @@
 
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/EndToEnd/Service/RunningService.h"
 #include "Tests/ObjectManager/Http/WithoutDate.h"
 #include "Tests/Support/CimSchema.h"
@@ -59,12 +59,12 @@ class ServiceLoad : public RunningService {
 // Makes the documents in this process, by the same plug-in.
 class DirectDocuments {
   public:
-    explicit DirectDocuments(const Repository::NamespaceSource& source)
-        : repository_(Repository::loadRepository({source}, {}, {}).repository),
+    explicit DirectDocuments(const Loading::NamespaceSource& source)
+        : repository_(Loading::loadRepository({source}, {}, {}).repository),
           host_(repository_, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                 std::filesystem::path(TESK_PROGRAM).parent_path().parent_path() /
                     TESK_INSTALLATION_DIR),
-          client_(host_.manager(), "192.0.2.1:5985") {}
+          client_(host_.manager(), {.host = "192.0.2.1:5985"}) {}
 
     [[nodiscard]] std::vector<std::string> paths() const {
         std::vector<std::string> paths;

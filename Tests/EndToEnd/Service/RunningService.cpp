@@ -99,7 +99,7 @@ void RunningService::startWith(const std::vector<std::string>& arguments,
                                const std::filesystem::path& program) {
     process_.emplace(arguments, "", program);
     readyLine_ = process_->readLine();
-    const std::regex address("http://[^ ]*:([0-9]+)");
+    const std::regex address("https?://[^ ]*:([0-9]+)");
     ports_.clear();
     for (std::sregex_iterator match(readyLine_.begin(), readyLine_.end(), address), end;
          match != end; ++match)

@@ -247,4 +247,35 @@ TEST_F(ServiceUsers, NoPasswordComesIntoTheLog) {
         EXPECT_EQ(log.find(secret), std::string::npos) << log;
 }
 
+TEST_F(ServiceUsers, EverybodyIsLetInWithoutAuthentication) {
+    serverKeys_["authentication"] = "\"none\"";
+    std::filesystem::remove(directory_ / "users");
+    listen_ = {"127.0.0.1:0", "0.0.0.0:0"};
+    start();
+    EXPECT_EQ(response(with("")), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with(basicField("bob", "wrong"))), found(expected("TST_Nothing.wsdl")));
+    EXPECT_EQ(response(with("", "/root/test/TST_None.wsdl")), kNotFound);
+    EXPECT_EQ(response(with("", "/other")).substr(0, 22), "HTTP/1.1 404 Not Found");
+    reload();
+    EXPECT_EQ(response(with("")), found(expected("TST_Nothing.wsdl")));
+    expectedLog_ = {
+        "warning tesk: Other machines reach http://0.0.0.0:" + std::to_string(port(1)) +
+        ", and everybody can read the documents there: set authentication in [server] to "
+        "\"basic\", or listen on 127.0.0.1 only"};
+}
+
+TEST_F(ServiceUsers, AReloadDoesNotEndAuthentication) {
+    start();
+    serverKeys_["authentication"] = "\"none\"";
+    writeConfiguration();
+    reload();
+    EXPECT_EQ(response(with("")), kChallenge);
+    EXPECT_EQ(response(with(basicField("alice", "secret"))), found(expected("TST_Nothing.wsdl")));
+    expectedLog_ = {
+        "warning tesk: No password file is configured any more; the users stay until the next "
+        "start",
+        "warning tesk: Changes of [server], [log] and credential_lifetime take effect at the next "
+        "start"};
+}
+
 }  // namespace

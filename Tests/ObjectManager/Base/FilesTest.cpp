@@ -410,10 +410,12 @@ TEST_F(ReplaceFileTest, AFullDiskLeavesEverythingAsItWas) {
 
 // The first descriptor is the directory's, the second one the temporary file's.
 TEST_F(ReplaceFileTest, WithoutDescriptorsTheOldFileStays) {
+#ifdef TESK_ADDRESS_SANITIZER
+    GTEST_SKIP() << "the check of virtual calls opens a pipe, and takes its failure for a fault";
+#endif
     directory_.write("users", "old\n");
     const int next = Base::openDirectory("/").get();
     for (const int more : {0, 1}) {
-        // The limit ends before the error is looked at: the sanitizers need a descriptor for that.
         EXPECT_EQ(failureOf([&] {
                       const ResourceLimit limit(RLIMIT_NOFILE, static_cast<rlim_t>(next + more));
                       replaceFile(path_, "new\n");

@@ -207,6 +207,12 @@ TEST(CimXmlClassCollection, AClassNeedsAName) {
         "http://host:5988: root/test: warning: \"\" is not a name; the class is left out\n");
 }
 
+TEST(CimXmlClassCollection, AClassWithANameThatIsReservedInMofIsLeftOut) {
+    EXPECT_EQ(declared(cimClass("Uint8", "", "") + cimClass("B", "uint8", "")),
+              "http://host:5988: root/test: Uint8: warning: the word \"Uint8\" is reserved in MOF, "
+              "so it cannot be a name; the class is left out with its 1 subclass\n");
+}
+
 TEST(CimXmlClassCollection, AnythingElseAmongTheResultsIsRefused) {
     EXPECT_THROW(Collected().classes("<CLASSNAME NAME=\"A\"/>"), ServerError);
     EXPECT_THROW(Collected("<CLASS NAME=\"A\"/>"), ServerError);

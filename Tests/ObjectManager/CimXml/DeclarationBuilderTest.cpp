@@ -55,14 +55,14 @@ TEST(CimXmlDeclarationBuilder, MakesMethodsWithEveryFormOfParameters) {
                             "<PARAMETER NAME=\"One\" TYPE=\"boolean\">" + qualifier("Note", "p") +
                             "</PARAMETER>"
                             "<PARAMETER.ARRAY NAME=\"Many\" TYPE=\"char16\" ARRAYSIZE=\"2\"/>"
-                            "<PARAMETER.REFERENCE NAME=\"Ref\" REFERENCECLASS=\"A_B\"/>"
-                            "<PARAMETER.REFARRAY NAME=\"Refs\" REFERENCECLASS=\"A_B\"/></METHOD>",
+                            "<PARAMETER.REFERENCE NAME=\"Whom\" REFERENCECLASS=\"A_B\"/>"
+                            "<PARAMETER.REFARRAY NAME=\"All\" REFERENCECLASS=\"A_B\"/></METHOD>",
                         kNoteAndMine),
               "  [Note(\"m\")] uint32 Do()\n"
               "    [Note(\"p\")] boolean One\n"
               "    char16 Many[2]\n"
-              "    A_B ref Ref\n"
-              "    A_B ref Refs[]\n");
+              "    A_B ref Whom\n"
+              "    A_B ref All[]\n");
 }
 
 TEST(CimXmlDeclarationBuilder, MakesQualifiersWithEveryFormOfValues) {
@@ -204,6 +204,27 @@ TEST(CimXmlDeclarationBuilder, AClassThatIsMadeOfOddElementsIsLeftOut) {
               "A_B: warning: the value \"\" is no string");
     EXPECT_EQ(faultOf(property("P", "") + property("p", "")),
               "A_B.p: warning: the class \"A_B\" has a property \"p\" already");
+}
+
+// It could not be imported, nor kept for a start without the server.
+TEST(CimXmlDeclarationBuilder, AClassWithANameThatIsReservedInMofIsLeftOut) {
+    const auto reserved = [](const std::string& place, const std::string& word) {
+        return place + ": warning: the word \"" + word +
+               "\" is reserved in MOF, so it cannot be a name";
+    };
+    EXPECT_EQ(faultOf(property("String", "")), reserved("A_B", "String"));
+    EXPECT_EQ(faultOf("<METHOD NAME=\"ref\" TYPE=\"uint8\"/>"), reserved("A_B", "ref"));
+    EXPECT_EQ(faultOf("<METHOD NAME=\"M\" TYPE=\"uint8\"><PARAMETER NAME=\"NULL\" "
+                      "TYPE=\"string\"/></METHOD>"),
+              reserved("A_B.M", "NULL"));
+    EXPECT_EQ(faultOf("<PROPERTY.REFERENCE NAME=\"P\" REFERENCECLASS=\"as\"/>"),
+              reserved("A_B.P", "as"));
+    EXPECT_EQ(faultOf(qualifier("of", "")), reserved("A_B", "of"));
+    EXPECT_EQ(membersOf(property("Property", "")), "  string Property\n");
+}
+
+TEST(CimXmlDeclarationBuilder, OnlyArraysHaveASize) {
+    EXPECT_EQ(membersOf("<PROPERTY NAME=\"P\" TYPE=\"string\" ARRAYSIZE=\"x\"/>"), "  string P\n");
 }
 
 // An attribute says it where a qualifier does not.

@@ -189,7 +189,8 @@ TEST(CimXmlResponseReader, UnknownElementsAreNamedAndTheirContentIsSkipped) {
 }
 
 TEST(CimXmlResponseReader, WhatTheCallerThrowsComesOut) {
-    CimXml::ResponseReader reader("EnumerateClasses", CimXml::Limits(),
+    const CimXml::Limits limits;
+    CimXml::ResponseReader reader("EnumerateClasses", limits,
                                   [](const Element&) { throw std::runtime_error("enough"); });
     EXPECT_THROW(reader.read(responseTo("EnumerateClasses", "<CLASS/>")), std::runtime_error);
 }

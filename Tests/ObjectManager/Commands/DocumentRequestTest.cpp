@@ -16,7 +16,7 @@ std::string request(FunctionProvider::Function response, const char* nameSpace =
     FunctionProvider provider(std::move(response));
     TeskProviderPluginManager manager;
     provider.addTo(manager);
-    const Host::MemoryClient client(manager, "host");
+    const Host::MemoryClient client(manager, {.host = "host"});
     const auto repository = makeNamedClasses({{nameSpace, {}}});
     const Commands::RequestedDocument document =
         Commands::requestDocument(client, repository->namespaces().front(), "A.xsd");

@@ -13,15 +13,15 @@ namespace {
 
 using Commands::ModelOptions;
 
-std::vector<Repository::NamespaceSource> namespacesOf(const ModelOptions& options) {
+std::vector<Loading::NamespaceSource> namespacesOf(const ModelOptions& options) {
     std::ostringstream messages;
     return Commands::readSettings(options, messages).namespaces;
 }
 
 // A line each: "NAME: PATH PATH".
-std::string linesOf(const std::vector<Repository::NamespaceSource>& sources) {
+std::string linesOf(const std::vector<Loading::NamespaceSource>& sources) {
     std::string lines;
-    for (const Repository::NamespaceSource& source : sources) {
+    for (const Loading::NamespaceSource& source : sources) {
         lines += source.name + ":";
         for (const std::string& path : source.paths)
             lines += " " + path;
@@ -136,7 +136,7 @@ TEST(Model, AWrongConfigurationIsNotUsed) {
     EXPECT_EQ(messages.str(),
               options.configuration +
                   ":1:1: error: unknown key \"nothing\"; known are \"include_path\", "
-                  "\"namespaces\", \"repository\", \"server\", "
+                  "\"servers\", \"namespaces\", \"repository\", \"server\", "
                   "\"security\" and \"log\"\n");
 }
 

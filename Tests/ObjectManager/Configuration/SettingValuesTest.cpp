@@ -7,9 +7,11 @@
 
 namespace {
 
+using Configuration::parseAdminAddress;
 using Configuration::parseListenAddress;
 using Configuration::parseNamespaceName;
 using Configuration::parseNamespaceOption;
+using Configuration::parsePublishedAddress;
 using Http::ListenAddress;
 
 // What `parse` says against a text.
@@ -69,6 +71,13 @@ TEST(ListenAddress, EverythingElseIsRefused) {
               "\"127.0.0.1");
 }
 
+TEST(AdminAddress, MayBeAPortAlone) {
+    EXPECT_EQ(parseAdminAddress("9187"), (ListenAddress{.address = "127.0.0.1", .port = 9187}));
+    EXPECT_EQ(parseAdminAddress("[::]:1"), (ListenAddress{.address = "::", .port = 1}));
+    for (const char* const text : {"", ":9187", "65536", "9187x", "localhost:1"})
+        EXPECT_EQ(failureOf(&parseAdminAddress, text), failureOf(&parseListenAddress, text));
+}
+
 TEST(NamespaceName, LosesTheSlashesAtItsEnds) {
     EXPECT_EQ(parseNamespaceName("root/cimv2"), "root/cimv2");
     EXPECT_EQ(parseNamespaceName("/root/cimv2/"), "root/cimv2");
@@ -90,9 +99,9 @@ TEST(NamespaceName, EverythingElseIsRefused) {
 
 TEST(NamespaceOption, HasANameAndAPath) {
     EXPECT_EQ(parseNamespaceOption("root/cimv2=schema/cim.mof"),
-              (Repository::NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
+              (Loading::NamespaceSource{.name = "root/cimv2", .paths = {"schema/cim.mof"}}));
     EXPECT_EQ(parseNamespaceOption("/a/=/b/c=d "),
-              (Repository::NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
+              (Loading::NamespaceSource{.name = "a", .paths = {"/b/c=d "}}));
 }
 
 TEST(NamespaceOption, EverythingElseIsRefused) {
@@ -105,6 +114,27 @@ TEST(NamespaceOption, EverythingElseIsRefused) {
     EXPECT_EQ(failureOf(&parseNamespaceOption, "=cim.mof"), failureOf(&parseNamespaceName, ""));
     EXPECT_EQ(failureOf(&parseNamespaceOption, "a b=cim.mof"),
               failureOf(&parseNamespaceName, "a b"));
+}
+
+TEST(PublishedAddress, HasASchemeAHostAndAnOptionalPort) {
+    EXPECT_EQ(parsePublishedAddress("https://cim.example.org:5986"),
+              (Host::PublishedAddress{.host = "cim.example.org:5986", .isHttps = true}));
+    EXPECT_EQ(parsePublishedAddress("http://cim.example.org/"),
+              (Host::PublishedAddress{.host = "cim.example.org"}));
+    EXPECT_EQ(parsePublishedAddress("HTTPS://[2001:db8::1]:1"),
+              (Host::PublishedAddress{.host = "[2001:db8::1]:1", .isHttps = true}));
+}
+
+TEST(PublishedAddress, EverythingElseIsRefused) {
+    for (const char* const text :
+         {"", "cim.example.org", "cim.example.org:5986", "ftp://a", "http://", "https:///",
+          "https://a/b", "https://a//", "https://a:65536", "https://a b", "https://u@a",
+          "https://a?b", " https://a"}) {
+        EXPECT_EQ(failureOf(&parsePublishedAddress, text),
+                  "\"" + std::string(text) +
+                      "\" is not the address of a service, such as "
+                      "\"https://cim.example.org:5986\"");
+    }
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -15,6 +16,14 @@ using Configuration::parseSettings;
 using Configuration::readSettings;
 using Configuration::Settings;
 using Configuration::SettingsReading;
+
+const std::string kServerKeys =
+    "\"listen\", \"tls_listen\", \"tls_certificate\", \"tls_key\", \"tls_client_ca\", "
+    "\"admin_listen\", \"published_address\", \"authentication\", \"trusted_proxies\", "
+    "\"workers\", "
+    "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
+    "\"response_timeout\", \"shutdown_timeout\", \"max_connections\", "
+    "\"max_connections_per_client\" and \"max_response_memory\"";
 
 // The settings of a file "tesk.toml" in the current directory, which must have no errors.
 Settings settingsOf(const std::string& text) {
@@ -41,7 +50,16 @@ TEST(SettingsReader, AnEmptyFileMeansTheDefaults) {
               "escape_descriptions: true\n"
               "max_document_size: 67108864\n"
               "max_model_size: 268435456\n"
+              "refresh: 0 ms\n"
+              "cache:\n"
               "listen: 127.0.0.1:5985\n"
+              "tls_listen:\n"
+              "tls_certificate:\n"
+              "tls_key:\n"
+              "tls_client_ca:\n"
+              "admin_listen:\n"
+              "published_address:\n"
+              "authentication: basic\n"
               "trusted_proxies:\n"
               "workers: 0\n"
               "max_header_size: 16384\n"
@@ -73,8 +91,17 @@ property_order = "declaration"
 escape_descriptions = false
 max_document_size = 16384
 max_model_size = 1099511627776
+refresh = 300
+cache = "cache"
 [server]
 listen = ["127.0.0.1:0", "[::1]:5986"]
+tls_listen = ["0.0.0.0:5986", "[::]:5986"]
+tls_certificate = "tls/certificate.pem"
+tls_key = "/etc/key.pem"
+tls_client_ca = "authorities.pem"
+admin_listen = "[::1]:9187"
+published_address = "https://cim.example.org:5986"
+authentication = "none"
 trusted_proxies = ["10.0.0.0/8", "::1"]
 workers = 3
 max_header_size = 1000
@@ -101,7 +128,16 @@ access = "access.log"
               "escape_descriptions: false\n"
               "max_document_size: 16384\n"
               "max_model_size: 1099511627776\n"
+              "refresh: 300000 ms\n"
+              "cache: cache\n"
               "listen: 127.0.0.1:0 ::1:5986\n"
+              "tls_listen: 0.0.0.0:5986 :::5986\n"
+              "tls_certificate: tls/certificate.pem\n"
+              "tls_key: /etc/key.pem\n"
+              "tls_client_ca: authorities.pem\n"
+              "admin_listen: ::1:9187\n"
+              "published_address: https://cim.example.org:5986\n"
+              "authentication: none\n"
               "trusted_proxies: 10.0.0.0/8 ::1/128\n"
               "workers: 3\n"
               "max_header_size: 1000\n"
@@ -341,10 +377,9 @@ TEST(SettingsReader, WrongNamespacesAreRefused) {
     EXPECT_EQ(errorsIn("a = ['a.mof', '']"),
               "tesk.toml:2:15: error: \"a\" in [namespaces]: a path must have at least one "
               "character, and no zero byte\n");
-    EXPECT_EQ(
-        errorsIn("root.cimv2 = 'a.mof'"),
-        "tesk.toml:2:1: error: \"root\" in [namespaces] must be a MOF file, a directory or a list "
-        "of such, not a table\n");
+    EXPECT_EQ(errorsIn("root.cimv2 = 'a.mof'"),
+              "tesk.toml:2:1: error: \"root\" in [namespaces] must be a MOF file, a directory, a "
+              "list of such, or a table with a \"server\"\n");
     EXPECT_EQ(errorsIn("a = 'a.mof'\ninclude_path = ['b']"),
               "tesk.toml:3:1: error: \"include_path\" must stand above [namespaces] and all other "
               "tables\n");
@@ -358,24 +393,94 @@ TEST(SettingsReader, UnknownKeysAreRefusedWithTheNearestOne) {
               "\"max_connections\"?\n");
     EXPECT_EQ(errorIn("repository", "order = 1"),
               "1: error: unknown key \"order\" in [repository]; known are \"property_order\", "
-              "\"escape_descriptions\", \"max_document_size\" and \"max_model_size\"\n");
+              "\"escape_descriptions\", \"max_document_size\", \"max_model_size\", \"refresh\" and "
+              "\"cache\"\n");
     EXPECT_EQ(errorIn("", "includepath = 1"),
               "1: error: unknown key \"includepath\"; did you mean \"include_path\"?\n");
     EXPECT_EQ(errorIn("", "listen = 1"),
-              "1: error: unknown key \"listen\"; known are \"include_path\", \"namespaces\", "
+              "1: error: unknown key \"listen\"; known are \"include_path\", \"servers\", "
+              "\"namespaces\", "
               "\"repository\", \"server\", \"security\" and \"log\"\n");
     EXPECT_EQ(errorIn("", "[sever]"),
               "2: error: unknown table [sever]; did you mean \"server\"?\n");
-    EXPECT_EQ(errorIn("", "[http]"),
-              "2: error: unknown table [http]; known are \"include_path\", \"namespaces\", "
-              "\"repository\", \"server\", \"security\" and \"log\"\n");
     EXPECT_EQ(
-        errorIn("server", "tls.key = 1"),
-        "1: error: unknown key \"tls\" in [server]; known are \"listen\", \"trusted_proxies\", "
-        "\"workers\", "
-        "\"max_header_size\", \"max_request_line\", \"header_timeout\", \"request_timeout\", "
-        "\"response_timeout\", \"shutdown_timeout\", \"max_connections\", "
-        "\"max_connections_per_client\" and \"max_response_memory\"\n");
+        errorIn("", "[http]"),
+        "2: error: unknown table [http]; known are \"include_path\", \"servers\", \"namespaces\", "
+        "\"repository\", \"server\", \"security\" and \"log\"\n");
+    EXPECT_EQ(errorIn("server", "tls.key = 1"),
+              "1: error: unknown key \"tls\" in [server]; known are " + kServerKeys + "\n");
+}
+
+TEST(SettingsReader, NamespacesMayBeThoseOfServers) {
+    const Settings settings = settingsOf(R"(
+[namespaces]
+"root/a" = "a.mof"
+"/root/b/" = { server = "one" }
+"root/c" = { server = "one", namespace = "/root/x/", classes = "CIM_*" }
+"*" = { server = "the other", classes = ["A_?", "B_*"] }
+[servers."the other"]
+url = "http://h"
+[servers.one]
+url = "https://cim.example.com:1234/cim"
+user = "alice"
+password_file = "password"
+cacert = "/etc/ca.pem"
+certificate = "me.pem"
+key = "key.pem"
+verify = false
+timeout = 2.5
+local_only = true
+interop_namespaces = "root/interop/"
+)");
+    Settings expected;
+    expected.namespaces = {
+        {.name = "root/a", .paths = {"a.mof"}},
+        {.name = "root/b", .server = "one", .remoteName = "root/b"},
+        {.name = "root/c", .server = "one", .remoteName = "root/x", .patterns = {"CIM_*"}},
+        {.name = "", .server = "the other", .patterns = {"A_?", "B_*"}}};
+    CimXml::ServerOptions one = {.url = "https://cim.example.com:1234/cim"};
+    one.user = "alice";
+    one.authoritiesFile = "/etc/ca.pem";
+    one.certificateFile = "me.pem";
+    one.keyFile = "key.pem";
+    one.verifiesCertificate = false;
+    one.localOnly = true;
+    one.interopNamespaces = {"root/interop"};
+    one.limits.setTotalTimeout(std::chrono::milliseconds(2500));
+    expected.servers = {{.name = "the other", .options = {.url = "http://h"}},
+                        {.name = "one", .options = one, .passwordFile = "password"}};
+    EXPECT_EQ(textOf(settings), textOf(expected));
+    EXPECT_EQ(settings, expected);
+}
+
+TEST(SettingsReader, WhatIsWrongWithAServerIsReported) {
+    EXPECT_EQ(errorsOf(parseSettings("tesk.toml", R"([namespaces]
+a = { server = "two" }
+b = { server = "one", prot = 1 }
+c = { namespace = "x" }
+d = { server = "one", namespace = "x y" }
+"*" = "a.mof"
+[servers]
+one = { url = "http://h" }
+three = { user = "alice" }
+four = { url = "https://u:secret@h" }
+five = { url = "http://h", user = "a:b", password_file = "p" }
+six = { url = "http://h", timeout = 0 }
+seven = 7
+)")),
+              R"(tesk.toml:2:16: error: "server" in [namespaces.a]: there is no table [servers.two]
+tesk.toml:3:23: error: unknown key "prot" in [namespaces.b]; known are "server", "namespace" and "classes"
+tesk.toml:4:1: error: "c" in [namespaces] must be a MOF file, a directory, a list of such, or a table with a "server"
+tesk.toml:5:35: error: "namespace" in [namespaces.d]: "x y" is not the name of a namespace of a CIM server
+tesk.toml:6:1: error: "*" is not the name of a namespace, such as "root/cimv2": letters, digits, "_", "-" and ".", in parts with a "/" between them
+tesk.toml:9:1: error: [servers.three] must have a "url"
+tesk.toml:9:1: error: [servers.three] must have both a "user" and a "password_file", or neither
+tesk.toml:10:16: error: "url" in [servers.four]: the address must not hold a user or a password
+tesk.toml:11:1: error: [servers.five] must have both a "user" and a "password_file", or neither
+tesk.toml:11:35: error: "user" in [servers.five]: a user has at least one character, and no colon
+tesk.toml:12:37: error: "timeout" in [servers.six] must be a number of seconds from 0.001 to 86400, not 0
+tesk.toml:13:9: error: "seven" in [servers] must be a table, not 7
+)");
 }
 
 TEST(SettingsReader, AllErrorsAreReportedInTheOrderOfTheLines) {
@@ -389,20 +494,18 @@ prot = 1
 [namespaces]
 a = 1
 )");
-    EXPECT_EQ(
-        errorsOf(reading),
-        "tesk.toml:2:9: error: \"level\" in [log] must be a whole number from 1 to 4, not 9\n"
-        "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\", "
-        "\"file\" and \"access\"\n"
-        "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
-        "1024, not \"all\"\n"
-        "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are \"listen\", "
-        "\"trusted_proxies\", \"workers\", \"max_header_size\", \"max_request_line\", "
-        "\"header_timeout\", "
-        "\"request_timeout\", \"response_timeout\", \"shutdown_timeout\", "
-        "\"max_connections\", \"max_connections_per_client\" and \"max_response_memory\"\n"
-        "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or a list of "
-        "such, not 1\n");
+    EXPECT_EQ(errorsOf(reading),
+              "tesk.toml:2:9: error: \"level\" in [log] must be a whole number from 1 to 4, not 9\n"
+              "tesk.toml:3:1: error: unknown key \"colour\" in [log]; known are \"level\", "
+              "\"file\" and \"access\"\n"
+              "tesk.toml:5:11: error: \"workers\" in [server] must be a whole number from 0 to "
+              "1024, not \"all\"\n"
+              "tesk.toml:7:1: error: unknown key \"prot\" in [server]; known are " +
+                  kServerKeys +
+                  "\n"
+                  "tesk.toml:9:5: error: \"a\" in [namespaces] must be a MOF file, a directory or "
+                  "a list of "
+                  "such, not 1\n");
     EXPECT_EQ(reading.settings.server.maxConnections, 10U);
 }
 
@@ -479,7 +582,12 @@ TEST_F(DocumentedSettings, AreReadAndAreTheDefaultsButForPaths) {
     expected.includePath = {"schema/common"};
     expected.namespaces = {
         {.name = "root/cimv2", .paths = {"schema/cim.mof"}},
-        {.name = "interop", .paths = {"schema/interop", "schema/local/profiles.mof"}}};
+        {.name = "interop", .paths = {"schema/interop", "schema/local/profiles.mof"}},
+        {.name = "root/array",
+         .server = "array",
+         .remoteName = "root/cimv2",
+         .patterns = {"CIM_*", "ACME_*"}}};
+    expected.servers = {{.name = "array", .options = {.url = "https://array.example.com:5989"}}};
     expected.security.passwordFile = "users";
     const SettingsReading reading = parseSettings("tesk.toml", example());
     EXPECT_EQ(errorsOf(reading), "");
@@ -495,7 +603,7 @@ TEST_F(DocumentedSettings, AreAllThatThereAre) {
         const std::string key = line.substr(0, line.find(':'));
         EXPECT_NE(text.find("\n" + key + " = "), std::string::npos) << key;
     }
-    EXPECT_EQ(count, 22);
+    EXPECT_EQ(count, 31);
 }
 
 TEST_F(DocumentedSettings, CutAnywhereAreReadOrReportedWithoutFurtherHarm) {

@@ -23,12 +23,33 @@ std::string line(const std::string& key, std::chrono::milliseconds value) {
     return line(key, std::to_string(value.count()) + " ms");
 }
 
+std::string textOf(const Loading::ServerSource& source) {
+    const CimXml::ServerOptions& options = source.options;
+    std::string text = "server " + source.name + "\n";
+    text += line("  url", options.url);
+    text += line("  user", options.user);
+    text += line("  password_file", source.passwordFile);
+    text += line("  cacert", options.authoritiesFile);
+    text += line("  certificate", options.certificateFile);
+    text += line("  key", options.keyFile);
+    text += line("  verify", options.verifiesCertificate ? "true" : "false");
+    text += line("  timeout", options.limits.totalTimeout);
+    text += line("  local_only", options.localOnly ? "true" : "false");
+    return text + line("  interop_namespaces", joined(options.interopNamespaces));
+}
+
 }  // namespace
 
 std::string textOf(const Settings& settings) {
     std::string text;
-    for (const Repository::NamespaceSource& source : settings.namespaces)
+    for (const Loading::NamespaceSource& source : settings.namespaces) {
         text += line("namespace " + source.name, joined(source.paths));
+        if (!source.server.empty())
+            text +=
+                "  " + source.remoteName + " of " + source.server + joined(source.patterns) + "\n";
+    }
+    for (const Loading::ServerSource& source : settings.servers)
+        text += textOf(source);
     text += line("include_path", joined(settings.includePath));
     text +=
         line("property_order", settings.repository.propertyOrder == Repository::PropertyOrder::kName
@@ -37,11 +58,28 @@ std::string textOf(const Settings& settings) {
     text += line("escape_descriptions", settings.repository.escapeDescriptions ? "true" : "false");
     text += line("max_document_size", settings.repository.maxDocumentSize);
     text += line("max_model_size", settings.repository.maxModelSize);
+    text += line("refresh", settings.refresh.interval);
+    text += line("cache", settings.refresh.cacheDirectory);
     const Http::Options& server = settings.server;
     std::vector<std::string> addresses;
     for (const Http::ListenAddress& listen : server.listen)
         addresses.push_back(listen.address + ":" + std::to_string(listen.port));
     text += line("listen", joined(addresses));
+    addresses.clear();
+    for (const Http::ListenAddress& listen : server.tlsListen)
+        addresses.push_back(listen.address + ":" + std::to_string(listen.port));
+    text += line("tls_listen", joined(addresses));
+    text += line("tls_certificate", server.tls.certificateFile);
+    text += line("tls_key", server.tls.keyFile);
+    text += line("tls_client_ca", server.tls.clientAuthorityFile);
+    const auto& admin = settings.adminListen;
+    text += line("admin_listen",
+                 admin ? admin->address + ":" + std::to_string(admin->port) : std::string());
+    const auto& published = server.publishedAddress;
+    text += line("published_address",
+                 published ? (published->isHttps ? "https://" : "http://") + published->host : "");
+    text += line("authentication",
+                 settings.security.scheme == Security::Scheme::kBasic ? "basic" : "none");
     std::vector<std::string> proxies;
     for (const Http::Network& network : server.trustedProxies)
         proxies.push_back(network.toString());

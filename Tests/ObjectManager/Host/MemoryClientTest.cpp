@@ -51,7 +51,7 @@ class MemoryClientTest : public testing::Test {
 
     TextProvider provider_;
     TeskProviderPluginManager manager_;
-    const Host::MemoryClient client_{manager_, "example.org:5985"};
+    const Host::MemoryClient client_{manager_, {.host = "example.org:5985"}};
 };
 
 TEST_F(MemoryClientTest, RequestsAsAClientDoesOverHttp) {
@@ -127,7 +127,7 @@ TEST(MemoryClient, RequestsFromManyThreadsAtOnce) {
     TeskProviderPluginManager manager;
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
     EXPECT_TRUE(manager.registerURI("echo", "/root"));
-    const Host::MemoryClient client(manager, "localhost");
+    const Host::MemoryClient client(manager, {.host = "localhost"});
     runOnThreads(8, [&](int index) {
         for (int round = 0; round < 100; ++round) {
             const TSKString path = TSKString().sprintf("/root/%d/%d", index, round);
@@ -146,6 +146,15 @@ TEST(LocalAuthenticator, AcceptsEveryRequestForTheUserLocal) {
     ASSERT_TRUE(token);
     EXPECT_EQ(token->getUserName(), "local");
     EXPECT_EQ(output.text, "");
+}
+
+TEST_F(MemoryClientTest, DocumentsAreThoseOfThePublishedScheme) {
+    provider_.response =
+        "HTTP/1.1 200 OK\r\n\r\n<soap:address location=\"http://a/\"/></wsdl:definitions>";
+    EXPECT_EQ(Host::MemoryClient(manager_, {.host = "a", .isHttps = true}).get("/root/a").body(),
+              "<soap:address location=\"https://a/\"/></wsdl:definitions>");
+    EXPECT_EQ(Host::MemoryClient(manager_, {.host = "a"}).get("/root/a").body(),
+              "<soap:address location=\"http://a/\"/></wsdl:definitions>");
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/URMAConfigManager.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -75,7 +75,7 @@ TEST_F(ProviderHostTest, ServesTheClassesWhileItLives) {
         TSKString path = "providers";
         URMAConfigManager::cvtToAbsolutePath(path);
         EXPECT_EQ(path, TSKString((installation_ / "providers").c_str()));
-        const Host::MemoryClient client(host.manager(), "localhost");
+        const Host::MemoryClient client(host.manager(), {.host = "localhost"});
         EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "200");
         EXPECT_EQ(client.get("/root/test/TST_B.xsd").status(), "404");
         EXPECT_EQ(calls("Shutdown called"), 0);
@@ -98,10 +98,10 @@ TEST_F(ProviderHostTest, LaterRequestsSeeAnotherRepository) {
     install(PLUGIN_FILE, kPlugin);
     Host::ProviderHost host(model_.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
                             installation_.path());
-    const Host::MemoryClient client(host.manager(), "localhost");
+    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     const TemporaryDirectory directory;
     const std::string mof = directory.write("b.mof", "class TST_B { string Name; };");
-    const Repository::LoadedRepository other = Repository::loadRepository(
+    const Loading::LoadedRepository other = Loading::loadRepository(
         {{.name = "root/test", .paths = {mof}}, {.name = "root/new", .paths = {mof}}}, {}, {});
     host.setRepository(other.repository);
     EXPECT_EQ(client.get("/root/test/TST_A.xsd").status(), "404");

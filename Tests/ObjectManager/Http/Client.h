@@ -41,6 +41,9 @@ class Client {
     /// Ends the connection so that the server is told by a reset.
     void reset();
 
+    /// The socket, for those who speak another protocol by it.
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
+
     /// The port that the server sees.
     [[nodiscard]] std::uint16_t port() const;
 

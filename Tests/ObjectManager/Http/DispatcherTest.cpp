@@ -1,6 +1,7 @@
 #include <boost/asio/ip/address.hpp>
 #include <gtest/gtest.h>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -8,6 +9,7 @@
 
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Http/Dispatcher.h"
+#include "ObjectManager/Http/EntityTag.h"
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
@@ -55,11 +57,9 @@ class DispatcherTest : public testing::Test {
         TSKHTTPRequest request(method, path, "HTTP/1.1");
         for (const auto& [name, value] : fields)
             request.setHeaderField(name, value, true);
-        const Http::Dispatcher dispatcher(manager_);
+        const Http::Dispatcher dispatcher(manager_, published_);
         Http::ResponseMemory::Share share(memory_);
-        const Http::Response response =
-            dispatcher.respond(request, {boost::asio::ip::make_address("192.0.2.7"), 50000}, share)
-                .value();
+        const Http::Response response = dispatcher.respond(request, peer_, share).value();
         std::string text;
         for (const boost::asio::const_buffer& part : response.unsent())
             text.append(static_cast<const char*>(part.data()), part.size());
@@ -86,6 +86,8 @@ class DispatcherTest : public testing::Test {
     TeskProviderPluginManager manager_;
     FunctionProvider provider_;
     Http::ResponseMemory memory_{100'000};
+    Http::Peer peer_ = {.endpoint = {boost::asio::ip::make_address("192.0.2.7"), 50000}};
+    std::optional<Host::PublishedAddress> published_;
     LogRecording log_;
     bool throws_ = false;
 };
@@ -383,6 +385,64 @@ TEST_F(DispatcherTest, AFailedAllocationIsReportedIfThereIsMemoryForThat) {
         [&] { EXPECT_TRUE(text.empty() || withoutDate(text) == kFailed) << text; });
     EXPECT_GT(failures, 5U);
     EXPECT_EQ(withoutDate(text), whole);
+}
+
+class PublishedAddressTest : public DispatcherTest {
+  protected:
+    PublishedAddressTest() {
+        provider_.respond = [](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+            const TSKString* const host = request.getHost();
+            const std::string document = "<soap:address location=\"http://" +
+                                         std::string(host == nullptr ? "?" : host->data()) +
+                                         "/wsman\"/></wsdl:definitions>";
+            writeTo(ostr, "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
+                              std::to_string(document.size()) + "\r\n\r\n" + document);
+        };
+    }
+
+    // The header section that a document of this length has when it was changed, or when not.
+    static std::string changed(const std::string& document) {
+        return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(document.size()) +
+               "\r\nETag: " + Http::entityTag(document) + "\r\nConnection: close\r\n\r\n";
+    }
+    static std::string unchanged(const std::string& document) {
+        return "HTTP/1.1 200 OK\r\nETag: " + Http::entityTag(document) +
+               "\r\nConnection: close\r\nContent-Length: " + std::to_string(document.size()) +
+               "\r\n\r\n";
+    }
+    static std::string documentAt(const std::string& address) {
+        return "<soap:address location=\"" + address + "/wsman\"/></wsdl:definitions>";
+    }
+};
+
+TEST_F(PublishedAddressTest, WithoutOneDocumentsNameTheHostOfTheRequest) {
+    const std::string document = documentAt("http://a:1");
+    EXPECT_EQ(responseTo("/test", "GET", {{"Host", "a:1"}}), unchanged(document) + document);
+}
+
+TEST_F(PublishedAddressTest, DocumentsNameItWhateverTheHostField) {
+    published_ = {.host = "b:2"};
+    const std::string document = documentAt("http://b:2");
+    EXPECT_EQ(responseTo("/test", "GET", {{"Host", "a:1"}}), unchanged(document) + document);
+    EXPECT_EQ(responseTo("/test"), unchanged(document) + document);
+    peer_.usesTls = true;
+    EXPECT_EQ(responseTo("/test"), unchanged(document) + document);
+}
+
+TEST_F(PublishedAddressTest, OneOfHttpsHasTheRightLengthAndEntityTagForGetAndHead) {
+    published_ = {.host = "b:2", .isHttps = true};
+    const std::string document = documentAt("https://b:2");
+    EXPECT_EQ(responseTo("/test", "GET", {{"Host", "a:1"}}), changed(document) + document);
+    EXPECT_EQ(responseTo("/test", "HEAD", {{"Host", "a:1"}}), changed(document));
+    EXPECT_EQ(responseTo("/test", "GET", {{"If-None-Match", Http::entityTag(document).c_str()}})
+                  .substr(0, 12),
+              "HTTP/1.1 304");
+}
+
+TEST_F(PublishedAddressTest, OverTlsTheAddressIsOneOfHttps) {
+    peer_.usesTls = true;
+    const std::string document = documentAt("https://a:1");
+    EXPECT_EQ(responseTo("/test", "GET", {{"Host", "a:1"}}), changed(document) + document);
 }
 
 }  // namespace

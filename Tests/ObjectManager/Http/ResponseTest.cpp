@@ -162,4 +162,30 @@ TEST(DateField, EveryDayAndMonthHasItsName) {
     EXPECT_EQ(dateField(253'402'300'799), "Date: Fri, 31 Dec 9999 23:59:59 GMT\r\n");
 }
 
+std::string sentWithInsertion(const std::string& text) {
+    Response response = Response::make(text).value();
+    response.insertIntoBody(2, "--");
+    return withoutDate(unsentOf(response));
+}
+
+TEST(Response, AnInsertionIntoTheBodyChangesTheLength) {
+    EXPECT_EQ(sentWithInsertion("HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 9\r\n"
+                                "X: y\r\n\r\nbody body"),
+              "HTTP/1.1 200 OK\r\nContent-Length: 11\r\nConnection: close\r\nX: y\r\n\r\n"
+              "bo--dy body");
+    EXPECT_EQ(sentWithInsertion("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nbody"),
+              "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nbo--dy");
+}
+
+TEST(Response, AnInsertionIntoTheBodyTakesNoMemory) {
+    std::string text = "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 100\r\n\r\n" +
+                       std::string(100, 'x');
+    text.shrink_to_fit();
+    Response response = Response::make(std::move(text)).value();
+    const std::size_t before = response.memorySize();
+    response.insertIntoBody(50, "s");
+    EXPECT_EQ(response.memorySize(), before);
+    EXPECT_EQ(response.body(), std::string(50, 'x') + "s" + std::string(50, 'x'));
+}
+
 }  // namespace

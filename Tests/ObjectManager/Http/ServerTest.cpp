@@ -596,7 +596,7 @@ TEST_F(ServerTest, AuthenticationAndTheProviderGetThePreparedRequest) {
         explicit Prepared(const TSKHTTPRequest& request) : TSKHTTPRequest(request) {}
     };
     std::atomic<bool> wasAskedAboutIt = false;
-    authentication_.prepare = [](const TSKHTTPRequest& request) {
+    authentication_.prepare = [](const TSKHTTPRequest& request, const std::string& /*user*/) {
         return std::make_unique<Prepared>(request);
     };
     authentication_.unverifiedLogin = [&](const TSKHTTPRequest& request) {
@@ -614,7 +614,7 @@ TEST_F(ServerTest, AuthenticationAndTheProviderGetThePreparedRequest) {
 }
 
 TEST_F(ServerTest, AFailureOfTheAuthenticationClosesOneConnection) {
-    authentication_.prepare = [](const TSKHTTPRequest& request) {
+    authentication_.prepare = [](const TSKHTTPRequest& request, const std::string& /*user*/) {
         if (request.getUri() == "/test/bad")
             throw std::runtime_error("reason");
         return std::make_unique<TSKHTTPRequest>(request);
@@ -740,7 +740,7 @@ TEST_F(ServerTest, StopServesClientsThatWaitToBeAccepted) {
     options_.stopGrace = kPatience;
     std::promise<void> begun;
     std::promise<void> goOn;
-    authentication_.prepare = [&](const TSKHTTPRequest& request) {
+    authentication_.prepare = [&](const TSKHTTPRequest& request, const std::string& /*user*/) {
         if (request.getUri() == "/test/block") {
             begun.set_value();
             goOn.get_future().wait();  // blocks the I/O thread

@@ -50,6 +50,17 @@ bool isSameClass(const Change& change) {
     return isSame(left.classes.at(0), right.classes.at(0));
 }
 
+// The grammar takes every other word as a name.
+TEST(ReservedWord, IsOneThatCannotBeTheNameOfAProperty) {
+    for (const char* const word :
+         {"uint8", "String", "DATETIME", "ref", "as", "of", "null", "true", "False"})
+        EXPECT_TRUE(Mof::isReservedWord(word)) << word;
+    for (const char* const word :
+         {"class", "Property", "Reference", "any", "instance", "restricted", "strings", "", "re"}) {
+        EXPECT_FALSE(Mof::isReservedWord(word)) << word;
+    }
+}
+
 TEST(SameDeclaration, AClassIsTheSameAsItself) {
     EXPECT_TRUE(isSameClass({"", ""}));
 }

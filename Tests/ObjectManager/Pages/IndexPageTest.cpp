@@ -3,9 +3,9 @@
 #include <regex>
 #include <string>
 
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/PageFrame.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RepositoryTest.h"
 
@@ -57,10 +57,10 @@ TEST_F(IndexPageTest, ListsClassesWithDescriptionAndLink) {
 TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
     const std::string file = directory_.write("a.mof", "class A {};");
     const TSKSmrPtr<Repository::ClassRepository> repository =
-        Repository::loadRepository({{.name = "root/b", .paths = {file}},
-                                    {.name = "a", .paths = {file}},
-                                    {.name = "c", .paths = {directory_.write("c.mof", "")}}},
-                                   {}, {})
+        Loading::loadRepository({{.name = "root/b", .paths = {file}},
+                                 {.name = "a", .paths = {file}},
+                                 {.name = "c", .paths = {directory_.write("c.mof", "")}}},
+                                {}, {})
             .repository;
     ASSERT_TRUE(repository);
     const std::string page = pageOf(*repository);
@@ -199,7 +199,7 @@ TEST(IndexPage, TheDmtfSchemaMakesAPageOfModerateSize) {
     if (schema.empty())
         GTEST_SKIP() << kNoCimSchema;
     const TSKSmrPtr<Repository::ClassRepository> repository =
-        Repository::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
+        Loading::loadRepository({{.name = "root/cimv2", .paths = {schema}}}, {}, {}).repository;
     ASSERT_TRUE(repository);
     const std::string page = pageOf(*repository);
     std::size_t classes = 0;

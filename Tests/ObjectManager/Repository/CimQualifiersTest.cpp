@@ -36,8 +36,8 @@ TEST_F(CimQualifierTest, NullIsNoValue) {
 TEST_F(CimQualifierTest, WithoutAValueNothingButABooleanHasOneNotEvenItsDefault) {
     const std::string file = directory_.write(
         "b.mof", "Qualifier Note : string = \"default\", Scope (any); [Note] class A_B {};");
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{.name = "root/test", .paths = {file}}}, {}, {});
     EXPECT_EQ(qualifiersOf(*loaded.repository->getClass("root/test", "A_B"), true), "Note(null)");
 }
 

@@ -15,7 +15,7 @@ class ClassRepositoryTest : public RepositoryTest {
   protected:
     // Two namespaces, which declare a class of the same name otherwise.
     TSKSmrPtr<Repository::ClassRepository> loadTwo() {
-        const Repository::LoadedRepository loaded = Repository::loadRepository(
+        const Loading::LoadedRepository loaded = Loading::loadRepository(
             {{"root/one", {directory_.write("1.mof", "class A_B { uint8 one; }; class A_C {};")}},
              {"root/Two", {directory_.write("2.mof", "class A_B { uint8 two; }; class A_D {};")}}},
             {}, {});

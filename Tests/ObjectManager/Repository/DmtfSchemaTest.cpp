@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RepositoryText.h"
 
@@ -58,7 +58,7 @@ class DmtfSchema : public testing::Test {
     static void SetUpTestSuite() {
         const std::string file = cimSchemaFile();
         if (!file.empty())
-            loaded_ = Repository::loadRepository({{.name = "root/cimv2", .paths = {file}}}, {}, {});
+            loaded_ = Loading::loadRepository({{.name = "root/cimv2", .paths = {file}}}, {}, {});
     }
     static void TearDownTestSuite() { loaded_ = {}; }
 
@@ -79,7 +79,7 @@ class DmtfSchema : public testing::Test {
         EXPECT_EQ(count(found->getMethods(true)), methods);
     }
 
-    static inline Repository::LoadedRepository loaded_;
+    static inline Loading::LoadedRepository loaded_;
 };
 
 TEST_F(DmtfSchema, LoadsWithoutDiagnostics) {
@@ -277,10 +277,10 @@ TEST_F(DmtfSchema, VoltageSensorOverridesManyProperties) {
 }
 
 TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
-    const Repository::LoadedRepository loaded =
-        Repository::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
-                                    {"interop", {MODELS_DIRECTORY "/interop/interop.mof"}}},
-                                   {MODELS_DIRECTORY}, {});
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
+                                 {"interop", {MODELS_DIRECTORY "/interop/interop.mof"}}},
+                                {MODELS_DIRECTORY}, {});
     EXPECT_TRUE(loaded.diagnostics.empty()) << loaded.diagnostics.front().toString();
     ASSERT_TRUE(loaded.repository);
     EXPECT_EQ(loaded.repository->findNamespace("root/cimv2")->classes().size(), 38U);
@@ -292,7 +292,7 @@ TEST(SampleModel, LoadsIntoBothNamespacesWithoutDiagnostics) {
 
 // What the model's comment says: the values stay those of the superclass.
 TEST(SampleModel, AnOverrideRestatesOnlyWhatItChanges) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{"root/cimv2", {MODELS_DIRECTORY "/cimv2/cimv2.mof"}}}, {MODELS_DIRECTORY}, {});
     const TSKSmrPtr<ITeskClass> volume =
         loaded.repository->getClass("root/cimv2", "CIM_StorageVolume");

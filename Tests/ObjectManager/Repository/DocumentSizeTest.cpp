@@ -6,8 +6,8 @@
 #include <sstream>
 #include <string>
 
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "ObjectManager/Repository/DocumentSize.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
 #include "Providers/WsdlWebProvider/WsdlUtil.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/MofModel.h"
@@ -133,8 +133,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(DocumentSizes, OfTheDmtfSchemaAreThoseOfTheDocumentsOrALittleMore) {
     if (cimSchemaFile().empty())
         GTEST_SKIP() << kNoCimSchema;
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
-        {{.name = "root/cimv2", .paths = {cimSchemaFile()}}}, {}, kNoLimit);
+    const Loading::LoadedRepository loaded =
+        Loading::loadRepository({{.name = "root/cimv2", .paths = {cimSchemaFile()}}}, {}, kNoLimit);
     for (const auto& cimClass : loaded.repository->namespaces().front().classes())
         expectIsClose(cimClass, std::string(cimClass->name()));
 }

@@ -333,4 +333,16 @@ TEST_F(BasicAuthenticatorTest, KeepsItsUsersWhenThereIsNoMemoryForOthers) {
     EXPECT_EQ(authenticate(authenticator_, "bob", "new"), "bob");
 }
 
+TEST_F(BasicAuthenticatorTest, TheUserOfACertificateNeedsNoPassword) {
+    const auto plain = authenticator_.prepare(makeRequest({}), "CN=bob");
+    EXPECT_EQ(authenticate(authenticator_, *plain), "CN=bob");
+    EXPECT_EQ(authenticator_.userOf(*plain), "CN=bob");
+    const auto withPassword = authenticator_.prepare(makeRequest("alice", "wrong"), "CN=bob");
+    EXPECT_FALSE(needsPasswordHash(*withPassword));
+    EXPECT_EQ(authenticate(authenticator_, *withPassword), "CN=bob");
+    // A header field cannot say so.
+    TSKHTTPRequest forged = makeRequest({{"X-Certificate-User", "CN=bob"}});
+    EXPECT_EQ(authenticate(authenticator_, forged), "refused");
+}
+
 }  // namespace

@@ -22,7 +22,7 @@ CheckResult check(const MofModel& model, unsigned jobs = 2) {
     const LogRecording log(TeskTraceLog::SeverityError);
     const Host::ProviderHost host(model.repository(), TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   INSTALLATION_DIRECTORY);
-    const Host::MemoryClient client(host.manager(), "localhost");
+    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
     CheckResult result = Commands::checkDocuments(*model.repository(), client, jobs, [] {});
     EXPECT_GT(result.seconds, 0);
     EXPECT_EQ(log.lines(), std::vector<std::string>());
@@ -56,7 +56,8 @@ TEST(DocumentCheck, TellsOfEachClassThatIsDone) {
     const MofModel model("class TST_A {}; class TST_B {}; class TST_C {};");
     const TeskProviderPluginManager manager;
     std::atomic<int> done = 0;
-    (void)Commands::checkDocuments(*model.repository(), Host::MemoryClient(manager, "localhost"), 2,
+    (void)Commands::checkDocuments(*model.repository(),
+                                   Host::MemoryClient(manager, {.host = "localhost"}), 2,
                                    [&] { ++done; });
     EXPECT_EQ(done, 3);
 }
@@ -161,7 +162,7 @@ std::string reportOn(const std::function<std::string(const std::string& path)>& 
     EXPECT_TRUE(manager.addProvider(provider, "here").empty());
     EXPECT_TRUE(manager.registerURI("hooked", "/root/test"));
     CheckResult result = Commands::checkDocuments(
-        *model.repository(), Host::MemoryClient(manager, "localhost"), 1, [] {});
+        *model.repository(), Host::MemoryClient(manager, {.host = "localhost"}), 1, [] {});
     result.seconds = 0;
     return toText(result);
 }
@@ -193,7 +194,7 @@ TEST(DocumentCheck, ReportsNamespacesThatNobodyServes) {
     const MofModel model("class TST_A {};");
     const TeskProviderPluginManager manager;
     CheckResult result = Commands::checkDocuments(
-        *model.repository(), Host::MemoryClient(manager, "localhost"), 1, [] {});
+        *model.repository(), Host::MemoryClient(manager, {.host = "localhost"}), 1, [] {});
     result.seconds = 0.5;
     EXPECT_EQ(toText(result),
               "error: root/test:TST_A: TST_A.wsdl cannot be made: no provider serves "

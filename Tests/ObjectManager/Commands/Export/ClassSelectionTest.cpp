@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,10 @@ struct NameCase {
     const char* className;
     bool fits;
 };
+
+std::ostream& operator<<(std::ostream& stream, const NameCase& testCase) {
+    return stream << '"' << testCase.name << "\" and " << testCase.className;
+}
 
 class ClassName : public testing::TestWithParam<NameCase> {};
 

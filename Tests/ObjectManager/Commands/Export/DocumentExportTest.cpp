@@ -12,7 +12,7 @@
 #include "ObjectManager/Commands/Export/DocumentList.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Repository/RepositoryLoader.h"
+#include "ObjectManager/Loading/RepositoryLoader.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Tests/ObjectManager/Commands/NamedClasses.h"
 #include "Tests/ObjectManager/Http/FunctionProvider.h"
@@ -22,15 +22,15 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Base::OutputDirectory;
 using Commands::DocumentExportOptions;
 using Commands::DocumentExportResult;
-using Commands::OutputDirectory;
 
 // What is below a directory, apart from the lists of documents.
 DirectoryContent withoutLists(const fs::path& directory) {
     DirectoryContent content = contentOf(directory);
     std::erase_if(content, [](const auto& file) {
-        return fs::path(file.first).filename() == Commands::DocumentList::kFile;
+        return fs::path(file.first).filename() == Commands::kDocumentListFile;
     });
     return content;
 }
@@ -53,8 +53,8 @@ class DocumentExportTest : public testing::Test {
 
     [[nodiscard]] DocumentExportResult run(const TSKSmrPtr<Repository::ClassRepository>& repository,
                                            const DocumentExportOptions& options = {}) const {
-        const Host::MemoryClient client(manager_, "host:1");
-        OutputDirectory output = OutputDirectory::create(directory_.path());
+        const Host::MemoryClient client(manager_, {.host = "host:1"});
+        OutputDirectory output = OutputDirectory::create(directory_.path(), "export");
         output.lock();
         return exportDocuments(Commands::selectAllClasses(*repository), client, output, options);
     }
@@ -94,10 +94,10 @@ TEST_F(DocumentExportTest, WritesBothDocumentsOfEachClassIntoTheDirectoryOfTheNa
 TEST_F(DocumentExportTest, WritesOnlyWhatIsSelected) {
     const TSKSmrPtr<Repository::ClassRepository> repository =
         makeNamedClasses({{"test", {"A", "B"}}, {"test/b", {"C"}}});
-    const Host::MemoryClient client(manager_, "host");
+    const Host::MemoryClient client(manager_, {.host = "host"});
     const DocumentExportResult result =
         exportDocuments(Commands::selectClasses(*repository, {"b"}), client,
-                        OutputDirectory::create(directory_.path()), {});
+                        OutputDirectory::create(directory_.path(), "export"), {});
     EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"},
                                            {"test/B.wsdl", "/test/B.wsdl at host"},
                                            {"test/B.xsd", "/test/B.xsd at host"}}));
@@ -220,10 +220,10 @@ TEST_F(DocumentExportTest, StopsBeforeTheNextDocument) {
         DocumentExportOptions options;
         options.isStopped = [&] { return done >= documents; };
         options.onDocumentDone = [&] { ++done; };
-        const Host::MemoryClient client(manager_, "host");
+        const Host::MemoryClient client(manager_, {.host = "host"});
         const DocumentExportResult result =
             exportDocuments(Commands::selectAllClasses(*repository), client,
-                            OutputDirectory::create(directory.path()), options);
+                            OutputDirectory::create(directory.path(), "export"), options);
         EXPECT_TRUE(result.isStopped);
         EXPECT_EQ(done, documents);
         EXPECT_EQ(result.written, documents);
@@ -320,7 +320,7 @@ TEST_F(DocumentExportTest, ANamespaceWithTheNameOfAFileOfTheExportIsRefusedBefor
 }
 
 TEST_F(DocumentExportTest, AnExportThatIsAtWorkInTheDirectoryIsNotDisturbed) {
-    OutputDirectory other = OutputDirectory::create(directory_ / "test");
+    OutputDirectory other = OutputDirectory::create(directory_ / "test", "export");
     other.lock();
     EXPECT_THROW((void)run(makeNamedClasses({{"test", {"A"}}})), std::system_error);
     EXPECT_EQ(content(), (DirectoryContent{{"test", "(directory)"}}));
@@ -375,18 +375,18 @@ TEST_F(DocumentExportTest, TheSummaryIsALine) {
 
 // With the real plug-in: what is exported is what is served.
 TEST(DocumentExport, TheBytesAreThoseThatTheProviderSends) {
-    const Repository::LoadedRepository loaded = Repository::loadRepository(
+    const Loading::LoadedRepository loaded = Loading::loadRepository(
         {{.name = "root/cimv2", .paths = {MODELS_DIRECTORY "/cimv2/cimv2.mof"}},
          {.name = "interop", .paths = {MODELS_DIRECTORY "/interop/interop.mof"}}},
         {MODELS_DIRECTORY}, {});
     ASSERT_TRUE(loaded.repository);
     const Host::ProviderHost host(loaded.repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
                                   INSTALLATION_DIRECTORY);
-    const Host::MemoryClient client(host.manager(), "[2001:db8::1]:8080");
+    const Host::MemoryClient client(host.manager(), {.host = "[2001:db8::1]:8080"});
     const TemporaryDirectory directory;
     const DocumentExportResult result =
         exportDocuments(Commands::selectAllClasses(*loaded.repository), client,
-                        OutputDirectory::create(directory.path()), {.jobs = 2});
+                        OutputDirectory::create(directory.path(), "export"), {.jobs = 2});
     EXPECT_EQ(failuresText(result), "");
     DirectoryContent expected = {
         {"root", "(directory)"}, {"root/cimv2", "(directory)"}, {"interop", "(directory)"}};
