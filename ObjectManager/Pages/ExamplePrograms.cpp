@@ -77,7 +77,7 @@ std::string declared(std::string_view xml, const std::string& classNamespace) {
             ofReferences += declaration;
     }
     std::string text = unindented(xml);
-    for (std::size_t at = text.find(kReference, 1); at != text.npos;
+    for (std::size_t at = text.find(kReference, 1); at != std::string::npos;
          at = text.find(kReference, at)) {
         at += kReference.size();
         text.insert(at, ofReferences);
@@ -89,9 +89,9 @@ std::string declared(std::string_view xml, const std::string& classNamespace) {
 std::string declaredChildren(std::string_view xml, const std::string& classNamespace) {
     constexpr std::string_view kChild = "\n      <p:";
     std::string children;
-    for (std::size_t at = xml.find(kChild); at != xml.npos;) {
+    for (std::size_t at = xml.find(kChild); at != std::string::npos;) {
         const std::size_t next = xml.find(kChild, at + 1);
-        const std::size_t end = next != xml.npos ? next : xml.rfind("\n    </");
+        const std::size_t end = next != std::string::npos ? next : xml.rfind("\n    </");
         children += declared(std::string(xml.substr(at + 1, end - at - 1)) + "\n", classNamespace);
         at = next;
     }

@@ -164,14 +164,13 @@ class Requests {
 // copied.
 std::string codeBlock(const std::string& title, const std::string& id, const std::string& copies,
                       const std::string& text) {
-    return "<pre id=" + id + " data-copy=\"" + title + "\" data-label=\"Copy\" data-of=\"" +
-           copies + "\">" + htmlText(text) + "</pre>\n";
+    return "<pre id=" + id + " data-copy=\"" + title + R"(" data-label="Copy" data-of=")" + copies +
+           "\">" + htmlText(text) + "</pre>\n";
 }
 
 std::string setups(const ExamplePrograms& programs) {
     return "<details class=\"request set-up\"><summary>Set-up <small>of the programs below, which "
-           "their "
-           "buttons copy as well</small></summary>\n<h3>Python with zeep</h3>\n" +
+           "their buttons copy as well</small></summary>\n<h3>Python with zeep</h3>\n" +
            codeBlock("the set-up for zeep", "zeep", "zeep", programs.zeepSetup()) +
            "<h3>C++ with gSOAP</h3>\n<p>To make the sources, and a program of call.cpp:</p>\n" +
            codeBlock("the commands for gSOAP", "gsoap-commands", "gsoap-commands",
@@ -188,6 +187,20 @@ std::string programsFor(const ExampleRequest& request, const std::string& name,
            "<h3>C++ with gSOAP</h3>\n" +
            codeBlock(name + " with gSOAP", "gsoap-" + place, "gsoap gsoap-" + place,
                      programs.gsoapCall(request));
+}
+
+std::string requestSection(const ExampleRequest& request, const std::string& place,
+                           const std::string& command, const ExamplePrograms& programs) {
+    const std::string id = "envelope-" + place;
+    const std::string name = htmlText(request.operation);
+    return std::string("<details class=request id=\"") +
+           (request.isMethod ? "request-" : "operation-") + name + "\"><summary>" + name +
+           " <small>" + request.description +
+           "</small></summary>\n<h3>curl</h3>\n<pre data-copy=\"" + name + " as a command\">" +
+           command + "<span class=envelope id=" + id + ">" + htmlText(request.envelope) +
+           "</span>END\n</pre>\n<span data-copy=\"envelope of " + name +
+           R"(" data-label="Copy envelope" data-of=)" + id + "></span>\n" +
+           programsFor(request, name, place, programs) + "</details>\n";
 }
 
 }  // namespace
@@ -221,21 +234,8 @@ std::string exampleSection(const CimClass& cimClass, const ClassRelations& relat
         "DMTF want the class itself as the body of Put, parameters in the namespace p, and actions "
         "of methods that begin with http://schemas.dmtf.org/wbem/wscim/1/.</p>\n" +
         setups(programs);
-    for (std::size_t place = 0; place < requests.size(); ++place) {
-        const ExampleRequest& request = requests[place];
-        const std::string number = std::to_string(place);
-        const std::string id = "envelope-" + number;
-        const std::string name = htmlText(request.operation);
-        html += std::string("<details class=request id=\"") +
-                (request.isMethod ? "request-" : "operation-") + name + "\"><summary>" + name +
-                " <small>" + request.description +
-                "</small></summary>\n<h3>curl</h3>\n"
-                "<pre data-copy=\"" +
-                name + " as a command\">" + command + "<span class=envelope id=" + id + ">" +
-                htmlText(request.envelope) + "</span>END\n</pre>\n<span data-copy=\"envelope of " +
-                name + "\" data-label=\"Copy envelope\" data-of=" + id + "></span>\n" +
-                programsFor(request, name, number, programs) + "</details>\n";
-    }
+    for (std::size_t place = 0; place < requests.size(); ++place)
+        html += requestSection(requests[place], std::to_string(place), command, programs);
     return html + "</section>\n";
 }
 

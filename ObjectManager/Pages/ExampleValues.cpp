@@ -80,7 +80,7 @@ std::string placeholder(const urma::IQualified& definition, std::string_view nam
 
 std::string textValue(const CimClass& cimClass, const urma::IQualified& definition,
                       std::string_view name) {
-    const std::string mapped = mappedText(namedValuesOf(definition));
+    std::string mapped = mappedText(namedValuesOf(definition));
     if (!mapped.empty())
         return mapped;
     const bool isClassName = Base::equalsIgnoringCase(name, "CreationClassName");
@@ -187,7 +187,9 @@ std::string ExampleValues::selectors(const CimClass& cimClass, bool withKeys, in
             content = "20260131120000.000000+000";
         else
             content = value(cimClass, *property, indent + 4, depth);
-        xml += begin + exampleText(property->name()) + "\">" + content + "</wsman:Selector>\n";
+        xml += begin;
+        xml += exampleText(property->name());
+        xml += "\">" + content + "</wsman:Selector>\n";
     }
     return xml + blanks(indent) + "</wsman:SelectorSet>\n";
 }
@@ -220,7 +222,8 @@ std::string plainText(std::string_view text) {
 
 std::string exampleText(std::string_view text) {
     std::string xml = Base::xmlText(plainText(text));
-    for (std::size_t quote = xml.find('"'); quote != xml.npos; quote = xml.find('"', quote))
+    for (std::size_t quote = xml.find('"'); quote != std::string::npos;
+         quote = xml.find('"', quote))
         xml.replace(quote, 1, "&quot;");
     return xml;
 }

@@ -54,7 +54,8 @@ Some of these schemas import others without an address: add the schemaLocation t
 // Encoded, so that whoever unpacks the archive gets no name that leads elsewhere.
 std::string fileOf(const std::string& nameSpace, const std::string& document) {
     std::string file = Base::percentEncodedPath(document);
-    for (std::size_t slash = file.find('/'); slash != file.npos; slash = file.find('/', slash))
+    for (std::size_t slash = file.find('/'); slash != std::string::npos;
+         slash = file.find('/', slash))
         file.replace(slash, 1, "%2F");
     return Base::percentEncodedPath(nameSpace) + "/" + file;
 }
@@ -64,13 +65,14 @@ std::string fileOf(const std::string& nameSpace, const std::string& document) {
 void writeNamespaceArchive(const Repository::CimNamespace& nameSpace, const DocumentSource& source,
                            const std::function<void(std::string_view bytes)>& sink) {
     const std::string name(nameSpace.name());
+    const std::string directory = "/" + name + "/";
     ZipArchive archive(sink);
     archive.add("README.txt", readme(name));
     archive.add("catalog.xml", catalog());
     for (const TSKSmrPtr<Repository::CimClass>& cimClass : nameSpace.classes()) {
         for (const char* const extension : {".wsdl", ".xsd"}) {
             const std::string document = std::string(cimClass->name()) + extension;
-            if (const std::optional<std::string> content = source("/" + name + "/" + document))
+            if (const std::optional<std::string> content = source(directory + document))
                 archive.add(fileOf(name, document), *content);
         }
     }
