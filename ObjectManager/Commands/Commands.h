@@ -19,6 +19,9 @@ namespace Commands {
 /// `tesk check` looks for what is wrong with the documents.
 [[nodiscard]] Command checkCommand();
 
+/// `tesk diff` says what changes between two versions of a model.
+[[nodiscard]] Command diffCommand();
+
 /// `tesk classes` lists classes or describes one.
 [[nodiscard]] Command classesCommand();
 

@@ -21,15 +21,16 @@ constexpr const char* kExamples = R"(Examples:
 "tesk COMMAND --help" tells more about a command.)";
 
 Commands::Program makeProgram() {
-    return {.name = "tesk",
-            .version = TESK_VERSION,
-            .summary =
-                "A small CIM object manager that publishes WSDL and XML Schema documents of "
-                "its classes",
-            .details = kExamples,
-            .commands = {Commands::serveCommand(), Commands::exportCommand(),
-                         Commands::importCommand(), Commands::checkCommand(),
-                         Commands::classesCommand(), Commands::passwdCommand()}};
+    return {
+        .name = "tesk",
+        .version = TESK_VERSION,
+        .summary =
+            "A small CIM object manager that publishes WSDL and XML Schema documents of "
+            "its classes",
+        .details = kExamples,
+        .commands = {Commands::serveCommand(), Commands::exportCommand(), Commands::importCommand(),
+                     Commands::checkCommand(), Commands::diffCommand(), Commands::classesCommand(),
+                     Commands::passwdCommand()}};
 }
 
 // Does what the command line asks for. Returns the exit status.

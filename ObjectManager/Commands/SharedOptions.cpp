@@ -3,6 +3,7 @@
 #include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
+#include "ObjectManager/Http/RequestTarget.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
 
@@ -42,6 +43,18 @@ void checkNamespaces(const ModelOptions& options) {
     }
 }
 
+// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
+// a host, would break them.
+void requireHost(const std::string& host) {
+    if (!Http::isHostWithPort(host)) {
+        throw TeskBaseException(
+            "Commands::hostOption",
+            TSKString(Base::quoted(host) + " is not a host with an optional port, such as "
+                                           "localhost:5985"),
+            CIM_ERR_INVALID_PARAMETER);
+    }
+}
+
 }  // namespace
 
 void addModelOptions(Command& command, ModelOptions& options) {
@@ -53,13 +66,7 @@ void addModelOptions(Command& command, ModelOptions& options) {
                  "NAME, or NAME=REMOTE where the server calls it REMOTE; without it all "
                  "namespaces that the server names",
          .target = &options.namespaces});
-    command.options.push_back(
-        {.name = "--include-path",
-         .value = "DIR",
-         .help = "A directory with MOF files that others include. Only files below these "
-                 "directories and below those of the namespaces are read. May be given several "
-                 "times",
-         .target = &options.includePath});
+    command.options.push_back(includePathOption(options.includePath));
     command.options.push_back({.name = "--config",
                                .value = "FILE",
                                .help = "The configuration file",
@@ -83,6 +90,24 @@ Option publishedAddressOption(std::optional<std::string>& address) {
                 "https://cim.example.org:5986",
             .target = &address,
             .check = Configuration::parsePublishedAddress};
+}
+
+Option includePathOption(std::vector<std::string>& includePath) {
+    return {.name = "--include-path",
+            .value = "DIR",
+            .help =
+                "A directory with MOF files that others include. Only files below these "
+                "directories and below those of the namespaces are read. May be given several "
+                "times",
+            .target = &includePath};
+}
+
+Option hostOption(std::string& host, const std::string& help) {
+    return {.name = "--host",
+            .value = "HOST[:PORT]",
+            .help = help + " (default: " + kDefaultHost + ")",
+            .target = &host,
+            .check = requireHost};
 }
 
 Option formatOption(OutputFormat& format) {

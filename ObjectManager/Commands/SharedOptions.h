@@ -30,6 +30,15 @@ void addModelOptions(Command& command, ModelOptions& options);
 /// `--published-address URL`.
 [[nodiscard]] Option publishedAddressOption(std::optional<std::string>& address);
 
+/// `--include-path DIR`, several times.
+[[nodiscard]] Option includePathOption(std::vector<std::string>& includePath);
+
+/// `--host HOST[:PORT]`; `help` says what the host is for.
+[[nodiscard]] Option hostOption(std::string& host, const std::string& help);
+
+/// What documents name when no host is given: the port is the one of WS-Management over HTTP.
+constexpr const char* kDefaultHost = "localhost:5985";
+
 enum class OutputFormat : std::uint8_t { kText, kJson };
 
 /// `--format text|json`.

@@ -5,11 +5,15 @@
 #include <utility>
 
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/Inspection/XmlDocument.h"
+#include "ObjectManager/Xml/Document.h"
 
 namespace Inspection {
 
 namespace {
+
+using Xml::attribute;
+using Xml::isElement;
+using Xml::localName;
 
 Finding finding(FindingKind kind, std::string member, std::string message) {
     return {.kind = kind,
@@ -134,14 +138,14 @@ std::vector<Finding> findDuplicateMessages(const xmlNode& definitions) {
 }  // namespace
 
 std::vector<Finding> inspectSchema(std::string_view name, std::string_view text) {
-    const XmlDocument document(text);
+    const Xml::Document document(text);
     if (document.fault())
         return {notWellFormed(name, *document.fault())};
     return SchemaInspector().inspect(document.root());
 }
 
 std::vector<Finding> inspectWsdl(std::string_view name, std::string_view text) {
-    const XmlDocument document(text);
+    const Xml::Document document(text);
     if (document.fault())
         return {notWellFormed(name, *document.fault())};
     return findDuplicateMessages(*document.root());

@@ -1,7 +1,9 @@
 #include "ObjectManager/Loading/RepositoryLoader.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -9,6 +11,7 @@
 #include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/CimXml/ServerError.h"
+#include "ObjectManager/Loading/ServerCache.h"
 #include "ObjectManager/Loading/ServerReader.h"
 #include "ObjectManager/Mof/Compiler.h"
 #include "Platform/Util/TeskBaseException.h"
@@ -116,19 +119,34 @@ class Loader {
         }
         if (request.sources.empty())
             return;
+        cache_.reset();
         const bool wasChanged = isChanged_;
         try {
+            if (!how_.cacheDirectory.empty())
+                cache_.emplace(how_.cacheDirectory, server);
             readServer(server, request, how_.stop);
+            keepNames(server);
         } catch (const CimXml::ServerError& error) {
             if (error.kind() == CimXml::ServerError::Kind::kStopped)
                 throw;
             forget(server);
             isChanged_ = wasChanged;
-            if (!keepAll(server))
+            loaded_.failures.push_back(
+                {.error = error.getMessage().data(), .consequence = replace(server)});
+            if (loaded_.failures.back().consequence.empty())
                 throw;
-            loaded_.failures.push_back({.error = error.getMessage().data(),
-                                        .consequence = "its classes stay as they were"});
         }
+    }
+
+    // Takes the classes of a server that has failed from where they are known. Returns from where;
+    // empty when they are not known.
+    std::string replace(const ServerSource& server) {
+        if (keepAll(server))
+            return "its classes stay as they were";
+        forget(server);
+        if (cache_ && readCache(server))
+            return "its classes are those that were read last, from " + cache_->path();
+        return {};
     }
 
     // What was read of a server until it failed: namespaces of different times may not fit.
@@ -151,6 +169,9 @@ class Loader {
         if (isKnown && keep(index, read.source.name))
             return;
         append(loaded_.diagnostics, std::move(read.content.compilation.diagnostics));
+        if (cache_) {
+            toCache([&] { cache_->keep(read.source.name, read.content.compilation, how_.stop); });
+        }
         build(index, read.source.name, std::move(read.content.compilation.classes));
     }
 
@@ -174,10 +195,76 @@ class Loader {
         return found == states.end() ? nullptr : &*found;
     }
 
+    // Of what is known; nothing as well when the namespace is needed for the cache.
     [[nodiscard]] std::optional<std::uint64_t> digestOf(const ServerSource& server,
                                                         const NamespaceSource& source) const {
         const ServerState* const state = stateOf(server, source);
-        return state == nullptr ? std::nullopt : std::optional(state->digest);
+        return state == nullptr || (cache_ && !cache_->has(source.name)) ? std::nullopt
+                                                                         : state->digest;
+    }
+
+    // Writes to the cache, without which everything works as well.
+    template <typename Write>
+    void toCache(const Write& write) {
+        try {
+            write();
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& error) {
+            Mof::Diagnostic warning;
+            warning.severity = Mof::Severity::kWarning;
+            warning.file = cache_->path();
+            warning.message =
+                "what the server gave is not kept: " + std::string(Base::reasonOf(error));
+            loaded_.diagnostics.push_back(std::move(warning));
+        }
+    }
+
+    void keepNames(const ServerSource& server) {
+        if (!cache_)
+            return;
+        std::vector<std::string> names;
+        for (const ServerState& state : loaded_.serverStates) {
+            if (state.server.name == server.name)
+                names.push_back(state.source.name);
+        }
+        toCache([&] { cache_->keepNames(names); });
+    }
+
+    // Returns false when a namespace of the server is missing in the cache.
+    bool readCache(const ServerSource& server) {
+        for (std::size_t index = 0; index < sources_.size(); ++index) {
+            const NamespaceSource& source = sources_[index];
+            if (source.server != server.name)
+                continue;
+            std::vector<std::string> names = {source.name};
+            if (source.name.empty())
+                names = cache_->names();
+            if (names.empty())
+                return false;
+            for (const std::string& name : names) {
+                if (!source.name.empty() || !names_.contains(name)) {
+                    if (!readCache(server, index, name))
+                        return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    bool readCache(const ServerSource& server, std::size_t index, const std::string& name) {
+        Mof::Compilation compilation = cache_->read(name);
+        if (compilation.hasErrors())
+            return false;
+        NamespaceSource source = sources_[index];
+        if (source.name.empty()) {
+            source.name = name;
+            source.remoteName = name;
+        }
+        loaded_.serverStates.push_back(
+            {.asked = sources_[index], .source = std::move(source), .server = server});
+        build(index, name, std::move(compilation.classes));
+        return true;
     }
 
     // Takes all namespaces of a server as they were before. Returns false when one is missing.
@@ -242,6 +329,8 @@ class Loader {
     const Repository::Options& options_;
     LoadOptions how_;
     Base::NameSet names_;  // of sources_
+
+    std::optional<ServerCache> cache_;  // of the server that is read
 
     std::vector<std::vector<CimNamespace>> namespaces_;  // of each source
     LoadedRepository loaded_;

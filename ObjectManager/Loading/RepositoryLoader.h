@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -52,7 +53,7 @@ struct LoadedRepository {
         NamespaceSource asked;   ///< as in Sources
         NamespaceSource source;  ///< with its name
         ServerSource server;
-        std::uint64_t digest = 0;
+        std::optional<std::uint64_t> digest = {};  ///< none when it came from the cache
     };
     std::vector<ServerState> serverStates = {};
     Repository::Options options = {};
@@ -68,6 +69,10 @@ struct LoadOptions {
     /// Whether namespaces of MOF files are taken from `before`, which has been loaded from the same
     /// sources, instead of compiled again.
     bool keepsFiles = false;
+
+    /// Where what servers give is kept as MOF, to be used when they fail and `before` has nothing
+    /// of them; empty for nowhere.
+    std::string cacheDirectory = {};
 
     /// Ends reading from servers.
     std::stop_token stop = {};

@@ -40,8 +40,9 @@ _tesk_options() {
   local server="--server --server-user --server-password-file --server-cacert --server-certificate"
   server+=" --server-key --server-insecure --server-timeout --server-class"
   case $1 in
-    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
+    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --admin-listen --published-address --password-file --log-level --access-log ;;
     export) echo --help --output --host --published-address --namespace --include-path --config $server --jobs --prune ;;
+    import) echo --help --output ${server% *} --namespace --prune ;;
     check) echo --help --namespace --include-path --config $server --format --jobs ;;
     classes) echo --help --namespace --include-path --config $server --format ;;
     passwd) echo --help --delete ;;
@@ -142,7 +143,7 @@ _tesk() {
   if ((${#words[@]} <= 2)); then
     case $word in
       -*) _tesk_offer_words "--help --version" ;;
-      *) _tesk_offer_words "serve export check classes passwd" ;;
+      *) _tesk_offer_words "serve export import check classes passwd" ;;
     esac
     return
   fi

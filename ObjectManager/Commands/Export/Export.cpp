@@ -22,11 +22,8 @@
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Http/RequestTarget.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/SearchData.h"
-#include "Platform/Util/TeskBaseException.h"
-#include "Platform/Util/TeskStatusCode.h"
 
 namespace Commands {
 
@@ -35,34 +32,20 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::optional<std::string> host;
+    std::string host;  // empty unless it is given
     std::optional<std::string> publishedAddress;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
 };
 
-// Base addresses are inserted into documents as they are, so an ampersand, which RFC 9110 allows in
-// a host, would break them.
-void requireHost(const std::string& host) {
-    if (!Http::isHostWithPort(host)) {
-        throw TeskBaseException(
-            "tesk export",
-            TSKString(Base::quoted(host) +
-                      " is not a host with an optional port, such as localhost:5985"),
-            CIM_ERR_INVALID_PARAMETER);
-    }
-}
-
-// The host has the port that is registered for WS-Management over HTTP.
 Host::PublishedAddress addressOf(const ExportOptions& options,
                                  const Configuration::Settings& settings) {
     if (options.publishedAddress)
         return Configuration::parsePublishedAddress(*options.publishedAddress);
-    if (options.host)
-        return {.host = *options.host};
-    return settings.server.publishedAddress.value_or(
-        Host::PublishedAddress{.host = "localhost:5985"});
+    if (!options.host.empty())
+        return {.host = options.host};
+    return settings.server.publishedAddress.value_or(Host::PublishedAddress{.host = kDefaultHost});
 }
 
 constexpr const char* kDetails =
@@ -86,11 +69,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .target = &options.output,
                                .isRequired = true});
     command.options.push_back(
-        {.name = "--host",
-         .value = "HOST[:PORT]",
-         .help = "Where the documents say that the service is, over HTTP (default: localhost:5985)",
-         .target = &options.host,
-         .check = requireHost});
+        hostOption(options.host, "Where the documents say that the service is"));
     Option publishedAddress = publishedAddressOption(options.publishedAddress);
     publishedAddress.excludes = "--host";
     command.options.push_back(std::move(publishedAddress));

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -12,12 +13,12 @@
 #include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/Base/Signals.h"
 #include "ObjectManager/Base/Text.h"
-#include "ObjectManager/CimXml/CimServer.h"
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/ServerOptions.h"
 #include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Loading/ImportDirectory.h"
 #include "ObjectManager/Loading/ImportFiles.h"
+#include "ObjectManager/Loading/ServerReader.h"
 #include "ObjectManager/Loading/ServerSource.h"
 #include "Platform/Util/TeskBaseException.h"
 #include "Platform/Util/TeskStatusCode.h"
@@ -81,27 +82,28 @@ struct Reading {
     std::size_t classes = 0;
 };
 
-// Reads the classes of a server.
+// Makes files of what a server has.
 class Reader {
   public:
-    Reader(CimXml::CimServer& server, const std::vector<std::string>& patterns)
-        : server_(server), patterns_(patterns), unused_(patterns.begin(), patterns.end()) {}
+    explicit Reader(const std::vector<std::string>& patterns)
+        : unused_(patterns.begin(), patterns.end()), hasPatterns_(!patterns.empty()) {}
 
-    void read(const Loading::NamespaceSource& source) {
-        const CimXml::NamespaceContent content = server_.read(source.remoteName, patterns_);
-        const Mof::Compilation& compilation = content.compilation;
-        for (const Mof::Diagnostic& diagnostic : compilation.diagnostics)
-            std::cerr << diagnostic.toString();
-        if (compilation.hasErrors())
-            fail("the classes of " + source.remoteName + " have errors; nothing is written");
+    void add(const Loading::ServerNamespace& read) {
+        const Mof::Compilation& compilation = read.content.compilation;
+        report(compilation.diagnostics);
         for (const Mof::ClassDeclaration& declaration : compilation.classes)
             markAsUsed(declaration.name.text);
         // Patterns are for the namespaces that have such classes.
-        if (compilation.classes.empty() && !patterns_.empty())
+        if (compilation.classes.empty() && hasPatterns_)
             return;
         reading_.classes += compilation.classes.size();
         reading_.namespaces.push_back(
-            {.name = source.name, .files = Loading::importFiles(compilation)});
+            {.name = read.source.name, .files = Loading::importFiles(compilation)});
+    }
+
+    static void report(const std::vector<Mof::Diagnostic>& diagnostics) {
+        for (const Mof::Diagnostic& diagnostic : diagnostics)
+            std::cerr << diagnostic.toString();
     }
 
     // What was read, once.
@@ -111,36 +113,46 @@ class Reader {
         std::vector<std::string> names;
         for (const std::string& pattern : unused_)
             names.push_back(Base::quoted(pattern));
-        fail("the server has no class " + Base::joined(names, ", ") + "; nothing is written");
+        throw TeskBaseException("Commands::runImport",
+                                TSKString("the server has no class " + Base::joined(names, ", ") +
+                                          "; nothing is written"),
+                                CIM_ERR_NOT_FOUND);
     }
 
   private:
-    [[noreturn]] static void fail(const std::string& message) {
-        throw TeskBaseException("Commands::runImport", TSKString(message), CIM_ERR_FAILED);
-    }
-
     void markAsUsed(const TSKString& className) {
         std::erase_if(unused_, [&](const std::string& pattern) {
             return Base::NamePattern(pattern).fits(className.data());
         });
     }
 
-    CimXml::CimServer& server_;
-    const std::vector<std::string>& patterns_;
     std::set<std::string> unused_;  // patterns that have fitted no class so far
+    bool hasPatterns_;
     Reading reading_;
 };
 
-std::vector<Loading::NamespaceSource> sourcesOf(const ImportArguments& arguments,
-                                                CimXml::CimServer& server) {
+std::vector<Loading::NamespaceSource> sourcesOf(const ImportArguments& arguments) {
     std::vector<Loading::NamespaceSource> sources;
     for (const std::string& text : arguments.namespaces)
         sources.push_back(Configuration::parseServerNamespaceOption(text));
-    if (!sources.empty())
-        return sources;
-    for (const std::string& name : server.namespaces())
-        sources.push_back({.name = name, .remoteName = name});
+    if (sources.empty())
+        sources.emplace_back();  // all that the server names
+    for (Loading::NamespaceSource& source : sources)
+        source.patterns = arguments.classes;
     return sources;
+}
+
+Reading readAll(const ImportArguments& arguments) {
+    Loading::ServerSource server = serverSource(arguments.server);
+    std::cerr << complete(server.options);
+    Reader reader(arguments.classes);
+    readServer(server,
+               {.sources = sourcesOf(arguments),
+                .knownDigest = [](const Loading::NamespaceSource&) { return std::nullopt; },
+                .onNamespace = [&](Loading::ServerNamespace&& read) { reader.add(read); },
+                .onWarning = [](Mof::Diagnostic&& warning) { Reader::report({warning}); }},
+               {});
+    return reader.take();
 }
 
 std::size_t countFiles(const std::vector<Loading::ImportedNamespace>& namespaces) {
@@ -159,16 +171,6 @@ std::string summaryText(const Reading& reading, const Loading::ImportResult& res
            Base::withSeparators(result.written) + " written, " +
            Base::withSeparators(result.unchanged) + " unchanged, " +
            Base::withSeparators(result.removed) + " removed\n";
-}
-
-Reading readAll(const ImportArguments& arguments) {
-    const Loading::ServerSource source = serverSource(arguments.server);
-    std::cerr << warningsOf(source.options);
-    CimXml::CimServer server(optionsWithPassword(source));
-    Reader reader(server, arguments.classes);
-    for (const Loading::NamespaceSource& nameSpace : sourcesOf(arguments, server))
-        reader.read(nameSpace);
-    return reader.take();
 }
 
 int runImport(ImportArguments& arguments) {

@@ -113,10 +113,12 @@ void Reloader::beginReading(What what) noexcept {
                 const bool isRefresh = reading->what == What::kServers;
                 if (!isRefresh)
                     reading->settings = readSettings(reading->messages);
-                reading->loaded = loadModel(reading->settings, reading->messages,
-                                            {.before = before.get(),
-                                             .keepsFiles = isRefresh,
-                                             .stop = reading->stop.get_token()});
+                reading->loaded =
+                    loadModel(reading->settings, reading->messages,
+                              {.before = before.get(),
+                               .keepsFiles = isRefresh,
+                               .cacheDirectory = reading->settings.refresh.cacheDirectory,
+                               .stop = reading->stop.get_token()});
             } catch (...) {
                 reading->failure = std::current_exception();
             }

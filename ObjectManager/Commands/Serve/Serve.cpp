@@ -323,8 +323,9 @@ Loading::LoadedRepository loadAtStart(const Configuration::Settings& settings,
                                       const Base::SignalQueue& signals) {
     if (settings.servers.empty())
         return loadModel(settings, std::cerr);
+    const Loading::LoadOptions how = {.cacheDirectory = settings.refresh.cacheDirectory};
     std::packaged_task<Loading::LoadedRepository()> load(
-        [&] { return loadModel(settings, std::cerr); });
+        [&] { return loadModel(settings, std::cerr, how); });
     std::future<Loading::LoadedRepository> loaded = load.get_future();
     std::thread thread([&] {
         load();

@@ -6,16 +6,16 @@
 #include <string>
 #include <string_view>
 
-namespace Inspection {
+namespace Xml {
 
 /// A text as an XML parser with namespaces reads it. Nothing is fetched from outside, and entities
 /// that the text declares itself count as undeclared.
 ///
 /// Thread safety: belongs to one thread; several may be read at once.
-class XmlDocument {
+class Document {
   public:
     /// `text` may be gone afterwards.
-    explicit XmlDocument(std::string_view text);
+    explicit Document(std::string_view text);
 
     /// Why the text is not well-formed: the first fault, with line and column; nothing when it is.
     [[nodiscard]] const std::optional<std::string>& fault() const noexcept { return fault_; }
@@ -39,4 +39,4 @@ class XmlDocument {
 /// Empty for an attribute that is not there.
 [[nodiscard]] std::string attribute(const xmlNode& element, const char* name);
 
-}  // namespace Inspection
+}  // namespace Xml

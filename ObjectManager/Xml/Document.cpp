@@ -1,4 +1,4 @@
-#include "ObjectManager/Inspection/XmlDocument.h"
+#include "ObjectManager/Xml/Document.h"
 
 #include <libxml/parser.h>
 #include <limits>
@@ -6,7 +6,7 @@
 
 #include "ObjectManager/Xml/ParserSetup.h"
 
-namespace Inspection {
+namespace Xml {
 
 namespace {
 
@@ -14,9 +14,9 @@ void ignoreEntity(void* /*context*/, const xmlChar* /*name*/, int /*type*/,
                   const xmlChar* /*publicId*/, const xmlChar* /*systemId*/,
                   xmlChar* /*content*/) noexcept {}
 
-Xml::Context makeContext() {
-    Xml::prepareThread();
-    Xml::Context context(xmlNewParserCtxt());
+Context makeContext() {
+    prepareThread();
+    Context context(xmlNewParserCtxt());
     if (!context)
         throw std::bad_alloc();
     // Entities stand for nothing, so that none is fetched, and a few lines never become gigabytes.
@@ -34,24 +34,24 @@ const char* fromXml(const xmlChar* text) noexcept {
 
 }  // namespace
 
-XmlDocument::XmlDocument(std::string_view text) {
+Document::Document(std::string_view text) {
     if (text.size() > std::numeric_limits<int>::max()) {
         fault_ = "it is larger than 2 GiB";
         return;
     }
-    const Xml::Context context = makeContext();
-    const Xml::FirstError error(*context);
+    const Context context = makeContext();
+    const FirstError error(*context);
     constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE;
     document_.reset(xmlCtxtReadMemory(context.get(), text.data(), static_cast<int>(text.size()),
                                       nullptr, nullptr, kOptions));
-    Xml::throwIfOutOfMemory();
+    throwIfOutOfMemory();
     if (error.hasOccurred())
         fault_ = error.text();
     else if (!document_)
         fault_ = "it is empty";
 }
 
-const xmlNode* XmlDocument::root() const noexcept {
+const xmlNode* Document::root() const noexcept {
     return fault_ ? nullptr : xmlDocGetRootElement(document_.get());
 }
 
@@ -72,4 +72,4 @@ std::string attribute(const xmlNode& element, const char* name) {
     return text;
 }
 
-}  // namespace Inspection
+}  // namespace Xml

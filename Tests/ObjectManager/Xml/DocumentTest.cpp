@@ -2,17 +2,17 @@
 #include <limits>
 #include <string>
 
-#include "ObjectManager/Inspection/XmlDocument.h"
+#include "ObjectManager/Xml/Document.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Threads.h"
 
 namespace {
 
-using Inspection::XmlDocument;
+using Xml::Document;
 
 // Why a text is not well-formed; "none" when it is.
 std::string errorIn(std::string_view text) {
-    const XmlDocument document(text);
+    const Document document(text);
     EXPECT_EQ(document.fault().has_value(), document.root() == nullptr);
     return document.fault().value_or("none");
 }
@@ -25,21 +25,21 @@ std::string repeated(const std::string& text, int count) {
 }
 
 TEST(XmlDocument, ReadsElementsAndAttributes) {
-    const XmlDocument document(
+    const Document document(
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<a:list xmlns:a=\"urn:a\" name='q&amp;\"'><!-- one -->"
         "<item a:name=\"no\"/></a:list>\n");
     ASSERT_EQ(document.fault(), std::nullopt);
     const xmlNode& list = *document.root();
-    EXPECT_TRUE(Inspection::isElement(list));
-    EXPECT_EQ(Inspection::localName(list), "list");
-    EXPECT_EQ(Inspection::attribute(list, "name"), "q&\"");
-    EXPECT_EQ(Inspection::attribute(list, "nothing"), "");
+    EXPECT_TRUE(Xml::isElement(list));
+    EXPECT_EQ(Xml::localName(list), "list");
+    EXPECT_EQ(Xml::attribute(list, "name"), "q&\"");
+    EXPECT_EQ(Xml::attribute(list, "nothing"), "");
     ASSERT_NE(list.children, nullptr);
-    EXPECT_FALSE(Inspection::isElement(*list.children));
+    EXPECT_FALSE(Xml::isElement(*list.children));
     const xmlNode& item = *list.children->next;
-    EXPECT_EQ(Inspection::localName(item), "item");
-    EXPECT_EQ(Inspection::attribute(item, "name"), "");
+    EXPECT_EQ(Xml::localName(item), "item");
+    EXPECT_EQ(Xml::attribute(item, "name"), "");
 }
 
 TEST(XmlDocument, SaysWhereAndHowATextIsMalformed) {
