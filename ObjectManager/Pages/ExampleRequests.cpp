@@ -28,9 +28,9 @@ constexpr std::size_t kMaxOptionalProperties = 3;
 // Thread safety: belongs to one thread.
 class Requests {
   public:
-    Requests(const CimClass& cimClass, const ClassRelations& relations, std::string_view host)
+    Requests(const CimClass& cimClass, const ClassRelations& relations, std::string_view service)
         : class_(cimClass),
-          service_("http://" + std::string(host) + "/wsman"),
+          service_(std::string(service) + "/wsman"),
           values_(relations, service_) {}
 
     [[nodiscard]] std::vector<ExampleRequest> all() const {
@@ -143,19 +143,19 @@ std::string shellWord(std::string_view text) {
 
 std::vector<ExampleRequest> exampleRequests(const CimClass& cimClass,
                                             const ClassRelations& relations,
-                                            std::string_view host) {
-    return Requests(cimClass, relations, host).all();
+                                            std::string_view service) {
+    return Requests(cimClass, relations, service).all();
 }
 
 std::string exampleSection(const CimClass& cimClass, const ClassRelations& relations,
-                           std::string_view host) {
-    const std::vector<ExampleRequest> requests = exampleRequests(cimClass, relations, host);
+                           std::string_view service) {
+    const std::vector<ExampleRequest> requests = exampleRequests(cimClass, relations, service);
     const std::size_t operations = requests.size() - cimClass.methods().size();
     // No line of an envelope is END: every line begins with a bracket or a space.
     const std::string command =
         "curl --user USER --header 'Content-Type: application/soap+xml;charset=UTF-8' \\\n"
         "  --data-binary @- " +
-        htmlText(shellWord("http://" + std::string(host) + "/wsman")) + " &lt;&lt;'END'\n";
+        htmlText(shellWord(std::string(service) + "/wsman")) + " &lt;&lt;'END'\n";
     std::string html =
         "<section id=examples>\n<h2>Example requests</h2>\n"
         "<p>As the WSDL document describes them. USER is yours; a value that is the name of its "
