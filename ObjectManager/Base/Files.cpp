@@ -49,25 +49,19 @@ std::string temporaryName(std::string_view prefix) {
     return std::string(prefix) + std::to_string(getpid()) + "-" + std::to_string(++lastNumber);
 }
 
-// A new file, under a name in the directory that was free.
-struct TemporaryFile {
-    std::string name;
-    FileDescriptor file;
-};
-
-TemporaryFile createTemporary(const FileDescriptor& directory, std::string_view prefix,
-                              mode_t mode) {
+// Makes a file and finds a name for it that is free in the directory.
+FileDescriptor createTemporary(const FileDescriptor& directory, std::string_view prefix,
+                               mode_t mode, std::string& name) {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    TemporaryFile temporary;
+    FileDescriptor file;
     // A name that is taken was left behind by a process that was killed, or is in use on another
     // machine.
     do {
-        temporary.name = temporaryName(prefix);
-        temporary.file =
-            FileDescriptor(openat(directory.get(), temporary.name.c_str(), kFlags, mode));
-    } while (!temporary.file.isOpen() && errno == EEXIST);
-    require(temporary.file.isOpen());
-    return temporary;
+        name = temporaryName(prefix);
+        file = FileDescriptor(openat(directory.get(), name.c_str(), kFlags, mode));
+    } while (!file.isOpen() && errno == EEXIST);
+    require(file.isOpen());
+    return file;
 }
 
 // Not all file systems tell the type along with the name.
@@ -256,7 +250,8 @@ PreparedFile::PreparedFile(const FileDescriptor& directory, std::string name,
     : directory_(directory.get()), name_(std::move(name)) {
     const std::string prefix =
         options.temporaryPrefix.empty() ? name_ + "." : std::string(options.temporaryPrefix);
-    auto [temporaryName, file] = createTemporary(directory, prefix, options.mode);
+    std::string temporaryName;
+    FileDescriptor file = createTemporary(directory, prefix, options.mode, temporaryName);
     try {
         if (options.keepsOwner)
             takeOwner(file, directory, name_);

@@ -402,7 +402,8 @@ Mof::Type DeclarationBuilder::typeOf(const Element& element) const {
             fail("the name of the referenced class is " + shown(name));
         requireNoReservedWord(name, position_);
         type.dataType = Mof::DataType::kReference;
-        type.referencedClass = {.text = TSKString(name), .position = position_};
+        type.referencedClass.text = TSKString(name);
+        type.referencedClass.position = position_;
     } else {
         const std::string_view name = element.attribute(Attribute::kType).value_or("");
         const std::optional<Mof::DataType> dataType = dataTypeOf(name);

@@ -1,5 +1,7 @@
 #include "ObjectManager/Commands/SharedOptions.h"
 
+#include <utility>
+
 #include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Configuration/SettingValues.h"
@@ -48,7 +50,7 @@ void checkNamespaces(const ModelOptions& options) {
 void requireHost(const std::string& host) {
     if (!Http::isHostWithPort(host)) {
         throw TeskBaseException(
-            "Commands::hostOption",
+            "Commands::addAddressOptions",
             TSKString(Base::quoted(host) + " is not a host with an optional port, such as "
                                            "localhost:5985"),
             CIM_ERR_INVALID_PARAMETER);
@@ -66,7 +68,13 @@ void addModelOptions(Command& command, ModelOptions& options) {
                  "NAME, or NAME=REMOTE where the server calls it REMOTE; without it all "
                  "namespaces that the server names",
          .target = &options.namespaces});
-    command.options.push_back(includePathOption(options.includePath));
+    command.options.push_back(
+        {.name = "--include-path",
+         .value = "DIR",
+         .help = "A directory with MOF files that others include. Only files below these "
+                 "directories and below those of the namespaces are read. May be given several "
+                 "times",
+         .target = &options.includePath});
     command.options.push_back({.name = "--config",
                                .value = "FILE",
                                .help = "The configuration file",
@@ -92,22 +100,26 @@ Option publishedAddressOption(std::optional<std::string>& address) {
             .check = Configuration::parsePublishedAddress};
 }
 
-Option includePathOption(std::vector<std::string>& includePath) {
-    return {.name = "--include-path",
-            .value = "DIR",
-            .help =
-                "A directory with MOF files that others include. Only files below these "
-                "directories and below those of the namespaces are read. May be given several "
-                "times",
-            .target = &includePath};
+void addAddressOptions(Command& command, AddressArguments& arguments) {
+    command.options.push_back(
+        {.name = "--host",
+         .value = "HOST[:PORT]",
+         .help = "Where the documents say that the service is, over HTTP (default: localhost:5985)",
+         .target = &arguments.host,
+         .check = requireHost});
+    Option publishedAddress = publishedAddressOption(arguments.published);
+    publishedAddress.excludes = "--host";
+    command.options.push_back(std::move(publishedAddress));
 }
 
-Option hostOption(std::string& host, const std::string& help) {
-    return {.name = "--host",
-            .value = "HOST[:PORT]",
-            .help = help + " (default: " + kDefaultHost + ")",
-            .target = &host,
-            .check = requireHost};
+Host::PublishedAddress addressOf(const AddressArguments& arguments,
+                                 const Configuration::Settings& settings) {
+    if (arguments.published)
+        return Configuration::parsePublishedAddress(*arguments.published);
+    if (arguments.host)
+        return {.host = *arguments.host};
+    return settings.server.publishedAddress.value_or(
+        Host::PublishedAddress{.host = "localhost:5985"});
 }
 
 Option formatOption(OutputFormat& format) {

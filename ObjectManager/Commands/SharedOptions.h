@@ -7,6 +7,8 @@
 
 #include "ObjectManager/Commands/CommandLine.h"
 #include "ObjectManager/Commands/ServerOptions.h"
+#include "ObjectManager/Configuration/Settings.h"
+#include "ObjectManager/Host/PublishedAddress.h"
 
 // Options that several commands have.
 
@@ -30,14 +32,19 @@ void addModelOptions(Command& command, ModelOptions& options);
 /// `--published-address URL`.
 [[nodiscard]] Option publishedAddressOption(std::optional<std::string>& address);
 
-/// `--include-path DIR`, several times.
-[[nodiscard]] Option includePathOption(std::vector<std::string>& includePath);
+/// Where the documents that a command makes say that the service is.
+struct AddressArguments {
+    std::optional<std::string> host = {};
+    std::optional<std::string> published = {};
+};
 
-/// `--host HOST[:PORT]`; `help` says what the host is for.
-[[nodiscard]] Option hostOption(std::string& host, const std::string& help);
+/// Adds `--host` and `--published-address` to a command.
+void addAddressOptions(Command& command, AddressArguments& arguments);
 
-/// What documents name when no host is given: the port is the one of WS-Management over HTTP.
-constexpr const char* kDefaultHost = "localhost:5985";
+/// What the arguments say, or else the configuration; by default localhost with the port that is
+/// registered for WS-Management over HTTP.
+[[nodiscard]] Host::PublishedAddress addressOf(const AddressArguments& arguments,
+                                               const Configuration::Settings& settings);
 
 enum class OutputFormat : std::uint8_t { kText, kJson };
 

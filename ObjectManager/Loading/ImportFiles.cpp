@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <map>
 #include <optional>
-#include <unordered_set>
+#include <utility>
 
 #include "ObjectManager/Base/Ascii.h"
 #include "ObjectManager/Base/NameMap.h"
@@ -159,18 +159,18 @@ class UndeclaredQualifiers {
 // classes that they refer to unless these, in turn, need them.
 class InclusionOrder {
   public:
-    explicit InclusionOrder(const std::vector<Mof::ClassDeclaration>& classes) {
-        std::vector<const Mof::ClassDeclaration*> sorted;
-        sorted.reserve(classes.size());
-        for (const Mof::ClassDeclaration& declaration : classes) {
-            byName_.emplace(declaration.name.text, &declaration);
-            sorted.push_back(&declaration);
+    explicit InclusionOrder(const std::vector<Mof::ClassDeclaration>& classes)
+        : classes_(classes), states_(classes.size(), State::kNew) {
+        std::vector<std::pair<std::string, std::size_t>> sorted;
+        for (std::size_t index = 0; index < classes.size(); ++index) {
+            byName_.emplace(classes[index].name.text, index);
+            sorted.emplace_back(Base::lowerCase(classes[index].name.text), index);
         }
-        std::ranges::sort(sorted, {}, [](const Mof::ClassDeclaration* declaration) {
-            return Base::lowerCase(declaration->name.text);
-        });
-        for (const Mof::ClassDeclaration* const declaration : sorted)
-            add(*declaration, 0);
+        for (const Mof::ClassDeclaration& declaration : classes)
+            superclasses_.push_back(indexOf(declaration.superclass.text));
+        std::ranges::sort(sorted);
+        for (const auto& [name, index] : sorted)
+            add(index, 0);
     }
 
     [[nodiscard]] const std::vector<const Mof::ClassDeclaration*>& classes() const noexcept {
@@ -178,31 +178,48 @@ class InclusionOrder {
     }
 
   private:
-    // The classes that wait for those that they need are `depth`. References are followed only so
-    // far: a server could send a line of them that exhausts the stack.
-    void add(const Mof::ClassDeclaration& declaration, std::size_t depth) {
+    // A class waits while those are added that it needs.
+    enum class State : std::uint8_t { kNew, kWaiting, kAdded };
+
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    [[nodiscard]] std::size_t indexOf(const TSKString& name) const {
+        const auto found = byName_.find(name);
+        return found == byName_.end() ? kNone : found->second;
+    }
+
+    // `depth` classes wait. References are followed only so far: a server could send a line of them
+    // that exhausts the stack.
+    void add(std::size_t index, std::size_t depth) {
         constexpr std::size_t kMaxDepth = 500;
-        if (!begun_.insert(declaration.name.text).second)
+        if (states_[index] != State::kNew)
             return;
-        waiting_.insert(&declaration);
-        if (const Mof::ClassDeclaration* const superclass = superclassOf(declaration))
-            add(*superclass, depth + 1);
+        states_[index] = State::kWaiting;
+        if (superclasses_[index] != kNone)
+            add(superclasses_[index], depth + 1);
         if (depth < kMaxDepth) {
-            visitReferences(declaration, [&](const Mof::ClassDeclaration& referenced) {
-                if (!needsWaiting(referenced))
+            visitReferences(classes_[index], [&](std::size_t referenced) {
+                if (states_[referenced] == State::kNew && !isBelowWaiting(referenced))
                     add(referenced, depth + 1);
             });
         }
-        waiting_.erase(&declaration);
-        order_.push_back(&declaration);
+        states_[index] = State::kAdded;
+        order_.push_back(&classes_[index]);
+    }
+
+    // Whether a class above waits: then this one can only come after that.
+    [[nodiscard]] bool isBelowWaiting(std::size_t index) const {
+        while (index != kNone && states_[index] != State::kWaiting)
+            index = superclasses_[index];
+        return index != kNone;
     }
 
     template <typename Visit>
     void visitReferences(const Mof::ClassDeclaration& declaration, const Visit& visit) const {
         const auto visitNamed = [&](const TSKString& name) {
-            const auto referenced = byName_.find(name);
-            if (referenced != byName_.end())
-                visit(*referenced->second);
+            const std::size_t index = name.isEmpty() ? kNone : indexOf(name);
+            if (index != kNone)
+                visit(index);
         };
         for (const Mof::Property& property : declaration.properties)
             visitNamed(property.type.referencedClass.text);
@@ -225,25 +242,10 @@ class InclusionOrder {
         return qualifier.value->literals.front().text;
     }
 
-    // Whether a class or one above it waits: then it can only come after that.
-    [[nodiscard]] bool needsWaiting(const Mof::ClassDeclaration& declaration) const {
-        for (const Mof::ClassDeclaration* current = &declaration; current != nullptr;
-             current = superclassOf(*current)) {
-            if (waiting_.contains(current))
-                return true;
-        }
-        return false;
-    }
-
-    [[nodiscard]] const Mof::ClassDeclaration* superclassOf(
-        const Mof::ClassDeclaration& declaration) const {
-        const auto superclass = byName_.find(declaration.superclass.text);
-        return superclass == byName_.end() ? nullptr : superclass->second;
-    }
-
-    Base::NameMap<const Mof::ClassDeclaration*> byName_;
-    Base::NameSet begun_;
-    std::unordered_set<const Mof::ClassDeclaration*> waiting_;
+    const std::vector<Mof::ClassDeclaration>& classes_;
+    Base::NameMap<std::size_t> byName_;
+    std::vector<std::size_t> superclasses_;
+    std::vector<State> states_;
     std::vector<const Mof::ClassDeclaration*> order_;
 };
 

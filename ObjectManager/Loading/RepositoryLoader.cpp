@@ -165,7 +165,8 @@ class Loader {
         loaded_.serverStates.push_back({.asked = sources_[index],
                                         .source = read.source,
                                         .server = server,
-                                        .digest = read.content.digest});
+                                        .digest = read.content.digest,
+                                        .cacheDirectory = how_.cacheDirectory});
         if (isKnown && keep(index, read.source.name))
             return;
         append(loaded_.diagnostics, std::move(read.content.compilation.diagnostics));
@@ -195,12 +196,12 @@ class Loader {
         return found == states.end() ? nullptr : &*found;
     }
 
-    // Of what is known; nothing as well when the namespace is needed for the cache.
+    // Of what is known; nothing as well when the namespace is needed for a cache.
     [[nodiscard]] std::optional<std::uint64_t> digestOf(const ServerSource& server,
                                                         const NamespaceSource& source) const {
         const ServerState* const state = stateOf(server, source);
-        return state == nullptr || (cache_ && !cache_->has(source.name)) ? std::nullopt
-                                                                         : state->digest;
+        return state == nullptr || state->cacheDirectory != how_.cacheDirectory ? std::nullopt
+                                                                                : state->digest;
     }
 
     // Writes to the cache, without which everything works as well.
@@ -211,9 +212,12 @@ class Loader {
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception& error) {
+            if (std::exchange(isCacheBroken_, true))
+                return;
             Mof::Diagnostic warning;
             warning.severity = Mof::Severity::kWarning;
             warning.file = cache_->path();
+            warning.place = {.line = 0, .column = 0};
             warning.message =
                 "what the server gave is not kept: " + std::string(Base::reasonOf(error));
             loaded_.diagnostics.push_back(std::move(warning));
@@ -223,12 +227,21 @@ class Loader {
     void keepNames(const ServerSource& server) {
         if (!cache_)
             return;
+        const std::vector<std::string> names = keptNames(loaded_.serverStates, server);
+        if (how_.before == nullptr || names != keptNames(how_.before->serverStates, server))
+            toCache([&] { cache_->keepNames(names); });
+    }
+
+    // The namespaces of a server that have been read with this cache.
+    [[nodiscard]] std::vector<std::string> keptNames(const std::vector<ServerState>& states,
+                                                     const ServerSource& server) const {
         std::vector<std::string> names;
-        for (const ServerState& state : loaded_.serverStates) {
-            if (state.server.name == server.name)
+        for (const ServerState& state : states) {
+            if (state.server.options.url == server.options.url &&
+                state.cacheDirectory == how_.cacheDirectory)
                 names.push_back(state.source.name);
         }
-        toCache([&] { cache_->keepNames(names); });
+        return names;
     }
 
     // Returns false when a namespace of the server is missing in the cache.
@@ -331,6 +344,7 @@ class Loader {
     Base::NameSet names_;  // of sources_
 
     std::optional<ServerCache> cache_;  // of the server that is read
+    bool isCacheBroken_ = false;        // of which a warning tells
 
     std::vector<std::vector<CimNamespace>> namespaces_;  // of each source
     LoadedRepository loaded_;

@@ -54,6 +54,7 @@ struct LoadedRepository {
         NamespaceSource source;  ///< with its name
         ServerSource server;
         std::optional<std::uint64_t> digest = {};  ///< none when it came from the cache
+        std::string cacheDirectory = {};           ///< where it was to be kept
     };
     std::vector<ServerState> serverStates = {};
     Repository::Options options = {};

@@ -58,10 +58,6 @@ void ServerCache::keepNames(const std::vector<std::string>& namespaces) const {
     Base::OutputDirectory::create(directory_, "import").createBelow(name_).put(kNamesFile, text);
 }
 
-bool ServerCache::has(const std::string& nameSpace) const {
-    return Base::FileVersion::of(mainFileOf(nameSpace)).isRegular();
-}
-
 Mof::Compilation ServerCache::read(const std::string& nameSpace) const {
     return Mof::compile({mainFileOf(nameSpace)});
 }

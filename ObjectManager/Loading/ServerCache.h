@@ -33,9 +33,6 @@ class ServerCache {
     /// Keeps which namespaces the server has.
     void keepNames(const std::vector<std::string>& namespaces) const;
 
-    /// Whether anything is kept of a namespace.
-    [[nodiscard]] bool has(const std::string& nameSpace) const;
-
     /// Compiles what is kept of a namespace; the result has errors if there is nothing.
     [[nodiscard]] Mof::Compilation read(const std::string& nameSpace) const;
 

@@ -62,6 +62,7 @@ class Reader {
         Mof::Diagnostic warning;
         warning.severity = Mof::Severity::kWarning;
         warning.file = server_.name() + ": " + name;
+        warning.place = {.line = 0, .column = 0};
         warning.message = "the namespace is left out: " + std::string(error.getMessage().data());
         request_.onWarning(std::move(warning));
     }

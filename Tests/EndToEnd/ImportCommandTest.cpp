@@ -147,7 +147,10 @@ TEST_F(ImportTest, SuperclassesComeAlongWithTheClassesThatAreChosen) {
 TEST_F(ImportTest, ANameThatFitsNoClassIsAnError) {
     const ProgramRun run = runImport("--namespace root/test T_Disk 'T_None*' X");
     EXPECT_EQ(run.end, "status 1");
-    EXPECT_EQ(run.errors, "tesk: the server has no class \"T_None*\", \"X\"; nothing is written\n");
+    EXPECT_EQ(run.errors,
+              "SERVER: root/test: warning: no class fits \"T_None*\"\n"
+              "SERVER: root/test: warning: no class fits \"X\"\n"
+              "tesk: the server has no class \"T_None*\", \"X\"; nothing is written\n");
     EXPECT_FALSE(fs::exists(out()));
 }
 

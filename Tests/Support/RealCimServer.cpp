@@ -1,9 +1,10 @@
 #include "Tests/Support/RealCimServer.h"
 
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
+#include <unistd.h>
+#include <vector>
 
 #include "Tests/Support/LocalPort.h"
 #include "Tests/Support/WaitUntil.h"
@@ -15,20 +16,33 @@ std::string cimServerProgram() {
     return std::string(directory) + "/start";
 }
 
-RealCimServer::RealCimServer(bool authenticates) {
-    const std::uint16_t port = freePort();
-    url_ = "http://127.0.0.1:" + std::to_string(port);
-    std::vector<std::string> command = {cimServerProgram(), "--port", std::to_string(port)};
-    if (authenticates)
-        command.emplace_back("--authenticate");
-    program_ = std::make_unique<RunningProgram>(command);
-    const bool isThere =
-        waitUntil([&] { return acceptsConnections(port) || !program_->isRunning(); });
-    if (!isThere || !program_->isRunning())
-        throw std::runtime_error("the CIM server does not start");
+RealCimServer::RealCimServer(bool authenticates)
+    : authenticates_(authenticates), port_(freePort()) {
+    restart();
 }
 
 RealCimServer::~RealCimServer() {
+    if (program_ == nullptr)
+        return;
     program_->sendSignal(SIGTERM);
     (void)program_->waitForEnd();
+}
+
+void RealCimServer::kill() {
+    program_->sendSignalToGroup(SIGKILL);
+    (void)program_->waitForEnd();
+    program_.reset();
+}
+
+void RealCimServer::restart() {
+    directory_ = std::make_unique<TemporaryDirectory>();
+    std::vector<std::string> command = {cimServerProgram(), "--port", std::to_string(port_),
+                                        "--folder", directory_->path().string()};
+    if (authenticates_)
+        command.emplace_back("--authenticate");
+    program_ = std::make_unique<RunningProgram>(command, [] { (void)setpgid(0, 0); });
+    const bool isThere =
+        waitUntil([&] { return acceptsConnections(port_) || !program_->isRunning(); });
+    if (!isThere || !program_->isRunning())
+        throw std::runtime_error("the CIM server does not start");
 }

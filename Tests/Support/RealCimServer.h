@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "Tests/Support/RunningProgram.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 /// The program that starts a real CIM server, in the directory that the environment variable
 /// CIM_SERVER_DIR names; empty where it is not set. Tests skip themselves then:
@@ -27,10 +28,21 @@ class RealCimServer {
     /// Tells the server to end, and waits: killed, the program would leave it running.
     ~RealCimServer();
 
+    /// Ends the server at once, whatever it does.
+    void kill();
+
+    /// Starts the server again, at the same port, after it was killed. Waits and fails as the
+    /// constructor does.
+    void restart();
+
+    [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
+
     /// "http://127.0.0.1:PORT".
-    [[nodiscard]] const std::string& url() const noexcept { return url_; }
+    [[nodiscard]] std::string url() const { return "http://127.0.0.1:" + std::to_string(port_); }
 
   private:
-    std::string url_;
+    const bool authenticates_;
+    const std::uint16_t port_;
+    std::unique_ptr<TemporaryDirectory> directory_;
     std::unique_ptr<RunningProgram> program_;
 };

@@ -70,6 +70,10 @@ void RunningProgram::sendSignal(int signal) const {
     require(kill(process_, signal) == 0);
 }
 
+void RunningProgram::sendSignalToGroup(int signal) const {
+    require(kill(-process_, signal) == 0);
+}
+
 void RunningProgram::pause() const {
     sendSignal(SIGSTOP);
     siginfo_t stopped = {};

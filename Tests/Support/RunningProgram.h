@@ -12,7 +12,7 @@
 /// default.
 class RunningProgram {
   public:
-    /// Starts the program of that path, or of that name in one of the directorys for programs.
+    /// Starts the program of that path, or of that name in one of the directories for programs.
     /// `prepare` runs in the new process, before the program does.
     explicit RunningProgram(const std::vector<std::string>& command,
                             const std::function<void()>& prepare = {});
@@ -22,6 +22,9 @@ class RunningProgram {
     ~RunningProgram();
 
     void sendSignal(int signal) const;
+
+    /// The same to all processes of a program that `prepare` has given a group of its own.
+    void sendSignalToGroup(int signal) const;
 
     /// Stops the program and waits until it stands still, or has ended; SIGCONT lets it go on.
     void pause() const;

@@ -27,15 +27,17 @@ bool readMore(int connection, std::string& bytes) {
     return true;
 }
 
-void sendAll(int connection, const std::string& bytes) {
+// Returns whether the client has not ended the connection.
+bool sendAll(int connection, const std::string& bytes) {
     std::size_t sent = 0;
     while (sent < bytes.size()) {
         const ssize_t length =
             send(connection, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
         if (length <= 0)
-            return;
+            return false;
         sent += static_cast<std::size_t>(length);
     }
+    return true;
 }
 
 }  // namespace
@@ -118,7 +120,11 @@ void StandInServer::serveConnection(int connection) {
     }
     const Response response =
         respond_ ? respond_(request) : Response{.bytes = "", .staysOpen = true};
-    sendAll(connection, response.bytes);
+    bool isOpen = sendAll(connection, response.bytes);
+    while (isOpen && !response.endless.empty()) {
+        std::this_thread::sleep_for(response.pause);
+        isOpen = sendAll(connection, response.endless);
+    }
     std::string ignored;
     while (response.staysOpen && readMore(connection, ignored)) {
     }

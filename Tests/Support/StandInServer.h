@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -25,6 +26,11 @@ class StandInServer {
     struct Response {
         std::string bytes;
         bool staysOpen = false;
+
+        /// Sent again and again after `bytes`, with a pause before each, until the client ends the
+        /// connection; empty for none.
+        std::string endless = {};
+        std::chrono::milliseconds pause{0};
     };
 
     using Respond = std::function<Response(const Request&)>;

@@ -10,12 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "Fuzz/ObjectManager/Mof/CompileTexts.h"
 #include "Fuzz/ObjectManager/Repository/ReadBack.h"
 #include "Fuzz/Support/Require.h"
 #include "ObjectManager/Base/NameMap.h"
+#include "ObjectManager/Base/OutputDirectory.h"
 #include "ObjectManager/CimXml/ClassCollection.h"
 #include "ObjectManager/CimXml/ResponseReader.h"
 #include "ObjectManager/CimXml/ServerError.h"
+#include "ObjectManager/Loading/ImportFiles.h"
 #include "ObjectManager/Repository/ClassRepository.h"
 
 namespace {
@@ -77,6 +80,22 @@ void checkPromises(const Mof::Compilation& compilation) {
     }
 }
 
+// What is imported of declarations without errors can be compiled, and has the same classes.
+void checkImport(const Mof::Compilation& compilation) {
+    std::vector<std::string> texts;
+    Base::NameSet names;
+    const std::vector<Loading::ImportFile> files = Loading::importFiles(compilation);
+    for (const Loading::ImportFile& file : files) {
+        require(Base::OutputDirectory::validateName(file.name).empty(), "a file has a name");
+        require(names.insert(file.name).second, "no file has the name of another one");
+        if (file.name != Loading::kMainFile)
+            texts.push_back(file.content);
+    }
+    const Mof::Compilation again = compileTexts(texts);
+    require(!again.hasErrors(), "what is imported has no errors");
+    require(again.classes.size() == compilation.classes.size(), "all classes are imported");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -93,6 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkPromises(compilation);
     if (compilation.hasErrors())
         return 0;
+    checkImport(compilation);
     std::vector<Repository::CimNamespace> namespaces;
     namespaces.emplace_back("root/fuzzed", std::move(compilation.classes), Repository::Options());
     readBack(Repository::ClassRepository(std::move(namespaces)));

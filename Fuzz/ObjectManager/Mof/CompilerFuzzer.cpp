@@ -4,60 +4,23 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "Fuzz/ObjectManager/Mof/CompileTexts.h"
 #include "Fuzz/ObjectManager/Repository/ReadBack.h"
 #include "Fuzz/Support/Require.h"
 #include "ObjectManager/Base/NameMap.h"
 #include "ObjectManager/Mof/Compiler.h"
-#include "ObjectManager/Mof/DeclarationChecker.h"
 #include "ObjectManager/Mof/Declarations.h"
 #include "ObjectManager/Mof/Diagnostics.h"
-#include "ObjectManager/Mof/FileParser.h"
+#include "ObjectManager/Mof/MofWriter.h"
 
 namespace {
 
 using Mof::Compilation;
-
-template <typename Element>
-void moveInto(std::vector<Element>& all, std::vector<Element>& more) {
-    all.insert(all.end(), std::make_move_iterator(more.begin()),
-               std::make_move_iterator(more.end()));
-}
-
-// Does with texts what Mof::compile does with files.
-Compilation compile(const std::vector<std::string>& texts) {
-    Compilation compilation;
-    Mof::Reporter reporter(compilation.files, compilation.diagnostics);
-    const auto inLastFile = [&](std::size_t offset) {
-        return Mof::Position{.file = compilation.files.size() - 1, .offset = offset};
-    };
-    Mof::FileParser parser(
-        [&](std::size_t offset, const std::string& message) {
-            reporter.error(inLastFile(offset), message);
-        },
-        [&](std::size_t offset, const std::string& message) {
-            reporter.warning(inLastFile(offset), message);
-        });
-    try {
-        for (const std::string& text : texts) {
-            compilation.files.emplace_back("fuzzed.mof", text);
-            Mof::FileDeclarations declared =
-                parser.parse(compilation.files.back(), compilation.files.size() - 1);
-            moveInto(compilation.qualifiers, declared.qualifiers);
-            moveInto(compilation.classes, declared.classes);
-        }
-        if (!compilation.hasErrors())
-            Mof::checkDeclarations(compilation, reporter);
-    } catch (const Mof::TooManyErrors&) {
-        require(compilation.hasErrors(), "too many errors are some");
-    }
-    return compilation;
-}
 
 // The size of the line end at `at`: CR LF, CR or LF.
 std::size_t lengthOfLineEnd(std::string_view text, std::size_t at) {
@@ -116,24 +79,39 @@ bool areSame(const std::vector<Declaration>& left, const std::vector<Declaration
 
 // A text declares the same when the same parser reads it again.
 void checkSecondReading(const std::string& text, const Compilation& compilation) {
-    const Compilation twice = compile({text, text});
+    const Compilation twice = compileTexts({text, text});
     require(!twice.hasErrors(), "a text does not contradict itself");
     require(areSame(twice.qualifiers, compilation.qualifiers) &&
                 areSame(twice.classes, compilation.classes),
             "a text declares the same when it is read again");
 }
 
+// What is written of declarations declares the same.
+void checkWriting(const Compilation& compilation) {
+    std::string text;
+    for (const Mof::QualifierDeclaration& declaration : compilation.qualifiers)
+        text += Mof::mofOf(declaration);
+    for (const Mof::ClassDeclaration& declaration : compilation.classes)
+        text += Mof::mofOf(declaration);
+    const Compilation again = compileTexts({text});
+    require(!again.hasErrors(), "what is written has no errors");
+    require(areSame(again.qualifiers, compilation.qualifiers) &&
+                areSame(again.classes, compilation.classes),
+            "what is written declares the same");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    Compilation compilation = compile({text});
+    Compilation compilation = compileTexts({text});
     for (const Mof::Diagnostic& diagnostic : compilation.diagnostics)
         checkDiagnostic(diagnostic, compilation.files.front());
     if (compilation.hasErrors())
         return 0;
     checkPromises(compilation);
     checkSecondReading(text, compilation);
+    checkWriting(compilation);
     std::vector<Repository::CimNamespace> namespaces;
     namespaces.emplace_back("root/cimv2", std::move(compilation.classes), Repository::Options());
     readBack(Repository::ClassRepository(std::move(namespaces)));

@@ -2,10 +2,11 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <iostream>
 #include <system_error>
+#include <vector>
 
 #include "ObjectManager/Base/Files.h"
-#include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Commands/DocumentRequest.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
@@ -24,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr const char* kExtension = ".wsdl";
 
 TeskBaseException unusable(const std::string& reason) {
-    return {"Commands::readVersion", TSKString(reason), CIM_ERR_FAILED};
+    return {"tesk diff", TSKString(reason), CIM_ERR_FAILED};
 }
 
 std::string readDocument(const fs::path& file) {
@@ -37,30 +38,22 @@ std::string readDocument(const fs::path& file) {
     }
 }
 
-// Empty for a directory without documents.
-VersionDocuments readExport(const fs::path& directory) {
-    VersionDocuments documents;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
-        const fs::path& file = entry.path();
-        if (file.extension() != kExtension || !entry.is_regular_file())
-            continue;
-        const fs::path nameSpace = file.parent_path().lexically_relative(directory);
-        documents[{nameSpace.generic_string(), file.stem().string()}] = readDocument(file);
-    }
-    return documents;
-}
+}  // namespace
 
-// Makes all documents: the providers know one repository at a time.
-VersionDocuments makeDocuments(const ModelOptions& model, const VersionOptions& options) {
+// All at once, since the providers know one repository at a time.
+VersionDocuments makeDocuments(ModelOptions model, const AddressArguments& address, unsigned jobs) {
     struct Making {
         const Repository::CimNamespace* nameSpace;
         TSKString document;
         std::string* target;
     };
-    const TSKSmrPtr<Repository::ClassRepository> repository = loadModel(model);
-    const Host::ProviderHost host(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                                  Host::InstallationPaths::ofThisProgram().installation);
-    const Host::MemoryClient client(host.manager(), {.host = options.host});
+    askForPassword(model.server);
+    const Configuration::Settings settings = readSettings(model, std::cerr);
+    const TSKSmrPtr<Repository::ClassRepository> repository =
+        loadModel(settings, std::cerr).repository;
+    const Host::ProviderHost providers(repository, TSKSmrPtr<Host::LocalAuthenticator>::make(),
+                                       Host::InstallationPaths::ofThisProgram().installation);
+    const Host::MemoryClient client(providers.manager(), addressOf(address, settings));
     VersionDocuments documents;
     std::vector<Making> makings;
     for (const Repository::CimNamespace& nameSpace : repository->namespaces()) {
@@ -69,7 +62,7 @@ VersionDocuments makeDocuments(const ModelOptions& model, const VersionOptions& 
             makings.push_back({&nameSpace, cimClass->name() + kExtension, &target});
         }
     }
-    workInParallel(makings.size(), options.jobs, [&](std::size_t number) {
+    workInParallel(makings.size(), jobs, [&](std::size_t number) {
         const Making& making = makings[number];
         const RequestedDocument made = requestDocument(client, *making.nameSpace, making.document);
         if (!made.response)
@@ -79,23 +72,16 @@ VersionDocuments makeDocuments(const ModelOptions& model, const VersionOptions& 
     return documents;
 }
 
-}  // namespace
-
-VersionDocuments readVersion(const std::string& argument, const VersionOptions& options) {
-    std::error_code error;
-    const bool isPath = fs::exists(argument, error);
-    if (isPath && fs::is_directory(argument)) {
-        VersionDocuments exported = readExport(argument);
-        if (!exported.empty())
-            return exported;
+VersionDocuments readExport(const std::string& directory) {
+    VersionDocuments documents;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
+        const fs::path& file = entry.path();
+        if (file.extension() != kExtension || !entry.is_regular_file())
+            continue;
+        const fs::path nameSpace = file.parent_path().lexically_relative(directory);
+        documents[{nameSpace.generic_string(), file.stem().string()}] = readDocument(file);
     }
-    const bool isNamed = !isPath && argument.find('=') != std::string::npos;
-    if (!isPath && !isNamed)
-        throw unusable(Base::quoted(argument) + " is not there");
-    ModelOptions model;
-    model.namespaces = {isNamed ? argument : "root/cimv2=" + argument};
-    model.includePath = options.includePath;
-    return makeDocuments(model, options);
+    return documents;
 }
 
 }  // namespace Commands

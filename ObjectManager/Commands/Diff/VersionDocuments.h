@@ -3,7 +3,8 @@
 #include <compare>
 #include <map>
 #include <string>
-#include <vector>
+
+#include "ObjectManager/Commands/SharedOptions.h"
 
 namespace Commands {
 
@@ -17,19 +18,15 @@ struct VersionClass {
 /// The WSDL documents of all classes of a version of a model.
 using VersionDocuments = std::map<VersionClass, std::string>;
 
-/// How documents of MOF are made.
-struct VersionOptions {
-    std::vector<std::string> includePath;
-    std::string host;
-    unsigned jobs = 1;
-};
+/// Makes the documents of the classes that `model` names, for the address that is given or
+/// configured, in `jobs` threads. Messages about the classes go to standard error.
+/// Errors: those of loadModel(); TeskBaseException where a document cannot be made.
+[[nodiscard]] VersionDocuments makeDocuments(ModelOptions model, const AddressArguments& address,
+                                             unsigned jobs);
 
-/// Reads what an argument of the command names: a directory that `tesk export` has written; or MOF,
-/// as "NAME=PATH", or as "PATH" for the namespace root/cimv2. Messages about MOF go to standard
-/// error.
-/// Errors: TeskBaseException where it is neither, where the MOF has errors, or where a document
-/// cannot be read or made.
-[[nodiscard]] VersionDocuments readVersion(const std::string& argument,
-                                           const VersionOptions& options);
+/// Reads the documents that `tesk export` has written into a directory; none where it has written
+/// none.
+/// Errors: TeskBaseException where one cannot be read.
+[[nodiscard]] VersionDocuments readExport(const std::string& directory);
 
 }  // namespace Commands

@@ -2,9 +2,7 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "ObjectManager/Base/OutputDirectory.h"
@@ -18,7 +16,6 @@
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
 #include "ObjectManager/Commands/ServerOptions.h"
-#include "ObjectManager/Configuration/SettingValues.h"
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
@@ -32,21 +29,11 @@ namespace {
 struct ExportOptions {
     ModelOptions model;
     std::string output;
-    std::string host;  // empty unless it is given
-    std::optional<std::string> publishedAddress;
+    AddressArguments address;
     unsigned jobs = defaultJobs();
     bool prune = false;
     std::vector<std::string> classes;  // names and patterns; empty for all
 };
-
-Host::PublishedAddress addressOf(const ExportOptions& options,
-                                 const Configuration::Settings& settings) {
-    if (options.publishedAddress)
-        return Configuration::parsePublishedAddress(*options.publishedAddress);
-    if (!options.host.empty())
-        return {.host = options.host};
-    return settings.server.publishedAddress.value_or(Host::PublishedAddress{.host = kDefaultHost});
-}
 
 constexpr const char* kDetails =
     R"(Writes NAMESPACE/CLASS.wsdl and NAMESPACE/CLASS.xsd below DIR, as they are served at HOST,
@@ -68,11 +55,7 @@ void addExportOptions(Command& command, ExportOptions& options) {
                                .help = "The directory; made if it is missing",
                                .target = &options.output,
                                .isRequired = true});
-    command.options.push_back(
-        hostOption(options.host, "Where the documents say that the service is"));
-    Option publishedAddress = publishedAddressOption(options.publishedAddress);
-    publishedAddress.excludes = "--host";
-    command.options.push_back(std::move(publishedAddress));
+    addAddressOptions(command, options.address);
     addModelOptions(command, options.model);
     command.options.push_back(jobsOption(options.jobs, "How many documents are made at once"));
     command.options.push_back(
@@ -139,8 +122,8 @@ int runExport(const ExportOptions& options) {
     const Base::StopSignals stopSignals;
     Base::OutputDirectory output = Base::OutputDirectory::create(options.output, "export");
     output.lock();
-    const DocumentExportResult result = writeDocuments(options, addressOf(options, settings),
-                                                       repository, selections, output, stopSignals);
+    const DocumentExportResult result = writeDocuments(
+        options, addressOf(options.address, settings), repository, selections, output, stopSignals);
     std::cerr << failuresText(result);
     if (result.isStopped)
         return reportStop(stopSignals.received(), result, output);

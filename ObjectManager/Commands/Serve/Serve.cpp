@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <future>
@@ -7,9 +9,11 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -430,6 +434,18 @@ ServiceEnd serve(const ServeOptions& options, const Configuration::Settings& set
     return {.status = stop(service), .isReading = reloader.isReading()};
 }
 
+// Says what to do about a port that another program listens on.
+std::runtime_error portInUse(const std::system_error& error,
+                             const std::vector<Http::ListenAddress>& addresses) {
+    constexpr std::uint16_t kWsManagement = 5985;
+    const bool isKnown =
+        std::ranges::count(addresses, kWsManagement, &Http::ListenAddress::port) > 0;
+    return std::runtime_error(
+        std::string(error.what()) +
+        (isKnown ? "; 5985 is the port of WS-Management, which a CIM server may use" : "") +
+        "; choose another port with --listen, or with listen in [server]");
+}
+
 int runServe(ServeOptions options) {
     askForPassword(options.model.server);
     const Configuration::Settings settings = readSettings(options, std::cerr);
@@ -439,7 +455,15 @@ int runServe(ServeOptions options) {
     const Base::SignalQueue signals({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
     const Base::LogOutput logOutput(settings.log.file,
                                     static_cast<TeskTraceLog::Severity>(settings.log.level));
-    const ServiceEnd end = serve(options, settings, signals, logOutput);
+    const ServiceEnd end = [&] {
+        try {
+            return serve(options, settings, signals, logOutput);
+        } catch (const std::system_error& error) {
+            if (error.code() != std::errc::address_in_use)
+                throw;
+            throw portInUse(error, settings.server.listen);
+        }
+    }();
     // The thread uses static objects, which the exit handlers would destroy.
     if (end.isReading)
         endWithoutHandlers(end.status);

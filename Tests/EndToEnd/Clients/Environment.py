@@ -11,6 +11,7 @@ WORK_DIRECTORY = os.environ["CLIENTS_WORK_DIRECTORY"]
 
 # Directories that may be missing: what needs them is skipped then.
 CIM_SCHEMA = os.environ.get("CIM_SCHEMA_DIR")
+CIM_SERVER = os.environ.get("CIM_SERVER_DIR")
 STANDARD_SCHEMAS = os.environ.get("STANDARD_SCHEMAS_DIR", "")
 CATALOG = os.path.join(STANDARD_SCHEMAS, "catalog.xml")
 

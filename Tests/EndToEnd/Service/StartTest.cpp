@@ -61,12 +61,23 @@ TEST_F(ServiceStart, APortInUse) {
     EXPECT_EQ(second.readRest(), "");
     EXPECT_EQ(unusualLines(second.log()),
               Lines{"tesk: Cannot listen on 127.0.0.1 port " + std::to_string(port()) +
-                    ": Address already in use"});
+                    ": Address already in use; choose another port with --listen, or with "
+                    "listen in [server]"});
     // The providers have been started by then.
     EXPECT_NE(second.log().find("Z information WsdlWebProvider: Shutdown called\n"),
               std::string::npos)
         << second.log();
     EXPECT_EQ(response(get("/root/test/TST_Nothing.wsdl")), found(expected("TST_Nothing.wsdl")));
+}
+
+// It is the port where tesk listens by default, too.
+TEST_F(ServiceStart, ThePortOfWsManagementInUse) {
+    listen_ = {"127.0.0.3:5985"};
+    start();
+    expectFailure({"serve", "--listen", listen_.front()}, 1,
+                  {"tesk: Cannot listen on 127.0.0.3 port 5985: Address already in use; 5985 is "
+                   "the port of WS-Management, which a CIM server may use; choose another port "
+                   "with --listen, or with listen in [server]"});
 }
 
 TEST_F(ServiceStart, AnAddressOfAnotherMachine) {

@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "ObjectManager/CimXml/CimServer.h"
 #include "Tests/ObjectManager/CimXml/Collected.h"
-#include "Tests/Support/StandInServer.h"
+#include "Tests/Support/StandInCimServer.h"
 
 namespace {
 
@@ -17,7 +16,7 @@ using Kind = ServerError::Kind;
 class CimXmlCimServer : public testing::Test {
   protected:
     void respond(const std::string& request, const std::string& response) {
-        responses_[request] = response;
+        server_.respond(request, response);
     }
 
     void respondWithResults(const std::string& operation, const std::string& results) {
@@ -31,28 +30,23 @@ class CimXmlCimServer : public testing::Test {
     // The declarations and the diagnostics, or the error.
     std::string read(const std::vector<std::string>& patterns = {},
                      CimXml::ServerOptions options = {}) {
-        const StandInServer server([this](const StandInServer::Request& request) {
-            return StandInServer::ok(responseFor(request));
-        });
-        options.url = server.url();
+        const std::size_t before = server_.requests().size();
+        options.url = server_.url();
         try {
             CimXml::CimServer client(options);
             const Mof::Compilation compilation = client.read("root/test", patterns).compilation;
-            requests_ = server.requests();
-            return textOf(compilation) + withoutServer(diagnosticsOf(compilation), server);
+            requests_ = requestsSince(before);
+            return textOf(compilation) + withoutServer(diagnosticsOf(compilation));
         } catch (const ServerError& error) {
             kind_ = error.kind();
             code_ = error.getErrorCode();
-            requests_ = server.requests();
-            return withoutServer(error.getMessage().data(), server);
+            requests_ = requestsSince(before);
+            return withoutServer(error.getMessage().data());
         }
     }
 
     std::vector<std::string> namespaces() {
-        const StandInServer server([this](const StandInServer::Request& request) {
-            return StandInServer::ok(responseFor(request));
-        });
-        CimXml::CimServer client({.url = server.url()});
+        CimXml::CimServer client({.url = server_.url()});
         return client.namespaces();
     }
 
@@ -60,7 +54,7 @@ class CimXmlCimServer : public testing::Test {
     [[nodiscard]] std::string requests() const {
         std::string text;
         for (const StandInServer::Request& request : requests_)
-            text += nameOf(request) + "\n";
+            text += StandInCimServer::nameOf(request) + "\n";
         return text;
     }
 
@@ -69,30 +63,20 @@ class CimXmlCimServer : public testing::Test {
     int code_ = 0;
 
   private:
-    static std::string nameOf(const StandInServer::Request& request) {
-        std::string name = request.field("CIMMethod") + " " + request.field("CIMObject");
-        const std::string before = "<CLASSNAME NAME=\"";
-        const std::size_t begin = request.body.find(before);
-        if (begin == std::string::npos)
-            return name;
-        const std::size_t start = begin + before.size();
-        return name + " " + request.body.substr(start, request.body.find('"', start) - start);
+    [[nodiscard]] std::vector<StandInServer::Request> requestsSince(std::size_t before) const {
+        std::vector<StandInServer::Request> requests = server_.requests();
+        requests.erase(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(before));
+        return requests;
     }
 
-    [[nodiscard]] std::string responseFor(const StandInServer::Request& request) const {
-        const auto found = responses_.find(nameOf(request));
-        return found == responses_.end() ? errorResponseTo(request.field("CIMMethod"), "6", "none")
-                                         : found->second;
-    }
-
-    static std::string withoutServer(std::string text, const StandInServer& server) {
-        const std::string name = server.url();
+    [[nodiscard]] std::string withoutServer(std::string text) const {
+        const std::string name = server_.url();
         for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name))
             text.replace(at, name.size(), "SERVER");
         return text;
     }
 
-    std::map<std::string, std::string> responses_;
+    StandInCimServer server_;
 };
 
 const std::string kFoo = cimClass("A_Foo", "", property("P", qualifier("Note", "x")));
@@ -198,6 +182,33 @@ TEST_F(CimXmlCimServer, AnEndlessLineOfSuperclassesIsLimited) {
     options.limits.maxResults = 10;
     EXPECT_EQ(read({}, options), "SERVER: GetClass of root/test: there are more than 10 classes");
     EXPECT_EQ(kind_, Kind::kLimit);
+}
+
+TEST_F(CimXmlCimServer, AnEndlessResponseIsLimited) {
+    const std::string whole = responseTo("EnumerateQualifiers", "*");
+    StandInServer::Response response = StandInServer::ok("");
+    response.bytes =
+        "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\n\r\n" + whole.substr(0, whole.find('*'));
+    const auto messageWith = [&](const std::string& endless, const CimXml::Limits& limits) {
+        response.endless = endless;
+        const StandInServer server([&](const StandInServer::Request&) { return response; });
+        try {
+            CimXml::CimServer client({.url = server.url(), .limits = limits});
+            (void)client.read("root/test");
+            return std::string("none");
+        } catch (const ServerError& error) {
+            EXPECT_EQ(error.kind(), Kind::kLimit);
+            const std::string message = error.getMessage().data();
+            return message.substr(message.rfind(": ") + 2);
+        }
+    };
+    CimXml::Limits limits;
+    limits.maxResponseSize = 1'000'000;
+    EXPECT_EQ(messageWith("<!-- -->\n", limits), "the response has more than 1.0 MB");
+    limits.maxResults = 1000;
+    EXPECT_EQ(messageWith(kNoteAndMine, limits), "the response holds more than 1,000 results");
+    EXPECT_EQ(messageWith("<QUALIFIER.DECLARATION>", {}),
+              "elements are nested in more than 24 others");
 }
 
 TEST_F(CimXmlCimServer, QualifiersMayBeUndeclared) {

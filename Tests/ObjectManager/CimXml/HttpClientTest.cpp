@@ -248,6 +248,20 @@ TEST(CimXmlHttpClient, AServerThatStopsHalfwayIsLeftAfterATime) {
                                    "after 0.02 s");
 }
 
+// Each byte shows that the server is there, but not all of them together may take forever.
+TEST(CimXmlHttpClient, AServerThatSendsByteByByteIsLeftAfterATime) {
+    const StandInServer server([](const StandInServer::Request&) {
+        return Response{.bytes = "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\n\r\n",
+                        .endless = "x",
+                        .pause = 1ms};
+    });
+    CimXml::ServerOptions options{.url = server.url()};
+    options.limits.totalTimeout = 50ms;
+    const Outcome outcome = call(options);
+    EXPECT_EQ(outcome.kind, Kind::kConnection);
+    EXPECT_TRUE(outcome.message.ends_with(": not complete after 0.05 s")) << outcome.message;
+}
+
 TEST(CimXmlHttpClient, StopsWhenItIsTold) {
     std::stop_source stop;
     const StandInServer server([&](const StandInServer::Request&) {
@@ -276,6 +290,30 @@ TEST(CimXmlHttpClient, LimitsTheHeaderSection) {
     EXPECT_TRUE(
         outcome.message.ends_with("the header section of the response has more than 1.1 KB"))
         << outcome.message;
+}
+
+TEST(CimXmlHttpClient, LimitsHeaderSectionsThatNeverEnd) {
+    for (const Response& response :
+         {Response{.bytes = "HTTP/1.1 200 OK\r\n", .endless = "X: y\r\n"},
+          Response{.bytes = "", .endless = "HTTP/1.1 100 Continue\r\n\r\n"}}) {
+        const StandInServer server([&](const StandInServer::Request&) { return response; });
+        const Outcome outcome = call(server);
+        EXPECT_EQ(outcome.kind, Kind::kLimit) << response.endless;
+        EXPECT_TRUE(
+            outcome.message.ends_with("the header section of the response has more than "
+                                      "65.5 KB"))
+            << outcome.message;
+    }
+}
+
+TEST(CimXmlHttpClient, LimitsTrailersThatNeverEnd) {
+    const StandInServer server([&](const StandInServer::Request&) {
+        return Response{.bytes =
+                            "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\n"
+                            "Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n",
+                        .endless = "X: y\r\n"};
+    });
+    EXPECT_EQ(call(server).kind, Kind::kLimit);
 }
 
 TEST(CimXmlHttpClient, MakesSeveralCallsAtATime) {

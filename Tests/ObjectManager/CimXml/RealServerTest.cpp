@@ -9,9 +9,13 @@
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
 #include "ObjectManager/Loading/RepositoryLoader.h"
+#include "Tests/ObjectManager/Http/Client.h"
 #include "Tests/ObjectManager/Mof/DeclarationText.h"
+#include "Tests/Support/CertificateAuthority.h"
 #include "Tests/Support/CimSchema.h"
 #include "Tests/Support/RealCimServer.h"
+#include "Tests/Support/StandInServer.h"
+#include "Tests/Support/TlsFront.h"
 
 namespace {
 
@@ -66,11 +70,12 @@ TEST(CimXmlRealServer, ClassesOfTheDmtfGiveTheDocumentsThatTheirMofGives) {
     EXPECT_EQ(compared, 2 * 1438U);
 }
 
-// The error of reading the namespace "root", which has few classes.
-std::string errorOf(CimXml::ServerOptions options, Kind kind) {
+// The error of reading a namespace; "root" has few classes.
+std::string errorOf(CimXml::ServerOptions options, Kind kind,
+                    const std::string& nameSpace = "root") {
     try {
         CimXml::CimServer server(std::move(options));
-        (void)server.read("root");
+        (void)server.read(nameSpace);
         return "none";
     } catch (const ServerError& error) {
         EXPECT_EQ(error.kind(), kind);
@@ -106,6 +111,99 @@ TEST(CimXmlRealServer, TellsNamespacesAndClassesToWhomItKnows) {
         EXPECT_EQ(error.kind(), Kind::kCimError);
         EXPECT_EQ(error.getErrorCode(), 3);
     }
+}
+
+TEST(CimXmlRealServer, ProvesWhoItIsAndKnowsItsClientsBehindTls) {
+    if (cimServerProgram().empty())
+        GTEST_SKIP() << kNoCimServer;
+    CertificateAuthority authority;
+    CertificateAuthority unknown;
+    const CertificateAuthority::Certificate right = authority.issue("localhost");
+    const CertificateAuthority::Certificate client = authority.issue("client");
+    const CertificateAuthority::Certificate stranger = unknown.issue("client");
+    const RealCimServer server(true);
+    const TlsFront front(
+        server.port(),
+        {{.certificate = right.both},
+         {.certificate = authority.issue("cim.example.com").both},
+         {.certificate = authority.issue("localhost", CertificateAuthority::Validity::kOver).both},
+         {.certificate = unknown.issue("localhost").both},
+         {.certificate = right.both, .clientAuthority = authority.file()}});
+    const auto optionsFor = [&](std::size_t door) {
+        return CimXml::ServerOptions{.url = front.url(door),
+                                     .user = "root",
+                                     .password = "cim-secret",
+                                     .authoritiesFile = authority.file()};
+    };
+    const auto expectError = [&](const CimXml::ServerOptions& options, const std::string& reason) {
+        EXPECT_EQ(errorOf(options, Kind::kTls),
+                  options.url + ": EnumerateQualifiers of root: " + reason);
+    };
+
+    EXPECT_EQ(errorOf(optionsFor(0), Kind::kTls), "none");
+    CimXml::ServerOptions options = optionsFor(0);
+    options.authoritiesFile.clear();
+    expectError(options, "SSL certificate problem: unable to get local issuer certificate");
+    options = optionsFor(0);
+    options.password = "wrong";
+    EXPECT_EQ(errorOf(options, Kind::kUnauthorized),
+              options.url +
+                  ": EnumerateQualifiers of root: the user or the password is not "
+                  "accepted (401)");
+    expectError(optionsFor(1),
+                "SSL: no alternative certificate subject name matches target host name "
+                "'localhost'");
+    expectError(optionsFor(2), "SSL certificate problem: certificate has expired");
+    expectError(optionsFor(3), "SSL certificate problem: unable to get local issuer certificate");
+    options = optionsFor(3);
+    options.verifiesCertificate = false;
+    EXPECT_EQ(errorOf(options, Kind::kTls), "none");
+
+    options = optionsFor(4);
+    EXPECT_NE(errorOf(options, Kind::kTls).find("certificate required"), std::string::npos);
+    options.certificateFile = stranger.certificate;
+    options.keyFile = stranger.key;
+    EXPECT_NE(errorOf(options, Kind::kTls).find("unknown ca"), std::string::npos);
+    options.certificateFile = client.certificate;
+    options.keyFile = client.key;
+    EXPECT_EQ(errorOf(options, Kind::kTls), "none");
+    CimXml::CimServer known(options);
+    EXPECT_EQ(known.namespaces().size(), 4U);
+}
+
+// Passes requests on to a server, and kills it as soon as the first classes have come.
+StandInServer killerOf(RealCimServer& server) {
+    return StandInServer([&server](const StandInServer::Request& request) {
+        const std::string close = "Connection: close\r\n";
+        std::string header = request.header;
+        header.insert(header.size() - 2, close);
+        const Client client("127.0.0.1", server.port());
+        (void)client.send(header + request.body);
+        std::string response;
+        if (request.field("CIMMethod") == "EnumerateClasses") {
+            response = client.read(100'000);
+            server.kill();
+        }
+        response += client.readAll();
+        response.insert(response.find('\n') + 1, close);
+        return StandInServer::Response{.bytes = response};
+    });
+}
+
+TEST(CimXmlRealServer, AServerThatIsKilledWhileItSendsIsAnError) {
+    if (cimServerProgram().empty())
+        GTEST_SKIP() << kNoCimServer;
+    RealCimServer server;
+    const StandInServer killer = killerOf(server);
+    const std::string where = killer.url() + ": EnumerateClasses of root/cimv2: ";
+    const std::string error =
+        errorOf({.url = killer.url(), .localOnly = true}, Kind::kConnection, "root/cimv2");
+    EXPECT_TRUE(error.starts_with(where + "transfer closed with ")) << error;
+    EXPECT_TRUE(error.ends_with(" bytes remaining to read")) << error;
+    const std::string gone = errorOf({.url = server.url()}, Kind::kConnection);
+    EXPECT_NE(gone.find(": Failed to connect to 127.0.0.1 port "), std::string::npos) << gone;
+    server.restart();
+    EXPECT_EQ(errorOf({.url = server.url()}, Kind::kConnection), "none");
 }
 
 }  // namespace

@@ -45,13 +45,46 @@ TEST(ImportFiles, AreQualifiersClassesAndAFileThatIncludesThem) {
               "#pragma include (\"B.mof\")\n");
 }
 
-TEST(ImportFiles, SuperclassesAndThenReferencedClassesComeFirst) {
+TEST(ImportFiles, SuperclassesComeFirstAndThenTheNames) {
     EXPECT_EQ(inclusionsOf("class Z {}; class b : Z {}; class A : b {}; class C {};"),
               "qualifiers.mof Z.mof b.mof A.mof C.mof main.mof ");
-    EXPECT_EQ(inclusionsOf("class A { Z ref L; }; class B : A {}; class Z {};"),
-              "qualifiers.mof A.mof B.mof Z.mof main.mof ");
+}
+
+TEST(ImportFiles, ReferencedAndEmbeddedClassesComeBeforeWhatNamesThem) {
     EXPECT_EQ(inclusionsOf("class A { Z ref L; }; class Z {};"),
               "qualifiers.mof Z.mof A.mof main.mof ");
+    EXPECT_EQ(inclusionsOf("class A { uint8 Do(Z ref L[]); }; class Z {};"),
+              "qualifiers.mof Z.mof A.mof main.mof ");
+    EXPECT_EQ(inclusionsOf("Qualifier EmbeddedInstance : string, Scope (any);\n"
+                           "class A { [EmbeddedInstance (\"z\")] string P; }; class Z {};"),
+              "qualifiers.mof Z.mof A.mof main.mof ");
+    EXPECT_EQ(inclusionsOf("class A { Z ref L; }; class Z : Y {}; class Y : X {}; class X {};"),
+              "qualifiers.mof X.mof Y.mof Z.mof A.mof main.mof ");
+}
+
+// Then one of them must do without.
+TEST(ImportFiles, SuperclassesComeFirstAlsoWhenTheyReferToTheirSubclasses) {
+    EXPECT_EQ(inclusionsOf("class A { C ref L; }; class B : A {}; class C : B {};"),
+              "qualifiers.mof A.mof B.mof C.mof main.mof ");
+    EXPECT_EQ(inclusionsOf("class A { B ref L; }; class B { A ref L; };"),
+              "qualifiers.mof B.mof A.mof main.mof ");
+    EXPECT_EQ(inclusionsOf("class A { A ref L; C ref M; }; class B : A {}; class C { B ref L; };"),
+              "qualifiers.mof C.mof A.mof B.mof main.mof ");
+}
+
+TEST(ImportFiles, AnEndlessLineOfReferencesIsFollowedSomeWay) {
+    constexpr int kClasses = 20'000;
+    Mof::Compilation content;
+    content.classes.resize(kClasses);
+    for (int index = 0; index < kClasses; ++index) {
+        Mof::ClassDeclaration& declaration = content.classes[static_cast<std::size_t>(index)];
+        declaration.name.text = TSKString("C" + std::to_string(100'000 + index));
+        Mof::Property& property = declaration.properties.emplace_back();
+        property.name.text = "P";
+        property.type.dataType = Mof::DataType::kReference;
+        property.type.referencedClass.text = TSKString("C" + std::to_string(100'001 + index));
+    }
+    EXPECT_EQ(importFiles(content).size(), kClasses + 2U);
 }
 
 TEST(ImportFiles, DoNotDependOnTheOrderInWhichTheServerSendsClasses) {

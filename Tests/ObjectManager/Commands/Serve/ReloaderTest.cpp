@@ -15,7 +15,9 @@
 #include "Tests/ObjectManager/Security/Hashes.h"
 #include "Tests/Support/RecordingLogSink.h"
 #include "Tests/Support/ResourceLimit.h"
+#include "Tests/Support/StandInCimServer.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/WaitUntil.h"
 
 namespace {
 
@@ -288,6 +290,178 @@ TEST_F(ReloaderTest, WithoutMemoryTheServiceGoesOnAndUsersAreTriedAgain) {
     isOutOfMemory_ = false;
     reloader_->goOn();
     EXPECT_EQ(users_, Lines{"bob"});
+}
+
+// A service with the classes of a CIM server, which it asks again every hour.
+class ReloaderWithServer : public ReloaderTest {
+  protected:
+    ReloaderWithServer() {
+        server_.setClasses("root/test", kOne);
+        settings_.namespaces = {{.name = "root/test", .server = "s", .remoteName = "root/test"}};
+        settings_.servers = {{.name = "s", .options = {.url = server_.url()}}};
+        settings_.refresh.interval = std::chrono::hours(1);
+        run(Loading::loadSources({.namespaces = settings_.namespaces, .servers = settings_.servers},
+                                 {}));
+    }
+
+    ~ReloaderWithServer() override {
+        // Before the server, which a thread may still ask.
+        if (reloader_->isReading())
+            finish();
+    }
+
+    // A service with such classes.
+    void run(Loading::LoadedRepository loaded) {
+        reloader_.emplace(
+            Commands::ReloaderHooks{.readSettings = [this](std::ostream&) { return settings_; },
+                                    .replace =
+                                        [this](const auto& classes, const auto& /*users*/) {
+                                            failIfAsked();
+                                            content_ += std::to_string(classes->countClasses());
+                                        },
+                                    .setUsers = [](const auto& /*users*/) {},
+                                    .wake = [gate = gate_] { gate->wake(); },
+                                    .clock = [this] { return now_; },
+                                    .random = [] { return 1.0; }},
+            settings_, std::move(loaded), Base::FileVersion::of(settings_.security.passwordFile));
+    }
+
+    // Whether the servers are asked when that time is over.
+    bool isAskedAfter(std::chrono::seconds time) {
+        now_ += time;
+        reloader_->goOn();
+        return reloader_->isReading();
+    }
+
+    void finish() {
+        gate_->waitForWakes(++readings_);
+        reloader_->goOn();
+    }
+
+    [[nodiscard]] std::string unavailable() const {
+        return server_.url() +
+               ": EnumerateQualifiers of root/test: the server responds with the status 503";
+    }
+
+    static constexpr const char* kOne = "<CLASS NAME=\"TST_One\"/>";
+    static constexpr const char* kTwo = "<CLASS NAME=\"TST_One\"/><CLASS NAME=\"TST_Two\"/>";
+    const StandInServer::Response kUnavailable = {
+        .bytes = "HTTP/1.1 503 no\r\nContent-Length: 0\r\n\r\n"};
+    StandInCimServer server_;
+    int readings_ = 0;
+};
+
+TEST_F(ReloaderWithServer, AsksAfterTheIntervalAndServesWhatHasChanged) {
+    EXPECT_FALSE(isAskedAfter(std::chrono::seconds(3599)));
+    server_.setClasses("root/test", kTwo);
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(1)));
+    finish();
+    EXPECT_EQ(content_, "2");
+    EXPECT_EQ(logged(), Lines{"tesk|3|2|The classes of the CIM servers have changed: 2 classes in "
+                              "1 namespace"});
+    EXPECT_FALSE(isAskedAfter(std::chrono::seconds(3599)));
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(1)));
+}
+
+TEST_F(ReloaderWithServer, WhatHasNotChangedIsNotGivenToTheServiceAgain) {
+    EXPECT_TRUE(isAskedAfter(std::chrono::hours(1)));
+    finish();
+    EXPECT_EQ(content_, "");
+    EXPECT_EQ(logged(), Lines());
+    reloader_->reload();
+    finish();
+    EXPECT_EQ(content_, "");
+    EXPECT_EQ(logged(), Lines{"tesk|3|2|Reloaded: 1 class in 1 namespace"});
+}
+
+TEST_F(ReloaderWithServer, AsksOnlyAtAReloadWithoutAnInterval) {
+    settings_.refresh.interval = {};
+    reloader_->reload();
+    finish();
+    EXPECT_FALSE(isAskedAfter(std::chrono::hours(1000)));
+    settings_.refresh.interval = std::chrono::seconds(10);
+    reloader_->reload();
+    finish();
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(10)));
+}
+
+TEST_F(ReloaderWithServer, OneWarningTellsThatAServerFailsAndOneLineThatItResponds) {
+    server_.setOutage(kUnavailable);
+    EXPECT_TRUE(isAskedAfter(std::chrono::hours(1)));
+    finish();
+    EXPECT_EQ(logged(), Lines{"tesk|2|2|" + unavailable() + "; its classes stay as they were"});
+    for (const int delay : {5, 10, 20, 40}) {
+        EXPECT_FALSE(isAskedAfter(std::chrono::seconds(delay - 1)));
+        EXPECT_TRUE(isAskedAfter(std::chrono::seconds(1)));
+        finish();
+    }
+    EXPECT_EQ(logged(), Lines());
+    EXPECT_EQ(content_, "");
+    server_.setOutage({});
+    server_.setClasses("root/test", kTwo);
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(80)));
+    finish();
+    EXPECT_EQ(content_, "2");
+    EXPECT_EQ(logged(), (Lines{"tesk|3|2|All CIM servers respond again",
+                               "tesk|3|2|The classes of the CIM servers have changed: 2 classes in "
+                               "1 namespace"}));
+    EXPECT_FALSE(isAskedAfter(std::chrono::seconds(3599)));
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(1)));
+}
+
+TEST_F(ReloaderWithServer, AReloadTakesEverythingButTheServerThatFails) {
+    server_.setOutage(kUnavailable);
+    settings_.namespaces.push_back({.name = "root/m", .paths = {directory_ / "test.mof"}});
+    reloader_->reload();
+    finish();
+    EXPECT_EQ(content_, "2");
+    EXPECT_EQ(logged(), (Lines{"tesk|2|2|" + unavailable() + "; its classes stay as they were",
+                               "tesk|3|2|Reloaded: 2 classes in 2 namespaces"}));
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(5)));
+}
+
+// Of which a service that starts has told already.
+TEST_F(ReloaderWithServer, AServiceThatStartedWithoutAServerAsksSoon) {
+    Loading::LoadedRepository loaded = Loading::loadSources(
+        {.namespaces = settings_.namespaces, .servers = settings_.servers}, {});
+    loaded.failures = {{.error = unavailable(), .consequence = "they are old"}};
+    run(std::move(loaded));
+    server_.setOutage(kUnavailable);
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(5)));
+    finish();
+    EXPECT_EQ(logged(), Lines());
+    server_.setOutage({});
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(10)));
+    finish();
+    EXPECT_EQ(logged(), Lines{"tesk|3|2|All CIM servers respond again"});
+}
+
+// The server might be silent for minutes.
+TEST_F(ReloaderWithServer, AReloadDoesNotWaitForAServerThatIsAsked) {
+    server_.setOutage(StandInServer::Response{.bytes = "", .staysOpen = true});
+    const std::size_t before = server_.requests().size();
+    EXPECT_TRUE(isAskedAfter(std::chrono::hours(1)));
+    ASSERT_TRUE(waitUntil([&] { return server_.requests().size() > before; }));
+    server_.setOutage({});
+    server_.setClasses("root/test", kTwo);
+    reloader_->reload();
+    finish();
+    finish();
+    EXPECT_EQ(content_, "2");
+    EXPECT_EQ(logged(), Lines{"tesk|3|2|Reloaded: 2 classes in 1 namespace"});
+}
+
+TEST_F(ReloaderWithServer, WithoutMemoryTheServersAreAskedAgainSoon) {
+    isOutOfMemory_ = true;
+    server_.setClasses("root/test", kTwo);
+    EXPECT_TRUE(isAskedAfter(std::chrono::hours(1)));
+    finish();
+    EXPECT_EQ(logged(), Lines{"tesk|1|2|Not reloaded, the service goes on as before: there is not "
+                              "enough memory"});
+    isOutOfMemory_ = false;
+    EXPECT_TRUE(isAskedAfter(std::chrono::seconds(5)));
+    finish();
+    EXPECT_EQ(content_, "2");
 }
 
 }  // namespace
