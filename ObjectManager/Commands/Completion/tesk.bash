@@ -44,6 +44,7 @@ _tesk_options() {
     export) echo --help --output --host --published-address --namespace --include-path --config $server --jobs --prune ;;
     import) echo --help --output ${server% *} --namespace --prune ;;
     check) echo --help --namespace --include-path --config $server --format --jobs ;;
+    diff) echo --help --namespace --include-path --config $server --accepted --host --published-address --format --jobs ;;
     classes) echo --help --namespace --include-path --config $server --format ;;
     passwd) echo --help --delete ;;
   esac
@@ -74,7 +75,8 @@ _tesk_offer_files() {
 _tesk_offer_values() {
   case $1 in
     --config | --password-file | --access-log | --server-password-file | --server-cacert | \
-      --server-certificate | --server-key | --tls-certificate | --tls-key | --tls-client-ca)
+      --server-certificate | --server-key | --accepted | --tls-certificate | --tls-key | \
+      --tls-client-ca)
       _tesk_offer_files -f "$2"
       ;;
     --output | --cache) _tesk_offer_files -d "$2" ;;
@@ -112,7 +114,7 @@ _tesk_offer_arguments() {
     export/*) _tesk_offer_words "$(_tesk_listing | sed -n "$classes")" ;;
     classes/0) _tesk_offer_words "$(_tesk_listing | sed -n "$namespaces")" ;;
     classes/1) _tesk_offer_words "$(_tesk_listing "${arguments[0]}" | sed -n "$classes")" ;;
-    passwd/0) _tesk_offer_files -f "" ;;
+    diff/[01] | passwd/0) _tesk_offer_files -f "" ;;
   esac
 }
 
@@ -143,7 +145,7 @@ _tesk() {
   if ((${#words[@]} <= 2)); then
     case $word in
       -*) _tesk_offer_words "--help --version" ;;
-      *) _tesk_offer_words "serve export import check classes passwd" ;;
+      *) _tesk_offer_words "serve export import check diff classes passwd" ;;
     esac
     return
   fi
