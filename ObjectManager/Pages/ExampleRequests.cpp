@@ -32,9 +32,9 @@ constexpr int kValueIndent = 8;
 // Thread safety: belongs to one thread.
 class Requests {
   public:
-    Requests(const CimClass& cimClass, const ClassRelations& relations, std::string_view host)
+    Requests(const CimClass& cimClass, const ClassRelations& relations, std::string_view service)
         : class_(cimClass),
-          service_("http://" + std::string(host) + "/wsman"),
+          service_(std::string(service) + "/wsman"),
           values_(relations, service_) {}
 
     [[nodiscard]] std::vector<ExampleRequest> all() const {
@@ -207,26 +207,27 @@ std::string requestSection(const ExampleRequest& request, const std::string& pla
 
 std::vector<ExampleRequest> exampleRequests(const CimClass& cimClass,
                                             const ClassRelations& relations,
-                                            std::string_view host) {
-    return Requests(cimClass, relations, host).all();
+                                            std::string_view service) {
+    return Requests(cimClass, relations, service).all();
 }
 
 std::string exampleSection(const CimClass& cimClass, const ClassRelations& relations, Layout layout,
-                           std::string_view host) {
-    const std::vector<ExampleRequest> requests = exampleRequests(cimClass, relations, host);
-    const std::string service = "http://" + std::string(host);
+                           std::string_view service) {
+    const std::vector<ExampleRequest> requests = exampleRequests(cimClass, relations, service);
+    const std::string address = std::string(service) + "/wsman";
     // An exported page is in the directory of the document.
     const std::string wsdl =
         (layout == Layout::kServed
-             ? service + "/" + pathOfDocument(relations.nameSpace().name(), cimClass.name())
+             ? std::string(service) + "/" +
+                   pathOfDocument(relations.nameSpace().name(), cimClass.name())
              : std::string(cimClass.name())) +
         ".wsdl";
-    const ExamplePrograms programs(cimClass.name(), service + "/wsman", wsdl);
+    const ExamplePrograms programs(cimClass.name(), address, wsdl);
     // No line of an envelope is END: every line begins with a bracket or a space.
     const std::string command =
         "curl --user USER --header 'Content-Type: application/soap+xml;charset=UTF-8' \\\n"
         "  --data-binary @- " +
-        htmlText(Base::shellQuoted(service + "/wsman")) + " &lt;&lt;'END'\n";
+        htmlText(Base::shellQuoted(address)) + " &lt;&lt;'END'\n";
     std::string html =
         "<section id=examples>\n<h2>Example requests</h2>\n"
         "<p>As the WSDL document describes them. USER is yours; a value that is the name of its "

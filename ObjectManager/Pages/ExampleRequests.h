@@ -23,7 +23,7 @@ struct ExampleRequest {
 
 /// Get, Put, Enumerate, Pull, Delete, then the methods of the class. Keys, parameters and what Put
 /// needs are filled with values that their types and qualifiers allow; a string says which value
-/// belongs there. `host` is the host of the service.
+/// belongs there. `service` is where the service is, such as "http://host:5985".
 ///
 /// A class without keys has no instances that could be named: its selectors name the namespace
 /// alone.
@@ -31,7 +31,7 @@ struct ExampleRequest {
 /// May be called by several threads at once.
 [[nodiscard]] std::vector<ExampleRequest> exampleRequests(const Repository::CimClass& cimClass,
                                                           const ClassRelations& relations,
-                                                          std::string_view host);
+                                                          std::string_view service);
 
 /// The section of a class page that shows these requests, each as a command of curl around the
 /// envelope, as a program for zeep and as one for gSOAP, with the address "#operation-Get" or
@@ -40,6 +40,6 @@ struct ExampleRequest {
 /// May be called by several threads at once.
 [[nodiscard]] std::string exampleSection(const Repository::CimClass& cimClass,
                                          const ClassRelations& relations, Layout layout,
-                                         std::string_view host);
+                                         std::string_view service);
 
 }  // namespace Pages

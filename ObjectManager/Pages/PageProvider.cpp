@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "ObjectManager/Base/Ascii.h"
@@ -37,6 +38,17 @@ void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
     TSKSmrPtr<urma::security::ISecurityToken> token;
     if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
         failAuthentication();
+}
+
+// Where the client reaches the service. HTTP/1.0 has requests without a host. A proxy, and the
+// front end itself, tell by X-Forwarded-Proto that the client uses TLS; a client that says so
+// itself gets another address in its own page.
+std::string serviceOf(const TSKHTTPRequest& request) {
+    const TSKString* const scheme = request.getHeaderField("X-Forwarded-Proto");
+    const TSKString* const host = request.getHost();
+    const bool isHttps = scheme != nullptr && scheme->equalsIgnoreCase("https");
+    return (isHttps ? "https://" : "http://") +
+           std::string(host == nullptr ? std::string_view("localhost") : std::string_view(*host));
 }
 
 // What there is at a path.
@@ -132,7 +144,7 @@ class PageProvider::Site {
         : repository_(std::move(repository)) {}
 
     // Nothing where there is none.
-    [[nodiscard]] std::optional<Content> find(std::string_view path, std::string_view host) {
+    [[nodiscard]] std::optional<Content> find(std::string_view path, std::string_view service) {
         if (path == "/")
             return pageContent(PageKind::kIndex, indexPage());
         path.remove_prefix(kBelow.size());
@@ -141,7 +153,7 @@ class PageProvider::Site {
         const std::size_t slash = path.rfind('/');
         if (slash == std::string_view::npos)
             return std::nullopt;
-        return findClassPage(path.substr(0, slash), path.substr(slash + 1), host);
+        return findClassPage(path.substr(0, slash), path.substr(slash + 1), service);
     }
 
     // The namespace whose archive is at a path; null where there is none.
@@ -172,7 +184,7 @@ class PageProvider::Site {
 
     [[nodiscard]] std::optional<Content> findClassPage(std::string_view nameSpace,
                                                        std::string_view className,
-                                                       std::string_view host) {
+                                                       std::string_view service) {
         const CimNamespace* const found = repository_->findNamespace(TSKString(nameSpace));
         if (found == nullptr)
             return std::nullopt;
@@ -181,7 +193,7 @@ class PageProvider::Site {
             return std::nullopt;
         return pageContent(PageKind::kClass,
                            std::make_shared<const std::string>(makeClassPage(
-                               *cimClass, relationsOf(*found), Layout::kServed, host)));
+                               *cimClass, relationsOf(*found), Layout::kServed, service)));
     }
 
     [[nodiscard]] const ClassRelations& relationsOf(const CimNamespace& nameSpace) {
@@ -231,10 +243,7 @@ void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTT
         writeArchive(*nameSpace, request, ostr);
         return;
     }
-    // HTTP/1.0 has requests without a host.
-    const TSKString* const host = request.getHost();
-    const std::optional<Content> content =
-        site->find(path, host == nullptr ? std::string_view("localhost") : std::string_view(*host));
+    const std::optional<Content> content = site->find(path, serviceOf(request));
     if (!content)
         handled = false;
     else

@@ -108,8 +108,9 @@ TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
 
 TEST_F(PageProviderTest, ServesThePageOfAClassInAnyCase) {
     const Pages::ClassRelations relations(one_->namespaces().front());
-    const std::string page = Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"),
-                                                  relations, Pages::Layout::kServed, "localhost");
+    const std::string page =
+        Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"), relations,
+                             Pages::Layout::kServed, "http://localhost");
     const std::string expected =
         "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
         "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
@@ -198,6 +199,20 @@ TEST_F(PageProviderTest, SeveralThreadsAskWhileTheClassesChange) {
     });
     EXPECT_EQ(authenticator_->calls, 2 * kThreads * kRequests);
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
+}
+
+TEST_F(PageProviderTest, ThePageOfAClassNamesTheAddressThatTheClientUses) {
+    TSKHTTPRequest request("GET", "/-/root/test/TST_One", "HTTP/1.1");
+    request.setHeaderField("Host", "a:1", false);
+    request.setHeaderField("X-Forwarded-Proto", "https", false);
+    EmptyInput input;
+    RecordedOutput output;
+    bool handled = true;
+    provider_.processHTTPRequest(input, output, request, handled, nullptr);
+    const Pages::ClassRelations relations(one_->namespaces().front());
+    EXPECT_TRUE(output.text.ends_with(
+        Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"), relations,
+                             Pages::Layout::kServed, "https://a:1")));
 }
 
 }  // namespace
