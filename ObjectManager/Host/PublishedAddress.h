@@ -15,6 +15,9 @@ struct PublishedAddress {
     std::string host;      ///< with an optional port, as in the header field Host
     bool isHttps = false;  ///< else http
 
+    /// "https://cim.example.org:5986".
+    [[nodiscard]] std::string toString() const { return (isHttps ? "https://" : "http://") + host; }
+
     friend bool operator==(const PublishedAddress&, const PublishedAddress&) = default;
 };
 

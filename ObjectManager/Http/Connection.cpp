@@ -21,7 +21,7 @@ Connection::Connection(ConnectionContext& context, Stream stream, const tcp::end
       stream_(std::move(stream)),
       client_(client),
       timer_(stream_.socket().get_executor()),
-      parser_(context.options),
+      parser_(context.options, stream_.usesTls()),
       memory_(context.memory) {}
 
 Connection::~Connection() {

@@ -128,6 +128,8 @@ std::optional<Response> Dispatcher::respond(TSKHTTPRequest& request, const Peer&
                                             ResponseMemory::Share& memory) const {
     if (published_)
         request.setHeaderField("Host", TSKString(std::string_view(published_->host)), false);
+    if (isHttps(peer))
+        request.setHeaderField("X-Forwarded-Proto", "https", false);
     std::size_t written = 0;
     const auto mayTake = [&](std::size_t bytes) {
         written = bytes;
@@ -150,7 +152,7 @@ std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request, const 
         const Host::Client client = {.address = toUriHost(peer.endpoint.address()),
                                      .port = std::to_string(peer.endpoint.port())};
         return toResponse(Host::callProvider(manager_, request, client, mayTake), request, client,
-                          published_ ? published_->isHttps : peer.usesTls);
+                          isHttps(peer));
     } catch (const TeskBaseException& exception) {
         return fail(request, exception.what());  // with the place in the provider
     } catch (const std::exception& exception) {
@@ -158,6 +160,11 @@ std::optional<Response> Dispatcher::makeResponse(TSKHTTPRequest& request, const 
     } catch (...) {
         return fail(request, "an exception of unknown type");
     }
+}
+
+// Whether documents say so.
+bool Dispatcher::isHttps(const Peer& peer) const noexcept {
+    return published_ ? published_->isHttps : peer.usesTls;
 }
 
 // The response to a request that its provider is not called for.

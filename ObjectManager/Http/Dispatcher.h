@@ -38,7 +38,8 @@ class Dispatcher {
     ///
     /// Providers write the address of the service with the field Host, which is set to the
     /// published host if there is one, and the scheme http. Where that is https, because it is
-    /// published or the client uses TLS, the address in a WSDL document becomes one of https.
+    /// published or the client uses TLS, the address in a WSDL document becomes one of https, and
+    /// the request has the field "X-Forwarded-Proto: https" for pages.
     ///
     /// A provider is called for its methods only: those that it has registered with the plug-in
     /// manager, else GET and HEAD. To other methods the response is, for everybody and whether the
@@ -74,6 +75,7 @@ class Dispatcher {
   private:
     [[nodiscard]] std::optional<Response> makeResponse(TSKHTTPRequest& request, const Peer& peer,
                                                        const Host::MayTake& mayTake) const;
+    [[nodiscard]] bool isHttps(const Peer& peer) const noexcept;
     [[nodiscard]] std::optional<Response> respondToMethod(const TSKHTTPRequest& request) const;
 
     const TeskProviderPluginManager& manager_;

@@ -193,13 +193,13 @@ std::optional<Error> validateTransferCodings(const HeaderParser& parser) {
 }
 
 // The target of CONNECT is an authority, which the server is not asked about as a resource.
-std::variant<RequestTarget, Error> targetOf(const HeaderParser& parser) {
+std::variant<RequestTarget, Error> targetOf(const HeaderParser& parser, bool usesTls) {
     if (parser.method() == http::verb::connect)
         return Error{
             .status = 405, .text = "This server is not a proxy.", .allow = "GET, HEAD, OPTIONS"};
     if (parser.method() == http::verb::options && parser.target() == "*")
         return RequestTarget{.path = "*", .authority = {}};
-    return parseRequestTarget(parser.target());
+    return parseRequestTarget(parser.target(), usesTls);
 }
 
 TSKHTTPRequest makeMessage(const HeaderParser& parser, const RequestTarget& target) {
@@ -213,7 +213,8 @@ TSKHTTPRequest makeMessage(const HeaderParser& parser, const RequestTarget& targ
 }
 
 // Reads a header section with the empty line at its end.
-std::variant<TSKHTTPRequest, Error> parseHeader(std::string_view header, const Options& options) {
+std::variant<TSKHTTPRequest, Error> parseHeader(std::string_view header, const Options& options,
+                                                bool usesTls) {
     if (hasContinuedField(header))
         return badRequest("A header field continues on a second line.");
     HeaderParser parser(options.maxHeaderFields);
@@ -225,7 +226,7 @@ std::variant<TSKHTTPRequest, Error> parseHeader(std::string_view header, const O
     if (const char* const fault = validateHost(parser))
         return badRequest(fault);
 
-    auto target = targetOf(parser);
+    auto target = targetOf(parser, usesTls);
     if (auto* error = std::get_if<Error>(&target))
         return std::move(*error);
     return makeMessage(parser, std::get<RequestTarget>(target));
@@ -283,7 +284,7 @@ RequestParser::State RequestParser::refuse(Error error) {
 }
 
 RequestParser::State RequestParser::finish(std::string_view header) {
-    auto parsed = parseHeader(header, options_);
+    auto parsed = parseHeader(header, options_, usesTls_);
     if (auto* error = std::get_if<Error>(&parsed))
         return refuse(std::move(*error));
     request_ = std::move(std::get<TSKHTTPRequest>(parsed));

@@ -38,8 +38,9 @@ class RequestParser {
   public:
     enum class State { kIncomplete, kComplete, kRefused };
 
-    /// `options` must outlive the parser.
-    explicit RequestParser(const Options& options) noexcept : options_(options) {}
+    /// `options` must outlive the parser. `usesTls` says whether the client does.
+    explicit RequestParser(const Options& options, bool usesTls = false) noexcept
+        : options_(options), usesTls_(usesTls) {}
 
     /// `received` is everything that has come in: the bytes of the previous call, and more. Looks
     /// at each byte once. Must not be called again after kComplete or kRefused.
@@ -71,6 +72,7 @@ class RequestParser {
     [[nodiscard]] State finish(std::string_view header);
 
     const Options& options_;
+    const bool usesTls_;
     std::size_t position_ = 0;   // of the next byte to look at
     std::size_t start_ = 0;      // of the request line
     std::size_t lineStart_ = 0;  // of the line that `position_` is in

@@ -15,7 +15,8 @@ namespace Http {
 
 namespace {
 
-constexpr std::string_view kScheme = "http://";
+constexpr std::string_view kHttp = "http://";
+constexpr std::string_view kHttps = "https://";
 
 constexpr std::string_view kHexDigits = "0123456789ABCDEFabcdef";
 
@@ -126,7 +127,7 @@ bool isOptionalPort(std::string_view text) {
 
 }  // namespace
 
-std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target) {
+std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target, bool usesTls) {
     if (!std::ranges::all_of(target, isTargetCharacter))
         return badRequest("The request target contains a character that must be percent-encoded.");
     if (target.find('#') != std::string_view::npos)
@@ -135,9 +136,11 @@ std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target) {
     if (withoutQuery.starts_with('/'))
         return makeTarget("", withoutQuery);
 
-    if (!Base::startsWithIgnoringCase(withoutQuery, kScheme))
+    const std::string_view scheme =
+        usesTls && Base::startsWithIgnoringCase(withoutQuery, kHttps) ? kHttps : kHttp;
+    if (!Base::startsWithIgnoringCase(withoutQuery, scheme))
         return badRequest("The request target is neither a path nor an http URI.");
-    const std::string_view rest = withoutQuery.substr(kScheme.size());
+    const std::string_view rest = withoutQuery.substr(scheme.size());
     const std::size_t slash = std::min(rest.find('/'), rest.size());
     const std::string_view authority = rest.substr(0, slash);
     if (!isHostWithPort(authority))

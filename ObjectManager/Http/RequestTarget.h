@@ -22,12 +22,15 @@ struct RequestTarget {
     std::string authority;
 };
 
-/// Reads a request target (RFC 9112, section 3.2): a path, or an absolute URI with the scheme http.
+/// Reads a request target (RFC 9112, section 3.2): a path, or an absolute URI with the scheme http,
+/// or https if the client uses TLS: nobody else may be given what is for them (RFC 9110, section
+/// 7.4).
 /// Other forms get an error with status 400, and so does every target that could lead a provider to
 /// a wrong path: a fragment, which clients keep for themselves, percent-encodings that are
 /// malformed or stand for a `/` or a control character, segments `.` and `..` (encoded or not),
 /// bytes that are not allowed in a URI.
-[[nodiscard]] std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target);
+[[nodiscard]] std::variant<RequestTarget, Error> parseRequestTarget(std::string_view target,
+                                                                    bool usesTls = false);
 
 /// Whether `text` is a host with an optional port, as the header field "Host" requires (RFC 9110,
 /// section 7.2): a name, an IPv4 address or an IPv6 address in brackets (RFC 3986, section 3.2.2),

@@ -30,14 +30,14 @@ constexpr std::size_t kMaxUnfoldedSubclasses = 12;
 class ClassPage {
   public:
     ClassPage(const CimClass& cimClass, const ClassRelations& relations, Layout layout,
-              std::string_view host)
-        : class_(cimClass), relations_(relations), layout_(layout), host_(host) {}
+              std::string_view service)
+        : class_(cimClass), relations_(relations), layout_(layout), service_(service) {}
 
     [[nodiscard]] std::string body() const {
         return header() + "<main>\n" + descriptionSection() + placeSection() + addressSection() +
                propertySection(class_, relations_, layout_) +
                methodSection(class_, relations_, layout_) + associationSection() +
-               exampleSection(class_, relations_, host_) + "</main>\n";
+               exampleSection(class_, relations_, layout_, service_) + "</main>\n";
     }
 
   private:
@@ -124,7 +124,7 @@ class ClassPage {
     }
 
     [[nodiscard]] std::string addressSection() const {
-        const std::string service = "http://" + std::string(host_);
+        const std::string service(service_);
         const std::string document = service + "/" + pathOfDocument(nameSpace(), class_.name());
         const std::string uri = classUri(class_.name());
         return "<section id=addresses>\n<h2>Addresses</h2>\n<dl>\n" +
@@ -194,7 +194,7 @@ class ClassPage {
     const CimClass& class_;
     const ClassRelations& relations_;
     Layout layout_;
-    std::string_view host_;
+    std::string_view service_;
 };
 
 }  // namespace
@@ -204,11 +204,11 @@ std::string classUri(std::string_view className) {
 }
 
 std::string makeClassPage(const CimClass& cimClass, const ClassRelations& relations, Layout layout,
-                          std::string_view host) {
+                          std::string_view service) {
     return framedPage(
         PageKind::kClass,
         std::string(cimClass.name()) + " – " + std::string(relations.nameSpace().name()),
-        ClassPage(cimClass, relations, layout, host).body());
+        ClassPage(cimClass, relations, layout, service).body());
 }
 
 }  // namespace Pages

@@ -12,13 +12,13 @@ namespace Pages {
 /// classes, its properties and methods, and example requests. HTML in UTF-8, in one piece, with the
 /// policy PageKind::kClass; all but the copy buttons works without script.
 ///
-/// `host` is the host, with an optional port, that the addresses of the service name. Everything
+/// `service` is where the service is, such as "https://cim.example.org:5986". Everything
 /// else comes from `cimClass` and from `relations`, those of its namespace.
 ///
 /// May be called by several threads at once.
 [[nodiscard]] std::string makeClassPage(const Repository::CimClass& cimClass,
                                         const ClassRelations& relations, Layout layout,
-                                        std::string_view host);
+                                        std::string_view service);
 
 /// The URI of a class: its XML namespace, and the resource that requests name.
 [[nodiscard]] std::string classUri(std::string_view className);

@@ -40,7 +40,7 @@ _tesk_options() {
   local server="--server --server-user --server-password-file --server-cacert --server-certificate"
   server+=" --server-key --server-insecure --server-timeout --server-class"
   case $1 in
-    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --published-address --password-file --log-level --access-log ;;
+    serve) echo --help --namespace --include-path --config $server --refresh --cache --listen --tls-listen --tls-certificate --tls-key --tls-client-ca --admin-listen --published-address --password-file --log-level --access-log ;;
     export) echo --help --output --host --published-address --namespace --include-path --config $server --jobs --prune ;;
     import) echo --help --output ${server% *} --namespace --prune ;;
     check) echo --help --namespace --include-path --config $server --format --jobs ;;

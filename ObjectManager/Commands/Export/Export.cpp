@@ -91,7 +91,8 @@ DocumentExportResult writeDocuments(const ExportOptions& options,
     if (options.classes.empty()) {
         exportOptions.exportPages = [&](const ClassSelection& selection,
                                         const Base::OutputDirectory& directory) {
-            exportPages(selection, directory, address.host, options.jobs, exportOptions.isStopped);
+            exportPages(selection, directory, address.toString(), options.jobs,
+                        exportOptions.isStopped);
         };
     }
     return exportDocuments(selections, client, output, exportOptions);

@@ -9,7 +9,7 @@
 namespace Commands {
 
 void exportPages(const ClassSelection& selection, const Base::OutputDirectory& directory,
-                 std::string_view host, unsigned jobs, const std::function<bool()>& isStopped) {
+                 std::string_view service, unsigned jobs, const std::function<bool()>& isStopped) {
     const Pages::ClassRelations relations(*selection.nameSpace);
     workInParallel(selection.classes.size(), jobs, [&](std::size_t number) {
         const Repository::CimClass& cimClass = *selection.classes[number];
@@ -17,7 +17,7 @@ void exportPages(const ClassSelection& selection, const Base::OutputDirectory& d
         if (isStopped() || !Base::OutputDirectory::validateName(file).empty())
             return;
         directory.put(file,
-                      Pages::makeClassPage(cimClass, relations, Pages::Layout::kExported, host));
+                      Pages::makeClassPage(cimClass, relations, Pages::Layout::kExported, service));
     });
 }
 

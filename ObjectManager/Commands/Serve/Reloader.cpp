@@ -286,6 +286,7 @@ void Reloader::keepPasswordFile(Configuration::Settings& settings) const {
 
 void Reloader::warnOfSettingsThatNeedARestart(const Configuration::Settings& settings) const {
     if (settings.server != settings_.server || settings.log != settings_.log ||
+        settings.adminListen != settings_.adminListen ||
         settings.security.scheme != settings_.security.scheme ||
         settings.security.credentialLifetime != settings_.security.credentialLifetime)
         Base::log("tesk", TeskTraceLog::SeverityWarning,

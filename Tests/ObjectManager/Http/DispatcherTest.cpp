@@ -445,4 +445,17 @@ TEST_F(PublishedAddressTest, OverTlsTheAddressIsOneOfHttps) {
     EXPECT_EQ(responseTo("/test", "GET", {{"Host", "a:1"}}), changed(document) + document);
 }
 
+TEST_F(PublishedAddressTest, ProvidersAreToldOfHttps) {
+    std::string seen;
+    provider_.respond = [&](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        const TSKString* const scheme = request.getHeaderField("X-Forwarded-Proto");
+        seen += scheme == nullptr ? "none " : std::string(scheme->data()) + " ";
+        writeTo(ostr, kHello);
+    };
+    (void)responseTo("/test");
+    peer_.usesTls = true;
+    (void)responseTo("/test", "GET", {{"X-Forwarded-Proto", "http"}});
+    EXPECT_EQ(seen, "none https ");
+}
+
 }  // namespace

@@ -181,4 +181,15 @@ TEST(UriHost, AZoneIsLeftOut) {
     EXPECT_EQ(hostOf("fe80::1%1"), "[fe80::1]");
 }
 
+TEST(RequestTarget, MayBeAnHttpsUriIfTheClientUsesTls) {
+    for (const char* const target : {"https://example.org/a", "HTTPS://example.org/a?b"}) {
+        const auto result = Http::parseRequestTarget(target, true);
+        ASSERT_TRUE(std::holds_alternative<Http::RequestTarget>(result)) << target;
+        EXPECT_EQ(std::get<Http::RequestTarget>(result).path, "/a");
+        EXPECT_EQ(std::get<Http::RequestTarget>(result).authority, "example.org");
+        EXPECT_TRUE(std::holds_alternative<Http::Error>(Http::parseRequestTarget(target)));
+    }
+    EXPECT_TRUE(std::holds_alternative<Http::Error>(Http::parseRequestTarget("httpx://a/", true)));
+}
+
 }  // namespace

@@ -21,7 +21,7 @@ std::string between(const std::string& text, const std::string& begin, const std
 std::string pageOf(const MofModel& model, const char* name,
                    Pages::Layout layout = Pages::Layout::kServed) {
     const Pages::ClassRelations relations(model.nameSpace());
-    return Pages::makeClassPage(model.cimClass(name), relations, layout, "host:1");
+    return Pages::makeClassPage(model.cimClass(name), relations, layout, "http://host:1");
 }
 
 std::string pageOf(const std::string& mof, const char* name,

@@ -16,7 +16,7 @@ class ExampleRequestsTest : public testing::Test {
         const MofModel model(mof);
         const Pages::ClassRelations relations(model.nameSpace());
         for (const Pages::ExampleRequest& each :
-             Pages::exampleRequests(model.cimClass(name), relations, "host:1")) {
+             Pages::exampleRequests(model.cimClass(name), relations, "http://host:1")) {
             if (each.operation == operation)
                 return each.envelope;
         }
@@ -164,13 +164,13 @@ TEST_F(ExampleRequestsTest, NoTextOfAModelEndsTheCommand) {
                      uint32 M ([In, ValueMap {"\nEND\n"}] string N); };)");
     const Pages::ClassRelations relations(model.nameSpace());
     for (const Pages::ExampleRequest& each :
-         Pages::exampleRequests(model.cimClass("A"), relations, "host:1")) {
+         Pages::exampleRequests(model.cimClass("A"), relations, "http://host:1")) {
         EXPECT_EQ(each.envelope.find("\nEND"), std::string::npos) << each.envelope;
         EXPECT_EQ(each.envelope.find("\nrm"), std::string::npos) << each.envelope;
         EXPECT_TRUE(each.envelope.ends_with("</s:Envelope>\n"));
     }
-    const std::string section =
-        Pages::exampleSection(model.cimClass("A"), relations, "h'$(reboot)'");
+    const std::string section = Pages::exampleSection(
+        model.cimClass("A"), relations, Pages::Layout::kServed, "http://h'$(reboot)'");
     EXPECT_NE(section.find("--data-binary @- 'http://h'\\''$(reboot)'\\''/wsman' &lt;&lt;'END'\n"),
               std::string::npos);
 }

@@ -10,6 +10,7 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/RepositoryTest.h"
 #include "Tests/Support/TestHost.h"
@@ -107,8 +108,9 @@ TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
 
 TEST_F(PageProviderTest, ServesThePageOfAClassInAnyCase) {
     const Pages::ClassRelations relations(one_->namespaces().front());
-    const std::string page = Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"),
-                                                  relations, Pages::Layout::kServed, "localhost");
+    const std::string page =
+        Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"), relations,
+                             Pages::Layout::kServed, "http://localhost");
     const std::string expected =
         "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(page.size()) +
         "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Security-Policy: " +
@@ -141,6 +143,25 @@ TEST_F(PageProviderTest, AClassThatThereIsNotIsLeftToTheFrontEndAfterAuthenticat
     authenticator_->accepts = false;
     EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_One"), TSKHTTPException);
     EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_Two"), TSKHTTPException);
+}
+
+TEST_F(PageProviderTest, ServesTheDocumentsOfANamespaceAsAnArchive) {
+    const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+    FunctionProvider documents([](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 200 OK\r\n\r\n" + std::string(request.getUri()));
+    });
+    EXPECT_TRUE(manager->addProvider(documents, "documents").empty());
+    EXPECT_TRUE(manager->registerURI(documents.getProviderName(), "/root"));
+    const std::string archive = response(provider_, "GET", "/-/ROOT/test.zip");
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+    EXPECT_TRUE(archive.starts_with(
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Type: application/zip\r\n"
+        "Content-Disposition: attachment; filename=\"root-test.zip\"\r\n"
+        "X-Content-Type-Options: nosniff\r\n\r\nPK"))
+        << archive.substr(0, 300);
+    EXPECT_NE(archive.find("root/test/TST_One.xsd"), std::string::npos);
+    EXPECT_EQ(response(provider_, "GET", "/-/root/other.zip"), "(left)");
 }
 
 TEST_F(PageProviderTest, AClassPageNamesTheHostOfTheRequest) {
@@ -178,6 +199,20 @@ TEST_F(PageProviderTest, SeveralThreadsAskWhileTheClassesChange) {
     });
     EXPECT_EQ(authenticator_->calls, 2 * kThreads * kRequests);
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
+}
+
+TEST_F(PageProviderTest, ThePageOfAClassNamesTheAddressThatTheClientUses) {
+    TSKHTTPRequest request("GET", "/-/root/test/TST_One", "HTTP/1.1");
+    request.setHeaderField("Host", "a:1", false);
+    request.setHeaderField("X-Forwarded-Proto", "https", false);
+    EmptyInput input;
+    RecordedOutput output;
+    bool handled = true;
+    provider_.processHTTPRequest(input, output, request, handled, nullptr);
+    const Pages::ClassRelations relations(one_->namespaces().front());
+    EXPECT_TRUE(output.text.ends_with(
+        Pages::makeClassPage(*relations.nameSpace().findClass("TST_One"), relations,
+                             Pages::Layout::kServed, "https://a:1")));
 }
 
 }  // namespace
