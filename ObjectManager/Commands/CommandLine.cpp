@@ -92,6 +92,15 @@ CLI::Option* addOption(CLI::App& command, const std::string& name, const std::st
         return command.add_option(name, *target, help);
 }
 
+// CLI11's own look-up ends the process when it cannot allocate.
+CLI::Option* optionNamed(CLI::App& command, const std::string& name) {
+    for (CLI::Option* const option : command.get_options()) {
+        if (option->check_name(name))
+            return option;
+    }
+    throw CLI::OptionNotFound(name);
+}
+
 void addOption(CLI::App& command, const Option& option) {
     CLI::Option* const added = std::visit(
         [&](const auto& target) { return addOption(command, option.name, option.help, target); },
@@ -107,9 +116,9 @@ void addOption(CLI::App& command, const Option& option) {
     if (option.range)
         added->check(CLI::Range(option.range->least, option.range->most).description(""));
     if (!option.excludes.empty())
-        added->excludes(command.get_option(option.excludes));
+        added->excludes(optionNamed(command, option.excludes));
     if (!option.needs.empty())
-        added->needs(command.get_option(option.needs));
+        added->needs(optionNamed(command, option.needs));
 }
 
 void addCommand(CLI::App& app, const Command& command) {
