@@ -48,7 +48,7 @@ std::string_view takeSized(std::string_view& bytes) noexcept {
 
 }  // namespace
 
-Tag tagOf(std::string_view name) noexcept {
+Tag tagOf(std::string_view name) {
     static const std::unordered_map<std::string_view, Tag> kTags = {
         {"CIM", Tag::kCim},
         {"CLASS", Tag::kClass},
@@ -81,7 +81,7 @@ Tag tagOf(std::string_view name) noexcept {
     return found == kTags.end() ? Tag::kUnknown : found->second;
 }
 
-std::optional<Attribute> attributeOf(std::string_view name) noexcept {
+std::optional<Attribute> attributeOf(std::string_view name) {
     static const std::unordered_map<std::string_view, Attribute> kAttributes = {
         {"ARRAYSIZE", Attribute::kArraySize},
         {"ASSOCIATION", Attribute::kAssociation},

@@ -70,8 +70,9 @@ enum class Attribute : std::uint8_t {
     kType,
 };
 
-[[nodiscard]] Tag tagOf(std::string_view name) noexcept;
-[[nodiscard]] std::optional<Attribute> attributeOf(std::string_view name) noexcept;
+// What the names in responses stand for. Errors: std::bad_alloc, at the first call of the process.
+[[nodiscard]] Tag tagOf(std::string_view name);
+[[nodiscard]] std::optional<Attribute> attributeOf(std::string_view name);
 
 /// Whether the content of such elements is text; that of others is elements.
 [[nodiscard]] constexpr bool holdsText(Tag tag) noexcept {
