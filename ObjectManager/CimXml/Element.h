@@ -70,6 +70,7 @@ enum class Attribute : std::uint8_t {
     kType,
 };
 
+// What the names in responses stand for. Errors: std::bad_alloc, at the first call of the process.
 [[nodiscard]] Tag tagOf(std::string_view name);
 [[nodiscard]] std::optional<Attribute> attributeOf(std::string_view name);
 

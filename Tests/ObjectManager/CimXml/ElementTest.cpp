@@ -2,6 +2,7 @@
 #include <string>
 
 #include "ObjectManager/CimXml/Element.h"
+#include "Tests/Support/AllocationProbe.h"
 
 namespace {
 
@@ -69,6 +70,16 @@ TEST(CimXmlElement, HoldsTextsWithAnyBytes) {
     recorder.end();
     EXPECT_EQ(recorder.element().text(), text);
     EXPECT_EQ(recorder.element().attribute(Attribute::kName), text);
+}
+
+// The tables of names are made when the first one is looked up: in this process, here.
+TEST(CimXmlElement, ALookUpWithoutMemoryIsReported) {
+    (void)AllocationProbe::failEachAllocation(
+        [] {
+            EXPECT_EQ(CimXml::tagOf("CLASS"), Tag::kClass);
+            EXPECT_EQ(CimXml::attributeOf("NAME"), Attribute::kName);
+        },
+        [] {});
 }
 
 }  // namespace
