@@ -37,7 +37,7 @@ class ClassPage {
         return header() + "<main>\n" + descriptionSection() + placeSection() + addressSection() +
                propertySection(class_, relations_, layout_) +
                methodSection(class_, relations_, layout_) + associationSection() +
-               exampleSection(class_, relations_, service_) + "</main>\n";
+               exampleSection(class_, relations_, layout_, service_) + "</main>\n";
     }
 
   private:

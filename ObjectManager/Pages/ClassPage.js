@@ -23,13 +23,16 @@
     }
   };
 
-  // A part of what is shown may be copied by itself.
-  const textOf = (element) => (document.getElementById(element.dataset.of) || element).textContent;
+  // What is copied may be a part of what is shown, or several parts: a program with its set-up.
+  const textOf = (element) => {
+    const parts = (element.dataset.of || '').split(' ').map((id) => document.getElementById(id));
+    return parts.every(Boolean) ? parts.map((each) => each.textContent).join('\n') : element.textContent;
+  };
 
   for (const element of document.querySelectorAll('[data-copy]')) {
     const button = document.createElement('button');
     button.type = 'button';
-    const label = element.dataset.of ? 'Copy envelope' : 'Copy';
+    const label = element.dataset.label || 'Copy';
     button.textContent = label;
     button.setAttribute('aria-label', `Copy ${element.dataset.copy}`);
     button.addEventListener('click', async () => {

@@ -4,6 +4,7 @@
 
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Pages/ClassPage.h"
+#include "ObjectManager/Pages/ExamplePrograms.h"
 #include "ObjectManager/Pages/ExampleValues.h"
 
 namespace Pages {
@@ -23,6 +24,9 @@ constexpr const char* kEnumeration = "http://schemas.xmlsoap.org/ws/2004/09/enum
 // What is not a key or required is optional; some of what may be written shows how it is done.
 constexpr std::size_t kMaxOptionalProperties = 3;
 
+constexpr int kHeaderIndent = 4;
+constexpr int kValueIndent = 8;
+
 // Writes the requests of one class.
 //
 // Thread safety: belongs to one thread.
@@ -34,33 +38,50 @@ class Requests {
           values_(relations, service_) {}
 
     [[nodiscard]] std::vector<ExampleRequest> all() const {
-        std::vector<ExampleRequest> requests = {
-            {"Get", "reads an instance", envelope(transfer("Get"), true, "")},
-            {"Put", "changes an instance", envelope(transfer("Put"), true, instance())},
-            {"Enumerate", "begins to read all instances",
-             envelope(enumeration("Enumerate"), false, "    <wsen:Enumerate/>\n")},
-            {"Pull", "reads the next ones, with the context of the response to Enumerate",
-             envelope(enumeration("Pull"), false,
-                      "    <wsen:Pull>\n"
-                      "      <wsen:EnumerationContext>CONTEXT</wsen:EnumerationContext>\n"
-                      "      <wsen:MaxElements>10</wsen:MaxElements>\n"
-                      "    </wsen:Pull>\n")},
-            {"Delete", "deletes an instance", envelope(transfer("Delete"), true, "")}};
+        std::vector<ExampleRequest> requests;
+        const auto add = [&](const char* operation, const char* uri, const char* description,
+                             bool withKeys, std::string body, std::string arguments = "") {
+            requests.push_back(
+                whole({.operation = operation,
+                       .description = description,
+                       .action = std::string(uri) + operation,
+                       .isMethod = false,
+                       .selectors = values_.selectorSet(class_, withKeys, kHeaderIndent),
+                       .body = std::move(body),
+                       .arguments = std::move(arguments),
+                       .envelope = {}}));
+        };
+        add("Get", kTransfer, "reads an instance", true, "");
+        const auto [instance, arguments] = instanceValues();
+        add("Put", kTransfer, "changes an instance", true, message("p:Put_INPUT", instance),
+            arguments);
+        add("Enumerate", kEnumeration, "begins to read all instances", false,
+            "    <wsen:Enumerate/>\n");
+        add("Pull", kEnumeration,
+            "reads the next ones, with the context of the response to Enumerate", false,
+            "    <wsen:Pull>\n"
+            "      <wsen:EnumerationContext>CONTEXT</wsen:EnumerationContext>\n"
+            "      <wsen:MaxElements>10</wsen:MaxElements>\n"
+            "    </wsen:Pull>\n");
+        add("Delete", kTransfer, "deletes an instance", true, "");
         for (const CimMethod* const method : class_.methods())
-            requests.push_back({std::string(method->name()), "calls the method", callOf(*method)});
+            requests.push_back(whole(callOf(*method)));
         return requests;
     }
 
   private:
-    static std::string transfer(const char* operation) {
-        return std::string(kTransfer) + operation;
-    }
-    static std::string enumeration(const char* operation) {
-        return std::string(kEnumeration) + operation;
+    // The values of a message, in both languages.
+    struct Values {
+        std::string xml;
+        std::string python;
+    };
+
+    [[nodiscard]] ExampleRequest whole(ExampleRequest request) const {
+        request.envelope = envelope(request);
+        return request;
     }
 
-    [[nodiscard]] std::string envelope(const std::string& action, bool withKeys,
-                                       const std::string& body) const {
+    [[nodiscard]] std::string envelope(const ExampleRequest& request) const {
         const std::string uri = exampleText(classUri(class_.name()));
         return R"(<?xml version="1.0" encoding="UTF-8"?>
 <s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"
@@ -72,7 +93,7 @@ class Requests {
                uri + R"(">
   <s:Header>
     <wsa:Action>)" +
-               exampleText(action) + R"(</wsa:Action>
+               exampleText(request.action) + R"(</wsa:Action>
     <wsa:To>)" +
                exampleText(service_) + R"(</wsa:To>
     <wsman:ResourceURI>)" +
@@ -81,43 +102,51 @@ class Requests {
     <wsa:ReplyTo>
       <wsa:Address>http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous</wsa:Address>
     </wsa:ReplyTo>
-)" + values_.selectorSet(class_, withKeys, 4) +
+)" + request.selectors +
                "  </s:Header>\n" +
-               (body.empty() ? "  <s:Body/>\n" : "  <s:Body>\n" + body + "  </s:Body>\n") +
+               (request.body.empty() ? "  <s:Body/>\n"
+                                     : "  <s:Body>\n" + request.body + "  </s:Body>\n") +
                "</s:Envelope>\n";
     }
 
     // In the order of the properties, which is that of the document.
-    [[nodiscard]] std::string instance() const {
-        std::string properties;
+    [[nodiscard]] Values instanceValues() const {
+        Values values;
         std::size_t optional = 0;
         for (const CimProperty* const property : class_.properties()) {
             const bool isNeeded = isTrue(*property, "Key") || isTrue(*property, "Required");
-            const bool isShown =
-                isNeeded || (isTrue(*property, "Write") && optional++ < kMaxOptionalProperties);
-            if (!isShown)
-                continue;
-            const std::string name = exampleText(property->name());
-            properties += "      <p:" + name + ">" + values_.valueOf(class_, *property, 8) +
-                          "</p:" + name + ">\n";
+            if (isNeeded || (isTrue(*property, "Write") && optional++ < kMaxOptionalProperties))
+                add(values, "p:", *property);
         }
-        return message("p:Put_INPUT", properties);
+        return values;
     }
 
     // Parameters are in no namespace, and the inputs are those that say so, as in the document.
-    [[nodiscard]] std::string callOf(const CimMethod& method) const {
-        std::string parameters;
+    [[nodiscard]] ExampleRequest callOf(const CimMethod& method) const {
+        Values values;
         for (const CimParameter& parameter : method.parameters()) {
-            if (!isTrue(parameter, "In"))
-                continue;
-            const std::string name = exampleText(parameter.name());
-            parameters += "      <" + name + ">" + values_.valueOf(class_, parameter, 8) + "</" +
-                          name + ">\n";
+            if (isTrue(parameter, "In"))
+                add(values, "", parameter);
         }
-        const std::string name = "p:" + exampleText(method.name()) + "_INPUT";
-        const std::string action = "http://schemas.dmtf.org/wbem/ws-cim/1/cim-schema/2/" +
-                                   std::string(class_.name()) + "/" + std::string(method.name());
-        return envelope(action, true, message(name, parameters));
+        const std::string name(method.name());
+        return {.operation = name,
+                .description = "calls the method",
+                .action = "http://schemas.dmtf.org/wbem/ws-cim/1/cim-schema/2/" +
+                          std::string(class_.name()) + "/" + name,
+                .isMethod = true,
+                .selectors = values_.selectorSet(class_, true, kHeaderIndent),
+                .body = message("p:" + exampleText(name) + "_INPUT", values.xml),
+                .arguments = values.python,
+                .envelope = {}};
+    }
+
+    template <typename Definition>
+    void add(Values& values, const char* prefix, const Definition& definition) const {
+        const std::string name = prefix + exampleText(definition.name());
+        values.xml += "      <" + name + ">" + values_.valueOf(class_, definition, kValueIndent) +
+                      "</" + name + ">\n";
+        values.python += "    " + pythonText(definition.name()) + ": " +
+                         values_.pythonValueOf(class_, definition) + ",\n";
     }
 
     // What is empty has no line end in it either, as the schemas want it.
@@ -131,12 +160,47 @@ class Requests {
     ExampleValues values_;
 };
 
-// As one word of a shell.
-std::string shellWord(std::string_view text) {
-    std::string word = "'";
-    for (const char byte : text)
-        word += byte == '\'' ? "'\\''" : std::string(1, byte);
-    return word + "'";
+// A block of code with a button that copies it. `id` is its own; `copies` are those of all that is
+// copied.
+std::string codeBlock(const std::string& title, const std::string& id, const std::string& copies,
+                      const std::string& text) {
+    return "<pre id=" + id + " data-copy=\"" + title + R"(" data-label="Copy" data-of=")" + copies +
+           "\">" + htmlText(text) + "</pre>\n";
+}
+
+std::string setups(const ExamplePrograms& programs) {
+    return "<details class=\"request set-up\"><summary>Set-up <small>of the programs below, which "
+           "their buttons copy as well</small></summary>\n<h3>Python with zeep</h3>\n" +
+           codeBlock("the set-up for zeep", "zeep", "zeep", programs.zeepSetup()) +
+           "<h3>C++ with gSOAP</h3>\n<p>To make the sources, and a program of call.cpp:</p>\n" +
+           codeBlock("the commands for gSOAP", "gsoap-commands", "gsoap-commands",
+                     programs.gsoapCommands()) +
+           codeBlock("the set-up for gSOAP", "gsoap", "gsoap", programs.gsoapSetup()) +
+           "</details>\n";
+}
+
+std::string programsFor(const ExampleRequest& request, const std::string& name,
+                        const std::string& place, const ExamplePrograms& programs) {
+    return "<h3>Python with zeep</h3>\n" +
+           codeBlock(name + " with zeep", "zeep-" + place, "zeep zeep-" + place,
+                     programs.zeepCall(request)) +
+           "<h3>C++ with gSOAP</h3>\n" +
+           codeBlock(name + " with gSOAP", "gsoap-" + place, "gsoap gsoap-" + place,
+                     programs.gsoapCall(request));
+}
+
+std::string requestSection(const ExampleRequest& request, const std::string& place,
+                           const std::string& command, const ExamplePrograms& programs) {
+    const std::string id = "envelope-" + place;
+    const std::string name = htmlText(request.operation);
+    return std::string("<details class=request id=\"") +
+           (request.isMethod ? "request-" : "operation-") + name + "\"><summary>" + name +
+           " <small>" + request.description +
+           "</small></summary>\n<h3>curl</h3>\n<pre data-copy=\"" + name + " as a command\">" +
+           command + "<span class=envelope id=" + id + ">" + htmlText(request.envelope) +
+           "</span>END\n</pre>\n<span data-copy=\"envelope of " + name +
+           R"(" data-label="Copy envelope" data-of=)" + id + "></span>\n" +
+           programsFor(request, name, place, programs) + "</details>\n";
 }
 
 }  // namespace
@@ -147,32 +211,32 @@ std::vector<ExampleRequest> exampleRequests(const CimClass& cimClass,
     return Requests(cimClass, relations, service).all();
 }
 
-std::string exampleSection(const CimClass& cimClass, const ClassRelations& relations,
+std::string exampleSection(const CimClass& cimClass, const ClassRelations& relations, Layout layout,
                            std::string_view service) {
     const std::vector<ExampleRequest> requests = exampleRequests(cimClass, relations, service);
-    const std::size_t operations = requests.size() - cimClass.methods().size();
+    const std::string address = std::string(service) + "/wsman";
+    // An exported page is in the directory of the document.
+    const std::string wsdl =
+        (layout == Layout::kServed
+             ? std::string(service) + "/" +
+                   pathOfDocument(relations.nameSpace().name(), cimClass.name())
+             : std::string(cimClass.name())) +
+        ".wsdl";
+    const ExamplePrograms programs(cimClass.name(), address, wsdl);
     // No line of an envelope is END: every line begins with a bracket or a space.
     const std::string command =
         "curl --user USER --header 'Content-Type: application/soap+xml;charset=UTF-8' \\\n"
         "  --data-binary @- " +
-        htmlText(shellWord(std::string(service) + "/wsman")) + " &lt;&lt;'END'\n";
+        htmlText(Base::shellQuoted(address)) + " &lt;&lt;'END'\n";
     std::string html =
         "<section id=examples>\n<h2>Example requests</h2>\n"
         "<p>As the WSDL document describes them. USER is yours; a value that is the name of its "
         "property or parameter stands for one of your own. Services that follow the schemas of the "
         "DMTF want the class itself as the body of Put, parameters in the namespace p, and actions "
-        "of methods that begin with http://schemas.dmtf.org/wbem/wscim/1/.</p>\n";
-    for (std::size_t place = 0; place < requests.size(); ++place) {
-        const ExampleRequest& request = requests[place];
-        const std::string id = "envelope-" + std::to_string(place);
-        const std::string name = htmlText(request.operation);
-        html += std::string("<details class=request id=\"") +
-                (place < operations ? "operation-" : "request-") + name + "\"><summary>" + name +
-                " <small>" + request.description + "</small></summary>\n<pre data-copy=\"" + name +
-                " as a command\">" + command + "<span class=envelope id=" + id + ">" +
-                htmlText(request.envelope) + "</span>END\n</pre>\n<span data-copy=\"" + name +
-                " as an envelope\" data-of=" + id + "></span>\n</details>\n";
-    }
+        "of methods that begin with http://schemas.dmtf.org/wbem/wscim/1/.</p>\n" +
+        setups(programs);
+    for (std::size_t place = 0; place < requests.size(); ++place)
+        html += requestSection(requests[place], std::to_string(place), command, programs);
     return html + "</section>\n";
 }
 

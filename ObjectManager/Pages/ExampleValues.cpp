@@ -8,6 +8,7 @@
 #include "ObjectManager/Base/Text.h"
 #include "ObjectManager/Base/Utf8.h"
 #include "ObjectManager/Pages/ClassPage.h"
+#include "ObjectManager/Pages/ExamplePrograms.h"
 #include "ObjectManager/Pages/Qualifiers.h"
 
 namespace Pages {
@@ -79,7 +80,7 @@ std::string placeholder(const urma::IQualified& definition, std::string_view nam
 
 std::string textValue(const CimClass& cimClass, const urma::IQualified& definition,
                       std::string_view name) {
-    const std::string mapped = mappedText(namedValuesOf(definition));
+    std::string mapped = mappedText(namedValuesOf(definition));
     if (!mapped.empty())
         return mapped;
     const bool isClassName = Base::equalsIgnoringCase(name, "CreationClassName");
@@ -92,6 +93,14 @@ std::string numberValue(const urma::IQualified& definition) {
         return mappedNumber(values);
     const std::string least = textOf(definition, "MinValue");
     return least.empty() ? "1" : decimal(least);
+}
+
+// What a model calls a number need not be one.
+std::string pythonNumber(const std::string& number) {
+    const std::string_view digits =
+        std::string_view(number).substr(number.starts_with('-') ? 1 : 0);
+    const bool isNumber = std::ranges::all_of(digits, Base::isDigit) && !digits.starts_with('0');
+    return isNumber && !digits.empty() ? number : pythonText(number);
 }
 
 }  // namespace
@@ -116,6 +125,39 @@ std::string ExampleValues::value(const CimClass& cimClass, const Definition& def
     if (name == "string")
         return exampleText(textValue(cimClass, definition, definition.name()));
     return exampleText(numberValue(definition));
+}
+
+template <typename Definition>
+std::string ExampleValues::pythonValue(const CimClass& cimClass,
+                                       const Definition& definition) const {
+    const ITeskType& type = definition.getType();
+    const std::string name(type.getTypeName());
+    std::string python;
+    if (type.isReference())
+        python = "{'_value_1': elements(\n" +
+                 pythonLines(reference(definition.referencedClass(), 0, 0), 8) + ")}";
+    else if (name == "datetime")
+        python = "{'Datetime': '2026-01-31T12:00:00Z'}";
+    else if (name == "boolean")
+        python = "True";
+    else if (name == "char16")
+        python = "'A'";
+    else if (name == "string")
+        python = pythonText(textValue(cimClass, definition, definition.name()));
+    else
+        python = pythonNumber(numberValue(definition));
+    return python;
+}
+
+std::string ExampleValues::pythonValueOf(const CimClass& cimClass,
+                                         const CimProperty& property) const {
+    const std::string value = pythonValue(cimClass, property);
+    return property.getType().isArray() ? "[" + value + "]" : value;
+}
+
+std::string ExampleValues::pythonValueOf(const CimClass& cimClass,
+                                         const Repository::CimParameter& parameter) const {
+    return pythonValue(cimClass, parameter);
 }
 
 std::string ExampleValues::valueOf(const CimClass& cimClass, const CimProperty& property,
@@ -145,7 +187,9 @@ std::string ExampleValues::selectors(const CimClass& cimClass, bool withKeys, in
             content = "20260131120000.000000+000";
         else
             content = value(cimClass, *property, indent + 4, depth);
-        xml += begin + exampleText(property->name()) + "\">" + content + "</wsman:Selector>\n";
+        xml += begin;
+        xml += exampleText(property->name());
+        xml += "\">" + content + "</wsman:Selector>\n";
     }
     return xml + blanks(indent) + "</wsman:SelectorSet>\n";
 }
@@ -163,16 +207,24 @@ std::string ExampleValues::reference(std::string_view className, int indent, int
     return xml + blanks(indent) + "</wsa:EndpointReference>\n";
 }
 
-std::string exampleText(std::string_view text) {
-    std::string xml;
+std::string plainText(std::string_view text) {
+    std::string plain;
     while (!text.empty()) {
         const auto [code, length] = Base::decodeCodePoint(text);
         if (length == 0 || Base::isControlCode(code) || code == 0xFFFE || code == 0xFFFF)
-            xml += Base::kReplacementCharacter;
+            plain += Base::kReplacementCharacter;
         else
-            xml += code == '"' ? "&quot;" : Base::xmlText(text.substr(0, length));
+            plain += text.substr(0, length);
         text.remove_prefix(length == 0 ? 1 : length);
     }
+    return plain;
+}
+
+std::string exampleText(std::string_view text) {
+    std::string xml = Base::xmlText(plainText(text));
+    for (std::size_t quote = xml.find('"'); quote != std::string::npos;
+         quote = xml.find('"', quote))
+        xml.replace(quote, 1, "&quot;");
     return xml;
 }
 

@@ -23,6 +23,13 @@ class ExampleValues {
     [[nodiscard]] std::string valueOf(const Repository::CimClass& cimClass,
                                       const Repository::CimParameter& parameter, int indent) const;
 
+    /// The same as an argument for zeep, in Python. A property that is an array is a list;
+    /// in the documents a parameter is a single element.
+    [[nodiscard]] std::string pythonValueOf(const Repository::CimClass& cimClass,
+                                            const Repository::CimProperty& property) const;
+    [[nodiscard]] std::string pythonValueOf(const Repository::CimClass& cimClass,
+                                            const Repository::CimParameter& parameter) const;
+
     /// The header block that names an instance of a class by its keys, or the namespace alone.
     [[nodiscard]] std::string selectorSet(const Repository::CimClass& cimClass, bool withKeys,
                                           int indent) const;
@@ -31,6 +38,9 @@ class ExampleValues {
     template <typename Definition>
     [[nodiscard]] std::string value(const Repository::CimClass& cimClass,
                                     const Definition& definition, int indent, int depth) const;
+    template <typename Definition>
+    [[nodiscard]] std::string pythonValue(const Repository::CimClass& cimClass,
+                                          const Definition& definition) const;
     [[nodiscard]] std::string selectors(const Repository::CimClass& cimClass, bool withKeys,
                                         int indent, int depth) const;
     [[nodiscard]] std::string reference(std::string_view className, int indent, int depth) const;
@@ -39,7 +49,10 @@ class ExampleValues {
     std::string service_;
 };
 
-/// A text in the content or in an attribute of XML, with what is not allowed there replaced.
+/// A text with U+FFFD for what XML does not allow, and for control characters.
+[[nodiscard]] std::string plainText(std::string_view text);
+
+/// A text in the content or in an attribute of XML, as plainText has it.
 [[nodiscard]] std::string exampleText(std::string_view text);
 
 }  // namespace Pages

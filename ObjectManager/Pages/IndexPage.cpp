@@ -48,7 +48,11 @@ void appendNamespace(std::string& page, const CimNamespace& nameSpace, std::size
                      Layout layout) {
     page += "<section>\n<h2 id=namespace-" + std::to_string(number) + ">" +
             htmlText(nameSpace.name()) + " <small>" +
-            counted(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n<ul>\n";
+            counted(nameSpace.classes().size(), "class", "classes") + "</small></h2>\n";
+    if (layout == Layout::kServed)
+        page += "<p><a href=\"" + pathOfArchive(nameSpace.name()) +
+                "\">All documents as a ZIP archive</a></p>\n";
+    page += "<ul>\n";
     for (const CimClass* const cimClass : classesWithoutRegardToCase(nameSpace))
         appendClass(page, nameSpace, *cimClass, layout);
     page += "</ul>\n</section>\n";

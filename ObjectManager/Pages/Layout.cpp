@@ -21,6 +21,10 @@ std::string pathOfDocument(std::string_view nameSpace, std::string_view classNam
     return percentEncodedPath(nameSpace) + "/" + percentEncodedPath(className);
 }
 
+std::string pathOfArchive(std::string_view nameSpace) {
+    return "-/" + percentEncodedPath(nameSpace) + ".zip";
+}
+
 std::string siblingPage(Layout layout, std::string_view className) {
     return percentEncodedPath(className) + (layout == Layout::kServed ? "" : ".html");
 }

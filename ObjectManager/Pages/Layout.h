@@ -14,6 +14,7 @@ namespace Pages {
 ///     class page      /-/root/cimv2/CIM_Foo       root/cimv2/CIM_Foo.html
 ///     search data     /-/search.js                search.js
 ///     documents       /root/cimv2/CIM_Foo.wsdl    root/cimv2/CIM_Foo.wsdl
+///     all of them     /-/root/cimv2.zip
 ///
 /// All functions may be called by several threads at once.
 enum class Layout : std::uint8_t { kServed, kExported };
@@ -25,6 +26,9 @@ enum class Layout : std::uint8_t { kServed, kExported };
 
 /// From the index page: "root/cimv2/CIM_Foo", to which ".wsdl" or ".xsd" is added.
 [[nodiscard]] std::string pathOfDocument(std::string_view nameSpace, std::string_view className);
+
+/// From the index page, which is served: all documents of a namespace as an archive.
+[[nodiscard]] std::string pathOfArchive(std::string_view nameSpace);
 
 /// From the page of a class of the namespace: the page of another class of it, and the top, such as
 /// "../../", to which the paths above are added.

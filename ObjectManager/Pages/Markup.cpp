@@ -25,9 +25,10 @@ std::string_view trimmed(std::string_view text) {
 
 // Where the first line without words begins; the end of the text where there is none.
 std::size_t endOfParagraph(std::string_view text) {
-    for (std::size_t end = text.find('\n'); end != text.npos; end = text.find('\n', end + 1)) {
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos;
+         end = text.find('\n', end + 1)) {
         const std::size_t next = text.find_first_not_of(" \t\r", end + 1);
-        if (next == text.npos || text[next] == '\n')
+        if (next == std::string_view::npos || text[next] == '\n')
             return end;
     }
     return text.size();

@@ -5,8 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "ObjectManager/Base/Ascii.h"
+#include "ObjectManager/Host/MemoryClient.h"
+#include "ObjectManager/Host/ProviderCall.h"
 #include "ObjectManager/Pages/ClassPage.h"
 #include "ObjectManager/Pages/IndexPage.h"
+#include "ObjectManager/Pages/NamespaceArchive.h"
 #include "ObjectManager/Pages/PageFrame.h"
 #include "ObjectManager/Pages/SearchData.h"
 #include "Platform/Http/TSKHTTPException.h"
@@ -22,13 +26,18 @@ using Repository::CimNamespace;
 
 constexpr std::string_view kBelow = "/-/";
 constexpr std::string_view kSearchData = "search.js";
+constexpr std::string_view kArchive = ".zip";
+
+[[noreturn]] void failAuthentication() {
+    throw TSKHTTPException("PageProvider::processHTTPRequest", "Authentication failed",
+                           TSKHTTPException::kAuthenticationFailed);
+}
 
 void requireAuthenticated(TSKHTTPRequest& request, TSKGenericHTTPIStream& istr,
                           TSKGenericHTTPOStream& ostr) {
     TSKSmrPtr<urma::security::ISecurityToken> token;
     if (!AuthenticationHelper::authenticateRequest(request, istr, ostr, token))
-        throw TSKHTTPException("PageProvider::processHTTPRequest", "Authentication failed",
-                               TSKHTTPException::kAuthenticationFailed);
+        failAuthentication();
 }
 
 // Where the client reaches the service. HTTP/1.0 has requests without a host. A proxy, and the
@@ -74,6 +83,55 @@ void write(const TSKHTTPRequest& request, const Content& content, TSKGenericHTTP
     ostr.write(content.body->data(), content.body->size());
 }
 
+// The document at a path, as the client of `request` gets it.
+std::optional<std::string> documentAt(const std::string& path, const TSKHTTPRequest& request,
+                                      const Host::Client& client) {
+    TSKHTTPRequest inner("GET", TSKString(path), "HTTP/1.1");
+    for (const TSKHTTPOperation::HeaderField& field : request.getHeaderFields()) {
+        if (field.name.equalsIgnoreCase("Host") || field.name.equalsIgnoreCase("Authorization"))
+            inner.setHeaderField(field.name, field.value, true);
+    }
+    const auto manager = TeskProviderPluginManager::getTeskProviderPluginManager();
+    if (!manager)
+        return std::nullopt;
+    Host::ProviderCall call = Host::callProvider(*manager, inner, client);
+    if (call.outcome == Host::ProviderCall::Outcome::kNotAuthenticated)
+        failAuthentication();
+    const Host::MemoryClient::Response response(std::move(call.response));
+    if (response.status() != "200")
+        return std::nullopt;
+    return std::string(response.body());
+}
+
+// As a file is named on any system.
+std::string archiveName(std::string_view nameSpace) {
+    std::string name(nameSpace);
+    for (char& byte : name) {
+        if (!Base::isLetter(byte) && !Base::isDigit(byte) && byte != '_')
+            byte = '-';
+    }
+    return name + std::string(kArchive);
+}
+
+void writeArchive(const CimNamespace& nameSpace, const TSKHTTPRequest& request,
+                  TSKGenericHTTPOStream& ostr) {
+    TSKString address;
+    TSKString port;
+    ostr.getPeerAddressString(address, port);
+    const Host::Client client = {.address = address.data(), .port = port.data()};
+    TSKHTTPResponse response(request.getProtocol(), "200", "OK");
+    response.setHeaderField("Connection", "close", false);
+    response.setContentType("application/zip");
+    response.setHeaderField(
+        "Content-Disposition",
+        TSKString("attachment; filename=\"" + archiveName(nameSpace.name()) + "\""), false);
+    response.setHeaderField("X-Content-Type-Options", "nosniff", false);
+    response.writeResponseTo(ostr);
+    writeNamespaceArchive(
+        nameSpace, [&](const std::string& path) { return documentAt(path, request, client); },
+        [&](std::string_view bytes) { ostr.write(bytes.data(), bytes.size()); });
+}
+
 }  // namespace
 
 // What is made of one repository, when it is first asked for: so documents need not wait for it
@@ -96,6 +154,15 @@ class PageProvider::Site {
         if (slash == std::string_view::npos)
             return std::nullopt;
         return findClassPage(path.substr(0, slash), path.substr(slash + 1), service);
+    }
+
+    // The namespace whose archive is at a path; null where there is none.
+    [[nodiscard]] const CimNamespace* findArchive(std::string_view path) const {
+        if (!path.starts_with(kBelow) || !path.ends_with(kArchive))
+            return nullptr;
+        path.remove_prefix(kBelow.size());
+        path.remove_suffix(kArchive.size());
+        return repository_->findNamespace(TSKString(path));
     }
 
   private:
@@ -171,7 +238,12 @@ void PageProvider::processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTT
         return;
     }
     requireAuthenticated(request, istr, ostr);
-    const std::optional<Content> content = site()->find(path, serviceOf(request));
+    const std::shared_ptr<Site> site = this->site();
+    if (const CimNamespace* const nameSpace = site->findArchive(path)) {
+        writeArchive(*nameSpace, request, ostr);
+        return;
+    }
+    const std::optional<Content> content = site->find(path, serviceOf(request));
     if (!content)
         handled = false;
     else

@@ -11,9 +11,13 @@
 namespace Pages {
 
 /// Serves what people look at, to clients that the authenticator of the object manager accepts: the
-/// index page at "/", what it searches at "/-/search.js", and the page of a class, its names in any
-/// case, at "/-/NAMESPACE/CLASS". A class that there is not, and all other paths, are left to the
-/// front end.
+/// index page at "/", what it searches at "/-/search.js", the page of a class, its names in any
+/// case, at "/-/NAMESPACE/CLASS", and all documents of a namespace as an archive at
+/// "/-/NAMESPACE.zip". A class that there is not, and all other paths, are left to the front end.
+///
+/// An archive holds the documents that their provider, which the plug-in manager of the process
+/// finds, gives to the client now. It is written while they are made, so that its size is not known
+/// before.
 ///
 /// Thread safety: may be used by several threads at once.
 class PageProvider final : public urma::pf::Provider {
@@ -27,7 +31,8 @@ class PageProvider final : public urma::pf::Provider {
     [[nodiscard]] TSKString getProviderName() override;
     void postStartup() override;
 
-    /// Errors: TSKHTTPException with kAuthenticationFailed.
+    /// Errors: TSKHTTPException with kAuthenticationFailed; for an archive what the provider of the
+    /// documents throws, and TeskBaseException when there is more than an archive can hold.
     void processHTTPRequest(TSKGenericHTTPIStream& istr, TSKGenericHTTPOStream& ostr,
                             TSKHTTPRequest& request, bool& handled,
                             TSKSmrPtr<ITeskTransaction> transaction) override;

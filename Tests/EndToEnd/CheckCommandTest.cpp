@@ -223,10 +223,11 @@ TEST_F(CheckCommand, ShowsWhatIsWrongWithAConfiguration) {
     const ProgramRun run = runTesk("check --config '" + file + "'");
     EXPECT_EQ(run.end, "status 1");
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(shown(run.errors),
-              "tesk.toml:2:1: error: unknown key \"nothing\"; known are \"include_path\", "
-              "\"namespaces\", \"repository\", \"server\", \"security\" and \"log\"\n"
-              "tesk: the configuration has errors and is not used\n");
+    EXPECT_EQ(
+        shown(run.errors),
+        "tesk.toml:2:1: error: unknown key \"nothing\"; known are \"include_path\", \"servers\", "
+        "\"namespaces\", \"repository\", \"server\", \"security\" and \"log\"\n"
+        "tesk: the configuration has errors and is not used\n");
     const ProgramRun missing = runTesk("check --config /nowhere/tesk.toml");
     EXPECT_EQ(missing.end, "status 1");
     EXPECT_EQ(missing.output, "");

@@ -59,7 +59,8 @@ TEST(CommandLine, VersionIsThatOfTheProject) {
 
 TEST(CommandLine, ACommandMustBeGiven) {
     const std::string commands =
-        "; there are: serve, export, import, check, classes, passwd\n\"tesk --help\" tells more.\n";
+        "; there are: serve, export, import, check, diff, classes, passwd\n\"tesk --help\" tells "
+        "more.\n";
     expectRefusal("", "tesk: no command is given" + commands);
     expectRefusal("frob", "tesk: there is no command \"frob\"" + commands);
     expectRefusal("''", "tesk: there is no command \"\"" + commands);

@@ -172,7 +172,7 @@ TEST_F(DiffCommand, SaysWhatCannotBeCompared) {
         {"diff " + old_ + " " + new_ + " --accepted nowhere",
          "tesk: nowhere cannot be read: No such file or directory"},
         {"diff " + old_ + " root/b=nowhere",
-         "nowhere:1:1: error: cannot be read: No such file or directory\n"
+         "nowhere: error: cannot be read: No such file or directory\n"
          "tesk: the classes have errors and are not used"},
     };
     for (const auto& [arguments, message] : cases) {

@@ -32,6 +32,9 @@ void RealCimServer::kill() {
     program_->sendSignalToGroup(SIGKILL);
     (void)program_->waitForEnd();
     program_.reset();
+    // The program that was waited for is the one that has started the server.
+    if (!waitUntil([this] { return !acceptsConnections(port_); }))
+        throw std::runtime_error("the CIM server does not end");
 }
 
 void RealCimServer::restart() {

@@ -49,14 +49,70 @@ FOCUS_IS_SEEN = """(() => {
     parseFloat(style.outlineWidth) >= 2 && style.outlineColor !== getComputedStyle(document.body).backgroundColor;
 })()"""
 
-# Links, buttons and fields that a screen reader could not name.
-NAMELESS = """Array.from(document.querySelectorAll('a, button, input, svg, nav')).filter((each) =>
-  !(each.textContent.trim() || each.getAttribute('aria-label') || each.labels?.length))
-  .map((each) => each.outerHTML)"""
+# What keeps people from using a page with a screen reader or the keyboard, of the rules of WCAG 2 that
+# a program can check: language and title, landmarks, order of headings, names, references by id, roles,
+# tables, and elements where they do not belong.
+FAULTS = """(() => {
+  const faults = [];
+  const all = (selector) => Array.from(document.querySelectorAll(selector));
+  const seen = (each) => each.checkVisibility({ visibilityProperty: true });
+  const outline = (each) => each.outerHTML.slice(0, 120);
+  const expect = (rule, holds, each) => { if (!holds) faults.push(`${rule}: ${each ? outline(each) : ''}`); };
 
-REPEATED_IDS = """(() => {
-  const ids = Array.from(document.querySelectorAll('[id]'), (each) => each.id);
-  return ids.filter((id, place) => ids.indexOf(id) !== place);
+  expect('language', document.documentElement.lang === 'en');
+  expect('title', document.title.trim() !== '');
+  expect('zoom', !/user-scalable|maximum-scale/.test(document.querySelector('meta[name=viewport]')?.content));
+  expect('one main', all('main').length === 1);
+  expect('one h1', all('h1').length === 1);
+
+  // All that is seen belongs to a landmark.
+  for (const each of Array.from(document.body.children).filter(seen))
+    expect('landmark', each.matches('header, main, nav, footer, [role=search], script'), each);
+  const names = all('nav').map((each) => each.getAttribute('aria-label'));
+  expect('landmarks have different names', new Set(names).size === names.length);
+
+  let level = 0;
+  for (const each of all('h1, h2, h3, h4, h5, h6').filter(seen)) {
+    const next = Number(each.localName[1]);
+    expect('order of headings', next <= level + 1, each);
+    expect('empty heading', each.textContent.trim() !== '', each);
+    level = next;
+  }
+
+  const referenced = (each, attribute) => (each.getAttribute(attribute) || '').split(' ').filter(Boolean);
+  for (const each of all('a, button, input, summary, svg, nav, output')) {
+    const name = each.textContent.trim() || each.getAttribute('aria-label') || each.labels?.length;
+    expect('name', name, each);
+    const label = each.getAttribute('aria-label');
+    const text = each.localName === 'svg' ? '' : each.textContent.trim();
+    if (label && text && each.localName !== 'nav')
+      expect('the name holds what is seen', label.toLowerCase().includes(text.toLowerCase()), each);
+  }
+  for (const attribute of ['for', 'aria-labelledby', 'aria-describedby', 'aria-controls']) {
+    for (const each of all(`[${attribute}]`)) {
+      for (const id of referenced(each, attribute)) expect('reference', document.getElementById(id), each);
+    }
+  }
+  for (const each of all('a[href^="#"]')) {
+    const id = decodeURIComponent(each.getAttribute('href').slice(1));
+    expect('target', id === '' || document.getElementById(id), each);
+  }
+  const ids = all('[id]').map((each) => each.id);
+  for (const id of ids.filter((each, place) => ids.indexOf(each) !== place)) faults.push(`repeated id: ${id}`);
+
+  for (const each of all('li')) expect('list', each.parentElement.matches('ul, ol'), each);
+  for (const each of all('ul, ol'))
+    expect('items', Array.from(each.children).every((child) => child.localName === 'li'), each);
+  for (const each of all('dt, dd')) expect('definition list', each.parentElement.matches('dl, dl > div'), each);
+  for (const each of all('summary')) expect('summary', each.parentElement.localName === 'details', each);
+  for (const each of all('table')) expect('table without heads', each.querySelector('th'), each);
+  for (const each of all('img')) expect('alternative text', each.hasAttribute('alt'), each);
+  for (const each of all('[tabindex]')) expect('order of the focus', each.tabIndex <= 0, each);
+  for (const each of all('a, button, input, summary'))
+    expect('control in a control', !each.parentElement.closest('a, button'), each);
+  for (const each of all('[aria-hidden=true]'))
+    expect('hidden control', !each.querySelector('a, button, input, summary'), each);
+  return faults;
 })()"""
 
 # When the page could be typed into, since it was asked for.

@@ -1,11 +1,13 @@
 """What the browser looks at: pages exported into a directory, or served by the real program."""
 
+import base64
 import os
 import re
 import shutil
 import subprocess
 import tempfile
 import urllib.parse
+import urllib.request
 
 TESK_PROGRAM = os.environ["TESK_PROGRAM"]
 _MODELS = os.environ["MODELS_DIRECTORY"]
@@ -75,3 +77,11 @@ class Service:
 
     def address(self, path):
         return self._top + path
+
+    def get(self, path):
+        """The body of a response, as a program gets it."""
+        token = base64.b64encode(self.credentials.encode()).decode()
+        request = urllib.request.Request(f"http://{self.host}{path}", headers={"Authorization": "Basic " + token})
+        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+        with opener.open(request, timeout=60) as response:
+            return response.read()

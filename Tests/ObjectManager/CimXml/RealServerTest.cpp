@@ -1,4 +1,4 @@
-// A real server, where it is there, beside the MOF files of the same classes.
+// A real server, where it is there.
 
 #include <gtest/gtest.h>
 #include <string>
@@ -6,69 +6,15 @@
 #include <vector>
 
 #include "ObjectManager/CimXml/CimServer.h"
-#include "ObjectManager/Host/MemoryClient.h"
-#include "ObjectManager/Host/ProviderHost.h"
-#include "ObjectManager/Loading/RepositoryLoader.h"
-#include "Tests/ObjectManager/Http/Client.h"
-#include "Tests/ObjectManager/Mof/DeclarationText.h"
 #include "Tests/Support/CertificateAuthority.h"
-#include "Tests/Support/CimSchema.h"
+#include "Tests/Support/KillingRelay.h"
 #include "Tests/Support/RealCimServer.h"
-#include "Tests/Support/StandInServer.h"
 #include "Tests/Support/TlsFront.h"
 
 namespace {
 
 using CimXml::ServerError;
 using Kind = ServerError::Kind;
-using RepositoryPointer = TSKSmrPtr<Repository::ClassRepository>;
-
-RepositoryPointer readFrom(const std::string& url, bool localOnly) {
-    CimXml::CimServer server({.url = url, .localOnly = localOnly});
-    CimXml::NamespaceContent content = server.read("root/cimv2");
-    EXPECT_EQ(diagnosticsOf(content.compilation), "");
-    std::vector<Repository::CimNamespace> namespaces;
-    namespaces.emplace_back("root/cimv2", std::move(content.compilation.classes),
-                            Repository::Options());
-    return RepositoryPointer::make(std::move(namespaces));
-}
-
-std::string documentOf(Host::ProviderHost& host, const RepositoryPointer& repository,
-                       const TSKString& path) {
-    host.setRepository(repository);
-    const Host::MemoryClient client(host.manager(), {.host = "localhost"});
-    const Host::MemoryClient::Response response = client.get(path);
-    EXPECT_EQ(response.status(), "200") << path;
-    return std::string(response.body());
-}
-
-// The server has marks of its own for what is inherited, which differ between the two forms.
-TEST(CimXmlRealServer, ClassesOfTheDmtfGiveTheDocumentsThatTheirMofGives) {
-    if (cimServerProgram().empty())
-        GTEST_SKIP() << kNoCimServer;
-    if (cimSchemaFile().empty())
-        GTEST_SKIP() << kNoCimSchema;
-    const RealCimServer server;
-    const RepositoryPointer local = readFrom(server.url(), true);
-    const RepositoryPointer whole = readFrom(server.url(), false);
-    const RepositoryPointer mof =
-        Loading::loadRepository({{.name = "root/cimv2", .paths = {cimSchemaFile()}}}, {}, {})
-            .repository;
-    ASSERT_TRUE(mof);
-    Host::ProviderHost host(mof, TSKSmrPtr<Host::LocalAuthenticator>::make(),
-                            INSTALLATION_DIRECTORY);
-    std::size_t compared = 0;
-    for (const TSKSmrPtr<Repository::CimClass>& cimClass : mof->namespaces().front().classes()) {
-        for (const char* const suffix : {".xsd", ".wsdl"}) {
-            const TSKString path = "/root/cimv2/" + cimClass->name() + suffix;
-            const std::string expected = documentOf(host, mof, path);
-            EXPECT_TRUE(documentOf(host, local, path) == expected) << path;
-            EXPECT_TRUE(documentOf(host, whole, path) == expected) << path;
-            ++compared;
-        }
-    }
-    EXPECT_EQ(compared, 2 * 1438U);
-}
 
 // The error of reading a namespace; "root" has few classes.
 std::string errorOf(CimXml::ServerOptions options, Kind kind,
@@ -171,34 +117,17 @@ TEST(CimXmlRealServer, ProvesWhoItIsAndKnowsItsClientsBehindTls) {
     EXPECT_EQ(known.namespaces().size(), 4U);
 }
 
-// Passes requests on to a server, and kills it as soon as the first classes have come.
-StandInServer killerOf(RealCimServer& server) {
-    return StandInServer([&server](const StandInServer::Request& request) {
-        const std::string close = "Connection: close\r\n";
-        std::string header = request.header;
-        header.insert(header.size() - 2, close);
-        const Client client("127.0.0.1", server.port());
-        (void)client.send(header + request.body);
-        std::string response;
-        if (request.field("CIMMethod") == "EnumerateClasses") {
-            response = client.read(100'000);
-            server.kill();
-        }
-        response += client.readAll();
-        response.insert(response.find('\n') + 1, close);
-        return StandInServer::Response{.bytes = response};
-    });
-}
-
 TEST(CimXmlRealServer, AServerThatIsKilledWhileItSendsIsAnError) {
     if (cimServerProgram().empty())
         GTEST_SKIP() << kNoCimServer;
     RealCimServer server;
-    const StandInServer killer = killerOf(server);
-    const std::string where = killer.url() + ": EnumerateClasses of root/cimv2: ";
-    const std::string error =
-        errorOf({.url = killer.url(), .localOnly = true}, Kind::kConnection, "root/cimv2");
-    EXPECT_TRUE(error.starts_with(where + "transfer closed with ")) << error;
+    KillingRelay relay(server);
+    relay.killAmidClasses();
+    const std::string error = errorOf({.url = relay.url()}, Kind::kConnection, "root/PG_InterOp");
+    EXPECT_TRUE(relay.hasKilled());
+    EXPECT_TRUE(error.starts_with(relay.url() +
+                                  ": EnumerateClasses of root/PG_InterOp: transfer closed with "))
+        << error;
     EXPECT_TRUE(error.ends_with(" bytes remaining to read")) << error;
     const std::string gone = errorOf({.url = server.url()}, Kind::kConnection);
     EXPECT_NE(gone.find(": Failed to connect to 127.0.0.1 port "), std::string::npos) << gone;

@@ -169,8 +169,8 @@ TEST_F(ExampleRequestsTest, NoTextOfAModelEndsTheCommand) {
         EXPECT_EQ(each.envelope.find("\nrm"), std::string::npos) << each.envelope;
         EXPECT_TRUE(each.envelope.ends_with("</s:Envelope>\n"));
     }
-    const std::string section =
-        Pages::exampleSection(model.cimClass("A"), relations, "http://h'$(reboot)'");
+    const std::string section = Pages::exampleSection(
+        model.cimClass("A"), relations, Pages::Layout::kServed, "http://h'$(reboot)'");
     EXPECT_NE(section.find("--data-binary @- 'http://h'\\''$(reboot)'\\''/wsman' &lt;&lt;'END'\n"),
               std::string::npos);
 }

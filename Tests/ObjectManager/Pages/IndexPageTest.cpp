@@ -43,6 +43,7 @@ TEST_F(IndexPageTest, ListsClassesWithDescriptionAndLink) {
         class TST_Nothing : TST_Thing {};)"));
     EXPECT_EQ(mainOf(page), R"(<section>
 <h2 id=namespace-1>root/test <small>2 classes</small></h2>
+<p><a href="-/root/test.zip">All documents as a ZIP archive</a></p>
 <ul>
 <li><a href=-/root/test/TST_Nothing>TST_Nothing</a>
 <li><a href=-/root/test/TST_Thing>TST_Thing</a><p>A thing.
@@ -69,18 +70,21 @@ TEST_F(IndexPageTest, SeveralNamespacesHaveLinksToThem) {
               "<a href=#namespace-3>c</a>\n");
     EXPECT_EQ(mainOf(page), R"(<section>
 <h2 id=namespace-1>root/b <small>1 class</small></h2>
+<p><a href="-/root/b.zip">All documents as a ZIP archive</a></p>
 <ul>
 <li><a href=-/root/b/A>A</a>
 </ul>
 </section>
 <section>
 <h2 id=namespace-2>a <small>1 class</small></h2>
+<p><a href="-/a.zip">All documents as a ZIP archive</a></p>
 <ul>
 <li><a href=-/a/A>A</a>
 </ul>
 </section>
 <section>
 <h2 id=namespace-3>c <small>0 classes</small></h2>
+<p><a href="-/c.zip">All documents as a ZIP archive</a></p>
 <ul>
 </ul>
 </section>
@@ -136,12 +140,15 @@ TEST_F(IndexPageTest, NamesAreEscapedAndEncoded) {
               "<a href=#namespace-1>java script:/&lt;x&gt;</a>\n"
               "<a href=#namespace-2>&amp;</a>\n");
     const std::string directory = "-/java%20script%3A/%3Cx%3E/";
-    EXPECT_EQ(between(page, "<section>\n", "</section>"),
-              "<h2 id=namespace-1>java script:/&lt;x&gt; <small>2 classes</small></h2>\n<ul>\n"
-              "<li><a href=" +
-                  directory +
-                  "%3Ca%3E%20%22b%22%20%26c>&lt;a&gt; &quot;b&quot; &amp;c</a>\n<li><a href=" +
-                  directory + "z%3E>z&gt;</a>\n</ul>\n");
+    EXPECT_EQ(
+        between(page, "<section>\n", "</section>"),
+        "<h2 id=namespace-1>java script:/&lt;x&gt; <small>2 classes</small></h2>\n"
+        "<p><a href=\"-/java%20script%3A/%3Cx%3E.zip\">All documents as a ZIP archive</a></p>\n"
+        "<ul>\n"
+        "<li><a href=" +
+            directory +
+            "%3Ca%3E%20%22b%22%20%26c>&lt;a&gt; &quot;b&quot; &amp;c</a>\n<li><a href=" +
+            directory + "z%3E>z&gt;</a>\n</ul>\n");
 }
 
 TEST_F(IndexPageTest, NamesAreSortedWithoutRegardToCase) {

@@ -10,6 +10,7 @@ TEST(Layout, TheIndexLeadsToPagesAndDocuments) {
     EXPECT_EQ(Pages::pathOfClassPage(Layout::kServed, "root/a", "A"), "-/root/a/A");
     EXPECT_EQ(Pages::pathOfClassPage(Layout::kExported, "root/a", "A"), "root/a/A.html");
     EXPECT_EQ(Pages::pathOfDocument("root/a", "A"), "root/a/A");
+    EXPECT_EQ(Pages::pathOfArchive("root/a b"), "-/root/a%20b.zip");
 }
 
 TEST(Layout, APageLeadsToTheTopAndToItsNeighbours) {

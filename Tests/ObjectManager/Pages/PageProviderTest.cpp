@@ -10,6 +10,7 @@
 #include "Platform/Http/TSKHTTPException.h"
 #include "Platform/ProviderFramework/AuthenticationHelper.h"
 #include "Platform/ProviderFramework/TeskProviderPluginManager.h"
+#include "Tests/ObjectManager/Http/FunctionProvider.h"
 #include "Tests/Support/RecordingStreams.h"
 #include "Tests/Support/RepositoryTest.h"
 #include "Tests/Support/TestHost.h"
@@ -142,6 +143,25 @@ TEST_F(PageProviderTest, AClassThatThereIsNotIsLeftToTheFrontEndAfterAuthenticat
     authenticator_->accepts = false;
     EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_One"), TSKHTTPException);
     EXPECT_THROW((void)response(provider_, "GET", "/-/root/test/TST_Two"), TSKHTTPException);
+}
+
+TEST_F(PageProviderTest, ServesTheDocumentsOfANamespaceAsAnArchive) {
+    const auto manager = TSKSmrPtr<TeskProviderPluginManager>::make();
+    TeskProviderPluginManager::setTeskProviderPluginManager(manager);
+    FunctionProvider documents([](TSKHTTPRequest& request, TSKGenericHTTPOStream& ostr) {
+        writeTo(ostr, "HTTP/1.1 200 OK\r\n\r\n" + std::string(request.getUri()));
+    });
+    EXPECT_TRUE(manager->addProvider(documents, "documents").empty());
+    EXPECT_TRUE(manager->registerURI(documents.getProviderName(), "/root"));
+    const std::string archive = response(provider_, "GET", "/-/ROOT/test.zip");
+    TeskProviderPluginManager::setTeskProviderPluginManager(nullptr);
+    EXPECT_TRUE(archive.starts_with(
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Type: application/zip\r\n"
+        "Content-Disposition: attachment; filename=\"root-test.zip\"\r\n"
+        "X-Content-Type-Options: nosniff\r\n\r\nPK"))
+        << archive.substr(0, 300);
+    EXPECT_NE(archive.find("root/test/TST_One.xsd"), std::string::npos);
+    EXPECT_EQ(response(provider_, "GET", "/-/root/other.zip"), "(left)");
 }
 
 TEST_F(PageProviderTest, AClassPageNamesTheHostOfTheRequest) {
