@@ -110,10 +110,10 @@ void addServeOptions(Command& command, ServeOptions& options) {
          .target = &options.tlsClientAuthorities});
     command.options.push_back(
         {.name = "--admin-listen",
-         .value = "[ADDRESS:]PORT",
+         .value = "ADDRESS:PORT",
          .help =
-             "Where to serve /healthy, /ready and /metrics, to everybody; on 127.0.0.1 if there "
-             "is no address",
+             "Where to serve /healthy, /ready and /metrics, to everybody; a port alone is one of "
+             "127.0.0.1",
          .target = &options.adminListen,
          .check = Configuration::parseAdminAddress});
     command.options.push_back(publishedAddressOption(options.publishedAddress));

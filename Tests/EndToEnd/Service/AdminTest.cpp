@@ -103,6 +103,8 @@ TEST_F(ServiceAdmin, IsNotReadyWhileTheClassesAreLoaded) {
     EXPECT_TRUE(ready.ends_with("The classes are being loaded.\n")) << ready;
     EXPECT_TRUE(ask("/healthy").starts_with("HTTP/1.1 200 OK\r\n"));
     EXPECT_EQ(faultsOfMetrics(metrics()), "");
+    process().signal(SIGTERM);
+    EXPECT_EQ(process().wait(), 0);
 }
 
 TEST_F(ServiceAdmin, IsNotReadyWhileTheServiceIsBeingStopped) {
@@ -118,6 +120,7 @@ TEST_F(ServiceAdmin, IsNotReadyWhileTheServiceIsBeingStopped) {
     const std::string ready = probe.readAll();
     EXPECT_TRUE(ready.ends_with("The service is being stopped.\n")) << ready;
     EXPECT_TRUE(client.readAll().ends_with("</wsdl:definitions>\n"));
+    EXPECT_EQ(process().wait(), 0);
 }
 
 TEST_F(ServiceAdmin, AnAddressThatOthersReachIsWarnedOf) {
