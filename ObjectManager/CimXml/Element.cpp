@@ -161,12 +161,6 @@ ElementList::Iterator& ElementList::Iterator::operator++() noexcept {
     return *this;
 }
 
-ElementList::Iterator ElementList::Iterator::operator++(int) noexcept {
-    const Iterator before = *this;
-    ++*this;
-    return before;
-}
-
 void ElementRecorder::begin(Tag tag) {
     if (!open_.empty())
         endText(open_.back());

@@ -133,7 +133,7 @@ class ElementList {
 
         [[nodiscard]] Element operator*() const noexcept;
         Iterator& operator++() noexcept;
-        Iterator operator++(int) noexcept;
+        void operator++(int) noexcept { ++*this; }
         friend bool operator==(const Iterator& left, const Iterator& right) noexcept {
             return left.rest_.size() == right.rest_.size();
         }
