@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <optional>
 #include <utility>
@@ -123,7 +124,7 @@ class Loader {
         const bool wasChanged = isChanged_;
         try {
             if (!how_.cacheDirectory.empty())
-                cache_.emplace(how_.cacheDirectory, server);
+                cache_ = std::make_unique<ServerCache>(how_.cacheDirectory, server);
             readServer(server, request, how_.stop);
             keepNames(server);
         } catch (const CimXml::ServerError& error) {
@@ -343,8 +344,8 @@ class Loader {
     LoadOptions how_;
     Base::NameSet names_;  // of sources_
 
-    std::optional<ServerCache> cache_;  // of the server that is read
-    bool isCacheBroken_ = false;        // of which a warning tells
+    std::unique_ptr<ServerCache> cache_;  // of the server that is read; null without a cache
+    bool isCacheBroken_ = false;          // of which a warning tells
 
     std::vector<std::vector<CimNamespace>> namespaces_;  // of each source
     LoadedRepository loaded_;
