@@ -98,7 +98,7 @@ class Element {
     [[nodiscard]] std::optional<std::string_view> attribute(Attribute attribute) const noexcept;
 
     /// Whether an attribute is there and true.
-    [[nodiscard]] bool isTrue(Attribute attribute) const noexcept;
+    [[nodiscard]] bool isTrue(Attribute name) const noexcept;
 
     [[nodiscard]] std::string_view text() const noexcept { return text_; }
     [[nodiscard]] ElementList children() const noexcept;

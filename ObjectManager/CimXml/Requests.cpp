@@ -32,8 +32,8 @@ std::string boolean(const char* name, bool value) {
 }
 
 std::string classNamed(std::string_view name) {
-    return "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"" + std::string(name) +
-           "\"/></IPARAMVALUE>";
+    return R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME=")" + std::string(name) +
+           R"("/></IPARAMVALUE>)";
 }
 
 std::string classForm(bool localOnly) {
@@ -51,7 +51,7 @@ Request request(const char* operation, const std::string& nameSpace,
         "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
         "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"";
     body += kMessageId;
-    body += "\" PROTOCOLVERSION=\"1.0\"><SIMPLEREQ><IMETHODCALL NAME=\"";
+    body += R"(" PROTOCOLVERSION="1.0"><SIMPLEREQ><IMETHODCALL NAME=")";
     body += operation;
     body += "\"><LOCALNAMESPACEPATH>" + path + "</LOCALNAMESPACEPATH>" + parameters +
             "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>\n";
