@@ -166,5 +166,5 @@ class HaproxyTest(BehindProxy, Case):
 
 
 class NginxTest(BehindProxy, Case):
-    proxy = ["nginx", "-e", "stderr", "-p", ".", "-c", "nginx.conf", "-g", "daemon off; pid nginx.pid;"]
+    proxy = ["nginx", "-e", "stderr", "-p", ".", "-c", "nginx.conf", "-g", "daemon off; master_process off; pid nginx.pid;"]
     service = "serve-options"
