@@ -15,7 +15,7 @@ class ExampleProgramsTest : public testing::Test {
         const MofModel model(mof);
         const Pages::ClassRelations relations(model.nameSpace());
         for (const ExampleRequest& each :
-             Pages::exampleRequests(model.cimClass("A_B"), relations, "host:1")) {
+             Pages::exampleRequests(model.cimClass("A_B"), relations, "http://host:1")) {
             if (each.operation == name)
                 return each;
         }
