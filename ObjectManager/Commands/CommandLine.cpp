@@ -118,10 +118,14 @@ void addOption(CLI::App& command, const Option& option, AddedOptions& options) {
     options.emplace(option.name, added);
 }
 
-void addCommand(CLI::App& app, const Command& command) {
+// A command that is not given needs no options: making them takes most of the time until a command
+// begins.
+void addCommand(CLI::App& app, const Command& command, bool isGiven) {
     CLI::App* const added = app.add_subcommand(command.name, command.summary);
     added->footer(command.details);
     added->group("Commands");
+    if (!isGiven)
+        return;
     AddedOptions options;
     for (const Option& option : command.options)
         addOption(*added, option, options);
@@ -144,7 +148,7 @@ ParsedCommandLine parseCommandLine(const Program& program, std::vector<std::stri
                          "Prints the version and exits");
     app.require_subcommand(1);
     for (const Command& command : program.commands)
-        addCommand(app, command);
+        addCommand(app, command, std::ranges::count(arguments, command.name) > 0);
     app.footer(program.details);
     app.failure_message(usageMessage);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <compare>
 #include <map>
 #include <string>
+#include <tuple>
 
 #include "ObjectManager/Commands/SharedOptions.h"
 
@@ -12,7 +12,10 @@ struct VersionClass {
     std::string nameSpace;
     std::string className;
 
-    friend auto operator<=>(const VersionClass&, const VersionClass&) = default;
+    friend bool operator<(const VersionClass& left, const VersionClass& right) noexcept {
+        return std::tie(left.nameSpace, left.className) <
+               std::tie(right.nameSpace, right.className);
+    }
 };
 
 /// The WSDL documents of all classes of a version of a model.
