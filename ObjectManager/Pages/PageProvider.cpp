@@ -210,12 +210,16 @@ class PageProvider::Site {
 };
 
 PageProvider::PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository)
-    : site_(std::make_shared<Site>(repository)) {}
+    : site_(makeSite(repository)) {}
 
 PageProvider::~PageProvider() = default;
 
-void PageProvider::setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository) {
-    auto site = std::make_shared<Site>(repository);
+std::shared_ptr<PageProvider::Site> PageProvider::makeSite(
+    const TSKSmrPtr<Repository::ClassRepository>& repository) {
+    return std::make_shared<Site>(repository);
+}
+
+void PageProvider::setSite(std::shared_ptr<Site> site) noexcept {
     const std::lock_guard lock(mutex_);
     site_.swap(site);
 }

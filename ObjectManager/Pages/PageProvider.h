@@ -25,8 +25,14 @@ class PageProvider final : public urma::pf::Provider {
     explicit PageProvider(const TSKSmrPtr<Repository::ClassRepository>& repository);
     ~PageProvider() override;
 
-    /// Requests that begin from now on see these classes.
-    void setRepository(const TSKSmrPtr<Repository::ClassRepository>& repository);
+    /// The pages of a repository.
+    class Site;
+
+    [[nodiscard]] static std::shared_ptr<Site> makeSite(
+        const TSKSmrPtr<Repository::ClassRepository>& repository);
+
+    /// Requests that begin from now on see these pages. Cannot fail: what does is in makeSite().
+    void setSite(std::shared_ptr<Site> site) noexcept;
 
     [[nodiscard]] TSKString getProviderName() override;
     void postStartup() override;
@@ -38,8 +44,6 @@ class PageProvider final : public urma::pf::Provider {
                             TSKSmrPtr<ITeskTransaction> transaction) override;
 
   private:
-    class Site;
-
     [[nodiscard]] std::shared_ptr<Site> site();
 
     std::mutex mutex_;

@@ -76,9 +76,10 @@ void Service::replace(const TSKSmrPtr<Repository::ClassRepository>& repository,
     std::shared_ptr<Security::CredentialChecker> checker;
     if (users)
         checker = authenticator_->makeChecker(*std::move(users));
+    std::shared_ptr<Pages::PageProvider::Site> site = Pages::PageProvider::makeSite(repository);
     host_.setRepository(repository);
     // Nothing below fails.
-    index_.setRepository(repository);
+    index_.setSite(std::move(site));
     if (checker)
         authenticator_->setChecker(std::move(checker));
     countContent(*repository);

@@ -100,9 +100,9 @@ TEST_F(PageProviderTest, RefusesEveryClientWithoutAnAuthenticator) {
 
 TEST_F(PageProviderTest, ShowsTheClassesThatAreSet) {
     EXPECT_EQ(response(provider_, "GET"), found(*one_));
-    provider_.setRepository(other_);
+    provider_.setSite(PageProvider::makeSite(other_));
     EXPECT_EQ(response(provider_, "GET"), found(*other_));
-    provider_.setRepository(one_);
+    provider_.setSite(PageProvider::makeSite(one_));
     EXPECT_EQ(response(provider_, "HEAD"), found(*one_));
 }
 
@@ -192,7 +192,7 @@ TEST_F(PageProviderTest, SeveralThreadsAskWhileTheClassesChange) {
     runOnThreads(kThreads, [&](int thread) {
         for (int count = 0; count < kRequests; ++count) {
             if (thread == 0)
-                provider_.setRepository(count % 2 == 0 ? other_ : one_);
+                provider_.setSite(PageProvider::makeSite(count % 2 == 0 ? other_ : one_));
             EXPECT_TRUE(right.contains(response(provider_, "GET")));
             (void)response(provider_, "GET", "/-/root/test/TST_One");
         }
