@@ -19,9 +19,10 @@ using std::chrono::steady_clock;
 Connection::Connection(ConnectionContext& context, Stream stream, const tcp::endpoint& client)
     : context_(context),
       stream_(std::move(stream)),
+      usesTls_(stream_.usesTls()),
       client_(client),
       timer_(stream_.socket().get_executor()),
-      parser_(context.options, stream_.usesTls()),
+      parser_(context.options, usesTls_),
       memory_(context.memory) {}
 
 Connection::~Connection() {
@@ -245,7 +246,7 @@ void Connection::sendError(const Error& error) {
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
     std::optional<Response> response = context_.dispatcher.respond(
-        request(), {.endpoint = client_, .usesTls = stream_.usesTls()}, memory_);
+        request(), {.endpoint = client_, .usesTls = usesTls_}, memory_);
     if (!response) {
         continueOnIoThread(&Connection::waitForRoom);
         return;

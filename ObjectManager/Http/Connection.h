@@ -157,6 +157,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
     ConnectionContext& context_;
     Stream stream_;
+    const bool usesTls_;  // for workers, who must not touch the stream
     boost::asio::ip::tcp::endpoint client_;
     boost::asio::steady_timer timer_;
     Phase phase_ = Phase::kReading;          // used by the I/O thread only

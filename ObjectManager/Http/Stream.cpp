@@ -108,8 +108,11 @@ void Stream::open() {
 Stream::Transfer Stream::read(boost::asio::mutable_buffer buffer) noexcept {
     if (session_ == nullptr)
         return readRaw(buffer);
-    if (!hasBegun_ && beginsWithPlainText())
-        return {.status = Status::kPlainText};
+    if (!hasBegun_) {
+        const Status begin = examineFirstByte();
+        if (begin != Status::kDone)
+            return {.status = begin};
+    }
     ERR_clear_error();
     std::size_t bytes = 0;
     const int result = SSL_read_ex(session_.get(), buffer.data(), buffer.size(), &bytes);
@@ -154,12 +157,18 @@ Stream::Transfer Stream::readRaw(boost::asio::mutable_buffer buffer) noexcept {
 }
 
 // The first byte of a handshake is no letter, and that of a request of HTTP is one.
-bool Stream::beginsWithPlainText() noexcept {
+// OpenSSL must not see it before: plain text would be lost to it.
+Stream::Status Stream::examineFirstByte() noexcept {
     char first = '\0';
-    const bool isThere = recv(socket_.native_handle(), &first, 1, MSG_PEEK | MSG_DONTWAIT) == 1;
-    const bool isLetter = isThere && Base::isLetter(first);
-    hasBegun_ = isThere && !isLetter;
-    return isLetter;
+    const ssize_t length = recv(socket_.native_handle(), &first, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (length < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
+        return Status::kWantsRead;
+    if (length <= 0)
+        return Status::kFailed;
+    if (Base::isLetter(first))
+        return Status::kPlainText;
+    hasBegun_ = true;
+    return Status::kDone;
 }
 
 Stream::Status Stream::statusOf(int result) const noexcept {

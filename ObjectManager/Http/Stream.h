@@ -69,7 +69,7 @@ class Stream {
 
   private:
     [[nodiscard]] Transfer readRaw(boost::asio::mutable_buffer buffer) noexcept;
-    [[nodiscard]] bool beginsWithPlainText() noexcept;
+    [[nodiscard]] Status examineFirstByte() noexcept;
     [[nodiscard]] Status statusOf(int result) const noexcept;
 
     boost::asio::ip::tcp::socket socket_;
