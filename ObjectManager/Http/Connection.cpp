@@ -245,8 +245,8 @@ void Connection::sendError(const Error& error) {
 
 // Run by a worker. When there is no memory for a response, the connection closes with the job.
 void Connection::processRequest() {
-    std::optional<Response> response = context_.dispatcher.respond(
-        request(), {.endpoint = client_, .usesTls = usesTls_}, memory_);
+    std::optional<Response> response =
+        context_.dispatcher.respond(request(), {.endpoint = client_, .usesTls = usesTls_}, memory_);
     if (!response) {
         continueOnIoThread(&Connection::waitForRoom);
         return;
