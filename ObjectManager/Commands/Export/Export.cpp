@@ -1,8 +1,10 @@
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObjectManager/Base/OutputDirectory.h"
@@ -11,7 +13,6 @@
 #include "ObjectManager/Commands/Commands.h"
 #include "ObjectManager/Commands/Export/ClassSelection.h"
 #include "ObjectManager/Commands/Export/DocumentExport.h"
-#include "ObjectManager/Commands/Export/PageExport.h"
 #include "ObjectManager/Commands/Model.h"
 #include "ObjectManager/Commands/ParallelWork.h"
 #include "ObjectManager/Commands/ProgressLine.h"
@@ -19,6 +20,7 @@
 #include "ObjectManager/Host/InstallationPaths.h"
 #include "ObjectManager/Host/MemoryClient.h"
 #include "ObjectManager/Host/ProviderHost.h"
+#include "ObjectManager/Pages/ClassPage.h"
 #include "ObjectManager/Pages/IndexPage.h"
 #include "ObjectManager/Pages/SearchData.h"
 
@@ -70,6 +72,21 @@ void addExportOptions(Command& command, ExportOptions& options) {
              "an export that was killed; no other files",
          .target = &options.prune,
          .excludes = "CLASS"});
+}
+
+// Puts the page of each selected class into the directory of its namespace. A class whose name
+// cannot be that of a file is left out; exportDocuments() reports it.
+void exportPages(const ClassSelection& selection, const Base::OutputDirectory& directory,
+                 std::string_view service, unsigned jobs, const std::function<bool()>& isStopped) {
+    const Pages::ClassRelations relations(*selection.nameSpace);
+    workInParallel(selection.classes.size(), jobs, [&](std::size_t number) {
+        const Repository::CimClass& cimClass = *selection.classes[number];
+        const std::string file = std::string(cimClass.name()) + kPageExtension;
+        if (isStopped() || !Base::OutputDirectory::validateName(file).empty())
+            return;
+        directory.put(file,
+                      Pages::makeClassPage(cimClass, relations, Pages::Layout::kExported, service));
+    });
 }
 
 DocumentExportResult writeDocuments(const ExportOptions& options,
